@@ -1,0 +1,15 @@
+#include "AppDelegate.h"
+
+#include "Platform/Platform.h"
+
+namespace pavonel {
+
+AppDelegate::AppDelegate() : controller_(Platform::current(), Settings::shared(), Stats::shared()) {}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::setUp() {
+    controller_.start();
+}
+
+} // namespace pavonel

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Core/BreakVocabulary.h"
+
+namespace pavonel {
+
+class Settings;
+struct Platform;
+
+/// Says how long the user has been away and whether something holds the timer. Keeps no state: every question
+/// is asked afresh of the platform, and a question whose switch is off is not asked at all.
+class ActivityMonitor {
+public:
+    explicit ActivityMonitor(Platform &platform) : platform_(platform) {}
+
+    /// Since the last keyboard or pointer event; 0 when it cannot be read.
+    Seconds idleSeconds() const;
+
+    /// The first condition that holds, in the order of what weighs most: a call, sharing, fullscreen, sound,
+    /// a focus application. Absent when nothing holds the timer.
+    std::optional<PauseReason> currentPauseReason(const Settings &settings) const;
+
+private:
+    bool isRecordingAppActive() const;
+    bool isFrontmostFullscreen() const;
+    bool isFocusAppInFront(const Settings &settings) const;
+
+    Platform &platform_;
+};
+
+} // namespace pavonel

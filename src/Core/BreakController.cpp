@@ -1,0 +1,318 @@
+#include "Core/BreakController.h"
+
+#include "Core/SystemBits.h"
+#include "Platform/Platform.h"
+
+#include <QRandomGenerator>
+
+#include <algorithm>
+
+namespace pavonel {
+
+namespace {
+
+constexpr Seconds oneTick = 1.0;
+
+int &counterOf(Day &day, BreakKind kind) {
+    switch (kind) {
+    case BreakKind::micro:
+        return day.micro;
+    case BreakKind::long_:
+        return day.long_;
+    case BreakKind::planned:
+        break;
+    }
+    return day.planned;
+}
+
+QString anyOf(const QStringList &messages) {
+    if (messages.isEmpty())
+        return QStringLiteral("Look away from the screen.");
+    return messages[QRandomGenerator::global()->bounded(static_cast<int>(messages.size()))];
+}
+
+} // namespace
+
+BreakController::BreakController(Platform &platform, Settings &settings, Stats &stats, BreakRelay *relay)
+    : platform_(platform), loop_(*platform.mainLoop), s_(settings), stats_(stats), relay_(relay),
+      monitor_(platform), today_(loop_) {}
+
+void BreakController::start() {
+    timer_ = loop_.every(oneTick, [this] { tick(); });
+}
+
+void BreakController::tick() {
+    if (phase == Phase::breaking) {
+        tickBreak();
+        return;
+    }
+    if (phase == Phase::paused) {
+        if (pauseUntil.get() && loop_.now() >= *pauseUntil.get()) {
+            pauseUntil = std::nullopt;
+            phase = Phase::counting;
+        }
+        return;
+    }
+    if (isAway() || isHeld() || startDuePlannedBreak())
+        return;
+    countScreenSecond();
+    tickWellness();
+    startOrAnnounceNext();
+}
+
+void BreakController::tickBreak() {
+    breakRemaining = breakRemaining - oneTick;
+    Day day = stats_.today();
+    day.breakSeconds += oneTick;
+    stats_.setToday(day);
+    if (breakRemaining <= 0)
+        endBreak(Ending::completed);
+}
+
+/// An idle spell is a rest of its own. It resets a counter only once it has lasted as long as the break that
+/// it stands in for; until then nothing is counted.
+bool BreakController::isAway() {
+    const Seconds idle = monitor_.idleSeconds();
+    const bool wasAway = std::exchange(away_, s_.naturalBreakEnabled && idle >= s_.idleResetSeconds);
+    if (!away_)
+        return false;
+    if (idle >= s_.longDuration && s_.longEnabled) {
+        longElapsed = 0;
+        microElapsed = 0;
+    } else if (idle >= s_.microDuration) {
+        microElapsed = 0;
+    }
+    dismissHeadsUp();
+    if (!wasAway)
+        stats_.flush(); // nobody is working: a good moment to wake the disk
+    return true;
+}
+
+bool BreakController::isHeld() {
+    const auto reason = monitor_.currentPauseReason(s_);
+    if (reason != pauseReason.get())
+        pauseReason = reason;
+    if (reason)
+        dismissHeadsUp();
+    return reason.has_value();
+}
+
+bool BreakController::startDuePlannedBreak() {
+    const Instant now = loop_.now();
+    const auto &coming = upcomingPlanned(now);
+    if (!coming || coming->fires > now)
+        return false;
+    const PlannedOccurrence due = *coming;
+    planned_.markHandled(due.record.id, due.fires);
+    plannedAnswer_.reset();
+    startBreak(BreakKind::planned, Initiator::schedule, due.record.duration, due.record.label);
+    return true;
+}
+
+void BreakController::countScreenSecond() {
+    microElapsed = microElapsed + oneTick;
+    longElapsed = longElapsed + oneTick;
+    Day day = stats_.today();
+    day.screenSeconds += oneTick;
+    stats_.setToday(day);
+}
+
+void BreakController::tickWellness() {
+    remind(s_.postureEnabled, s_.postureInterval, posturePending_,
+           QStringLiteral("Check your posture — shoulders back, screen at eye level."),
+           QStringLiteral("figure.stand"));
+    remind(s_.blinkEnabled, s_.blinkInterval, blinkPending_, QStringLiteral("Blink slowly a few times."),
+           QStringLiteral("eye"));
+}
+
+void BreakController::remind(bool enabled, Seconds interval, Seconds &pending, const QString &message,
+                             const QString &icon) {
+    if (!enabled)
+        return;
+    pending += oneTick;
+    if (pending < interval)
+        return;
+    pending = 0;
+    if (onWellness)
+        onWellness(message, icon);
+}
+
+void BreakController::startOrAnnounceNext() {
+    const auto coming = next();
+    if (!coming)
+        return;
+    if (coming->remaining <= 0) {
+        startBreak(coming->kind, Initiator::schedule);
+    } else if (!headsUpShown_ && coming->remaining <= s_.preNotifySeconds) {
+        headsUpShown_ = true;
+        phase = Phase::headsUp;
+        if (onHeadsUp)
+            onHeadsUp(coming->kind, coming->title);
+    }
+}
+
+std::optional<NextBreak> BreakController::next() const {
+    std::optional<NextBreak> soonest;
+    // On equal times the earlier candidate stays: micro before long, both before planned.
+    const auto consider = [&soonest](NextBreak candidate) {
+        candidate.remaining = std::max(candidate.remaining, 0.0);
+        if (!soonest || candidate.remaining < soonest->remaining)
+            soonest = std::move(candidate);
+    };
+    if (s_.microEnabled)
+        consider({BreakKind::micro, defaultTitle(BreakKind::micro), s_.microInterval - microElapsed, {}});
+    if (s_.longEnabled)
+        consider({BreakKind::long_, defaultTitle(BreakKind::long_), s_.longInterval - longElapsed, {}});
+    const Instant now = loop_.now();
+    if (const auto &planned = upcomingPlanned(now)) {
+        consider({BreakKind::planned, planned->record.label, secondsBetween(now, planned->fires),
+                  planned->record.id});
+    }
+    return soonest;
+}
+
+void BreakController::startBreak(BreakKind kind, Initiator, std::optional<Seconds> duration,
+                                 const std::optional<QString> &title) {
+    if (phase == Phase::breaking)
+        return;
+    dismissHeadsUp();
+    currentBreak = kind;
+    breakTitle = title.value_or(defaultTitle(kind));
+    breakTotal = duration.value_or(kind == BreakKind::micro ? s_.microDuration : s_.longDuration);
+    breakRemaining = breakTotal.get();
+    breakMessage = anyOf(s_.messages);
+    phase = Phase::breaking;
+    playSound(s_.startSound);
+    Automation::run(*platform_.processes, s_.onBreakStartScript);
+    if (relay_)
+        relay_->breakStarted(kind, breakTitle, breakTotal);
+    if (onBreakStart)
+        onBreakStart(kind);
+}
+
+void BreakController::endBreak(Ending ending) {
+    if (phase != Phase::breaking || !currentBreak.get())
+        return;
+    const BreakKind kind = *currentBreak.get();
+    if (ending == Ending::completed) {
+        Day day = stats_.today();
+        ++counterOf(day, kind);
+        stats_.setToday(day);
+        playSound(s_.endSound);
+    } else {
+        countSkipped();
+    }
+    Automation::run(*platform_.processes, s_.onBreakEndScript);
+    if (relay_)
+        relay_->breakEnded();
+    microElapsed = 0;
+    if (kind != BreakKind::micro)
+        longElapsed = 0;
+    currentBreak = std::nullopt;
+    phase = Phase::counting;
+    if (onBreakEnd)
+        onBreakEnd();
+}
+
+void BreakController::skip() {
+    if (s_.strictMode)
+        return;
+    if (phase == Phase::breaking) {
+        endBreak(Ending::cutShort);
+        return;
+    }
+    const auto coming = s_.isSkipPermitted() ? next() : std::nullopt;
+    if (!coming)
+        return;
+    countSkipped();
+    switch (coming->kind) {
+    case BreakKind::micro:
+        microElapsed = 0;
+        break;
+    case BreakKind::long_:
+        longElapsed = 0;
+        microElapsed = 0;
+        break;
+    case BreakKind::planned:
+        if (const auto planned = upcomingPlanned(loop_.now())) {
+            planned_.markHandled(planned->record.id, planned->fires);
+            plannedAnswer_.reset();
+        }
+        break;
+    }
+    dismissHeadsUp();
+}
+
+void BreakController::postpone(Seconds by) {
+    const auto coming = s_.isPostponePermitted() ? next() : std::nullopt;
+    if (!coming)
+        return;
+    switch (coming->kind) {
+    case BreakKind::micro:
+        microElapsed = std::max(0.0, microElapsed - by);
+        break;
+    case BreakKind::long_:
+        longElapsed = std::max(0.0, longElapsed - by);
+        break;
+    case BreakKind::planned:
+        planned_.defer(*coming->plannedID, loop_.now() + by);
+        plannedAnswer_.reset();
+        break;
+    }
+    dismissHeadsUp();
+}
+
+void BreakController::pause(std::optional<Seconds> forSeconds) {
+    if (phase == Phase::breaking)
+        endBreak(Ending::cutShort);
+    dismissHeadsUp();
+    pauseUntil = forSeconds ? std::optional(loop_.now() + *forSeconds) : std::nullopt;
+    phase = Phase::paused;
+}
+
+void BreakController::togglePause() {
+    if (phase == Phase::paused) {
+        pauseUntil = std::nullopt;
+        phase = Phase::counting;
+    } else {
+        pause();
+    }
+}
+
+void BreakController::dismissHeadsUp() {
+    if (!headsUpShown_ && phase != Phase::headsUp)
+        return;
+    headsUpShown_ = false;
+    if (phase == Phase::headsUp)
+        phase = Phase::counting;
+    if (onHeadsUpDismiss)
+        onHeadsUpDismiss();
+}
+
+void BreakController::playSound(const QString &name) {
+    if (s_.soundEnabled)
+        SoundPlayer::play(*platform_.sounds, name);
+}
+
+void BreakController::countSkipped() {
+    Day day = stats_.today();
+    ++day.skipped;
+    stats_.setToday(day);
+}
+
+const std::optional<PlannedOccurrence> &BreakController::upcomingPlanned(Instant now) const {
+    const LocalDay &today = today_.day();
+    const bool fresh = plannedAnswer_ && plannedAnswer_->recordsVersion == s_.plannedBreaks.version() &&
+                       plannedAnswer_->today.begin == today.begin &&
+                       plannedAnswer_->today.zone == today.zone && plannedAnswer_->validFrom <= now &&
+                       now <= plannedAnswer_->validUntil;
+    if (!fresh) {
+        auto occurrence = planned_.upcoming(s_.plannedBreaks, now, today);
+        const Instant validUntil = occurrence ? occurrence->fires + PlannedSchedule::tooLate : today.end;
+        plannedAnswer_ =
+            PlannedAnswer{std::move(occurrence), today, s_.plannedBreaks.version(), now, validUntil};
+    }
+    return plannedAnswer_->occurrence;
+}
+
+} // namespace pavonel

@@ -1,0 +1,119 @@
+#include "Core/Stats.h"
+
+#include "Core/StrictJson.h"
+#include "Platform/Platform.h"
+
+#include <QJsonDocument>
+#include <QLocale>
+
+#include <cmath>
+
+namespace pavonel {
+
+namespace {
+
+constexpr std::size_t keptDays = 60;
+constexpr int daysInWeek = 7;
+
+QJsonObject encode(const Day &day) {
+    return {{QStringLiteral("micro"), day.micro},
+            {QStringLiteral("long"), day.long_},
+            {QStringLiteral("planned"), day.planned},
+            {QStringLiteral("skipped"), day.skipped},
+            {QStringLiteral("screenSeconds"), day.screenSeconds},
+            {QStringLiteral("breakSeconds"), day.breakSeconds}};
+}
+
+std::optional<Day> decodeDay(const QJsonObject &object) {
+    const auto micro = strictJson::integer(object.value(u"micro"));
+    const auto long_ = strictJson::integer(object.value(u"long"));
+    const auto planned = strictJson::integer(object.value(u"planned"));
+    const auto skipped = strictJson::integer(object.value(u"skipped"));
+    const auto screenSeconds = strictJson::number(object.value(u"screenSeconds"));
+    const auto breakSeconds = strictJson::number(object.value(u"breakSeconds"));
+    if (!micro || !long_ || !planned || !skipped || !screenSeconds || !breakSeconds)
+        return {};
+    return Day{*micro, *long_, *planned, *skipped, *screenSeconds, *breakSeconds};
+}
+
+std::optional<StoredValue> encode(const Days &days) {
+    QJsonObject object;
+    for (const auto &[key, day] : days) {
+        if (!std::isfinite(day.screenSeconds) || !std::isfinite(day.breakSeconds))
+            return {};
+        object.insert(key, encode(day));
+    }
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+std::optional<Days> decodeDays(const QByteArray &json) {
+    const QJsonDocument document = QJsonDocument::fromJson(json);
+    if (!document.isObject())
+        return {};
+    Days days;
+    const QJsonObject object = document.object();
+    for (auto member = object.begin(); member != object.end(); ++member) {
+        const auto day = member.value().isObject() ? decodeDay(member.value().toObject()) : std::nullopt;
+        if (!day)
+            return {};
+        days.emplace(member.key(), *day);
+    }
+    return days;
+}
+
+} // namespace
+
+const QString Stats::key = QStringLiteral("stats.days");
+
+Stats::Stats(UserDefaults &defaults, const MainLoop &loop) : defaults_(defaults), today_(loop) {
+    const auto stored = defaults_.value(key);
+    const auto *json = stored ? std::get_if<QByteArray>(&*stored) : nullptr;
+    if (json)
+        days_ = decodeDays(*json).value_or(Days{});
+}
+
+Stats &Stats::shared() {
+    static Stats stats(*Platform::current().defaults, *Platform::current().mainLoop);
+    return stats;
+}
+
+void Stats::setDays(Days days) {
+    announceChange();
+    days_ = std::move(days);
+    persist();
+}
+
+Day Stats::today() const {
+    const auto found = days_.find(today_.key());
+    return found == days_.end() ? Day{} : found->second;
+}
+
+void Stats::setToday(const Day &day) {
+    announceChange();
+    days_[today_.key()] = day;
+    persist();
+}
+
+std::vector<LabelledDay> Stats::lastWeek() const {
+    const QLocale english(QLocale::English, QLocale::UnitedStates);
+    std::vector<LabelledDay> week;
+    for (int offset = daysInWeek - 1; offset >= 0; --offset) {
+        const QDate date = today_.day().date.addDays(-offset);
+        if (!date.isValid())
+            continue;
+        const auto found = days_.find(dayKey(date));
+        week.push_back({english.toString(date, u"ddd"), found == days_.end() ? Day{} : found->second});
+    }
+    return week;
+}
+
+void Stats::persist() {
+    if (days_.size() > keptDays) {
+        const QDate cutOff = today_.day().date.addDays(-static_cast<int>(keptDays));
+        if (cutOff.isValid())
+            days_.erase(days_.begin(), days_.lower_bound(dayKey(cutOff)));
+    }
+    defaults_.setLazily(key, [this] { return encode(days_); });
+}
+
+} // namespace pavonel

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "Core/LocalDay.h"
+#include "Core/Observable.h"
+#include "Platform/UserDefaults.h"
+
+#include <QString>
+
+#include <map>
+#include <vector>
+
+namespace pavonel {
+
+/// What happened on one calendar day.
+struct Day {
+    int micro = 0;
+    int long_ = 0;
+    int planned = 0;
+    int skipped = 0;
+    Seconds screenSeconds = 0;
+    Seconds breakSeconds = 0;
+
+    bool operator==(const Day &) const = default;
+};
+
+/// A day of the statistics page.
+struct LabelledDay {
+    QString label; ///< The weekday in English, abbreviated: "Mon".
+    Day day;
+
+    bool operator==(const LabelledDay &) const = default;
+};
+
+/// By day key, see `dayKey`; keys sort in date order.
+using Days = std::map<QString, Day>;
+
+/// The statistics: one small record a day, kept under "stats.days" as a JSON object whose members are the day
+/// keys. What cannot be decoded starts empty.
+class Stats final : public Observable {
+public:
+    Stats(UserDefaults &defaults, const MainLoop &loop);
+
+    static Stats &shared();
+
+    const Days &days() const { return days_; }
+    void setDays(Days days);
+
+    /// All zero on a day without a record.
+    Day today() const;
+    void setToday(const Day &day);
+
+    /// Oldest first, the last is today.
+    std::vector<LabelledDay> lastWeek() const;
+
+    /// Puts the counts on disk now instead of within a minute.
+    void flush() { defaults_.flush(); }
+
+    static const QString key;
+
+private:
+    void persist();
+
+    UserDefaults &defaults_;
+    Today today_;
+    Days days_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,39 @@
+#include "Platform/Platform.h"
+#include "Platform/Qt/QtMainLoop.h"
+#include "Platform/Qt/QtScreens.h"
+#include "Platform/Qt/QtWindowLayers.h"
+#include "Platform/Qt/Unavailable.h"
+
+namespace pavonel {
+
+namespace {
+
+template <class Service> std::unique_ptr<Service> none(const char *reason) {
+    return std::make_unique<Service>(QString::fromUtf8(reason));
+}
+
+} // namespace
+
+std::unique_ptr<Platform> makePlatform() {
+    auto platform = std::make_unique<Platform>();
+    platform->mainLoop = std::make_unique<QtMainLoop>();
+    platform->screens = std::make_unique<QtScreens>();
+    platform->idleTime =
+        none<unavailable::IdleTime>("This desktop does not tell how long you have been away.");
+    platform->audioDevices = none<unavailable::AudioDevices>("There is no sound server to ask about calls.");
+    platform->applications =
+        none<unavailable::Applications>("This desktop does not tell which program is in front.");
+    platform->windowList =
+        none<unavailable::WindowList>("This desktop does not tell about fullscreen windows.");
+    platform->windowLayers = std::make_unique<QtWindowLayers>();
+    platform->hotKeys = none<unavailable::HotKeyService>("This desktop does not offer keyboard shortcuts.");
+    platform->sounds = none<unavailable::Sounds>("There is no sound server to play sounds.");
+    platform->processes = none<unavailable::ProcessLauncher>("Scripts cannot be started here.");
+    platform->loginItem =
+        none<unavailable::LoginItem>("This desktop has no place for programs that start at login.");
+    platform->appearance =
+        none<unavailable::Appearance>("This desktop does not tell whether it is light or dark.");
+    return platform;
+}
+
+} // namespace pavonel

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Platform/Appearance.h"
+#include "Platform/Applications.h"
+#include "Platform/AudioDevices.h"
+#include "Platform/HotKeyService.h"
+#include "Platform/IdleTime.h"
+#include "Platform/LoginItem.h"
+#include "Platform/MainLoop.h"
+#include "Platform/ProcessLauncher.h"
+#include "Platform/Screens.h"
+#include "Platform/Sounds.h"
+#include "Platform/UserDefaults.h"
+#include "Platform/WindowLayers.h"
+#include "Platform/WindowList.h"
+
+#include <memory>
+
+namespace pavonel {
+
+/// Everything the program asks of an operating system, one service a member. None is ever null.
+/// Members go in reverse order, so a service may hold on to those above it.
+struct Platform {
+    std::unique_ptr<MainLoop> mainLoop;
+    std::unique_ptr<UserDefaults> defaults;
+    std::unique_ptr<Screens> screens;
+    std::unique_ptr<IdleTime> idleTime;
+    std::unique_ptr<AudioDevices> audioDevices;
+    std::unique_ptr<Applications> applications;
+    std::unique_ptr<WindowList> windowList;
+    std::unique_ptr<WindowLayers> windowLayers;
+    std::unique_ptr<HotKeyService> hotKeys;
+    std::unique_ptr<Sounds> sounds;
+    std::unique_ptr<ProcessLauncher> processes;
+    std::unique_ptr<LoginItem> loginItem;
+    std::unique_ptr<Appearance> appearance;
+
+    /// The platform of this process, on which the shared objects stand. `install` comes first, once.
+    static Platform &current();
+    static void install(std::unique_ptr<Platform> platform);
+};
+
+/// This system's answers, chosen by probing. Needs the application object.
+std::unique_ptr<Platform> makePlatform();
+
+} // namespace pavonel

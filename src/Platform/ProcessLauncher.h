@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Platform/Service.h"
+
+#include <QStringList>
+
+namespace pavonel {
+
+/// Starts other programs.
+class ProcessLauncher : public Service {
+public:
+    /// Starts `program` (an absolute path) and returns at once; the program outlives us. Where the path does
+    /// not exist, our own tool of the same name stands in for it. False when nothing could be started.
+    virtual bool launch(const QString &program, const QStringList &arguments) = 0;
+};
+
+} // namespace pavonel

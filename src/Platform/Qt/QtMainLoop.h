@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Platform/MainLoop.h"
+
+#include <QObject>
+
+#include <map>
+
+class QTimer;
+
+namespace pavonel {
+
+/// The main loop of the application object.
+class QtMainLoop final : public MainLoop {
+public:
+    QtMainLoop();
+    ~QtMainLoop() override;
+
+    Instant now() const override;
+    QTimeZone zone() const override;
+    TimerHandle every(Seconds interval, Action action) override;
+    TimerHandle after(Seconds delay, Action action) override;
+    void post(Action action) override;
+
+private:
+    class Metronome;
+
+    QObject context_;
+    std::map<Seconds, std::weak_ptr<Metronome>> metronomes_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Platform/WindowLayers.h"
+
+namespace pavonel {
+
+/// What Qt can do by itself on any system: frameless windows that ask to stay on top.
+class QtWindowLayers final : public WindowLayers {
+public:
+    QString limitation() const override;
+    void assign(QWindow &window, WindowLayer layer, const Screen &screen) override;
+    void takeKeyboard(QWindow &window) override;
+    void yieldKeyboard() override {}
+};
+
+} // namespace pavonel

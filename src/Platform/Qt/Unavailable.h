@@ -1,0 +1,81 @@
+#pragma once
+
+#include "Platform/Platform.h"
+
+#include <utility>
+
+/// Answers for services that cannot work here: each harmless, each with the reason.
+namespace pavonel::unavailable {
+
+template <class Interface> class Unavailable : public Interface {
+public:
+    explicit Unavailable(QString reason) : reason_(std::move(reason)) {}
+    QString limitation() const final { return reason_; }
+
+private:
+    QString reason_;
+};
+
+class IdleTime final : public Unavailable<pavonel::IdleTime> {
+public:
+    using Unavailable::Unavailable;
+    Seconds idleSeconds() override { return 0; }
+};
+
+class AudioDevices final : public Unavailable<pavonel::AudioDevices> {
+public:
+    using Unavailable::Unavailable;
+    bool isDefaultInputRunning() override { return false; }
+    bool isDefaultOutputRunning() override { return false; }
+};
+
+class Applications final : public Unavailable<pavonel::Applications> {
+public:
+    using Unavailable::Unavailable;
+    std::vector<Application> running() override { return {}; }
+    std::optional<Application> frontmost() override { return {}; }
+};
+
+class WindowList final : public Unavailable<pavonel::WindowList> {
+public:
+    using Unavailable::Unavailable;
+    std::vector<OnScreenWindow> onScreenWindows() override { return {}; }
+};
+
+class HotKeyService final : public Unavailable<pavonel::HotKeyService> {
+public:
+    using Unavailable::Unavailable;
+    void setPressHandler(PressHandler) override {}
+    std::unique_ptr<HotKeyRegistration> registerKey(std::uint32_t, std::uint32_t, std::uint32_t) override {
+        return nullptr;
+    }
+};
+
+class Sounds final : public Unavailable<pavonel::Sounds> {
+public:
+    using Unavailable::Unavailable;
+    void play(const QString &) override {}
+    QStringList names() override { return {}; }
+};
+
+class ProcessLauncher final : public Unavailable<pavonel::ProcessLauncher> {
+public:
+    using Unavailable::Unavailable;
+    bool launch(const QString &, const QStringList &) override { return false; }
+};
+
+class LoginItem final : public Unavailable<pavonel::LoginItem> {
+public:
+    using Unavailable::Unavailable;
+    bool isEnabled() override { return false; }
+    std::optional<QString> setEnabled(bool) override { return limitation(); }
+};
+
+class Appearance final : public Unavailable<pavonel::Appearance> {
+public:
+    using Unavailable::Unavailable;
+    AppearanceWishes wishes() override { return {}; }
+    void onChange(std::function<void()>) override {}
+};
+
+} // namespace pavonel::unavailable

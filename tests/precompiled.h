@@ -1,0 +1,5 @@
+#pragma once
+
+#include "UI/precompiled.h"
+
+#include <gtest/gtest.h>

@@ -1,0 +1,239 @@
+#pragma once
+
+#include "Platform/Platform.h"
+#include "support/VirtualMainLoop.h"
+
+#include <QHash>
+#include <QPair>
+#include <QWindow>
+
+#include <utility>
+
+namespace pavonel::test {
+
+struct FakeDefaults final : UserDefaults {
+    mutable QHash<QString, StoredValue> values;
+    mutable QHash<QString, Encoder> encoders;
+    QStringList written; ///< The keys in the order of their writing.
+    int flushes = 0;
+
+    std::optional<StoredValue> value(const QString &key) const override {
+        if (const auto encoder = encoders.constFind(key); encoder != encoders.constEnd()) {
+            if (auto encoded = (*encoder)())
+                values[key] = std::move(*encoded);
+        }
+        const auto found = values.constFind(key);
+        return found == values.constEnd() ? std::nullopt : std::optional(*found);
+    }
+    void set(const QString &key, StoredValue value) override {
+        written.append(key);
+        encoders.remove(key);
+        values[key] = std::move(value);
+    }
+    void setLazily(const QString &key, Encoder encode) override { encoders[key] = std::move(encode); }
+    void remove(const QString &key) override {
+        encoders.remove(key);
+        values.remove(key);
+    }
+    void flush() override { ++flushes; }
+};
+
+struct FakeScreens final : Screens {
+    std::vector<Screen> screens{{QStringLiteral("A"), {0, 0, 1920, 1080}, {0, 24, 1920, 1056}, true}};
+    int queries = 0;
+
+    std::vector<Screen> all() override {
+        ++queries;
+        return screens;
+    }
+};
+
+struct FakeIdleTime final : IdleTime {
+    Seconds seconds = 0;
+    int queries = 0;
+
+    Seconds idleSeconds() override {
+        ++queries;
+        return seconds;
+    }
+};
+
+struct FakeAudioDevices final : AudioDevices {
+    bool input = false;
+    bool output = false;
+    int queries = 0;
+
+    bool isDefaultInputRunning() override {
+        ++queries;
+        return input;
+    }
+    bool isDefaultOutputRunning() override {
+        ++queries;
+        return output;
+    }
+};
+
+struct FakeApplications final : Applications {
+    std::vector<Application> applications;
+    std::optional<Application> front;
+    int runningQueries = 0;
+    int frontmostQueries = 0;
+
+    std::vector<Application> running() override {
+        ++runningQueries;
+        return applications;
+    }
+    std::optional<Application> frontmost() override {
+        ++frontmostQueries;
+        return front;
+    }
+};
+
+struct FakeWindowList final : WindowList {
+    std::vector<OnScreenWindow> windows;
+    int queries = 0;
+
+    std::vector<OnScreenWindow> onScreenWindows() override {
+        ++queries;
+        return windows;
+    }
+};
+
+struct FakeWindowLayers final : WindowLayers {
+    struct Assignment {
+        QWindow *window;
+        WindowLayer layer;
+        Screen screen;
+    };
+    std::vector<Assignment> assignments;
+    int keyboardTaken = 0;
+    int keyboardYielded = 0;
+
+    void assign(QWindow &window, WindowLayer layer, const Screen &screen) override {
+        assignments.push_back({&window, layer, screen});
+        window.setGeometry(screen.frame.toRect());
+    }
+    void takeKeyboard(QWindow &) override { ++keyboardTaken; }
+    void yieldKeyboard() override { ++keyboardYielded; }
+};
+
+struct FakeHotKeys final : HotKeyService {
+    struct Key {
+        std::uint32_t keyCode;
+        std::uint32_t modifiers;
+        std::uint32_t identifier;
+        bool operator==(const Key &) const = default;
+    };
+    std::vector<Key> registered; ///< Live registrations.
+    std::vector<Key> attempts;
+    bool refuses = false;
+    PressHandler handler;
+    int handlersSet = 0;
+
+    void setPressHandler(PressHandler pressHandler) override {
+        handler = std::move(pressHandler);
+        ++handlersSet;
+    }
+    std::unique_ptr<HotKeyRegistration> registerKey(std::uint32_t keyCode, std::uint32_t modifiers,
+                                                    std::uint32_t identifier) override {
+        const Key key{keyCode, modifiers, identifier};
+        attempts.push_back(key);
+        if (refuses)
+            return nullptr;
+        registered.push_back(key);
+        return std::make_unique<Registration>(*this, key);
+    }
+
+private:
+    struct Registration final : HotKeyRegistration {
+        Registration(FakeHotKeys &owner, Key registeredKey) : keys(owner), key(registeredKey) {}
+        ~Registration() override {
+            const auto found = std::find(keys.registered.begin(), keys.registered.end(), key);
+            if (found != keys.registered.end())
+                keys.registered.erase(found);
+        }
+        FakeHotKeys &keys;
+        Key key;
+    };
+};
+
+struct FakeSounds final : Sounds {
+    QStringList played;
+
+    void play(const QString &name) override { played.append(name); }
+    QStringList names() override { return {QStringLiteral("Glass"), QStringLiteral("Submarine")}; }
+};
+
+struct FakeProcessLauncher final : ProcessLauncher {
+    using Launch = std::pair<QString, QStringList>;
+    std::vector<Launch> launches;
+    bool succeeds = true;
+
+    bool launch(const QString &program, const QStringList &arguments) override {
+        launches.emplace_back(program, arguments);
+        return succeeds;
+    }
+};
+
+struct FakeLoginItem final : LoginItem {
+    bool enabled = false;
+    std::optional<QString> failure;
+    std::vector<bool> requests;
+
+    bool isEnabled() override { return enabled; }
+    std::optional<QString> setEnabled(bool wanted) override {
+        requests.push_back(wanted);
+        if (!failure)
+            enabled = wanted;
+        return failure;
+    }
+};
+
+struct FakeAppearance final : Appearance {
+    AppearanceWishes current;
+    std::function<void()> listener;
+
+    AppearanceWishes wishes() override { return current; }
+    void onChange(std::function<void()> changed) override { listener = std::move(changed); }
+    void change(AppearanceWishes wanted) {
+        current = wanted;
+        if (listener)
+            listener();
+    }
+};
+
+/// A platform of plain fakes; the references name them by their own types.
+struct FakePlatform : Platform {
+    explicit FakePlatform(const QByteArray &zoneId = "UTC") : FakePlatform(new VirtualMainLoop(zoneId)) {}
+
+    VirtualMainLoop &loop;
+    FakeDefaults &fakeDefaults;
+    FakeScreens &fakeScreens;
+    FakeIdleTime &idle;
+    FakeAudioDevices &audio;
+    FakeApplications &apps;
+    FakeWindowList &windows;
+    FakeWindowLayers &layers;
+    FakeHotKeys &keys;
+    FakeSounds &fakeSounds;
+    FakeProcessLauncher &launcher;
+    FakeLoginItem &login;
+    FakeAppearance &look;
+
+private:
+    explicit FakePlatform(VirtualMainLoop *virtualLoop)
+        : loop(give(mainLoop, virtualLoop)), fakeDefaults(give(defaults, new FakeDefaults)),
+          fakeScreens(give(screens, new FakeScreens)), idle(give(idleTime, new FakeIdleTime)),
+          audio(give(audioDevices, new FakeAudioDevices)), apps(give(applications, new FakeApplications)),
+          windows(give(windowList, new FakeWindowList)), layers(give(windowLayers, new FakeWindowLayers)),
+          keys(give(hotKeys, new FakeHotKeys)), fakeSounds(give(sounds, new FakeSounds)),
+          launcher(give(processes, new FakeProcessLauncher)), login(give(loginItem, new FakeLoginItem)),
+          look(give(appearance, new FakeAppearance)) {}
+
+    template <class Interface, class Fake> static Fake &give(std::unique_ptr<Interface> &place, Fake *fake) {
+        place.reset(fake);
+        return *fake;
+    }
+};
+
+} // namespace pavonel::test
