@@ -1,0 +1,52 @@
+#include "Core/HotKeys.h"
+
+#include "Platform/Platform.h"
+
+#include <utility>
+
+namespace pavonel {
+
+HotKeyManager::HotKeyManager(HotKeyService &service, MainLoop &loop) : service_(service), loop_(loop) {}
+
+HotKeyManager::~HotKeyManager() {
+    if (handlerInstalled_)
+        service_.setPressHandler({});
+}
+
+HotKeyManager &HotKeyManager::shared() {
+    static HotKeyManager manager(*Platform::current().hotKeys, *Platform::current().mainLoop);
+    return manager;
+}
+
+void HotKeyManager::registerBinding(Binding binding) {
+    if (!std::exchange(handlerInstalled_, true)) {
+        service_.setPressHandler([this, &loop = loop_, alive = std::weak_ptr(alive_)](std::uint32_t id) {
+            loop.post([this, alive, id] {
+                if (alive.lock())
+                    dispatch(id);
+            });
+        });
+    }
+    const std::uint32_t id = binding.id;
+    const std::uint32_t keyCode = binding.keyCode;
+    const std::uint32_t modifiers = binding.modifiers;
+    bindings_.insert_or_assign(id, std::move(binding));
+    if (auto registration = service_.registerKey(keyCode, modifiers, id))
+        refs_.insert_or_assign(id, std::move(registration));
+}
+
+void HotKeyManager::unregisterEscape() {
+    if (refs_.erase(escapeID) > 0)
+        bindings_.erase(escapeID);
+}
+
+void HotKeyManager::dispatch(std::uint32_t id) {
+    const auto binding = bindings_.find(id);
+    if (binding == bindings_.end())
+        return;
+    const auto action = binding->second.action; // it may unregister its own binding
+    if (action)
+        action();
+}
+
+} // namespace pavonel
