@@ -3,6 +3,8 @@
 #include "Platform/Screens.h"
 #include "Platform/Service.h"
 
+#include <Qt>
+
 class QWindow;
 
 namespace pavonel {
@@ -13,10 +15,25 @@ enum class WindowLayer {
 };
 
 /// Puts the program's own windows above those of all others, on every desktop, out of taskbars and pagers.
+///
+/// How these windows come to be differs between window systems, so whoever makes one keeps to this order:
+///   1. `widget.setWindowFlags(layers.windowFlags(layer))`, and the attributes that choose the native
+///   window's
+///      kind (`Qt::WA_TranslucentBackground`);
+///   2. `widget.setGeometry(…)`: the screen's frame for an overlay, anywhere on that screen for a panel;
+///   3. `widget.winId()`, which makes the native window and so `widget.windowHandle()`;
+///   4. `layers.assign(*widget.windowHandle(), layer, screen)`;
+///   5. `widget.show()`;
+///   6. for the one overlay that is to get the keys, `layers.takeKeyboard(*widget.windowHandle())`.
+/// A window that was hidden goes through 4 to 6 again. Moving a visible panel needs nothing more than
+/// `widget.move`. Before the last overlay goes, `yieldKeyboard`.
 class WindowLayers : public Service {
 public:
-    /// Prepares a frameless window that was not shown yet; it stays in its layer while it is visible, above
-    /// windows that open later too. `screen` is where it stands.
+    /// All the flags that a window of this layer needs before its native window is made; frameless ones.
+    virtual Qt::WindowFlags windowFlags(WindowLayer layer) const = 0;
+
+    /// Prepares a window that has its native window and is not visible. It stays in its layer while it is
+    /// visible, above windows that open later too, and is forgotten when it is destroyed.
     virtual void assign(QWindow &window, WindowLayer layer, const Screen &screen) = 0;
 
     /// Gives the keyboard to a visible overlay. Where the desktop decides by itself, nothing happens.

@@ -109,9 +109,12 @@ struct FakeWindowLayers final : WindowLayers {
     int keyboardTaken = 0;
     int keyboardYielded = 0;
 
+    Qt::WindowFlags windowFlags(WindowLayer layer) const override {
+        const Qt::WindowFlags flags = Qt::Tool | Qt::FramelessWindowHint;
+        return layer == WindowLayer::panel ? flags | Qt::WindowDoesNotAcceptFocus : flags;
+    }
     void assign(QWindow &window, WindowLayer layer, const Screen &screen) override {
         assignments.push_back({&window, layer, screen});
-        window.setGeometry(screen.frame.toRect());
     }
     void takeKeyboard(QWindow &) override { ++keyboardTaken; }
     void yieldKeyboard() override { ++keyboardYielded; }

@@ -8,14 +8,12 @@ QString QtWindowLayers::limitation() const {
     return QStringLiteral("This desktop does not let a break lie above fullscreen windows.");
 }
 
-void QtWindowLayers::assign(QWindow &window, WindowLayer layer, const Screen &screen) {
-    Qt::WindowFlags flags = Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
-    if (layer == WindowLayer::panel)
-        flags |= Qt::WindowDoesNotAcceptFocus;
-    window.setFlags(flags);
-    if (layer == WindowLayer::overlay)
-        window.setGeometry(screen.frame.toRect());
+Qt::WindowFlags QtWindowLayers::windowFlags(WindowLayer layer) const {
+    const Qt::WindowFlags flags = Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
+    return layer == WindowLayer::panel ? flags | Qt::WindowDoesNotAcceptFocus : flags;
 }
+
+void QtWindowLayers::assign(QWindow &, WindowLayer, const Screen &) {}
 
 void QtWindowLayers::takeKeyboard(QWindow &window) {
     window.requestActivate();

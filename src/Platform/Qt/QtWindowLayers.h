@@ -8,6 +8,7 @@ namespace pavonel {
 class QtWindowLayers final : public WindowLayers {
 public:
     QString limitation() const override;
+    Qt::WindowFlags windowFlags(WindowLayer layer) const override;
     void assign(QWindow &window, WindowLayer layer, const Screen &screen) override;
     void takeKeyboard(QWindow &window) override;
     void yieldKeyboard() override {}
