@@ -1,0 +1,67 @@
+#include "UI/Symbol.h"
+
+#include <QDir>
+#include <QPainter>
+#include <QSvgRenderer>
+
+#include <cmath>
+
+/// The drawings lie in a static library, whose resources the linker leaves out unless somebody asks for them.
+static void loadSymbols() {
+    Q_INIT_RESOURCE(symbols);
+}
+
+namespace pavonel::Symbol {
+
+namespace {
+
+QDir drawings() {
+    loadSymbols();
+    return QDir(QStringLiteral(":/symbols"));
+}
+
+/// Template drawings lend their shape only.
+void fillShape(QImage &image, const QColor &tint) {
+    QPainter painter(&image);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), tint);
+}
+
+} // namespace
+
+QImage image(const QString &name, qreal side, const QColor &tint, qreal devicePixelRatio) {
+    constexpr qreal largest = 4096;
+    const qreal pixels = std::round(side * devicePixelRatio);
+    const QDir folder = drawings();
+    const QString file = name + QStringLiteral(".svg");
+    if (!(pixels >= 1 && pixels <= largest) || name.contains(QLatin1Char('/')) || !folder.exists(file))
+        return {};
+    QImage image(static_cast<int>(pixels), static_cast<int>(pixels), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    QSvgRenderer(folder.filePath(file)).render(&painter);
+    painter.end();
+    fillShape(image, tint);
+    image.setDevicePixelRatio(devicePixelRatio);
+    return image;
+}
+
+QImage mark(const QColor &tint, int devicePixelRatio) {
+    loadSymbols();
+    QImage image(devicePixelRatio > 1 ? QStringLiteral(":/menubar@2x.png") : QStringLiteral(":/menubar.png"));
+    if (image.isNull())
+        return {};
+    image.convertTo(QImage::Format_ARGB32_Premultiplied);
+    fillShape(image, tint);
+    image.setDevicePixelRatio(devicePixelRatio > 1 ? 2 : 1);
+    return image;
+}
+
+QStringList names() {
+    QStringList known = drawings().entryList(QDir::Files, QDir::Name);
+    for (QString &file : known)
+        file.chop(4); // ".svg"
+    return known;
+}
+
+} // namespace pavonel::Symbol
