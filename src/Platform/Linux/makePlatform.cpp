@@ -1,8 +1,11 @@
 #include "Platform/Platform.h"
+#include "Platform/Qt/FileDefaults.h"
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/Qt/QtScreens.h"
 #include "Platform/Qt/QtWindowLayers.h"
 #include "Platform/Qt/Unavailable.h"
+
+#include <QDir>
 
 namespace pavonel {
 
@@ -12,11 +15,20 @@ template <class Service> std::unique_ptr<Service> none(const char *reason) {
     return std::make_unique<Service>(QString::fromUtf8(reason));
 }
 
+/// A relative `XDG_CONFIG_HOME` counts as none, as its standard demands.
+QString defaultsPath() {
+    QString folder = qEnvironmentVariable("XDG_CONFIG_HOME");
+    if (!QDir::isAbsolutePath(folder))
+        folder = QDir::homePath() + QStringLiteral("/.config");
+    return folder + QStringLiteral("/pavonel/defaults.json");
+}
+
 } // namespace
 
 std::unique_ptr<Platform> makePlatform() {
     auto platform = std::make_unique<Platform>();
     platform->mainLoop = std::make_unique<QtMainLoop>();
+    platform->defaults = std::make_unique<FileDefaults>(defaultsPath(), *platform->mainLoop);
     platform->screens = std::make_unique<QtScreens>();
     platform->idleTime =
         none<unavailable::IdleTime>("This desktop does not tell how long you have been away.");

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Platform/MainLoop.h"
+#include "Platform/Qt/StoredJson.h"
+#include "Platform/UserDefaults.h"
+
+namespace pavonel {
+
+/// The store as one JSON file for the user's eyes only, kept in memory and written whole.
+///
+/// A file that cannot be used (damaged, absurdly large, not a regular file, or unreadable for lack of
+/// permission or because the disk failed) is renamed to `<name>.broken-<time>` and the store starts empty.
+/// Where even the renaming fails, it is tried again before each write: what was never read is never
+/// overwritten.
+///
+/// Destroying the store writes nothing, because lazily set values may be gone by then: flush before.
+class FileDefaults final : public UserDefaults {
+public:
+    FileDefaults(QString path, MainLoop &loop);
+
+    std::optional<StoredValue> value(const QString &key) const override;
+    void set(const QString &key, StoredValue value) override;
+    void setLazily(const QString &key, Encoder encode) override;
+    void remove(const QString &key) override;
+    void flush() override;
+
+private:
+    enum class Urgency { whenConvenient, soon };
+
+    void makeFolder() const;
+    bool read();
+    bool setAside();
+    void schedule(Urgency urgency);
+    void collectLazyValues();
+    bool write();
+
+    QString path_;
+    MainLoop &loop_;
+    storedJson::Members members_;
+    std::map<QString, Encoder> encoders_;
+    bool fileIsOurs_ = false; ///< What lies at the path was read or written by us.
+    bool isChanged_ = false;  ///< The members differ from the file.
+    TimerHandle nextWrite_;
+    Urgency nextUrgency_ = Urgency::whenConvenient;
+    Seconds retryDelay_;
+};
+
+} // namespace pavonel
