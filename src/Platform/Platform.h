@@ -10,6 +10,7 @@
 #include "Platform/ProcessLauncher.h"
 #include "Platform/Screens.h"
 #include "Platform/Sounds.h"
+#include "Platform/StatusItem.h"
 #include "Platform/UserDefaults.h"
 #include "Platform/WindowLayers.h"
 #include "Platform/WindowList.h"
@@ -34,6 +35,7 @@ struct Platform {
     std::unique_ptr<ProcessLauncher> processes;
     std::unique_ptr<LoginItem> loginItem;
     std::unique_ptr<Appearance> appearance;
+    std::unique_ptr<StatusItem> statusItem;
 
     /// The platform of this process, on which the shared objects stand. `install` comes first, once.
     static Platform &current();

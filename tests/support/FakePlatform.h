@@ -4,6 +4,7 @@
 #include "support/VirtualMainLoop.h"
 
 #include <QHash>
+#include <QImage>
 #include <QPair>
 #include <QWindow>
 
@@ -205,6 +206,27 @@ struct FakeAppearance final : Appearance {
     }
 };
 
+struct FakeStatusItem final : StatusItem {
+    QString icon;
+    std::vector<QImage> images;
+    QString title;
+    std::function<Menu()> makeMenu;
+    int changes = 0;
+
+    void setIcon(const QString &name, const std::vector<QImage> &sizes) override
+    {
+        icon = name;
+        images = sizes;
+        ++changes;
+    }
+    void setTitle(const QString &text) override
+    {
+        title = text;
+        ++changes;
+    }
+    void setMenu(std::function<Menu()> menu) override { makeMenu = std::move(menu); }
+};
+
 /// A platform of plain fakes; the references name them by their own types.
 struct FakePlatform : Platform {
     explicit FakePlatform(const QByteArray &zoneId = "UTC") : FakePlatform(new VirtualMainLoop(zoneId)) {}
@@ -222,6 +244,7 @@ struct FakePlatform : Platform {
     FakeProcessLauncher &launcher;
     FakeLoginItem &login;
     FakeAppearance &look;
+    FakeStatusItem &menuBar;
 
 private:
     explicit FakePlatform(VirtualMainLoop *virtualLoop)

@@ -78,4 +78,12 @@ public:
     void onChange(std::function<void()>) override {}
 };
 
+class StatusItem final : public Unavailable<pavonel::StatusItem> {
+public:
+    using Unavailable::Unavailable;
+    void setIcon(const QString &, const std::vector<QImage> &) override {}
+    void setTitle(const QString &) override {}
+    void setMenu(std::function<Menu()>) override {}
+};
+
 } // namespace pavonel::unavailable

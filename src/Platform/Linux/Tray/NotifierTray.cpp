@@ -1,0 +1,79 @@
+#include "Platform/Linux/Tray/NotifierTray.h"
+
+#include <QCoreApplication>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QPoint>
+#include <QtEndian>
+
+#include <utility>
+
+namespace pavonel {
+
+namespace {
+
+const QString watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString itemPath = QStringLiteral("/StatusNotifierItem");
+
+DBusPixmap busPixmap(const QImage &image) {
+    const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
+    DBusPixmap pixmap{argb.width(), argb.height(),
+                      QByteArray(argb.width() * argb.height() * 4, Qt::Uninitialized)};
+    char *out = pixmap.bytes.data();
+    for (int y = 0; y < argb.height(); ++y) {
+        qToBigEndian<quint32>(argb.constScanLine(y), argb.width(), out);
+        out += argb.width() * 4;
+    }
+    return pixmap;
+}
+
+} // namespace
+
+NotifierTray::NotifierTray(const QDBusConnection &bus, const QString &iconFolder,
+                           std::function<void()> presenceChanged, std::function<void(QPoint)> showMenu)
+    : bus_(bus),
+      serviceName_(QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid())),
+      files_(iconFolder), item_(iconFolder, std::move(showMenu)),
+      presenceChanged_(std::move(presenceChanged)) {
+    constexpr auto exported = QDBusConnection::ExportAllContents;
+    if (!bus_.isConnected() || !bus_.registerObject(itemPath, &item_, exported) ||
+        !bus_.registerObject(NotifierItem::menuPath, &menu_, exported) || !bus_.registerService(serviceName_))
+        return;
+    watcher_.setConnection(bus_);
+    watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    watcher_.addWatchedService(watcherName);
+    QObject::connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, &item_,
+                     [this](const QString &, const QString &, const QString &newOwner) {
+                         present_ = !newOwner.isEmpty();
+                         if (present_)
+                             announce();
+                         presenceChanged_();
+                     });
+    present_ = bus_.interface()->isServiceRegistered(watcherName);
+    if (present_)
+        announce();
+}
+
+NotifierTray::~NotifierTray() {
+    bus_.unregisterService(serviceName_);
+    bus_.unregisterObject(itemPath);
+    bus_.unregisterObject(NotifierItem::menuPath);
+}
+
+void NotifierTray::announce() {
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(watcherName, QStringLiteral("/StatusNotifierWatcher"), watcherName,
+                                       QStringLiteral("RegisterStatusNotifierItem"));
+    call << serviceName_;
+    call.setAutoStartService(false);
+    bus_.call(call, QDBus::NoBlock);
+}
+
+void NotifierTray::setIcon(const QString &symbol, const std::vector<QImage> &images) {
+    QList<DBusPixmap> pixmaps;
+    for (const QImage &image : images)
+        pixmaps.append(busPixmap(image));
+    item_.setIcon(files_.nameFor(symbol, images), pixmaps);
+}
+
+} // namespace pavonel

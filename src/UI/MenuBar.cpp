@@ -1,0 +1,196 @@
+#include "UI/MenuBar.h"
+
+#include "Core/LocalDay.h"
+#include "Platform/Platform.h"
+#include "UI/ClockText.h"
+#include "UI/Symbol.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QLocale>
+
+#include <cmath>
+#include <utility>
+
+namespace pavonel {
+
+namespace {
+
+constexpr Seconds refreshInterval = 1.0;
+constexpr Seconds secondsPerDay = 86400;
+
+const QString mark = QStringLiteral("menubar");
+
+QString symbolOf(PauseReason reason) {
+    switch (reason) {
+    case PauseReason::fullscreen:
+        return QStringLiteral("arrow.up.left.and.arrow.down.right");
+    case PauseReason::audio:
+        return QStringLiteral("speaker.wave.2");
+    case PauseReason::microphone:
+        return QStringLiteral("mic");
+    case PauseReason::screenSharing:
+        return QStringLiteral("record.circle");
+    case PauseReason::deepFocus:
+        return QStringLiteral("brain.head.profile");
+    }
+    return {};
+}
+
+std::vector<QImage> images(const QString &name) {
+    constexpr int points = 18;
+    std::vector<QImage> sizes;
+    for (const qreal scale : {1.0, 2.0, 3.0}) {
+        QImage image = symbolImage(name, points, Qt::black, scale);
+        if (!image.isNull())
+            sizes.push_back(std::move(image));
+    }
+    return sizes;
+}
+
+MenuItem label(const QString &title) {
+    return {MenuItem::Kind::label, title, {}, {}, {}};
+}
+
+MenuItem separator() {
+    return {MenuItem::Kind::separator, {}, {}, {}, {}};
+}
+
+} // namespace
+
+QString shortRemainingTime(Seconds remaining) {
+    if (remaining < 60)
+        return QStringLiteral("%1s").arg(static_cast<qint64>(remaining));
+    constexpr Seconds longest = 1e12; // what settings may hold by mistake
+    return QStringLiteral("%1m").arg(static_cast<qint64>(std::min(remaining, longest) / 60) + 1);
+}
+
+MenuBarController::MenuBarController(Platform &platform, BreakController &controller,
+                                     const Settings &settings, const Stats &stats,
+                                     std::function<void()> onSettings)
+    : statusItem_(*platform.statusItem), loop_(*platform.mainLoop), controller_(controller),
+      settings_(settings), stats_(stats), onSettings_(std::move(onSettings)),
+      self_(std::make_shared<MenuBarController *>(this)) {
+    statusItem_.setMenu([weak = std::weak_ptr(self_)]() -> Menu {
+        const auto self = weak.lock();
+        return self ? (*self)->menu() : Menu{};
+    });
+    refreshTimer_ = loop_.every(refreshInterval, [this] { refresh(); });
+    refresh();
+}
+
+void MenuBarController::refresh() {
+    Face wanted = face();
+    if (wanted.icon != shown_.icon)
+        statusItem_.setIcon(wanted.icon, images(wanted.icon));
+    if (wanted.title != shown_.title)
+        statusItem_.setTitle(wanted.title);
+    shown_ = std::move(wanted);
+}
+
+MenuBarController::Face MenuBarController::face() const {
+    if (controller_.phase == Phase::breaking)
+        return {QStringLiteral("cup.and.saucer"), clockText(controller_.breakRemaining)};
+    if (controller_.phase == Phase::paused)
+        return {QStringLiteral("pause.circle"), {}};
+    if (const auto &reason = controller_.pauseReason.get())
+        return {symbolOf(*reason), {}};
+    const auto next = controller_.next();
+    return {mark, next ? shortRemainingTime(next->remaining) : QString()};
+}
+
+QString MenuBarController::statusLine() const {
+    if (controller_.phase == Phase::breaking)
+        return QStringLiteral("On break · ") + clockText(controller_.breakRemaining);
+    if (controller_.phase == Phase::paused)
+        return controller_.pauseUntil.get() ? QStringLiteral("Paused until ") + pauseEnd()
+                                            : QStringLiteral("Paused");
+    if (const auto &reason = controller_.pauseReason.get())
+        return QStringLiteral("Waiting · ") + rawValue(*reason);
+    if (const auto next = controller_.next())
+        return next->title + QStringLiteral(": ") + clockText(next->remaining);
+    return QStringLiteral("No break scheduled");
+}
+
+QString MenuBarController::pauseEnd() const {
+    const auto until = std::chrono::floor<std::chrono::milliseconds>(*controller_.pauseUntil.get());
+    const auto local = QDateTime::fromMSecsSinceEpoch(until.time_since_epoch().count(), loop_.zone());
+    return QLocale().toString(local.time(), QLocale::ShortFormat);
+}
+
+Menu MenuBarController::menu() {
+    Menu menu;
+    menu.push_back(label(statusLine()));
+    menu.push_back(separator());
+    menu.push_back(item(QStringLiteral("Take a micro break"), QStringLiteral("b"), [this] {
+        controller_.startBreak(BreakKind::micro, BreakController::Initiator::user);
+    }));
+    menu.push_back(item(QStringLiteral("Take a long break"), QStringLiteral("l"), [this] {
+        controller_.startBreak(BreakKind::long_, BreakController::Initiator::user);
+    }));
+    if (settings_.isSkipPermitted())
+        menu.push_back(
+            item(QStringLiteral("Skip next break"), QStringLiteral("s"), [this] { controller_.skip(); }));
+    menu.push_back(separator());
+    if (controller_.phase == Phase::paused)
+        menu.push_back(item(QStringLiteral("Resume"), {}, [this] { resume(); }));
+    else
+        menu.push_back({MenuItem::Kind::submenu, QStringLiteral("Pause"), {}, {}, pauseMenu()});
+    menu.push_back(item(QStringLiteral("Reset timers"), {}, [this] { resetTimers(); }));
+    menu.push_back(separator());
+    menu.push_back(label(todayLine()));
+    menu.push_back(separator());
+    menu.push_back(item(QStringLiteral("Settings…"), QStringLiteral(","), [this] { onSettings_(); }));
+    menu.push_back({MenuItem::Kind::command,
+                    QStringLiteral("Quit Pavonel"),
+                    QStringLiteral("q"),
+                    [] { QCoreApplication::quit(); },
+                    {}});
+    return menu;
+}
+
+Menu MenuBarController::pauseMenu() {
+    const auto pausing = [this](const QString &title, Seconds seconds) {
+        return item(title, {}, [this, seconds] { controller_.pause(seconds); });
+    };
+    Menu menu;
+    menu.push_back(pausing(QStringLiteral("15 minutes"), 900));
+    menu.push_back(pausing(QStringLiteral("30 minutes"), 1800));
+    menu.push_back(pausing(QStringLiteral("1 hour"), 3600));
+    menu.push_back(
+        item(QStringLiteral("Until tomorrow"), {}, [this] { controller_.pause(untilTomorrow()); }));
+    menu.push_back(separator());
+    menu.push_back(item(QStringLiteral("Indefinitely"), {}, [this] { controller_.pause(); }));
+    return menu;
+}
+
+MenuItem MenuBarController::item(const QString &title, const QString &key, std::function<void()> action) {
+    auto whileAlive = [weak = std::weak_ptr(self_), action = std::move(action)] {
+        if (weak.lock())
+            action();
+    };
+    return {MenuItem::Kind::command, title, key, std::move(whileAlive), {}};
+}
+
+Seconds MenuBarController::untilTomorrow() const {
+    const Instant now = loop_.now();
+    return secondsBetween(now, LocalDay::containing(now + secondsPerDay, loop_.zone()).begin);
+}
+
+QString MenuBarController::todayLine() const {
+    const Day today = stats_.today();
+    return QStringLiteral("Today: %1 breaks · %2 skipped").arg(today.micro + today.long_).arg(today.skipped);
+}
+
+void MenuBarController::resume() {
+    controller_.pauseUntil = std::nullopt;
+    controller_.phase = Phase::counting;
+}
+
+void MenuBarController::resetTimers() {
+    controller_.microElapsed = 0;
+    controller_.longElapsed = 0;
+    controller_.dismissHeadsUp();
+}
+
+} // namespace pavonel

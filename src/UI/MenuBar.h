@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Core/BreakController.h"
+#include "Platform/StatusItem.h"
+
+#include <functional>
+#include <memory>
+
+namespace pavonel {
+
+/// The item in the menu bar: its icon tells the state at a glance, its title counts down, and its menu holds
+/// the commands. Changes show within a second.
+class MenuBarController {
+public:
+    /// Everything given must outlive the controller.
+    MenuBarController(Platform &platform, BreakController &controller, const Settings &settings,
+                      const Stats &stats, std::function<void()> onSettings);
+
+    /// The first line of the menu.
+    QString statusLine() const;
+
+private:
+    struct Face {
+        QString icon; ///< A symbol's name, or that of the mark.
+        QString title;
+        bool operator==(const Face &) const = default;
+    };
+
+    void refresh();
+    Face face() const;
+    Menu menu();
+    Menu pauseMenu();
+    MenuItem item(const QString &title, const QString &key, std::function<void()> action);
+    QString pauseEnd() const;
+    Seconds untilTomorrow() const;
+    QString todayLine() const;
+    void resume();
+    void resetTimers();
+
+    StatusItem &statusItem_;
+    MainLoop &loop_;
+    BreakController &controller_;
+    const Settings &settings_;
+    const Stats &stats_;
+    std::function<void()> onSettings_;
+    Face shown_;
+    TimerHandle refreshTimer_;
+    std::shared_ptr<MenuBarController *> self_; ///< What menu actions hold weakly: a menu can outlive us.
+};
+
+/// The time left as the menu bar shows it: whole seconds below a minute ("45s"), else minutes ("2m"), one
+/// more than have fully passed, so that it never shows less than is left.
+QString shortRemainingTime(Seconds remaining);
+
+} // namespace pavonel
