@@ -213,14 +213,12 @@ struct FakeStatusItem final : StatusItem {
     std::function<Menu()> makeMenu;
     int changes = 0;
 
-    void setIcon(const QString &name, const std::vector<QImage> &sizes) override
-    {
+    void setIcon(const QString &name, const std::vector<QImage> &sizes) override {
         icon = name;
         images = sizes;
         ++changes;
     }
-    void setTitle(const QString &text) override
-    {
+    void setTitle(const QString &text) override {
         title = text;
         ++changes;
     }
@@ -254,7 +252,7 @@ private:
           windows(give(windowList, new FakeWindowList)), layers(give(windowLayers, new FakeWindowLayers)),
           keys(give(hotKeys, new FakeHotKeys)), fakeSounds(give(sounds, new FakeSounds)),
           launcher(give(processes, new FakeProcessLauncher)), login(give(loginItem, new FakeLoginItem)),
-          look(give(appearance, new FakeAppearance)) {}
+          look(give(appearance, new FakeAppearance)), menuBar(give(statusItem, new FakeStatusItem)) {}
 
     template <class Interface, class Fake> static Fake &give(std::unique_ptr<Interface> &place, Fake *fake) {
         place.reset(fake);
