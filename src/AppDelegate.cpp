@@ -9,6 +9,7 @@ AppDelegate::AppDelegate() : controller_(Platform::current(), Settings::shared()
 AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::setUp() {
+    menuBar_.emplace(Platform::current(), controller_, Settings::shared(), Stats::shared(), [] {});
     controller_.start();
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 
 #include "Core/BreakController.h"
+#include "UI/MenuBar.h"
+
+#include <optional>
 
 namespace pavonel {
 
@@ -14,6 +17,7 @@ public:
 
 private:
     BreakController controller_;
+    std::optional<MenuBarController> menuBar_;
 };
 
 } // namespace pavonel

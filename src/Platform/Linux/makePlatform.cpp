@@ -1,3 +1,4 @@
+#include "Platform/Linux/Tray/TrayStatusItem.h"
 #include "Platform/Platform.h"
 #include "Platform/Qt/FileDefaults.h"
 #include "Platform/Qt/QtMainLoop.h"
@@ -5,7 +6,9 @@
 #include "Platform/Qt/QtWindowLayers.h"
 #include "Platform/Qt/Unavailable.h"
 
+#include <QDBusConnection>
 #include <QDir>
+#include <QStandardPaths>
 
 namespace pavonel {
 
@@ -21,6 +24,12 @@ QString defaultsPath() {
     if (!QDir::isAbsolutePath(folder))
         folder = QDir::homePath() + QStringLiteral("/.config");
     return folder + QStringLiteral("/pavonel/defaults.json");
+}
+
+std::unique_ptr<StatusItem> statusItem(Appearance &appearance) {
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    return std::make_unique<TrayStatusItem>(QDBusConnection::sessionBus(),
+                                            cache + QStringLiteral("/pavonel/menubar"), appearance);
 }
 
 } // namespace
@@ -45,6 +54,7 @@ std::unique_ptr<Platform> makePlatform() {
         none<unavailable::LoginItem>("This desktop has no place for programs that start at login.");
     platform->appearance =
         none<unavailable::Appearance>("This desktop does not tell whether it is light or dark.");
+    platform->statusItem = statusItem(*platform->appearance);
     return platform;
 }
 
