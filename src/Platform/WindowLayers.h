@@ -17,9 +17,7 @@ enum class WindowLayer {
 /// Puts the program's own windows above those of all others, on every desktop, out of taskbars and pagers.
 ///
 /// How these windows come to be differs between window systems, so whoever makes one keeps to this order:
-///   1. `widget.setWindowFlags(layers.windowFlags(layer))`, and the attributes that choose the native
-///   window's
-///      kind (`Qt::WA_TranslucentBackground`);
+///   1. `widget.setWindowFlags(layers.windowFlags(layer))`, and `Qt::WA_TranslucentBackground` if wanted;
 ///   2. `widget.setGeometry(…)`: the screen's frame for an overlay, anywhere on that screen for a panel;
 ///   3. `widget.winId()`, which makes the native window and so `widget.windowHandle()`;
 ///   4. `layers.assign(*widget.windowHandle(), layer, screen)`;

@@ -1,0 +1,165 @@
+#include "Platform/Linux/X11/X11Connection.h"
+
+#include <QAbstractEventDispatcher>
+
+#include <algorithm>
+#include <utility>
+
+namespace pavonel {
+
+std::shared_ptr<X11Connection> X11Connection::open(const QByteArray &display) {
+    int screenNumber = 0;
+    xcb_connection_t *connection =
+        xcb_connect(display.isEmpty() ? nullptr : display.constData(), &screenNumber);
+    if (xcb_connection_has_error(connection)) {
+        xcb_disconnect(connection);
+        return nullptr;
+    }
+    return std::shared_ptr<X11Connection>(new X11Connection(connection, screenNumber));
+}
+
+X11Connection::X11Connection(xcb_connection_t *connection, int screenNumber)
+    : connection_(connection), screenNumber_(screenNumber),
+      notifier_(xcb_get_file_descriptor(connection), QSocketNotifier::Read) {
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (int skipped = 0; skipped < screenNumber && screens.rem > 1; ++skipped)
+        xcb_screen_next(&screens);
+    root_ = screens.data->root;
+    QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_,
+                     [this] { dispatch(xcb_poll_for_event); });
+    // While we wait for a reply, events get read along with it; the socket does not announce those again.
+    if (auto *dispatcher = QAbstractEventDispatcher::instance())
+        beforeSleep_ = QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &notifier_,
+                                        [this] { dispatch(xcb_poll_for_queued_event); });
+}
+
+X11Connection::~X11Connection() {
+    QObject::disconnect(beforeSleep_);
+    notifier_.setEnabled(false);
+    xcb_disconnect(connection_);
+}
+
+bool X11Connection::isInsideWayland() {
+    constexpr char name[] = "XWAYLAND";
+    const XReply<xcb_query_extension_reply_t> extension(xcb_query_extension_reply(
+        connection_, xcb_query_extension(connection_, sizeof name - 1, name), nullptr));
+    return (extension && extension->present) || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+xcb_atom_t X11Connection::atom(const char *name) {
+    const auto known = atoms_.find(name);
+    if (known != atoms_.end())
+        return known->second;
+    const auto length = static_cast<std::uint16_t>(qstrlen(name));
+    const XReply<xcb_intern_atom_reply_t> reply(
+        xcb_intern_atom_reply(connection_, xcb_intern_atom(connection_, 0, length, name), nullptr));
+    if (!reply)
+        return XCB_ATOM_NONE;
+    atoms_.emplace(name, reply->atom);
+    return reply->atom;
+}
+
+XReply<xcb_get_property_reply_t> X11Connection::property(xcb_window_t window, const char *name) {
+    constexpr std::uint32_t longest = 1 << 16; // in items of four bytes: more windows than anybody opens
+    const auto cookie =
+        xcb_get_property(connection_, 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, longest);
+    return XReply<xcb_get_property_reply_t>(xcb_get_property_reply(connection_, cookie, nullptr));
+}
+
+std::vector<std::uint32_t> X11Connection::numbers(xcb_window_t window, const char *name) {
+    const auto reply = property(window, name);
+    if (!reply || reply->format != 32)
+        return {};
+    const auto *items = static_cast<const std::uint32_t *>(xcb_get_property_value(reply.get()));
+    return {items, items + xcb_get_property_value_length(reply.get()) / 4};
+}
+
+std::uint32_t X11Connection::number(xcb_window_t window, const char *name) {
+    const auto items = numbers(window, name);
+    return items.empty() ? 0 : items.front();
+}
+
+QByteArray X11Connection::bytes(xcb_window_t window, const char *name) {
+    const auto reply = property(window, name);
+    if (!reply || reply->format != 8)
+        return {};
+    return {static_cast<const char *>(xcb_get_property_value(reply.get())),
+            xcb_get_property_value_length(reply.get())};
+}
+
+template <class Value>
+X11Connection::SubscriptionHandle X11Connection::add(const std::shared_ptr<Registry<Value>> &registry,
+                                                     Value value) {
+    const std::uint64_t id = ++registry->lastId;
+    registry->entries.emplace(id, std::make_shared<Value>(std::move(value)));
+    return std::make_unique<Subscription>([registry, id] { registry->entries.erase(id); });
+}
+
+/// A listener may end its own subscription, or another one, while it is called.
+template <class Value>
+std::vector<std::weak_ptr<Value>> X11Connection::current(const Registry<Value> &registry) {
+    std::vector<std::weak_ptr<Value>> values;
+    for (const auto &[id, value] : registry.entries)
+        values.push_back(value);
+    return values;
+}
+
+X11Connection::SubscriptionHandle X11Connection::listen(Listener listener) {
+    return add(listeners_, std::move(listener));
+}
+
+X11Connection::SubscriptionHandle X11Connection::onLost(std::function<void()> lost) {
+    return add(lossListeners_, std::move(lost));
+}
+
+X11Connection::SubscriptionHandle X11Connection::watch(xcb_window_t window, std::uint32_t mask) {
+    auto entry = std::make_shared<WatchedWindow>(WatchedWindow{window, mask});
+    watched_.push_back(entry);
+    select(window);
+    return std::make_unique<Subscription>([weak = weak_from_this(), entry] {
+        if (const auto self = weak.lock()) {
+            std::erase(self->watched_, entry);
+            self->select(entry->window);
+        }
+    });
+}
+
+void X11Connection::select(xcb_window_t window) {
+    std::uint32_t mask = XCB_EVENT_MASK_NO_EVENT;
+    for (const auto &entry : watched_) {
+        if (entry->window == window)
+            mask |= entry->mask;
+    }
+    xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &mask);
+}
+
+void X11Connection::flush() {
+    xcb_flush(connection_);
+}
+
+void X11Connection::dispatch(Poll poll) {
+    if (!isAlive())
+        return;
+    const auto self = shared_from_this(); // a listener may let go of us
+    while (const XReply<xcb_generic_event_t> event{poll(connection_)}) {
+        if (event->response_type == 0)
+            continue; // an error: some window went away under our hands
+        for (const auto &weak : current(*listeners_)) {
+            if (const auto listener = weak.lock())
+                (*listener)(*event);
+        }
+    }
+    xcb_flush(connection_);
+    if (xcb_connection_has_error(connection_))
+        noticeLoss();
+}
+
+void X11Connection::noticeLoss() {
+    notifier_.setEnabled(false);
+    for (const auto &weak : current(*lossListeners_)) {
+        if (const auto lost = weak.lock())
+            (*lost)();
+    }
+}
+
+} // namespace pavonel

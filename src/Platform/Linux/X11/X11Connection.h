@@ -1,0 +1,121 @@
+#pragma once
+
+#include <QByteArray>
+#include <QMetaObject>
+#include <QObject>
+#include <QSocketNotifier>
+#include <QString>
+
+#include <cstdint>
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include <xcb/xcb.h>
+
+namespace pavonel {
+
+struct FreeReply {
+    void operator()(void *reply) const { std::free(reply); }
+};
+/// What libxcb hands out: to be freed, null on an error.
+template <class Reply> using XReply = std::unique_ptr<Reply, FreeReply>;
+
+/// Our own connection to the X server, shared by all X11 adapters. It is not Qt's, so that nothing we select
+/// or ask for mixes with what Qt does, and an error of ours never reaches Qt's handlers.
+/// Main thread only. A window that is gone, or a server that died, gives empty answers and never an abort.
+class X11Connection : public std::enable_shared_from_this<X11Connection> {
+public:
+    /// Null where no X server answers. An empty name means the one that the environment names.
+    static std::shared_ptr<X11Connection> open(const QByteArray &display = {});
+
+    X11Connection(const X11Connection &) = delete;
+    X11Connection &operator=(const X11Connection &) = delete;
+    ~X11Connection();
+
+    xcb_connection_t *xcb() const { return connection_; }
+    xcb_window_t root() const { return root_; }
+
+    /// The number of the X screen which `root` belongs to.
+    int screenNumber() const { return screenNumber_; }
+
+    /// Whether the server only stands in for one inside a Wayland session. Such a one sees the keys and the
+    /// pointer only while an X window has them.
+    bool isInsideWayland();
+
+    /// False once the server is gone; it does not come back.
+    bool isAlive() const { return notifier_.isEnabled(); }
+
+    /// Asked of the server once a name, remembered after that. XCB_ATOM_NONE on a failure.
+    xcb_atom_t atom(const char *name);
+
+    /// A property of 32-bit items (windows, atoms, cardinals); empty when it is missing or of another kind.
+    std::vector<std::uint32_t> numbers(xcb_window_t window, const char *property);
+
+    /// The first item of such a property, 0 when there is none.
+    std::uint32_t number(xcb_window_t window, const char *property);
+
+    /// A property of bytes, such as WM_CLASS; empty when it is missing or of another kind.
+    QByteArray bytes(xcb_window_t window, const char *property);
+
+    /// Ends what it stands for when destroyed. It may outlive the connection.
+    class Subscription {
+    public:
+        explicit Subscription(std::function<void()> end) : end_(std::move(end)) {}
+        Subscription(const Subscription &) = delete;
+        Subscription &operator=(const Subscription &) = delete;
+        ~Subscription() { end_(); }
+
+    private:
+        std::function<void()> end_;
+    };
+    using SubscriptionHandle = std::unique_ptr<Subscription>;
+
+    /// `listener` gets every event of this connection, errors left out, on the main thread.
+    using Listener = std::function<void(const xcb_generic_event_t &)>;
+    [[nodiscard]] SubscriptionHandle listen(Listener listener);
+
+    /// Selects events of a window (a mask of XCB_EVENT_MASK_…) in addition to what others selected there.
+    [[nodiscard]] SubscriptionHandle watch(xcb_window_t window, std::uint32_t mask);
+
+    /// `lost` runs once, on the main thread, when the server is gone.
+    [[nodiscard]] SubscriptionHandle onLost(std::function<void()> lost);
+
+    /// Sends what was asked so far; done anyway before the main loop sleeps.
+    void flush();
+
+private:
+    X11Connection(xcb_connection_t *connection, int screenNumber);
+
+    XReply<xcb_get_property_reply_t> property(xcb_window_t window, const char *name);
+    using Poll = xcb_generic_event_t *(*)(xcb_connection_t *);
+    void dispatch(Poll poll);
+    void select(xcb_window_t window);
+    void noticeLoss();
+
+    template <class Value> struct Registry {
+        std::map<std::uint64_t, std::shared_ptr<Value>> entries;
+        std::uint64_t lastId = 0;
+    };
+    struct WatchedWindow {
+        xcb_window_t window;
+        std::uint32_t mask;
+    };
+    template <class Value> static SubscriptionHandle add(const std::shared_ptr<Registry<Value>> &, Value);
+    template <class Value> static std::vector<std::weak_ptr<Value>> current(const Registry<Value> &);
+
+    xcb_connection_t *connection_;
+    int screenNumber_;
+    xcb_window_t root_ = XCB_WINDOW_NONE;
+    QSocketNotifier notifier_;
+    QMetaObject::Connection beforeSleep_;
+    std::map<QByteArray, xcb_atom_t> atoms_;
+    std::shared_ptr<Registry<Listener>> listeners_ = std::make_shared<Registry<Listener>>();
+    std::shared_ptr<Registry<std::function<void()>>> lossListeners_ =
+        std::make_shared<Registry<std::function<void()>>>();
+    std::vector<std::shared_ptr<WatchedWindow>> watched_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QTimer>
+
+namespace pavonel::test {
+
+/// Lets the main loop run until `condition` holds; false when it does not in this time.
+template <class Condition> bool waitUntil(Condition condition, int milliseconds = 30'000) {
+    const QDeadlineTimer deadline(milliseconds);
+    QTimer alarm; // wakes the loop, which truly sleeps in between as it does in the program
+    alarm.start(5);
+    QEventLoop loop;
+    while (!condition()) {
+        if (deadline.hasExpired())
+            return false;
+        loop.processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return true;
+}
+
+} // namespace pavonel::test
