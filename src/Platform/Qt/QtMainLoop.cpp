@@ -3,44 +3,51 @@
 #include <QCoreApplication>
 #include <QTimer>
 
-#include <chrono>
+#include <algorithm>
 #include <cmath>
-#include <ctime>
-#include <list>
 #include <utility>
+#include <vector>
 
 namespace pavonel {
 
 namespace {
 
-/// Rounded up, so that a timer is never early.
-std::chrono::milliseconds milliseconds(Seconds seconds) {
-    constexpr Seconds longest =
-        24 * 3600 * 20; // what QTimer's int of milliseconds holds, and more than enough
-    return std::chrono::milliseconds(
-        static_cast<qint64>(std::ceil(std::clamp(seconds, 0.0, longest) * 1000)));
-}
+using std::chrono::milliseconds;
 
-/// Seconds-long timers may drift a little so that the system can wake once for several; short ones are
-/// motion.
-Qt::TimerType typeFor(Seconds interval) {
-    return interval >= 1 ? Qt::CoarseTimer : Qt::PreciseTimer;
+constexpr milliseconds shortest{1};
+constexpr milliseconds longest = std::chrono::days{20}; // QTimer counts in an int
+
+/// Rounded up, so that a timer is never early; what is no number counts as none.
+milliseconds rounded(Seconds seconds) {
+    constexpr Seconds century = 3'155'760'000;
+    return milliseconds(seconds > 0 ? static_cast<qint64>(std::ceil(std::min(seconds, century) * 1000)) : 0);
 }
 
 class OneShot final : public Timer {
 public:
-    OneShot(Seconds delay, MainLoop::Action action) : action_(std::move(action)) {
+    OneShot(Seconds delay, MainLoop::Action action) : left_(rounded(delay)), action_(std::move(action)) {
         timer_.setSingleShot(true);
-        timer_.setTimerType(delay >= 10 ? Qt::CoarseTimer : Qt::PreciseTimer);
-        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] {
-            const MainLoop::Action running = std::exchange(action_, {}); // it may destroy this timer
-            running();
-        });
-        timer_.start(milliseconds(delay));
+        timer_.setTimerType(left_ >= std::chrono::seconds(10) ? Qt::CoarseTimer : Qt::PreciseTimer);
+        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { goOn(); });
+        start();
     }
 
 private:
+    void start() {
+        const milliseconds step = std::min(left_, longest);
+        left_ -= step;
+        timer_.start(step);
+    }
+
+    void goOn() {
+        if (left_.count() > 0)
+            return start();
+        const MainLoop::Action running = std::exchange(action_, {}); // it may destroy this timer
+        running();
+    }
+
     QTimer timer_;
+    milliseconds left_;
     MainLoop::Action action_;
 };
 
@@ -49,10 +56,11 @@ private:
 /// One QTimer for all repeating timers of an interval.
 class QtMainLoop::Metronome {
 public:
-    explicit Metronome(Seconds interval) {
-        timer_.setTimerType(typeFor(interval));
+    explicit Metronome(milliseconds interval) {
+        // A beat of seconds may give way a little, so that one wake-up serves several; a short one is motion.
+        timer_.setTimerType(interval >= std::chrono::seconds(1) ? Qt::CoarseTimer : Qt::PreciseTimer);
         QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { beat(); });
-        timer_.start(milliseconds(interval));
+        timer_.start(interval);
     }
 
     using Subscriber = std::shared_ptr<Action>;
@@ -98,15 +106,15 @@ Instant QtMainLoop::now() const {
 }
 
 QTimeZone QtMainLoop::zone() const {
-    return QTimeZone::systemTimeZone();
+    return zone_.current();
 }
 
 TimerHandle QtMainLoop::every(Seconds interval, Action action) {
-    auto metronome = metronomes_[interval].lock();
-    if (!metronome) {
-        metronome = std::make_shared<Metronome>(interval);
-        metronomes_[interval] = metronome;
-    }
+    const milliseconds beat = std::clamp(rounded(interval), shortest, longest);
+    auto &known = metronomes_[beat];
+    auto metronome = known.lock();
+    if (!metronome)
+        known = metronome = std::make_shared<Metronome>(beat);
     return std::make_unique<Repeating<Metronome>>(std::move(metronome), std::move(action));
 }
 

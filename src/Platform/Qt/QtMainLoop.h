@@ -1,12 +1,12 @@
 #pragma once
 
 #include "Platform/MainLoop.h"
+#include "Platform/Qt/LocalZone.h"
 
 #include <QObject>
 
+#include <chrono>
 #include <map>
-
-class QTimer;
 
 namespace pavonel {
 
@@ -26,7 +26,8 @@ private:
     class Metronome;
 
     QObject context_;
-    std::map<Seconds, std::weak_ptr<Metronome>> metronomes_;
+    mutable LocalZone zone_;
+    std::map<std::chrono::milliseconds, std::weak_ptr<Metronome>> metronomes_;
 };
 
 } // namespace pavonel

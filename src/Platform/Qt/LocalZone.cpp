@@ -1,0 +1,51 @@
+#include "Platform/Qt/LocalZone.h"
+
+#include <QDateTime>
+
+#include <ctime>
+
+#include <sys/stat.h>
+
+namespace pavonel {
+
+namespace {
+
+/// The C library knows forms of `TZ` that Qt does not, such as a path or a rule without dates.
+int offsetOfTheCLibrary() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    ::tzset();
+    ::localtime_r(&now, &local);
+    return static_cast<int>(local.tm_gmtoff);
+}
+
+} // namespace
+
+LocalZone::Origin LocalZone::Origin::now() {
+    Origin origin{.variable = qgetenv("TZ")};
+    struct stat link {};
+    if (::lstat("/etc/localtime", &link) == 0) {
+        origin.device = link.st_dev;
+        origin.file = link.st_ino;
+        origin.changed = link.st_ctime;
+        origin.size = link.st_size;
+    }
+    return origin;
+}
+
+QTimeZone LocalZone::current() {
+    Origin origin = Origin::now();
+    if (zone_.isValid() && origin == origin_)
+        return zone_;
+    const QTimeZone zone = QTimeZone::systemTimeZone();
+    const int offset = offsetOfTheCLibrary();
+    if (!zone.isValid() || zone.offsetFromUtc(QDateTime::currentDateTimeUtc()) != offset) {
+        zone_ = QTimeZone(); // an offset holds only until the clocks change, so the next call looks again
+        return QTimeZone(offset);
+    }
+    origin_ = std::move(origin);
+    zone_ = zone;
+    return zone_;
+}
+
+} // namespace pavonel

@@ -1,0 +1,244 @@
+#include "Platform/Qt/QtMainLoop.h"
+
+#include "support/InChild.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+
+#include <cmath>
+#include <limits>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace pavonel::test {
+
+namespace {
+
+constexpr int generous = 20'000;
+
+template <class Condition> bool comesTrue(Condition condition) {
+    for (const QDeadlineTimer limit(generous); !condition() && !limit.hasExpired();)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return condition();
+}
+
+/// So that waiting for something that must not happen ends.
+void let(MainLoop &loop, Seconds pass) {
+    bool passed = false;
+    const auto timer = loop.after(pass, [&] { passed = true; });
+    EXPECT_TRUE(comesTrue([&] { return passed; }));
+}
+
+class TimeZoneVariable {
+public:
+    ~TimeZoneVariable() { set(before_); }
+    void set(const QByteArray &zone) const {
+        if (zone.isNull())
+            qunsetenv("TZ");
+        else
+            qputenv("TZ", zone);
+    }
+
+private:
+    QByteArray before_ = qgetenv("TZ");
+};
+
+int offset(const QtMainLoop &loop, qint64 secondsSinceEpoch) {
+    return loop.zone().offsetFromUtc(QDateTime::fromSecsSinceEpoch(secondsSinceEpoch, Qt::UTC));
+}
+
+constexpr qint64 winter = 1768478400; // 15 January 2026
+constexpr qint64 summer = 1784116800; // 15 July 2026
+
+} // namespace
+
+TEST(QtMainLoop, a_one_shot_fires_once_and_never_early) {
+    QtMainLoop loop;
+    QElapsedTimer clock;
+    clock.start();
+    int fired = 0;
+    const auto timer = loop.after(0.05, [&] { ++fired; });
+    ASSERT_TRUE(comesTrue([&] { return fired > 0; }));
+    EXPECT_GE(clock.elapsed(), 49);
+    let(loop, 0.2);
+    EXPECT_EQ(fired, 1);
+}
+
+TEST(QtMainLoop, a_repeating_timer_fires_until_its_handle_goes) {
+    QtMainLoop loop;
+    int fired = 0;
+    auto timer = loop.every(0.01, [&] { ++fired; });
+    ASSERT_TRUE(comesTrue([&] { return fired >= 5; }));
+    timer.reset();
+    const int before = fired;
+    let(loop, 0.1);
+    EXPECT_EQ(fired, before);
+}
+
+TEST(QtMainLoop, a_timer_whose_handle_goes_first_never_fires) {
+    QtMainLoop loop;
+    bool fired = false;
+    loop.after(0.01, [&] { fired = true; }).reset();
+    loop.every(0.01, [&] { fired = true; }).reset();
+    let(loop, 0.1);
+    EXPECT_FALSE(fired);
+}
+
+TEST(QtMainLoop, a_timer_may_end_itself_within_its_action) {
+    QtMainLoop loop;
+    int fired = 0;
+    TimerHandle once;
+    TimerHandle repeating;
+    once = loop.after(0.01, [&, kept = QByteArray(100, 'x')] {
+        once.reset();
+        fired += kept.size() == 100;
+    });
+    repeating = loop.every(0.01, [&, kept = QByteArray(100, 'x')] {
+        repeating.reset();
+        fired += kept.size() == 100;
+    });
+    ASSERT_TRUE(comesTrue([&] { return fired == 2; }));
+    let(loop, 0.1);
+    EXPECT_EQ(fired, 2);
+}
+
+TEST(QtMainLoop, a_timer_may_end_all_others_of_its_interval) {
+    QtMainLoop loop;
+    int fired = 0;
+    std::vector<TimerHandle> timers;
+    for (int i = 0; i < 3; ++i) {
+        timers.push_back(loop.every(0.01, [&] {
+            ++fired;
+            timers.clear();
+        }));
+    }
+    let(loop, 0.1);
+    EXPECT_EQ(fired, 1);
+}
+
+TEST(QtMainLoop, a_timer_may_replace_itself_within_its_action) {
+    QtMainLoop loop;
+    int fired = 0;
+    TimerHandle timer;
+    std::function<void()> again = [&] {
+        if (++fired < 3)
+            timer = loop.after(0.01, again);
+    };
+    timer = loop.after(0.01, again);
+    EXPECT_TRUE(comesTrue([&] { return fired == 3; }));
+}
+
+TEST(QtMainLoop, timers_of_the_same_interval_fire_in_one_wake_up) {
+    QtMainLoop loop;
+    std::vector<char> firings;
+    const auto first = loop.every(0.2, [&] { firings.push_back('a'); });
+    let(loop, 0.1);
+    const auto second = loop.every(0.2, [&] { firings.push_back('b'); });
+    firings.clear();
+    ASSERT_TRUE(comesTrue([&] { return !firings.empty(); }));
+    EXPECT_EQ(firings, (std::vector<char>{'a', 'b'}));
+}
+
+TEST(QtMainLoop, nonsense_for_a_time_does_no_harm) {
+    QtMainLoop loop;
+    int fired = 0;
+    bool firedFarOff = false;
+    const auto notANumber = loop.after(std::numeric_limits<double>::quiet_NaN(), [&] { ++fired; });
+    const auto past = loop.after(-1, [&] { ++fired; });
+    const auto never = loop.after(std::numeric_limits<double>::infinity(), [&] { firedFarOff = true; });
+    const auto years = loop.after(1e9, [&] { firedFarOff = true; });
+    const auto eon = loop.every(1e300, [&] { firedFarOff = true; });
+    int beats = 0;
+    auto noInterval = loop.every(0, [&] { ++beats; });
+    EXPECT_TRUE(comesTrue([&] { return fired == 2 && beats >= 2; }));
+    EXPECT_FALSE(firedFarOff);
+}
+
+TEST(QtMainLoop, what_another_thread_posts_runs_on_the_main_thread) {
+    QtMainLoop loop;
+    std::thread::id ranOn;
+    std::thread([&] { loop.post([&] { ranOn = std::this_thread::get_id(); }); }).join();
+    EXPECT_EQ(ranOn, std::thread::id());
+    EXPECT_TRUE(comesTrue([&] { return ranOn == std::this_thread::get_id(); }));
+}
+
+TEST(QtMainLoop, posted_actions_keep_their_order) {
+    QtMainLoop loop;
+    std::vector<int> order;
+    for (int i = 0; i < 3; ++i)
+        loop.post([&, i] { order.push_back(i); });
+    ASSERT_TRUE(comesTrue([&] { return order.size() == 3; }));
+    EXPECT_EQ(order, (std::vector<int>{0, 1, 2}));
+}
+
+TEST(QtMainLoop, the_zone_follows_the_environment) {
+    const TimeZoneVariable variable;
+    const QtMainLoop loop;
+    variable.set("Europe/Berlin");
+    EXPECT_EQ(loop.zone().id(), "Europe/Berlin");
+    variable.set("Australia/Lord_Howe");
+    EXPECT_EQ(loop.zone().id(), "Australia/Lord_Howe");
+}
+
+TEST(QtMainLoop, the_zone_knows_summer_and_winter) {
+    const TimeZoneVariable variable;
+    const QtMainLoop loop;
+    variable.set("Europe/Berlin");
+    EXPECT_EQ(offset(loop, winter), 3600);
+    EXPECT_EQ(offset(loop, summer), 7200);
+}
+
+TEST(QtMainLoop, a_zone_without_a_name_has_the_c_librarys_offset) {
+    const TimeZoneVariable variable;
+    const QtMainLoop loop;
+    for (const char *zone :
+         {"IST-5:30", "/usr/share/zoneinfo/Asia/Kolkata", ":Asia/Kolkata", "<+0530>-5:30"}) {
+        variable.set(zone);
+        EXPECT_EQ(offset(loop, winter), 19800) << zone;
+    }
+}
+
+TEST(QtMainLoop, an_unknown_zone_is_utc) {
+    const TimeZoneVariable variable;
+    variable.set("Nowhere/Nothing");
+    const QtMainLoop loop;
+    EXPECT_TRUE(loop.zone().isValid());
+    EXPECT_EQ(offset(loop, winter), 0);
+}
+
+TEST(QtMainLoop, a_new_system_zone_is_seen_while_running) {
+    const auto end = inChild([] {
+        if (!ownFileSystemView() || !mountEmpty("/etc", 64))
+            return 100;
+        qunsetenv("TZ");
+        const QtMainLoop loop;
+        const auto choose = [](const char *zone) {
+            return ::symlink(zone, "/etc/new") == 0 && ::rename("/etc/new", "/etc/localtime") == 0;
+        };
+        if (!choose("/usr/share/zoneinfo/Europe/Berlin") || loop.zone().id() != "Europe/Berlin")
+            return 1;
+        if (!choose("../usr/share/zoneinfo/Asia/Kolkata") || loop.zone().id() != "Asia/Kolkata")
+            return 2;
+        return 0;
+    });
+    if (end.status == 100)
+        GTEST_SKIP() << "This machine does not let a test put a folder of its own in the place of /etc.";
+    EXPECT_EQ(end.status, 0) << "step that failed; signal " << end.signal;
+}
+
+TEST(QtMainLoop, asking_for_the_zone_is_cheap) {
+    const QtMainLoop loop;
+    EXPECT_TRUE(loop.zone().isValid());
+    constexpr int questions = 10'000;
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < questions; ++i)
+        loop.zone();
+    EXPECT_LT(clock.elapsed(), questions) << "a millisecond each"; // a thousandth of that on a quiet machine
+    RecordProperty("nanoseconds", static_cast<int>(clock.nsecsElapsed() / questions));
+}
+
+} // namespace pavonel::test
