@@ -1,5 +1,6 @@
 #pragma once
 
 #include "UI/precompiled.h"
+#include "support/Printing.h"
 
 #include <gtest/gtest.h>

@@ -13,6 +13,9 @@ namespace {
 
 constexpr Seconds oneTick = 1.0;
 
+/// No wish reaches further; a number from a damaged store may, and the duration texts could not show it.
+constexpr Seconds longest = 1e15;
+
 int &counterOf(Day &day, BreakKind kind) {
     switch (kind) {
     case BreakKind::micro:
@@ -72,7 +75,7 @@ void BreakController::tickBreak() {
 /// An idle spell is a rest of its own. It resets a counter only once it has lasted as long as the break that
 /// it stands in for; until then nothing is counted.
 bool BreakController::isAway() {
-    const Seconds idle = monitor_.idleSeconds();
+    const Seconds idle = s_.naturalBreakEnabled ? monitor_.idleSeconds() : 0;
     const bool wasAway = std::exchange(away_, s_.naturalBreakEnabled && idle >= s_.idleResetSeconds);
     if (!away_)
         return false;
@@ -155,7 +158,7 @@ std::optional<NextBreak> BreakController::next() const {
     std::optional<NextBreak> soonest;
     // On equal times the earlier candidate stays: micro before long, both before planned.
     const auto consider = [&soonest](NextBreak candidate) {
-        candidate.remaining = std::max(candidate.remaining, 0.0);
+        candidate.remaining = std::clamp(candidate.remaining, 0.0, longest);
         if (!soonest || candidate.remaining < soonest->remaining)
             soonest = std::move(candidate);
     };
@@ -178,7 +181,8 @@ void BreakController::startBreak(BreakKind kind, Initiator, std::optional<Second
     dismissHeadsUp();
     currentBreak = kind;
     breakTitle = title.value_or(defaultTitle(kind));
-    breakTotal = duration.value_or(kind == BreakKind::micro ? s_.microDuration : s_.longDuration);
+    const Seconds length = duration.value_or(kind == BreakKind::micro ? s_.microDuration : s_.longDuration);
+    breakTotal = std::clamp(length, -longest, longest);
     breakRemaining = breakTotal.get();
     breakMessage = anyOf(s_.messages);
     phase = Phase::breaking;

@@ -3,14 +3,14 @@
 #include <QDateTime>
 #include <QLocale>
 
-#include <array>
 #include <cmath>
 
 namespace pavonel {
 
 namespace {
 
-constexpr qint64 secondsPerDay = 86400;
+constexpr double day = 86400;
+constexpr double largestOffset = 16 * 3600; // none was ever further from UTC
 
 QDateTime utc(double secondsSinceEpoch) {
     return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(std::floor(secondsSinceEpoch * 1000)), Qt::UTC);
@@ -20,30 +20,52 @@ double sinceEpoch(Instant instant) {
     return instant.time_since_epoch().count();
 }
 
-int offsetAt(double secondsSinceEpoch, const QTimeZone &zone) {
+Instant instantAt(double secondsSinceEpoch) {
+    return Instant{std::chrono::duration<Seconds>(secondsSinceEpoch)};
+}
+
+double offsetAt(double secondsSinceEpoch, const QTimeZone &zone) {
     return zone.offsetFromUtc(utc(secondsSinceEpoch));
 }
 
-/// The first instant at which a clock of the zone shows `wall` (given as if it were UTC), if there is one.
-std::optional<Instant> firstShowing(double wall, const QTimeZone &zone) {
-    // Around one date a zone has at most two offsets: the one before a change and the one after. The greater
-    // offset yields the earlier instant.
-    std::array offsets{offsetAt(wall - secondsPerDay, zone), offsetAt(wall + secondsPerDay, zone)};
-    if (offsets[0] < offsets[1])
-        std::swap(offsets[0], offsets[1]);
-    for (const int offset : offsets) {
-        if (offsetAt(wall - offset, zone) == offset)
-            return Instant{std::chrono::duration<double>(wall - offset)};
-    }
-    return {};
+double midnightOf(QDate date) {
+    return static_cast<double>(QDateTime(date, QTime(0, 0), Qt::UTC).toSecsSinceEpoch());
 }
 
-/// The end of the gap in which `wall` lies: the instant of the zone's change.
-std::optional<Instant> endOfGap(double wall, const QTimeZone &zone) {
-    const auto change = zone.nextTransition(utc(wall - secondsPerDay - 14 * 3600));
+/// The midnight before (or at) what a clock shows at an instant while the offset stays.
+double midnightBefore(double instant, double offset) {
+    return std::floor((instant + offset) / day) * day - offset;
+}
+
+std::optional<double> timeOf(const QTimeZone::OffsetData &change) {
     if (!change.atUtc.isValid())
         return {};
-    return Instant{std::chrono::milliseconds(change.atUtc.toMSecsSinceEpoch())};
+    return static_cast<double>(change.atUtc.toSecsSinceEpoch());
+}
+
+double endOfDate(double instant, QDate date, const QTimeZone &zone) {
+    for (;;) {
+        const double midnight = midnightBefore(instant, offsetAt(instant, zone)) + day;
+        const auto change = timeOf(zone.nextTransition(utc(instant)));
+        if (!change || *change > midnight)
+            return midnight;
+        if (dateOf(instantAt(*change), zone) != date)
+            return *change;
+        instant = *change;
+    }
+}
+
+double beginOfDate(double instant, QDate date, const QTimeZone &zone) {
+    constexpr double moment = 0.001;
+    for (;;) {
+        const double midnight = midnightBefore(instant, offsetAt(instant, zone));
+        const auto change = timeOf(zone.previousTransition(utc(instant + moment)));
+        if (!change || *change < midnight)
+            return midnight;
+        if (dateOf(instantAt(*change - moment), zone) != date)
+            return *change;
+        instant = *change - moment;
+    }
 }
 
 } // namespace
@@ -53,29 +75,59 @@ QDate dateOf(Instant instant, const QTimeZone &zone) {
     return utc(seconds + offsetAt(seconds, zone)).date();
 }
 
+ZonedDate::ZonedDate(QDate date, const QTimeZone &zone) : date_(date) {
+    if (!date.isValid())
+        return;
+    const double earliest = midnightOf(date) - largestOffset;
+    const double latest = midnightOf(date) + day + largestOffset;
+    spans_.push_back({earliest, offsetAt(earliest, zone)});
+    for (const auto &change : zone.transitions(utc(earliest + 1), utc(latest)))
+        spans_.push_back({*timeOf(change), static_cast<double>(change.offsetFromUtc)});
+}
+
+std::optional<Instant> ZonedDate::at(QTime time) const {
+    if (spans_.empty() || !time.isValid())
+        return {};
+    const double wall = midnightOf(date_) + time.msecsSinceStartOfDay() / 1000.0;
+    auto instant = firstShowing(wall);
+    if (!instant)
+        instant = endOfGap(wall);
+    return instant ? std::optional(instantAt(*instant)) : std::nullopt;
+}
+
+std::optional<double> ZonedDate::firstShowing(double wall) const {
+    for (auto span = spans_.begin(); span != spans_.end(); ++span) {
+        const double instant = wall - span->offset;
+        const auto next = std::next(span);
+        if (instant >= span->begin && (next == spans_.end() || instant < next->begin))
+            return instant;
+    }
+    return {};
+}
+
+std::optional<double> ZonedDate::endOfGap(double wall) const {
+    for (std::size_t i = 1; i < spans_.size(); ++i) {
+        const double leaves = spans_[i].begin + spans_[i - 1].offset;
+        const double arrives = spans_[i].begin + spans_[i].offset;
+        if (leaves <= wall && wall < arrives && arrives < midnightOf(date_) + day)
+            return spans_[i].begin;
+    }
+    return {};
+}
+
 std::optional<Instant> startOfDay(QDate date, const QTimeZone &zone) {
     return clockTimeOn(date, QTime(0, 0), zone);
 }
 
 std::optional<Instant> clockTimeOn(QDate date, QTime time, const QTimeZone &zone) {
-    if (!date.isValid() || !time.isValid())
-        return {};
-    const auto wall = static_cast<double>(QDateTime(date, time, Qt::UTC).toSecsSinceEpoch());
-    auto instant = firstShowing(wall, zone);
-    if (!instant)
-        instant = endOfGap(wall, zone);
-    if (!instant || dateOf(*instant, zone) != date)
-        return {};
-    return instant;
+    return ZonedDate(date, zone).at(time);
 }
 
 LocalDay LocalDay::containing(Instant instant, const QTimeZone &zone) {
     const QDate date = dateOf(instant, zone);
-    std::optional<Instant> end;
-    for (int days = 1; !end && days <= 2; ++days) // two where the zone leaves tomorrow out
-        end = startOfDay(date.addDays(days), zone);
-    const auto begin = startOfDay(date, zone);
-    return {date, zone, begin.value_or(instant), end.value_or(instant)};
+    const double seconds = sinceEpoch(instant);
+    return {date, zone, instantAt(beginOfDate(seconds, date, zone)),
+            instantAt(endOfDate(seconds, date, zone))};
 }
 
 const LocalDay &Today::day() const {

@@ -6,21 +6,47 @@
 #include <QTime>
 
 #include <optional>
+#include <vector>
 
 namespace pavonel {
 
 /// The calendar date of an instant in a zone.
 QDate dateOf(Instant instant, const QTimeZone &zone);
 
+/// One date as the clocks of a zone show it: where the zone changes its offset, times are left out or come
+/// twice.
+class ZonedDate {
+public:
+    ZonedDate(QDate date, const QTimeZone &zone);
+
+    QDate date() const { return date_; }
+
+    /// When a clock shows `time` on this date: the next time that exists where this one is left out, the
+    /// first of two where it comes twice. Absent when the time is invalid or the date has nothing left.
+    std::optional<Instant> at(QTime time) const;
+
+private:
+    /// What a clock shows is the instant plus the offset that holds at it.
+    struct Span {
+        double begin;
+        double offset;
+    };
+    std::optional<double> firstShowing(double wall) const;
+    std::optional<double> endOfGap(double wall) const;
+
+    QDate date_;
+    std::vector<Span> spans_; ///< Around this date, each up to the next one.
+};
+
 /// The first instant of a date. Where midnight does not exist that day, the first time that does. Absent for
 /// a date that a zone left out altogether.
 std::optional<Instant> startOfDay(QDate date, const QTimeZone &zone);
 
-/// When a clock shows `time` on `date`: the next time that exists where this one is skipped, the first of two
-/// where it comes twice. Absent when the time is invalid or the zone has nothing left of that date.
+/// See `ZonedDate::at`.
 std::optional<Instant> clockTimeOn(QDate date, QTime time, const QTimeZone &zone);
 
-/// A local day as a span of instants.
+/// A span of instants without a break that have the same date. It is the whole day, but for a day that begins
+/// twice because its first minutes are repeated.
 struct LocalDay {
     QDate date;
     QTimeZone zone;

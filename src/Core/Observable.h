@@ -29,18 +29,22 @@ protected:
     ~Observable() = default;
 
     void announceChange() {
-        std::erase_if(observers_, [](const auto &observer) { return observer.expired(); });
-        // An observer may come or go while the others are told.
+        if (notices_ == 0)
+            std::erase_if(observers_, [](const auto &observer) { return observer.expired(); });
+        ++notices_;
+        // An observer may come or go, or change another field, while the others are told.
         for (std::size_t i = 0; i < observers_.size(); ++i) {
             if (const auto observer = observers_[i].lock())
                 (*observer)();
         }
+        --notices_;
     }
 
 private:
     template <class> friend class Published;
 
     std::vector<std::weak_ptr<Notice>> observers_;
+    int notices_ = 0; ///< Under way, one within the other.
 };
 
 /// An observable field: reads like its value, and assigning to it tells the owner's observers first.

@@ -11,16 +11,16 @@ namespace {
 constexpr int daysAhead = 7; // a record's weekday comes again at the latest today in a week
 constexpr Instant distantPast{std::chrono::duration<Seconds>(std::numeric_limits<Seconds>::lowest())};
 
-/// A day that is looked at, with the clock times that were asked for. A list of any length asks the calendar
+/// A date that is looked at, with the clock times that were asked for. A list of any length asks the calendar
 /// once for each minute of the day at the most.
 class CandidateDay {
 public:
-    CandidateDay(QDate date, const QTimeZone &zone) : date_(date), zone_(zone) {}
+    CandidateDay(QDate date, const QTimeZone &zone) : date_(date, zone) {}
 
-    QDate date() const { return date_; }
+    QDate date() const { return date_.date(); }
 
     /// 1 is Sunday, 7 is Saturday.
-    int weekday() const { return date_.dayOfWeek() % 7 + 1; }
+    int weekday() const { return date().dayOfWeek() % 7 + 1; }
 
     std::optional<Instant> at(int hour, int minute) {
         const QTime time(hour, minute);
@@ -30,13 +30,12 @@ public:
         if (times_.empty())
             times_.resize(24 * 60);
         if (!times_[slot])
-            times_[slot] = clockTimeOn(date_, time, zone_);
+            times_[slot] = date_.at(time);
         return *times_[slot];
     }
 
 private:
-    QDate date_;
-    QTimeZone zone_;
+    ZonedDate date_;
     std::vector<std::optional<std::optional<Instant>>> times_;
 };
 

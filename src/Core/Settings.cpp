@@ -17,7 +17,7 @@ template <class T> std::optional<T> converted(const StoredValue &stored) {
 
 template <> std::optional<double> converted(const StoredValue &stored) {
     if (const auto *fraction = std::get_if<double>(&stored))
-        return *fraction;
+        return std::isfinite(*fraction) ? std::optional(*fraction) : std::nullopt;
     constexpr qint64 exactLimit = qint64{1} << std::numeric_limits<double>::digits;
     const auto *whole = std::get_if<qint64>(&stored);
     if (!whole || *whole > exactLimit || *whole < -exactLimit)
