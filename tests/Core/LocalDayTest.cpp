@@ -137,7 +137,7 @@ TEST_P(LocalDayInOddZones, clock_times_are_those_of_a_scan_minute_by_minute) {
     ASSERT_TRUE(zone.isValid());
     expectLikeScan(QDate(2026, 7, 1), zone);
     expectLikeScan(QDate(2028, 2, 29), zone);
-    for (const QDate date : datesOfChanges(zone, 2010, 2011))
+    for (const QDate date : datesOfChanges(zone, 2011, 2011))
         expectLikeScan(date, zone);
     for (const QDate date : datesOfChanges(zone, 2024, 2024))
         expectLikeScan(date, zone);
@@ -148,9 +148,9 @@ TEST_P(LocalDayInOddZones, clock_times_are_those_of_a_scan_minute_by_minute) {
 TEST_P(LocalDayInOddZones, a_day_ends_exactly_where_the_date_changes) {
     const QTimeZone zone(GetParam());
     expectSpansAreExact(QDate(2026, 6, 1), QDate(2026, 6, 3), zone);
-    for (const QDate date : datesOfChanges(zone, 2010, 2011))
+    for (const QDate date : datesOfChanges(zone, 2011, 2011))
         expectSpansAreExact(date, date.addDays(1), zone);
-    for (const QDate date : datesOfChanges(zone, 2024, 2025))
+    for (const QDate date : datesOfChanges(zone, 2024, 2024))
         expectSpansAreExact(date, date.addDays(1), zone);
 }
 

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "Core/BreakVocabulary.h"
+#include "Core/Observable.h"
 
 #include <QString>
 #include <QStringList>
 
 #include <ostream>
+
+#include <gtest/gtest.h>
 
 /// How GoogleTest shows values of ours in the message of a failed test. Found by argument-dependent lookup,
 /// so each stands in the namespace of its type.
@@ -40,6 +43,10 @@ inline void PrintTo(PauseReason reason, std::ostream *out) {
 
 inline void PrintTo(const NextBreak &next, std::ostream *out) {
     *out << next.title.toStdString() << " in " << next.remaining << " s";
+}
+
+template <class T> void PrintTo(const Published<T> &field, std::ostream *out) {
+    testing::internal::UniversalPrint(field.get(), out);
 }
 
 } // namespace pavonel
