@@ -55,17 +55,17 @@ public:
 
 public Q_SLOTS:
     uint GetLayout(int parentId, int recursionDepth, const QStringList &propertyNames,
-                   DBusMenuLayout &layout);
-    QList<DBusMenuItem> GetGroupProperties(const QList<int> &ids, const QStringList &propertyNames);
+                   pavonel::DBusMenuLayout &layout);
+    QList<pavonel::DBusMenuItem> GetGroupProperties(const QList<int> &ids, const QStringList &propertyNames);
     QDBusVariant GetProperty(int id, const QString &name);
     void Event(int id, const QString &eventId, const QDBusVariant &data, uint timestamp);
-    QList<int> EventGroup(const QList<DBusMenuEvent> &events);
+    QList<int> EventGroup(const QList<pavonel::DBusMenuEvent> &events);
     bool AboutToShow(int id);
     QList<int> AboutToShowGroup(const QList<int> &ids, QList<int> &idErrors);
 
 Q_SIGNALS:
-    void ItemsPropertiesUpdated(const QList<DBusMenuItem> &updatedProps,
-                                const QList<DBusMenuItem> &removedProps);
+    void ItemsPropertiesUpdated(const QList<pavonel::DBusMenuItem> &updatedProps,
+                                const QList<pavonel::DBusMenuItem> &removedProps);
     void LayoutUpdated(uint revision, int parent);
     void ItemActivationRequested(int id, uint timestamp);
 

@@ -11,7 +11,7 @@ namespace {
 /// Nobody tells the colour of the menu bar. On a dark desktop it is dark; on a light one it can be either, so
 /// there the icon is a grey that reads on both.
 QColor iconColour(bool darkDesktop) {
-    return darkDesktop ? QColor(0xE8, 0xE8, 0xEA) : QColor(0x7A, 0x7A, 0x80);
+    return darkDesktop ? QColor(0xE8, 0xE8, 0xEA) : QColor(0x86, 0x86, 0x8C);
 }
 
 void fill(QMenu &menu, const Menu &items) {
