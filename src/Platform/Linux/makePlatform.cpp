@@ -1,4 +1,5 @@
 #include "Platform/Linux/Tray/TrayStatusItem.h"
+#include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Platform.h"
 #include "Platform/Qt/FileDefaults.h"
 #include "Platform/Qt/QtMainLoop.h"
@@ -8,6 +9,7 @@
 
 #include <QDBusConnection>
 #include <QDir>
+#include <QGuiApplication>
 #include <QStandardPaths>
 
 namespace pavonel {
@@ -26,15 +28,21 @@ QString defaultsPath() {
     return folder + QStringLiteral("/pavonel/defaults.json");
 }
 
-std::unique_ptr<StatusItem> statusItem(Appearance &appearance) {
+/// In a Wayland session the X server that is there only stands in for one.
+std::shared_ptr<X11Connection> x11Connection() {
+    return QGuiApplication::platformName() == u"xcb" ? X11Connection::open() : nullptr;
+}
+
+std::unique_ptr<StatusItem> statusItem(Appearance &appearance, const std::shared_ptr<X11Connection> &x) {
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
     return std::make_unique<TrayStatusItem>(QDBusConnection::sessionBus(),
-                                            cache + QStringLiteral("/pavonel/menubar"), appearance);
+                                            cache + QStringLiteral("/pavonel/menubar"), appearance, x);
 }
 
 } // namespace
 
 std::unique_ptr<Platform> makePlatform() {
+    const auto x11 = x11Connection();
     auto platform = std::make_unique<Platform>();
     platform->mainLoop = std::make_unique<QtMainLoop>();
     platform->defaults = std::make_unique<FileDefaults>(defaultsPath(), *platform->mainLoop);
@@ -54,7 +62,7 @@ std::unique_ptr<Platform> makePlatform() {
         none<unavailable::LoginItem>("This desktop has no place for programs that start at login.");
     platform->appearance =
         none<unavailable::Appearance>("This desktop does not tell whether it is light or dark.");
-    platform->statusItem = statusItem(*platform->appearance);
+    platform->statusItem = statusItem(*platform->appearance, x11);
     return platform;
 }
 

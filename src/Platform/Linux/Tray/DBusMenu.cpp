@@ -36,7 +36,10 @@ QVariantMap propertiesOf(const MenuModel::Node &node) {
     else
         properties[QStringLiteral("label")] = escaped(node.item.title);
     if (!node.item.keyEquivalent.isEmpty()) {
-        const QList<QStringList> shortcut{{QStringLiteral("Control"), node.item.keyEquivalent}};
+        // Hosts want the name of a key, which for a letter is the letter itself.
+        const QString &key = node.item.keyEquivalent;
+        const QList<QStringList> shortcut{
+            {QStringLiteral("Control"), key == u"," ? QStringLiteral("comma") : key}};
         properties[QStringLiteral("shortcut")] = QVariant::fromValue(shortcut);
     }
     return properties;

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 
+#include <QCursor>
 #include <QKeySequence>
 
 #include <utility>
@@ -35,12 +36,25 @@ void fill(QMenu &menu, const Menu &items) {
 
 } // namespace
 
-TrayStatusItem::TrayStatusItem(const QDBusConnection &bus, const QString &iconFolder, Appearance &appearance)
-    : appearance_(appearance), notifier_(
-                                   bus, iconFolder, [] {}, [this](QPoint place) { showMenu(place); }) {}
+TrayStatusItem::TrayStatusItem(const QDBusConnection &bus, const QString &iconFolder, Appearance &appearance,
+                               const std::shared_ptr<X11Connection> &x)
+    : appearance_(appearance),
+      notifier_(
+          bus, iconFolder, [this] { chooseTray(); }, [this](QPoint place) { showMenu(place); }) {
+    if (x) {
+        embedded_ = std::make_unique<EmbeddedTray>(
+            x, [this] { chooseTray(); }, [this] { showMenu(QCursor::pos()); });
+    }
+    chooseTray();
+}
+
+void TrayStatusItem::chooseTray() {
+    if (embedded_)
+        embedded_->setVisible(!notifier_.isPresent());
+}
 
 QString TrayStatusItem::limitation() const {
-    if (notifier_.isPresent())
+    if (notifier_.isPresent() || (embedded_ && embedded_->isPresent()))
         return {};
     return QStringLiteral("This desktop shows no menu-bar items; start Pavonel again to open its settings.");
 }
@@ -50,10 +64,14 @@ void TrayStatusItem::setIcon(const QString &name, const std::vector<QImage> &ima
     for (const QImage &image : images)
         coloured.push_back(tinted(image, iconColour(appearance_.wishes().dark)));
     notifier_.setIcon(name, coloured);
+    if (embedded_)
+        embedded_->setIcon(images);
 }
 
 void TrayStatusItem::setTitle(const QString &title) {
     notifier_.setTitle(title);
+    if (embedded_)
+        embedded_->setTitle(title);
 }
 
 void TrayStatusItem::setMenu(std::function<Menu()> makeMenu) {
