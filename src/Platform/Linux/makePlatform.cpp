@@ -1,3 +1,5 @@
+#include "Platform/Linux/Audio/EventSounds.h"
+#include "Platform/Linux/DetachedLauncher.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Platform.h"
@@ -56,8 +58,9 @@ std::unique_ptr<Platform> makePlatform() {
         none<unavailable::WindowList>("This desktop does not tell about fullscreen windows.");
     platform->windowLayers = std::make_unique<QtWindowLayers>();
     platform->hotKeys = none<unavailable::HotKeyService>("This desktop does not offer keyboard shortcuts.");
-    platform->sounds = none<unavailable::Sounds>("There is no sound server to play sounds.");
-    platform->processes = none<unavailable::ProcessLauncher>("Scripts cannot be started here.");
+    const ProgramFiles files = ProgramFiles::ofThisProgram();
+    platform->sounds = std::make_unique<EventSounds>(files);
+    platform->processes = std::make_unique<DetachedLauncher>(files);
     platform->loginItem =
         none<unavailable::LoginItem>("This desktop has no place for programs that start at login.");
     platform->appearance =

@@ -1,0 +1,134 @@
+#include "Platform/Linux/DetachedLauncher.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace pavonel {
+
+namespace {
+
+constexpr int reportFd = 3; // the first behind standard input, output and error
+
+/// Keeps every signal from this thread, so that none of our handlers runs in a child, where the pipes that
+/// it writes to are still ours.
+class SignalsBlocked {
+public:
+    SignalsBlocked() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &before_);
+    }
+    SignalsBlocked(const SignalsBlocked &) = delete;
+    SignalsBlocked &operator=(const SignalsBlocked &) = delete;
+    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+private:
+    sigset_t before_{};
+};
+
+// What runs in a child before its program does may only make system calls: another thread can have held the
+// heap's lock at the moment of the fork.
+
+void leaveFilesBehind(int report) {
+    const int safe = fcntl(report, F_DUPFD, reportFd); // not where the null device goes
+    const int null = open("/dev/null", O_RDWR);
+    for (int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        dup2(null, standard);
+    if (safe != reportFd)
+        dup2(safe, reportFd);
+    fcntl(reportFd, F_SETFD, FD_CLOEXEC);
+    closefrom(reportFd + 1);
+}
+
+void leaveSignalsBehind() {
+    struct sigaction byDefault = {};
+    byDefault.sa_handler = SIG_DFL;
+    for (int signal = 1; signal < NSIG; ++signal)
+        sigaction(signal, &byDefault, nullptr);
+    sigset_t none;
+    sigemptyset(&none);
+    pthread_sigmask(SIG_SETMASK, &none, nullptr);
+}
+
+[[noreturn]] void become(char *const *arguments, int report) {
+    leaveFilesBehind(report);
+    leaveSignalsBehind();
+    execv(arguments[0], arguments);
+    const char failed = 1;
+    [[maybe_unused]] const auto written = write(reportFd, &failed, 1);
+    _exit(127);
+}
+
+/// The child forks again and ends at once, so that its own child belongs to the init process.
+[[noreturn]] void handOver(char *const *arguments, int report) {
+    setsid();
+    const pid_t child = fork();
+    if (child == 0)
+        become(arguments, report);
+    _exit(child < 0 ? 1 : 0);
+}
+
+bool childHandedOver(pid_t child) {
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0) {
+        if (errno != EINTR)
+            return false;
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+/// The report's writing end closes with nothing in it when the program has taken over.
+bool isSilentToTheEnd(int report) {
+    char failed = 0;
+    ssize_t got = 0;
+    do {
+        got = read(report, &failed, 1);
+    } while (got < 0 && errno == EINTR);
+    return got == 0;
+}
+
+bool start(char *const *arguments) {
+    std::array<int, 2> report{};
+    if (pipe2(report.data(), O_CLOEXEC) != 0)
+        return false;
+    const SignalsBlocked blocked;
+    const pid_t child = fork();
+    if (child == 0)
+        handOver(arguments, report[1]);
+    close(report[1]);
+    const bool started = child > 0 && childHandedOver(child) && isSilentToTheEnd(report[0]);
+    close(report[0]);
+    return started;
+}
+
+} // namespace
+
+bool DetachedLauncher::launch(const QString &program, const QStringList &arguments) {
+    const QFileInfo wanted(program);
+    const QString executable = wanted.exists() ? program : files_.tool(wanted.fileName());
+    if (executable.isEmpty() || !wanted.isAbsolute())
+        return false;
+
+    std::vector<QByteArray> encoded{QFile::encodeName(executable)};
+    for (const QString &argument : arguments)
+        encoded.push_back(argument.toLocal8Bit());
+    std::vector<char *> pointers;
+    for (QByteArray &argument : encoded) {
+        if (argument.contains('\0')) // what follows would be cut off, and half a script is another script
+            return false;
+        pointers.push_back(argument.data());
+    }
+    pointers.push_back(nullptr);
+    return start(pointers.data());
+}
+
+} // namespace pavonel

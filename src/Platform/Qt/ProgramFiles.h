@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+
+namespace pavonel {
+
+/// Where the files lie that come with the program: beside it in a build folder and in a bundle, in the
+/// prefix's libexec and share folders when it is installed as prefix/bin/pavonel.
+class ProgramFiles {
+public:
+    /// `program` is the absolute path of the executable.
+    explicit ProgramFiles(const QString &program);
+
+    static ProgramFiles ofThisProgram();
+
+    QString program() const { return program_; }
+
+    /// The path of one of our own tools; empty when there is none of that name.
+    QString tool(const QString &name) const;
+
+    /// The folder of our sounds, which need not exist.
+    QString soundsFolder() const;
+
+private:
+    QString firstFolder(const QString &beside, const QString &underPrefix) const;
+
+    QString program_;
+    QString folder_;
+};
+
+} // namespace pavonel

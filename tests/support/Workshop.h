@@ -1,0 +1,77 @@
+#pragma once
+
+#include "Platform/Qt/ProgramFiles.h"
+#include "support/waitUntil.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <csignal>
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+/// A private folder with a program folder in it, where tests put tools of their own. What those leave in the
+/// folder is how a test sees them; `leaveAlive` in a tool names it for ending.
+class Workshop : public testing::Test {
+protected:
+    Workshop() { QDir(folder()).mkpath(QStringLiteral("program/libexec/pavonel")); }
+
+    ~Workshop() override {
+        for (const QString &name : QDir(folder()).entryList({QStringLiteral("*.pid")}))
+            ::kill(read(name).toInt(), SIGKILL);
+    }
+
+    QString folder() const { return folder_.path(); }
+    QString path(const QString &name) const { return folder() + u'/' + name; }
+    ProgramFiles files() const { return ProgramFiles(path(QStringLiteral("program/pavonel"))); }
+
+    /// Writes an executable shell script whose working folder is the workshop.
+    QString addScript(const QString &name, const QByteArray &commands) const {
+        const QString script = path(name);
+        QDir().mkpath(QFileInfo(script).path());
+        write(name, "#!/bin/sh\ncd '" + QFile::encodeName(folder()) + "' || exit\n" + commands + '\n');
+        QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return script;
+    }
+    QString addTool(const QString &name, const QByteArray &commands) const {
+        return addScript(QStringLiteral("program/libexec/pavonel/") + name, commands);
+    }
+
+    void write(const QString &name, const QByteArray &content) const {
+        QFile file(path(name));
+        QDir().mkpath(QFileInfo(file).path());
+        ASSERT_TRUE(file.open(QFile::WriteOnly)) << name.toStdString();
+        file.write(content);
+    }
+    QByteArray read(const QString &name) const {
+        QFile file(path(name));
+        return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    bool exists(const QString &name) const { return QFile::exists(path(name)); }
+    bool appears(const QString &name) const {
+        return waitUntil([&] { return exists(name); });
+    }
+
+    /// What a tool recorded; fails the test when none does.
+    QByteArrayList recordedArguments() const {
+        EXPECT_TRUE(appears(QStringLiteral("arguments")));
+        QByteArrayList arguments = read(QStringLiteral("arguments")).split('\0');
+        arguments.removeLast();
+        return arguments;
+    }
+
+private:
+    QTemporaryDir folder_;
+};
+
+/// In a tool: writes down the arguments, in one step.
+inline const QByteArray recordArguments =
+    "printf '%s\\0' \"$@\" >new-arguments; mv new-arguments arguments\n";
+
+/// In a tool, as its last command: names the process in "alive.pid" and stays.
+inline const QByteArray leaveAlive = "echo $$ >new-pid; mv new-pid alive.pid; exec sleep 600\n";
+
+} // namespace pavonel::test
