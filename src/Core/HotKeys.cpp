@@ -14,7 +14,8 @@ HotKeyManager::~HotKeyManager() {
 }
 
 HotKeyManager &HotKeyManager::shared() {
-    static HotKeyManager manager(*Platform::current().hotKeys, *Platform::current().mainLoop);
+    static HotKeyManager &manager =
+        *new HotKeyManager(*Platform::current().hotKeys, *Platform::current().mainLoop);
     return manager;
 }
 

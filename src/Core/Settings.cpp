@@ -99,7 +99,7 @@ Settings::Settings(UserDefaults &defaults, MainLoop &loop) : defaults_(defaults)
 }
 
 Settings &Settings::shared() {
-    static Settings settings(*Platform::current().defaults, *Platform::current().mainLoop);
+    static Settings &settings = *new Settings(*Platform::current().defaults, *Platform::current().mainLoop);
     return settings;
 }
 

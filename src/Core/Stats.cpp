@@ -73,7 +73,7 @@ Stats::Stats(UserDefaults &defaults, const MainLoop &loop) : defaults_(defaults)
 }
 
 Stats &Stats::shared() {
-    static Stats stats(*Platform::current().defaults, *Platform::current().mainLoop);
+    static Stats &stats = *new Stats(*Platform::current().defaults, *Platform::current().mainLoop);
     return stats;
 }
 

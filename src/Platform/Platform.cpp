@@ -3,8 +3,12 @@
 namespace pavonel {
 
 namespace {
-std::unique_ptr<Platform> installed;
-}
+
+/// Never destroyed: its destructors would run after main, when the application object and Qt's own statics,
+/// which the services stand on, are gone. The system takes back what a process held.
+Platform *installed = nullptr;
+
+} // namespace
 
 Platform &Platform::current() {
     Q_ASSERT(installed);
@@ -12,7 +16,7 @@ Platform &Platform::current() {
 }
 
 void Platform::install(std::unique_ptr<Platform> platform) {
-    installed = std::move(platform);
+    installed = platform.release();
 }
 
 } // namespace pavonel

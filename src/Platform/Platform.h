@@ -11,6 +11,7 @@
 #include "Platform/Screens.h"
 #include "Platform/Sounds.h"
 #include "Platform/StatusItem.h"
+#include "Platform/Termination.h"
 #include "Platform/UserDefaults.h"
 #include "Platform/WindowLayers.h"
 #include "Platform/WindowList.h"
@@ -24,6 +25,7 @@ namespace pavonel {
 struct Platform {
     std::unique_ptr<MainLoop> mainLoop;
     std::unique_ptr<UserDefaults> defaults;
+    std::unique_ptr<Termination> termination;
     std::unique_ptr<Screens> screens;
     std::unique_ptr<IdleTime> idleTime;
     std::unique_ptr<AudioDevices> audioDevices;
@@ -37,7 +39,8 @@ struct Platform {
     std::unique_ptr<Appearance> appearance;
     std::unique_ptr<StatusItem> statusItem;
 
-    /// The platform of this process, on which the shared objects stand. `install` comes first, once.
+    /// The platform of this process, on which the shared objects stand. `install` comes first, once; it holds
+    /// until the process ends, and so do the shared objects.
     static Platform &current();
     static void install(std::unique_ptr<Platform> platform);
 };

@@ -39,6 +39,14 @@ struct FakeDefaults final : UserDefaults {
     void flush() override { ++flushes; }
 };
 
+struct FakeTermination final : Termination {
+    std::function<void()> save;
+    std::function<void()> end;
+
+    void onSave(std::function<void()> handler) override { save = std::move(handler); }
+    void onEnd(std::function<void()> handler) override { end = std::move(handler); }
+};
+
 struct FakeScreens final : Screens {
     std::vector<Screen> screens{{QStringLiteral("A"), {0, 0, 1920, 1080}, {0, 24, 1920, 1056}, true}};
     int queries = 0;
@@ -231,6 +239,7 @@ struct FakePlatform : Platform {
 
     VirtualMainLoop &loop;
     FakeDefaults &fakeDefaults;
+    FakeTermination &ending;
     FakeScreens &fakeScreens;
     FakeIdleTime &idle;
     FakeAudioDevices &audio;
@@ -247,12 +256,13 @@ struct FakePlatform : Platform {
 private:
     explicit FakePlatform(VirtualMainLoop *virtualLoop)
         : loop(give(mainLoop, virtualLoop)), fakeDefaults(give(defaults, new FakeDefaults)),
-          fakeScreens(give(screens, new FakeScreens)), idle(give(idleTime, new FakeIdleTime)),
-          audio(give(audioDevices, new FakeAudioDevices)), apps(give(applications, new FakeApplications)),
-          windows(give(windowList, new FakeWindowList)), layers(give(windowLayers, new FakeWindowLayers)),
-          keys(give(hotKeys, new FakeHotKeys)), fakeSounds(give(sounds, new FakeSounds)),
-          launcher(give(processes, new FakeProcessLauncher)), login(give(loginItem, new FakeLoginItem)),
-          look(give(appearance, new FakeAppearance)), menuBar(give(statusItem, new FakeStatusItem)) {}
+          ending(give(termination, new FakeTermination)), fakeScreens(give(screens, new FakeScreens)),
+          idle(give(idleTime, new FakeIdleTime)), audio(give(audioDevices, new FakeAudioDevices)),
+          apps(give(applications, new FakeApplications)), windows(give(windowList, new FakeWindowList)),
+          layers(give(windowLayers, new FakeWindowLayers)), keys(give(hotKeys, new FakeHotKeys)),
+          fakeSounds(give(sounds, new FakeSounds)), launcher(give(processes, new FakeProcessLauncher)),
+          login(give(loginItem, new FakeLoginItem)), look(give(appearance, new FakeAppearance)),
+          menuBar(give(statusItem, new FakeStatusItem)) {}
 
     template <class Interface, class Fake> static Fake &give(std::unique_ptr<Interface> &place, Fake *fake) {
         place.reset(fake);

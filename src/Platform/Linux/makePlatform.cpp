@@ -7,6 +7,7 @@
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/Qt/QtScreens.h"
 #include "Platform/Qt/QtWindowLayers.h"
+#include "Platform/Qt/SignalTermination.h"
 #include "Platform/Qt/Unavailable.h"
 
 #include <QDBusConnection>
@@ -48,6 +49,7 @@ std::unique_ptr<Platform> makePlatform() {
     auto platform = std::make_unique<Platform>();
     platform->mainLoop = std::make_unique<QtMainLoop>();
     platform->defaults = std::make_unique<FileDefaults>(defaultsPath(), *platform->mainLoop);
+    platform->termination = std::make_unique<SignalTermination>();
     platform->screens = std::make_unique<QtScreens>();
     platform->idleTime =
         none<unavailable::IdleTime>("This desktop does not tell how long you have been away.");
