@@ -1,5 +1,6 @@
 #include "Platform/Linux/Audio/EventSounds.h"
 #include "Platform/Linux/DetachedLauncher.h"
+#include "Platform/Linux/Audio/PulseAudioDevices.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Platform.h"
@@ -53,7 +54,7 @@ std::unique_ptr<Platform> makePlatform() {
     platform->screens = std::make_unique<QtScreens>();
     platform->idleTime =
         none<unavailable::IdleTime>("This desktop does not tell how long you have been away.");
-    platform->audioDevices = none<unavailable::AudioDevices>("There is no sound server to ask about calls.");
+    platform->audioDevices = std::make_unique<PulseAudioDevices>();
     platform->applications =
         none<unavailable::Applications>("This desktop does not tell which program is in front.");
     platform->windowList =

@@ -1,0 +1,203 @@
+#include "Platform/Linux/Audio/PulseAudioDevices.h"
+
+#include "support/SoundServer.h"
+#include "support/waitUntil.h"
+
+#include <gtest/gtest.h>
+#include <pulse/pulseaudio.h>
+
+namespace pavonel::test {
+
+namespace {
+
+/// A mixer's level meter on the default source, in a thread of its own.
+class LevelMeter {
+public:
+    LevelMeter() {
+        pa_threaded_mainloop_start(loop_);
+        locked([&] {
+            context_ = pa_context_new(pa_threaded_mainloop_get_api(loop_), "mixer");
+            pa_context_connect(context_, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
+        });
+        const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, 25, 1};
+        const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_PEAK_DETECT | PA_STREAM_ADJUST_LATENCY);
+        until([&] { return pa_context_get_state(context_) == PA_CONTEXT_READY; });
+        locked([&] {
+            stream_ = pa_stream_new(context_, "level", &spec, nullptr);
+            pa_stream_connect_record(stream_, nullptr, nullptr, flags);
+        });
+        until([&] { return pa_stream_get_state(stream_) == PA_STREAM_READY; });
+    }
+
+    ~LevelMeter() {
+        locked([&] {
+            pa_stream_disconnect(stream_);
+            pa_stream_unref(stream_);
+            pa_context_disconnect(context_);
+            pa_context_unref(context_);
+        });
+        pa_threaded_mainloop_stop(loop_);
+        pa_threaded_mainloop_free(loop_);
+    }
+
+private:
+    template <class Action> void locked(Action action) {
+        pa_threaded_mainloop_lock(loop_);
+        action();
+        pa_threaded_mainloop_unlock(loop_);
+    }
+
+    template <class Condition> void until(Condition condition) {
+        EXPECT_TRUE(waitUntil([&] {
+            bool holds = false;
+            locked([&] { holds = condition(); });
+            return holds;
+        }));
+    }
+
+    pa_threaded_mainloop *loop_ = pa_threaded_mainloop_new();
+    pa_context *context_ = nullptr;
+    pa_stream *stream_ = nullptr;
+};
+
+void aSecondPasses() {
+    waitUntil([] { return false; }, 1000);
+}
+
+/// Asks once a second, as the scheduler does, until the answer is the wanted one; how many times it took.
+template <class Question> int ticksUntil(Question question, bool wanted) {
+    for (int tick = 1; tick <= 30; ++tick) {
+        if (question() == wanted)
+            return tick;
+        aSecondPasses();
+    }
+    return INT_MAX;
+}
+
+} // namespace
+
+class SoundServerTest : public ::testing::TestWithParam<SoundServer::Kind> {
+protected:
+    bool serverRuns(const char *list, const char *device) {
+        return waitUntil(
+            [&] { return server.isRunning(QString::fromLatin1(list), QString::fromLatin1(device)); });
+    }
+    auto input() {
+        return [this] { return devices.isDefaultInputRunning(); };
+    }
+    auto output() {
+        return [this] { return devices.isDefaultOutputRunning(); };
+    }
+    bool becomes(std::function<bool()> question, bool wanted) {
+        return waitUntil([&] { return question() == wanted; });
+    }
+
+    SoundServer server{GetParam()};
+    PulseAudioDevices devices;
+};
+
+INSTANTIATE_TEST_SUITE_P(Each, SoundServerTest,
+                         ::testing::Values(SoundServer::Kind::pulseAudio, SoundServer::Kind::pipeWire),
+                         [](const auto &server) {
+                             return server.param == SoundServer::Kind::pulseAudio ? "PulseAudio" : "PipeWire";
+                         });
+
+TEST_P(SoundServerTest, a_recording_client_is_seen_within_two_ticks_of_its_start_and_of_its_end) {
+    server.start();
+    EXPECT_FALSE(input()());
+    aSecondPasses();
+    auto recorder = server.record();
+    ASSERT_TRUE(serverRuns("sources", "mic"));
+    EXPECT_LE(ticksUntil(input(), true), 2);
+    EXPECT_FALSE(output()());
+    recorder.reset();
+    EXPECT_LE(ticksUntil(input(), false), 2);
+}
+
+TEST_P(SoundServerTest, playing_sound_is_seen_within_two_ticks_of_its_start_and_of_its_end) {
+    server.start();
+    EXPECT_FALSE(output()());
+    aSecondPasses();
+    auto player = server.play();
+    ASSERT_TRUE(serverRuns("sinks", "spk"));
+    EXPECT_LE(ticksUntil(output(), true), 2);
+    EXPECT_FALSE(input()());
+    player.reset();
+    EXPECT_LE(ticksUntil(output(), false), 2);
+}
+
+TEST_P(SoundServerTest, a_level_meter_is_no_recording) {
+    server.start();
+    input()();
+    const LevelMeter meter;
+    ASSERT_TRUE(serverRuns("sources", "mic"));
+    for (int tick = 0; tick < 3; ++tick) {
+        EXPECT_FALSE(input()());
+        aSecondPasses();
+    }
+    const auto recorder = server.record();
+    EXPECT_TRUE(becomes(input(), true)) << "somebody records besides the meter";
+}
+
+TEST_P(SoundServerTest, recording_what_is_played_is_no_use_of_the_microphone) {
+    server.start();
+    input()();
+    const auto player = server.play();
+    const auto recorder = server.record(QStringLiteral("spk.monitor"));
+    ASSERT_TRUE(becomes(output(), true));
+    for (int tick = 0; tick < 3; ++tick) {
+        EXPECT_FALSE(input()());
+        aSecondPasses();
+    }
+    if (GetParam() == SoundServer::Kind::pulseAudio) {
+        server.pactl({QStringLiteral("set-default-source"), QStringLiteral("spk.monitor")});
+        aSecondPasses();
+        EXPECT_FALSE(input()()) << "a monitor stays one as the default source";
+    }
+}
+
+TEST_P(SoundServerTest, a_server_that_starts_late_vanishes_and_comes_back_is_noticed) {
+    EXPECT_FALSE(input()());
+    EXPECT_TRUE(waitUntil([&] { return !devices.limitation().isEmpty(); }));
+
+    server.start();
+    auto recorder = server.record();
+    EXPECT_TRUE(becomes(input(), true));
+    EXPECT_EQ(devices.limitation(), QString());
+
+    server.kill();
+    EXPECT_TRUE(becomes(input(), false));
+    EXPECT_NE(devices.limitation(), QString());
+
+    server.start();
+    recorder = server.record();
+    EXPECT_TRUE(becomes(input(), true));
+}
+
+TEST_P(SoundServerTest, only_the_device_that_is_the_default_one_now_counts) {
+    server.start();
+    server.addSource(QStringLiteral("other"));
+    const auto makeDefault = [&](const char *source) {
+        server.pactl({QStringLiteral("set-default-source"), QString::fromLatin1(source)});
+    };
+    makeDefault("other");
+    const auto recorder = server.record(QStringLiteral("mic"));
+    ASSERT_TRUE(serverRuns("sources", "mic"));
+    for (int tick = 0; tick < 3; ++tick) {
+        EXPECT_FALSE(input()());
+        aSecondPasses();
+    }
+    makeDefault("mic");
+    EXPECT_TRUE(becomes(input(), true));
+}
+
+TEST(PulseAudioDevices, without_a_server_every_answer_is_harmless_and_the_reason_is_given) {
+    qputenv("PULSE_SERVER", "unix:/nonexistent/native");
+    PulseAudioDevices devices;
+    EXPECT_FALSE(devices.isDefaultInputRunning());
+    EXPECT_TRUE(waitUntil([&] { return !devices.limitation().isEmpty(); }));
+    EXPECT_FALSE(devices.isDefaultInputRunning());
+    EXPECT_FALSE(devices.isDefaultOutputRunning());
+}
+
+} // namespace pavonel::test
