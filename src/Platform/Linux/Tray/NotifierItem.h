@@ -76,7 +76,7 @@ public:
     bool itemIsMenu() const { return true; }
     QDBusObjectPath menu() const { return QDBusObjectPath(menuPath); }
     QString label() const { return label_; }
-    QString labelGuide() const { return QStringLiteral("00:00:00"); }
+    QString labelGuide() const { return QStringLiteral("000m"); }
 
 public Q_SLOTS:
     void Activate(int x, int y) { showMenu_(QPoint(x, y)); }
