@@ -1,0 +1,118 @@
+#include "Platform/Linux/Tray/DBusMenu.h"
+
+#include "Platform/Linux/Tray/NotifierItem.h"
+
+#include <QCoreApplication>
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+namespace {
+
+class DBusMenuTest : public ::testing::Test {
+protected:
+    DBusMenuTest() {
+        menu.setMaker([this] {
+            Menu items;
+            items.push_back({MenuItem::Kind::label, status, {}, {}, {}});
+            items.push_back({MenuItem::Kind::separator, {}, {}, {}, {}});
+            Menu pauses;
+            pauses.push_back(
+                {MenuItem::Kind::command, QStringLiteral("1_hour"), {}, [this] { ++paused; }, {}});
+            items.push_back({MenuItem::Kind::submenu, QStringLiteral("Pause"), {}, {}, pauses});
+            items.push_back(
+                {MenuItem::Kind::command, QStringLiteral("Settings…"), QStringLiteral(","), {}, {}});
+            return items;
+        });
+    }
+
+    DBusMenuLayout layout(int parent = 0, int depth = -1, const QStringList &names = {}) {
+        DBusMenuLayout result;
+        revision = menu.GetLayout(parent, depth, names, result);
+        return result;
+    }
+
+    QString status = QStringLiteral("Micro break: 19:58");
+    int paused = 0;
+    uint revision = 0;
+    DBusMenu menu;
+};
+
+} // namespace
+
+TEST_F(DBusMenuTest, items_carry_only_what_differs_from_the_defaults) {
+    const auto items = layout().children;
+    ASSERT_EQ(items.size(), 4);
+    EXPECT_EQ(items[0].properties,
+              QVariantMap({{QStringLiteral("label"), status}, {QStringLiteral("enabled"), false}}));
+    EXPECT_EQ(items[1].properties, QVariantMap({{QStringLiteral("type"), QStringLiteral("separator")}}));
+    EXPECT_EQ(items[2].properties,
+              QVariantMap({{QStringLiteral("label"), QStringLiteral("Pause")},
+                           {QStringLiteral("children-display"), QStringLiteral("submenu")}}));
+    EXPECT_EQ(items[2].children[0].properties,
+              QVariantMap({{QStringLiteral("label"), QStringLiteral("1__hour")}}))
+        << "a single underscore would mark an access key";
+    const auto shortcut = items[3].properties[QStringLiteral("shortcut")].value<QList<QStringList>>();
+    EXPECT_EQ(shortcut, QList<QStringList>({{QStringLiteral("Control"), QStringLiteral("comma")}}));
+}
+
+TEST_F(DBusMenuTest, depth_and_property_names_limit_the_answer) {
+    EXPECT_TRUE(layout(0, 0).children.isEmpty());
+    EXPECT_TRUE(layout(0, 1).children[2].children.isEmpty());
+    EXPECT_EQ(layout(0, 1, {QStringLiteral("enabled")}).children[0].properties.keys(),
+              QStringList{QStringLiteral("enabled")});
+    EXPECT_EQ(layout(4711).id, 0) << "an unknown item";
+}
+
+TEST_F(DBusMenuTest, the_menu_is_made_anew_when_it_is_about_to_show) {
+    layout();
+    const uint before = revision;
+    int updates = 0;
+    QObject::connect(&menu, &DBusMenu::LayoutUpdated, &menu, [&] { ++updates; });
+    EXPECT_FALSE(menu.AboutToShow(0)) << "nothing changed";
+    EXPECT_EQ(updates, 0) << "nothing is sent";
+    status = QStringLiteral("Micro break: 19:57");
+    EXPECT_TRUE(menu.AboutToShow(0));
+    EXPECT_EQ(updates, 1);
+    EXPECT_EQ(layout().children[0].properties[QStringLiteral("label")].toString(), status);
+    EXPECT_GT(revision, before);
+}
+
+TEST_F(DBusMenuTest, a_click_on_a_menu_that_was_read_earlier_still_does_what_its_text_says) {
+    const int id = layout().children[2].children[0].id;
+    status = QStringLiteral("Micro break: 19:57");
+    menu.AboutToShow(0);
+    menu.Event(id, QStringLiteral("clicked"), QDBusVariant(0), 0);
+    EXPECT_EQ(paused, 0) << "the host gets its answer first";
+    QCoreApplication::processEvents();
+    EXPECT_EQ(paused, 1);
+}
+
+TEST_F(DBusMenuTest, events_that_mean_nothing_do_nothing) {
+    const auto items = layout().children;
+    menu.Event(items[2].children[0].id, QStringLiteral("hovered"), QDBusVariant(0), 0);
+    menu.Event(items[0].id, QStringLiteral("clicked"), QDBusVariant(0), 0);
+    menu.Event(4711, QStringLiteral("clicked"), QDBusVariant(0), 0);
+    EXPECT_EQ(menu.EventGroup({{4711, QStringLiteral("clicked"), QDBusVariant(0), 0}}), QList<int>{4711});
+    QList<int> unknown;
+    menu.AboutToShowGroup({0, 4711}, unknown);
+    EXPECT_EQ(unknown, QList<int>{4711});
+    QCoreApplication::processEvents();
+    EXPECT_EQ(paused, 0);
+}
+
+TEST(NotifierItem, tells_its_hosts_of_a_label_only_when_it_changed) {
+    NotifierItem item({}, [](QPoint) {});
+    int labels = 0;
+    int toolTips = 0;
+    QObject::connect(&item, &NotifierItem::XAyatanaNewLabel, &item, [&] { ++labels; });
+    QObject::connect(&item, &NotifierItem::NewToolTip, &item, [&] { ++toolTips; });
+    item.setLabel(QStringLiteral("20m"));
+    item.setLabel(QStringLiteral("20m"));
+    EXPECT_EQ(labels, 1);
+    EXPECT_EQ(toolTips, 1);
+    EXPECT_EQ(item.toolTip().text, QStringLiteral("20m"));
+}
+
+} // namespace pavonel::test
