@@ -1,4 +1,5 @@
 #include "Platform/Linux/Audio/EventSounds.h"
+#include "Platform/Linux/AutostartLoginItem.h"
 #include "Platform/Linux/DetachedLauncher.h"
 #include "Platform/Linux/Audio/PulseAudioDevices.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
@@ -25,11 +26,11 @@ template <class Service> std::unique_ptr<Service> none(const char *reason) {
 }
 
 /// A relative `XDG_CONFIG_HOME` counts as none, as its standard demands.
-QString defaultsPath() {
+QString configFolder() {
     QString folder = qEnvironmentVariable("XDG_CONFIG_HOME");
     if (!QDir::isAbsolutePath(folder))
         folder = QDir::homePath() + QStringLiteral("/.config");
-    return folder + QStringLiteral("/pavonel/defaults.json");
+    return folder;
 }
 
 /// In a Wayland session the X server that is there only stands in for one.
@@ -49,7 +50,8 @@ std::unique_ptr<Platform> makePlatform() {
     const auto x11 = x11Connection();
     auto platform = std::make_unique<Platform>();
     platform->mainLoop = std::make_unique<QtMainLoop>();
-    platform->defaults = std::make_unique<FileDefaults>(defaultsPath(), *platform->mainLoop);
+    platform->defaults = std::make_unique<FileDefaults>(
+        configFolder() + QStringLiteral("/pavonel/defaults.json"), *platform->mainLoop);
     platform->termination = std::make_unique<SignalTermination>();
     platform->screens = std::make_unique<QtScreens>();
     platform->idleTime =
@@ -64,8 +66,7 @@ std::unique_ptr<Platform> makePlatform() {
     const ProgramFiles files = ProgramFiles::ofThisProgram();
     platform->sounds = std::make_unique<EventSounds>(files);
     platform->processes = std::make_unique<DetachedLauncher>(files);
-    platform->loginItem =
-        none<unavailable::LoginItem>("This desktop has no place for programs that start at login.");
+    platform->loginItem = std::make_unique<AutostartLoginItem>(files.program(), configFolder());
     platform->appearance =
         none<unavailable::Appearance>("This desktop does not tell whether it is light or dark.");
     platform->statusItem = statusItem(*platform->appearance, x11);
