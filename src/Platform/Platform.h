@@ -7,6 +7,7 @@
 #include "Platform/IdleTime.h"
 #include "Platform/LoginItem.h"
 #include "Platform/MainLoop.h"
+#include "Platform/Pointer.h"
 #include "Platform/ProcessLauncher.h"
 #include "Platform/Screens.h"
 #include "Platform/Sounds.h"
@@ -27,6 +28,7 @@ struct Platform {
     std::unique_ptr<UserDefaults> defaults;
     std::unique_ptr<Termination> termination;
     std::unique_ptr<Screens> screens;
+    std::unique_ptr<Pointer> pointer;
     std::unique_ptr<IdleTime> idleTime;
     std::unique_ptr<AudioDevices> audioDevices;
     std::unique_ptr<Applications> applications;

@@ -34,6 +34,10 @@ public:
     /// visible, above windows that open later too, and is forgotten when it is destroyed.
     virtual void assign(QWindow &window, WindowLayer layer, const Screen &screen) = 0;
 
+    /// Whether a window's translucent parts are blended with what lies below it, at this moment. Where they
+    /// are not, they come out black, and `QWidget::setWindowOpacity` does nothing.
+    virtual bool canBlend() const { return false; }
+
     /// Gives the keyboard to a visible overlay. Where the desktop decides by itself, nothing happens.
     virtual void takeKeyboard(QWindow &window) = 0;
 

@@ -57,6 +57,16 @@ struct FakeScreens final : Screens {
     }
 };
 
+struct FakePointer final : Pointer {
+    std::optional<QPointF> where = QPointF(400, 300);
+    int queries = 0;
+
+    std::optional<QPointF> position() override {
+        ++queries;
+        return where;
+    }
+};
+
 struct FakeIdleTime final : IdleTime {
     Seconds seconds = 0;
     int queries = 0;
@@ -117,6 +127,7 @@ struct FakeWindowLayers final : WindowLayers {
     std::vector<Assignment> assignments;
     int keyboardTaken = 0;
     int keyboardYielded = 0;
+    bool blends = true;
 
     Qt::WindowFlags windowFlags(WindowLayer layer) const override {
         const Qt::WindowFlags flags = Qt::Tool | Qt::FramelessWindowHint;
@@ -125,6 +136,7 @@ struct FakeWindowLayers final : WindowLayers {
     void assign(QWindow &window, WindowLayer layer, const Screen &screen) override {
         assignments.push_back({&window, layer, screen});
     }
+    bool canBlend() const override { return blends; }
     void takeKeyboard(QWindow &) override { ++keyboardTaken; }
     void yieldKeyboard() override { ++keyboardYielded; }
 };
@@ -241,6 +253,7 @@ struct FakePlatform : Platform {
     FakeDefaults &fakeDefaults;
     FakeTermination &ending;
     FakeScreens &fakeScreens;
+    FakePointer &mouse;
     FakeIdleTime &idle;
     FakeAudioDevices &audio;
     FakeApplications &apps;
@@ -257,12 +270,12 @@ private:
     explicit FakePlatform(VirtualMainLoop *virtualLoop)
         : loop(give(mainLoop, virtualLoop)), fakeDefaults(give(defaults, new FakeDefaults)),
           ending(give(termination, new FakeTermination)), fakeScreens(give(screens, new FakeScreens)),
-          idle(give(idleTime, new FakeIdleTime)), audio(give(audioDevices, new FakeAudioDevices)),
-          apps(give(applications, new FakeApplications)), windows(give(windowList, new FakeWindowList)),
-          layers(give(windowLayers, new FakeWindowLayers)), keys(give(hotKeys, new FakeHotKeys)),
-          fakeSounds(give(sounds, new FakeSounds)), launcher(give(processes, new FakeProcessLauncher)),
-          login(give(loginItem, new FakeLoginItem)), look(give(appearance, new FakeAppearance)),
-          menuBar(give(statusItem, new FakeStatusItem)) {}
+          mouse(give(pointer, new FakePointer)), idle(give(idleTime, new FakeIdleTime)),
+          audio(give(audioDevices, new FakeAudioDevices)), apps(give(applications, new FakeApplications)),
+          windows(give(windowList, new FakeWindowList)), layers(give(windowLayers, new FakeWindowLayers)),
+          keys(give(hotKeys, new FakeHotKeys)), fakeSounds(give(sounds, new FakeSounds)),
+          launcher(give(processes, new FakeProcessLauncher)), login(give(loginItem, new FakeLoginItem)),
+          look(give(appearance, new FakeAppearance)), menuBar(give(statusItem, new FakeStatusItem)) {}
 
     template <class Interface, class Fake> static Fake &give(std::unique_ptr<Interface> &place, Fake *fake) {
         place.reset(fake);

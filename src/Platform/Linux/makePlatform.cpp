@@ -7,6 +7,7 @@
 #include "Platform/Platform.h"
 #include "Platform/Qt/FileDefaults.h"
 #include "Platform/Qt/QtMainLoop.h"
+#include "Platform/Qt/QtPointer.h"
 #include "Platform/Qt/QtScreens.h"
 #include "Platform/Qt/QtWindowLayers.h"
 #include "Platform/Qt/SignalTermination.h"
@@ -54,6 +55,7 @@ std::unique_ptr<Platform> makePlatform() {
         configFolder() + QStringLiteral("/pavonel/defaults.json"), *platform->mainLoop);
     platform->termination = std::make_unique<SignalTermination>();
     platform->screens = std::make_unique<QtScreens>();
+    platform->pointer = std::make_unique<QtPointer>();
     platform->idleTime =
         none<unavailable::IdleTime>("This desktop does not tell how long you have been away.");
     platform->audioDevices = std::make_unique<PulseAudioDevices>();

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Platform/Pointer.h"
+
+namespace pavonel {
+
+/// The pointer as Qt sees it.
+class QtPointer final : public Pointer {
+public:
+    QString limitation() const override;
+    std::optional<QPointF> position() override;
+};
+
+} // namespace pavonel
