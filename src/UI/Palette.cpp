@@ -68,7 +68,7 @@ void chooseSurfaces(Palette &p, bool dark) {
     p.cardOutline = withAlpha(line, dark ? 0.09 : 0.08);
     p.hairline = withAlpha(line, 0.07);
     p.panel = dark ? withAlpha(QColor(40, 40, 43), 0.95) : withAlpha(QColor(246, 246, 248), 0.96);
-    p.panelOutline = dark ? withAlpha(Qt::black, 0.45) : withAlpha(Qt::black, 0.13);
+    p.panelOutline = withAlpha(Qt::black, dark ? 0 : 0.13);
     p.track = dark ? QColor(0x4A, 0x4A, 0x50) : QColor(0xD5, 0xD5, 0xDA);
     p.text = dark ? QColor(0xF2, 0xF2, 0xF4) : QColor(0x1C, 0x1C, 0x1E);
 }

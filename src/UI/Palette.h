@@ -25,8 +25,9 @@ struct Palette {
     QColor card;
     QColor cardOutline; ///< Translucent, as are all lines.
     QColor hairline;
-    QColor panel;        ///< The material of the floating panels, a little translucent.
-    QColor panelOutline; ///< Their outermost device pixel.
+    QColor panel; ///< The material of the floating panels, a little translucent.
+    QColor
+        panelOutline; ///< Their outermost device pixel, which sets them off from windows of the same colour.
 
     QColor text; ///< On every surface.
     QColor secondaryText;

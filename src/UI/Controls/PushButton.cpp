@@ -1,0 +1,83 @@
+#include "UI/Controls/PushButton.h"
+
+#include "UI/Fonts.h"
+#include "UI/Symbol.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+
+#include <cmath>
+
+namespace pavonel {
+
+PushButton::PushButton(const QString &text, const ButtonColours &colours, const Shape &shape, QWidget *parent)
+    : QAbstractButton(parent), colours_(colours), shape_(shape) {
+    setText(text);
+    setFont(fonts::ui(shape.fontSize, QFont::Medium));
+    setAttribute(Qt::WA_Hover);
+    setFocusPolicy(Qt::TabFocus);
+    resize(sizeHint());
+}
+
+PushButton *PushButton::round(const QString &symbol, int diameter, const QString &name,
+                              const ButtonColours &colours, QWidget *parent) {
+    auto *button = new PushButton({}, colours, {diameter, diameter / 2, 0, diameter}, parent);
+    button->symbol_ = symbol;
+    button->setAccessibleName(name);
+    button->resize(diameter, diameter);
+    return button;
+}
+
+void PushButton::setColours(const ButtonColours &colours) {
+    colours_ = colours;
+    update();
+}
+
+QSize PushButton::sizeHint() const {
+    if (!symbol_.isEmpty())
+        return {shape_.height, shape_.height};
+    const double textWidth = QFontMetricsF(font()).horizontalAdvance(text());
+    return {static_cast<int>(std::ceil(textWidth)) + 2 * shape_.padding, shape_.height};
+}
+
+QColor PushButton::fill() const {
+    if (isDown())
+        return colours_.pressed;
+    return underMouse() && isEnabled() ? colours_.hovered : colours_.fill;
+}
+
+void PushButton::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!isEnabled())
+        painter.setOpacity(0.45);
+    const double pixel = 1 / devicePixelRatioF();
+    const bool outlined = colours_.outline.alpha() > 0;
+    const QRectF body =
+        outlined ? QRectF(rect()).adjusted(pixel / 2, pixel / 2, -pixel / 2, -pixel / 2) : rect();
+    painter.setPen(outlined ? QPen(colours_.outline, pixel) : QPen(Qt::NoPen));
+    painter.setBrush(fill());
+    painter.drawRoundedRect(body, shape_.radius, shape_.radius);
+    if (hasFocus())
+        drawFocusRing(painter, body);
+    if (symbol_.isEmpty()) {
+        painter.setPen(colours_.ink);
+        painter.drawText(rect(), Qt::AlignCenter, text());
+        return;
+    }
+    constexpr double share = 0.72; // of the disc; leaves the drawing air
+    const double side = std::round(shape_.height * share);
+    const double margin = (shape_.height - side) / 2;
+    painter.drawImage(QPointF(margin, margin),
+                      Symbol::image(symbol_, side, colours_.ink, devicePixelRatioF()));
+}
+
+void PushButton::drawFocusRing(QPainter &painter, const QRectF &body) const {
+    QColor ring = colours_.ink;
+    ring.setAlphaF(0.6F);
+    painter.setPen(QPen(ring, 1.5));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(body.adjusted(1.5, 1.5, -1.5, -1.5), shape_.radius - 1.5, shape_.radius - 1.5);
+}
+
+} // namespace pavonel
