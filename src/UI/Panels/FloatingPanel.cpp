@@ -1,0 +1,96 @@
+#include "UI/Panels/FloatingPanel.h"
+
+#include <QBitmap>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+
+namespace pavonel {
+
+namespace {
+
+QPainterPath outline(const QRectF &body, double radius) {
+    QPainterPath path;
+    const double fitting = std::min({radius, body.width() / 2, body.height() / 2});
+    path.addRoundedRect(body, fitting, fitting);
+    return path;
+}
+
+/// Every pixel that the rounded shape touches, so that what the window's edge cuts off is never seen.
+QRegion touchedBy(const QPainterPath &shape, QSize size) {
+    QBitmap mask(size);
+    mask.clear();
+    QPainter painter(&mask);
+    painter.setPen(QPen(Qt::color1, 0.5));
+    painter.setBrush(Qt::color1);
+    painter.drawPath(shape);
+    painter.end();
+    return QRegion(mask);
+}
+
+} // namespace
+
+FloatingPanel::FloatingPanel(Platform &platform, const Make &make)
+    : platform_(platform), make_(make), palette_(platform.appearance->wishes()),
+      blends_(platform.windowLayers->canBlend()) {
+    Qt::WindowFlags flags = platform.windowLayers->windowFlags(WindowLayer::panel);
+    if (make.mouse == Mouse::ignored)
+        flags |= Qt::WindowTransparentForInput;
+    setWindowFlags(flags);
+    setWindowTitle(make.title);
+    setAccessibleName(make.title);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_TranslucentBackground, blends_);
+    setFocusPolicy(Qt::NoFocus);
+    setFixedSize(make.size);
+    if (!blends_)
+        setMask(touchedBy(outline(QRectF({}, QSizeF(make.size)), make.radius), make.size));
+}
+
+void FloatingPanel::present(QPoint corner, const std::optional<Screen> &screen) {
+    move(corner);
+    winId();
+    platform_.windowLayers->assign(*windowHandle(), WindowLayer::panel, screen.value_or(Screen()));
+    show();
+}
+
+void FloatingPanel::retire() {
+    setUpdatesEnabled(false);
+    setEnabled(false);
+}
+
+void FloatingPanel::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    paintMaterial(painter);
+}
+
+void FloatingPanel::paintMaterial(QPainter &painter) const {
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF body = rect();
+    const double pixel = 1 / devicePixelRatioF();
+    QColor material = palette_.panel;
+    if (!blends_) {
+        // The mask has no half pixels; the outline's colour fills those that the curve cuts.
+        material = blended(material, palette_.window);
+        painter.fillRect(body, blended(palette_.panelOutline, material));
+    }
+    painter.fillPath(outline(body, make_.radius), material);
+    painter.setBrush(Qt::NoBrush);
+    const auto line = [&](const QColor &colour, double width) {
+        painter.setPen(QPen(colour, width));
+        const QRectF middle = body.adjusted(width / 2, width / 2, -width / 2, -width / 2);
+        painter.drawPath(outline(middle, make_.radius - width / 2));
+    };
+    line(QColor::fromRgbF(1, 1, 1, static_cast<float>(make_.borderOpacity)), 1);
+    line(palette_.panelOutline, pixel);
+}
+
+std::optional<Screen> mainScreen(Screens &screens) {
+    const auto all = screens.all();
+    const auto main =
+        std::find_if(all.begin(), all.end(), [](const Screen &screen) { return screen.isMain; });
+    return main == all.end() ? std::nullopt : std::optional(*main);
+}
+
+} // namespace pavonel

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Platform/Platform.h"
+#include "UI/Palette.h"
+
+#include <QWidget>
+
+namespace pavonel {
+
+/// A small window above those of all other programs, on every desktop, that never takes the keyboard: a slab
+/// of material with round corners, on which one child, the content, lies.
+class FloatingPanel : public QWidget {
+public:
+    enum class Mouse {
+        received,
+        ignored ///< Clicks reach whatever lies below.
+    };
+    struct Make {
+        QString title; ///< Of the window; nobody sees it, but other programs read it.
+        QSize size;
+        double radius;        ///< Of the corners.
+        double borderOpacity; ///< Of the white line along the inside of the edge.
+        Mouse mouse;
+    };
+
+    FloatingPanel(Platform &platform, const Make &make);
+
+    const Palette &colours() const { return palette_; }
+
+    /// Shows it with its left upper corner there, in front, without activating it. `screen` is the one it
+    /// stands on; absent while there is none.
+    void present(QPoint corner, const std::optional<Screen> &screen);
+
+    /// For its last moments on screen: it keeps its picture and is deaf to the mouse from now on.
+    void retire();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void paintMaterial(QPainter &painter) const;
+
+    Platform &platform_;
+    Make make_;
+    Palette palette_;
+    bool blends_;
+};
+
+/// The screen that notices appear on; absent while none is attached.
+std::optional<Screen> mainScreen(Screens &screens);
+
+} // namespace pavonel

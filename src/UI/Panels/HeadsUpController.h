@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Core/BreakController.h"
+#include "UI/Panels/PanelStage.h"
+
+namespace pavonel {
+
+/// The notice in the right upper corner shortly before a break.
+class HeadsUpController {
+public:
+    HeadsUpController(Platform &platform, BreakController &controller, Settings &settings);
+
+    /// In place of one that is shown.
+    void show(BreakKind kind, const QString &title);
+    void hide();
+
+private:
+    Platform &platform_;
+    BreakController &controller_;
+    Settings &settings_;
+    PanelStage stage_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "Core/BreakController.h"
+#include "UI/Controls/PushButton.h"
+#include "UI/Panels/FloatingPanel.h"
+#include "UI/Panels/Hint.h"
+#include "UI/Refresher.h"
+
+namespace pavonel {
+
+/// What stands on the heads-up notice. The time and the buttons are live.
+class HeadsUpView final : public QWidget {
+public:
+    HeadsUpView(Platform &platform, FloatingPanel &panel, BreakController &controller, Settings &settings,
+                BreakKind kind, const QString &title, std::function<void()> onClose);
+
+    static constexpr int width = 340;
+    static int height(const Settings &settings);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    PushButton *addButton(const QString &text, const ButtonColours &colours, std::function<void()> action);
+    void addButtons();
+    void addCloseButton(Platform &platform);
+    void refresh();
+    void layOutButtons();
+    void paintLines(QPainter &painter, double right) const;
+
+    BreakController &controller_;
+    Settings &settings_;
+    const Palette &palette_;
+    BreakKind kind_;
+    QString title_;
+    std::function<void()> onClose_;
+    QString time_;
+    PushButton *close_ = nullptr;
+    PushButton *start_ = nullptr;
+    PushButton *oneMinute_ = nullptr;
+    PushButton *fiveMinutes_ = nullptr;
+    PushButton *skip_ = nullptr;
+    std::unique_ptr<Hint> closeHint_;
+    std::unique_ptr<Refresher> refresher_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,80 @@
+#include "UI/Panels/Hint.h"
+
+#include "UI/Fonts.h"
+
+#include <QEvent>
+#include <QFontMetricsF>
+#include <QPainter>
+
+#include <cmath>
+
+namespace pavonel {
+
+namespace {
+
+constexpr Seconds rest = 0.7;
+constexpr int fontSize = 11;
+
+class HintText final : public QWidget {
+public:
+    HintText(const QString &text, FloatingPanel &panel)
+        : QWidget(&panel), text_(text), ink_(panel.colours().text) {
+        setFont(fonts::ui(fontSize));
+        resize(panel.size());
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        painter.setPen(ink_);
+        painter.drawText(rect(), Qt::AlignCenter, text_);
+    }
+
+private:
+    QString text_;
+    QColor ink_;
+};
+
+} // namespace
+
+Hint::Hint(Platform &platform, QWidget &control, const QString &text)
+    : platform_(platform), control_(control), text_(text) {
+    control.setAccessibleDescription(text);
+    control.installEventFilter(this);
+}
+
+bool Hint::eventFilter(QObject *, QEvent *event) {
+    switch (event->type()) {
+    case QEvent::Enter:
+        rest_ = platform_.mainLoop->after(rest, [this] { show(); });
+        break;
+    case QEvent::Leave:
+    case QEvent::MouseButtonPress:
+    case QEvent::Hide:
+        hide();
+        break;
+    default:
+        break;
+    }
+    return false;
+}
+
+void Hint::show() {
+    const QFontMetricsF metrics(fonts::ui(fontSize));
+    const QSize size(static_cast<int>(std::ceil(metrics.horizontalAdvance(text_))) + 16, 22);
+    panel_ = std::make_unique<FloatingPanel>(
+        platform_,
+        FloatingPanel::Make{QStringLiteral("Pavonel Hint"), size, 6, 0.08, FloatingPanel::Mouse::ignored});
+    auto *text = new HintText(text_, *panel_);
+    text->show();
+    const QPoint below =
+        control_.mapToGlobal(QPoint(control_.width() - size.width() + 6, control_.height() + 6));
+    panel_->present(below, mainScreen(*platform_.screens));
+}
+
+void Hint::hide() {
+    rest_.reset();
+    panel_.reset();
+}
+
+} // namespace pavonel

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "UI/Panels/PanelStage.h"
+
+namespace pavonel {
+
+/// The strip at the top of the screen that carries a reminder for six seconds.
+class ToastController {
+public:
+    explicit ToastController(Platform &platform);
+
+    /// In place of one that is shown. `symbol` is a name of `Symbol`.
+    void show(const QString &text, const QString &symbol);
+    void hide();
+
+private:
+    Platform &platform_;
+    PanelStage stage_;
+    TimerHandle dismissal_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QWidget>
+
+#include <vector>
+
+namespace pavonel::test {
+
+/// Our own visible windows of this title, one that only fades out not among them.
+inline std::vector<QWidget *> shownWindows(const char *title) {
+    std::vector<QWidget *> found;
+    const auto windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows) {
+        if (window->isVisible() && window->isEnabled() && window->windowTitle() == QString::fromUtf8(title))
+            found.push_back(window);
+    }
+    return found;
+}
+
+/// The same with those that fade out.
+inline std::vector<QWidget *> visibleWindows(const char *title) {
+    std::vector<QWidget *> found;
+    const auto windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows) {
+        if (window->isVisible() && window->windowTitle() == QString::fromUtf8(title))
+            found.push_back(window);
+    }
+    return found;
+}
+
+/// The only shown window of this title; null when there is none or more than one.
+inline QWidget *shownWindow(const char *title) {
+    const auto found = shownWindows(title);
+    return found.size() == 1 ? found.front() : nullptr;
+}
+
+inline void sendMouse(QWidget &target, QEvent::Type type) {
+    const QPointF middle = QRectF(target.rect()).center();
+    const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, middle, target.mapToGlobal(middle), Qt::LeftButton, held, Qt::NoModifier);
+    QApplication::sendEvent(&target, &event);
+}
+
+inline void click(QWidget &target) {
+    sendMouse(target, QEvent::MouseButtonPress);
+    sendMouse(target, QEvent::MouseButtonRelease);
+}
+
+} // namespace pavonel::test
