@@ -2,6 +2,9 @@
 
 #include "Core/BreakController.h"
 #include "UI/MenuBar.h"
+#include "UI/Panels/FloatingCountdownController.h"
+#include "UI/Panels/HeadsUpController.h"
+#include "UI/Panels/ToastController.h"
 
 #include <optional>
 
@@ -16,7 +19,12 @@ public:
     void setUp();
 
 private:
+    void connectController();
+
     BreakController controller_;
+    ToastController toast_;
+    std::optional<HeadsUpController> headsUp_;
+    std::optional<FloatingCountdownController> floating_;
     std::optional<MenuBarController> menuBar_;
 };
 
