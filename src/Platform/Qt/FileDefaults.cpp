@@ -103,7 +103,8 @@ void FileDefaults::makeFolder() const {
     constexpr auto others = fs::perms::group_all | fs::perms::others_all;
     std::error_code ignored;
     fs::create_directories(folder, ignored);
-    if ((fs::status(folder, ignored).permissions() & others) != fs::perms::none)
+    const fs::file_status status = fs::status(folder, ignored);
+    if (fs::is_directory(status) && (status.permissions() & others) != fs::perms::none)
         fs::permissions(folder, others, fs::perm_options::remove, ignored);
 }
 

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Platform/Qt/FileDefaults.h"
+#include "support/VirtualMainLoop.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include <optional>
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+/// A store under virtual time in a folder of its own.
+struct DefaultsFolder : ::testing::Test {
+    QTemporaryDir home;
+    QString folder = home.filePath(QStringLiteral("config/pavonel"));
+    QString path = folder + QStringLiteral("/defaults.json");
+    VirtualMainLoop loop;
+    std::optional<FileDefaults> store;
+
+    FileDefaults &open() { return store.emplace(path, loop); }
+
+    /// What the next start of the program finds.
+    FileDefaults &reopen() {
+        store.reset();
+        return open();
+    }
+
+    void put(const QByteArray &content) const {
+        QDir().mkpath(folder);
+        QFile file(path);
+        ASSERT_TRUE(file.open(QFile::WriteOnly));
+        ASSERT_EQ(file.write(content), content.size());
+    }
+
+    QByteArray content() const {
+        QFile file(path);
+        return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    QJsonObject object() const { return QJsonDocument::fromJson(content()).object(); }
+
+    QStringList files() const {
+        return QDir(folder).entryList(
+            QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System, QDir::Name);
+    }
+};
+
+template <class T> T get(const UserDefaults &store, const char *key) {
+    const auto value = store.value(QString::fromUtf8(key));
+    return value && std::holds_alternative<T>(*value) ? std::get<T>(*value) : T{};
+}
+
+} // namespace pavonel::test
