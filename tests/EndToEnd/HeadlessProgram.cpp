@@ -1,0 +1,90 @@
+#include "EndToEnd/HeadlessProgram.h"
+
+#include "support/waitUntil.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+
+#include <csignal>
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+namespace {
+
+/// Whether the process has a handler of its own for the signal.
+bool catches(qint64 process, int signal) {
+    QFile status(QStringLiteral("/proc/%1/status").arg(process));
+    if (!status.open(QFile::ReadOnly))
+        return false;
+    const QByteArray text = status.readAll();
+    const qsizetype at = text.indexOf("SigCgt:");
+    return at >= 0 &&
+           (text.sliced(at + 7).split('\n').value(0).trimmed().toULongLong(nullptr, 16) >> (signal - 1) &
+            1) != 0;
+}
+
+} // namespace
+
+HeadlessProgram::HeadlessProgram() {
+    for (const char *name : {"PATH", "LANG", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
+        const QString key = QString::fromUtf8(name);
+        if (qEnvironmentVariableIsSet(name))
+            environment_.insert(key, qEnvironmentVariable(name));
+    }
+    environment_.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    environment_.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent"));
+    environment_.insert(QStringLiteral("HOME"), home_.path());
+    for (const auto &[variable, folder] :
+         {std::pair("XDG_CONFIG_HOME", "config"), std::pair("XDG_CACHE_HOME", "cache"),
+          std::pair("XDG_DATA_HOME", "data"), std::pair("XDG_RUNTIME_DIR", "run")}) {
+        const QString path = home_.filePath(QString::fromUtf8(folder));
+        QDir().mkpath(path);
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        environment_.insert(QString::fromUtf8(variable), path);
+    }
+    QDir().mkpath(storeFolder());
+}
+
+QJsonObject HeadlessProgram::stored() const {
+    QFile file(storePath());
+    return file.open(QFile::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+}
+
+double HeadlessProgram::storedScreenSeconds() const {
+    const QString data = stored().value(u"stats.days").toObject().value(u"data").toString();
+    const QJsonObject days = QJsonDocument::fromJson(QByteArray::fromBase64(data.toLatin1())).object();
+    double seconds = 0;
+    for (const QJsonValue day : days) // two around midnight
+        seconds += day.toObject().value(u"screenSeconds").toDouble();
+    return seconds;
+}
+
+void HeadlessProgram::start(const QByteArray &commandsBefore) {
+    const QString program = QStringLiteral(PAVONEL_PROGRAM);
+    if (commandsBefore.isEmpty()) {
+        program_ = std::make_unique<ChildProcess>(program, QStringList(), environment_);
+    } else {
+        const QString script = QString::fromUtf8("set -e\n" + commandsBefore + "\nexec \"$0\"");
+        program_ =
+            std::make_unique<ChildProcess>(QStringLiteral("unshare"),
+                                           QStringList{QStringLiteral("-rm"), QStringLiteral("sh"),
+                                                       QStringLiteral("-c"), script, program, storeFolder()},
+                                           environment_);
+    }
+    EXPECT_TRUE(
+        waitUntil([this] { return !isRunning() || catches(program_->process().processId(), SIGTERM); }));
+    EXPECT_TRUE(isRunning()) << program_->process().readAllStandardError().constData();
+}
+
+int HeadlessProgram::end(int signal) {
+    QProcess &process = program_->process();
+    ::kill(static_cast<pid_t>(process.processId()), signal);
+    const bool ended = process.waitForFinished(30'000) && process.exitStatus() == QProcess::NormalExit;
+    EXPECT_TRUE(ended) << process.readAllStandardError().constData();
+    return ended ? process.exitCode() : -1;
+}
+
+} // namespace pavonel::test
