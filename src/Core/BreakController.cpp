@@ -179,6 +179,7 @@ void BreakController::startBreak(BreakKind kind, Initiator, std::optional<Second
     if (phase == Phase::breaking)
         return;
     dismissHeadsUp();
+    pauseUntil = std::nullopt; // a break taken during a pause ends it
     currentBreak = kind;
     breakTitle = title.value_or(defaultTitle(kind));
     const Seconds length = duration.value_or(kind == BreakKind::micro ? s_.microDuration : s_.longDuration);
