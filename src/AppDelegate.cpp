@@ -1,8 +1,20 @@
 #include "AppDelegate.h"
 
+#include "Core/HotKeys.h"
+#include "Core/SystemBits.h"
 #include "Platform/Platform.h"
 
 namespace pavonel {
+
+namespace {
+
+void repairLoginItem() {
+    LoginItem &item = *Platform::current().loginItem;
+    if (Settings::shared().launchAtLogin && !item.isEnabled())
+        LaunchAtLogin::set(item, true); // what hinders it is told where the user asks for it
+}
+
+} // namespace
 
 AppDelegate::AppDelegate()
     : controller_(Platform::current(), Settings::shared(), Stats::shared()), toast_(Platform::current()) {}
@@ -14,6 +26,9 @@ void AppDelegate::setUp() {
     floating_.emplace(Platform::current(), controller_);
     menuBar_.emplace(Platform::current(), controller_, Settings::shared(), Stats::shared(), [] {});
     connectController();
+    repairLoginItem();
+    if (Settings::shared().hotKeysEnabled)
+        registerHotKeys();
     controller_.start();
 }
 
@@ -35,6 +50,21 @@ void AppDelegate::connectController() {
         if (controller_.phase != Phase::breaking)
             toast_.show(message, iconName);
     };
+}
+
+void AppDelegate::registerHotKeys() {
+    constexpr std::uint32_t controlOptionCommand = 0x1900;
+    constexpr std::uint32_t keyB = 11;
+    constexpr std::uint32_t keyS = 1;
+    constexpr std::uint32_t keyP = 35;
+    HotKeyManager &hotKeys = HotKeyManager::shared();
+    hotKeys.registerBinding({1, keyB, controlOptionCommand, QStringLiteral("⌃⌥⌘B"), [this] {
+                                 controller_.startBreak(BreakKind::micro, BreakController::Initiator::user);
+                             }});
+    hotKeys.registerBinding(
+        {2, keyS, controlOptionCommand, QStringLiteral("⌃⌥⌘S"), [this] { controller_.skip(); }});
+    hotKeys.registerBinding(
+        {3, keyP, controlOptionCommand, QStringLiteral("⌃⌥⌘P"), [this] { controller_.togglePause(); }});
 }
 
 } // namespace pavonel

@@ -20,6 +20,7 @@ public:
 
 private:
     void connectController();
+    void registerHotKeys();
 
     BreakController controller_;
     ToastController toast_;
