@@ -1,0 +1,106 @@
+#include "EndToEnd/Desktop.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+
+#include <csignal>
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+Desktop::Desktop(XServer::WindowManager manager)
+    : server_(std::make_unique<XServer>(QSize(1280 * screens, 720))) {
+    server_->setMonitors({screen(0), screen(1), screen(2)});
+    server_->start(manager);
+    server_->run(QStringLiteral("xsetroot"), {QStringLiteral("-solid"), background().name()});
+    pointAt(screen(1)); // the screens differ, and the idle time starts afresh
+    tree_ = std::make_unique<WindowTree>(server_->display());
+    store({});
+}
+
+Desktop::~Desktop() = default;
+
+QString Desktop::storePath() const {
+    return home_.filePath(QStringLiteral(".config/pavonel/defaults.json"));
+}
+
+void Desktop::store(const QJsonObject &members) {
+    QJsonObject all{{QStringLiteral("didOnboard"), true},
+                    {QStringLiteral("launchAtLogin"), false},
+                    {QStringLiteral("soundEnabled"), false},
+                    {QStringLiteral("preNotifySeconds"), 0},
+                    {QStringLiteral("longEnabled"), false}};
+    for (auto member = members.begin(); member != members.end(); ++member)
+        all[member.key()] = member.value();
+    QDir().mkpath(QFileInfo(storePath()).path());
+    QFile file(storePath());
+    ASSERT_TRUE(file.open(QFile::WriteOnly));
+    file.write(QJsonDocument(all).toJson());
+}
+
+QJsonObject Desktop::stored() const {
+    QFile file(storePath());
+    return file.open(QFile::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+}
+
+QJsonObject Desktop::statistics() const {
+    const auto data = stored()[QStringLiteral("stats.days")][QStringLiteral("data")].toString();
+    const auto days = QJsonDocument::fromJson(QByteArray::fromBase64(data.toLatin1())).object();
+    return days.isEmpty() ? QJsonObject() : (days.end() - 1)->toObject();
+}
+
+void Desktop::startProgram() {
+    auto environment = server_->environment();
+    const auto insert = [&](const char *name, const QString &folder) {
+        QDir().mkpath(home_.filePath(folder));
+        environment.insert(QString::fromLatin1(name), home_.filePath(folder));
+    };
+    environment.insert(QStringLiteral("HOME"), home_.path());
+    insert("XDG_CONFIG_HOME", QStringLiteral(".config"));
+    insert("XDG_DATA_HOME", QStringLiteral(".local/share"));
+    insert("XDG_CACHE_HOME", QStringLiteral(".cache"));
+    insert("XDG_RUNTIME_DIR", QStringLiteral("runtime"));
+    QFile::setPermissions(home_.filePath(QStringLiteral("runtime")),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    sinceStart_.start();
+    program_ = std::make_unique<ChildProcess>(QStringLiteral(PAVONEL_PROGRAM), QStringList(), environment);
+}
+
+int Desktop::endProgram(int signal) {
+    ::kill(static_cast<pid_t>(program_->process().processId()), signal);
+    return waitForExit();
+}
+
+int Desktop::waitForExit() {
+    QProcess &process = program_->process();
+    const bool ended = waitUntil([&] { return process.state() == QProcess::NotRunning; });
+    const bool well = ended && process.exitStatus() == QProcess::NormalExit;
+    const int status = well ? process.exitCode() : -1;
+    if (status != 0)
+        std::fputs(process.readAllStandardError().constData(), stderr);
+    return status;
+}
+
+std::vector<SeenWindow> Desktop::overlays() {
+    auto windows = tree_->visible();
+    std::erase_if(windows, [](const SeenWindow &window) { return window.title != u"Pavonel Break"; });
+    return windows;
+}
+
+bool Desktop::waitForOverlays(std::size_t count) {
+    return waitUntil([&] { return overlays().size() == count || !isRunning(); }) && isRunning();
+}
+
+void Desktop::pointAt(const QRect &screen) {
+    const QPoint at = screen.center() + QPoint(7, 300); // beside everything one could press
+    server_->xdotool({QStringLiteral("mousemove"), QString::number(at.x()), QString::number(at.y())});
+}
+
+void Desktop::endServer() {
+    tree_.reset();
+    server_.reset();
+}
+
+} // namespace pavonel::test
