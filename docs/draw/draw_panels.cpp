@@ -32,12 +32,13 @@ public:
         for (QWidget *window : QApplication::topLevelWidgets()) {
             if (window->windowTitle() != title || !window->isEnabled())
                 continue;
-            QPixmap shot(window->size() * qApp->devicePixelRatio());
-            shot.setDevicePixelRatio(qApp->devicePixelRatio());
-            shot.fill(Qt::transparent);
-            window->render(&shot, {}, {}, QWidget::DrawChildren);
-            QPainter(&picture_).drawPixmap(place_, shot);
-            place_.ry() += window->height() + margin / 2;
+            for (QWidget *below : QApplication::topLevelWidgets()) {
+                if (below->windowTitle() == QStringLiteral("Pavonel Shadow") &&
+                    below->geometry().contains(window->geometry()))
+                    draw(*below, place_ + below->pos() - window->pos());
+            }
+            draw(*window, place_);
+            place_.ry() += window->height() + margin;
         }
     }
 
@@ -45,6 +46,14 @@ public:
     bool save(const QString &file) const { return picture_.save(file); }
 
 private:
+    void draw(QWidget &window, QPoint place) {
+        QPixmap shot(window.size() * qApp->devicePixelRatio());
+        shot.setDevicePixelRatio(qApp->devicePixelRatio());
+        shot.fill(Qt::transparent);
+        window.render(&shot, {}, {}, QWidget::DrawChildren);
+        QPainter(&picture_).drawPixmap(place, shot);
+    }
+
     QImage picture_;
     QPoint place_{margin, margin};
 };
@@ -72,6 +81,8 @@ void drawColumn(Sheet &sheet, Scenario &scenario) {
     toast.show(QStringLiteral("Check your posture — shoulders back, screen at eye level."),
                QStringLiteral("figure.stand"));
     sheet.take(QStringLiteral("Pavonel Toast"));
+    toast.hide();
+    scenario.platform.loop.advance(1);
     toast.show(QStringLiteral("Blink slowly a few times."), QStringLiteral("eye"));
     sheet.take(QStringLiteral("Pavonel Toast"));
 }
@@ -84,7 +95,7 @@ int main(int argc, char **argv) {
         return 2;
     Scenario scenario;
     scenario.advance(1176);
-    Sheet sheet({2 * column + margin, 650});
+    Sheet sheet({2 * column + margin, 710});
     for (const bool dark : {false, true}) {
         scenario.platform.look.current.dark = dark;
         drawColumn(sheet, scenario);

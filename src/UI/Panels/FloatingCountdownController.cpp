@@ -79,9 +79,13 @@ FloatingCountdownController::FloatingCountdownController(Platform &platform, Bre
 void FloatingCountdownController::show() {
     if (panel_)
         return;
-    panel_ = std::make_unique<FloatingPanel>(
-        platform_, FloatingPanel::Make{QStringLiteral("Pavonel Countdown"), panelSize,
-                                       panelSize.height() / 2.0, 0.1, FloatingPanel::Mouse::ignored});
+    panel_ =
+        std::make_unique<FloatingPanel>(platform_, FloatingPanel::Make{QStringLiteral("Pavonel Countdown"),
+                                                                       panelSize,
+                                                                       panelSize.height() / 2.0,
+                                                                       0.1,
+                                                                       FloatingPanel::Mouse::ignored,
+                                                                       {6, 16, 0.20}});
     new CountdownView(platform_, *panel_, controller_);
     timer_ = platform_.mainLoop->every(frame, [this] { follow(); });
     const QPoint place = corner();

@@ -44,15 +44,31 @@ FloatingPanel::FloatingPanel(Platform &platform, const Make &make)
     setAttribute(Qt::WA_TranslucentBackground, blends_);
     setFocusPolicy(Qt::NoFocus);
     setFixedSize(make.size);
-    if (!blends_)
+    if (blends_)
+        shadow_ = std::make_unique<PanelShadow>(platform, make.shadow, make.size, make.radius);
+    else
         setMask(touchedBy(outline(QRectF({}, QSizeF(make.size)), make.radius), make.size));
 }
 
 void FloatingPanel::present(QPoint corner, const std::optional<Screen> &screen) {
+    const Screen place = screen.value_or(Screen());
+    if (shadow_)
+        shadow_->present(corner, place);
     move(corner);
     winId();
-    platform_.windowLayers->assign(*windowHandle(), WindowLayer::panel, screen.value_or(Screen()));
+    platform_.windowLayers->assign(*windowHandle(), WindowLayer::panel, place);
     show();
+}
+
+void FloatingPanel::setOpacity(double opacity) {
+    setWindowOpacity(opacity);
+    if (shadow_)
+        shadow_->setWindowOpacity(opacity);
+}
+
+void FloatingPanel::moveEvent(QMoveEvent *) {
+    if (shadow_)
+        shadow_->follow(pos());
 }
 
 void FloatingPanel::retire() {

@@ -2,6 +2,7 @@
 
 #include "Platform/Platform.h"
 #include "UI/Palette.h"
+#include "UI/Panels/PanelShadow.h"
 
 #include <QWidget>
 
@@ -21,6 +22,7 @@ public:
         double radius;        ///< Of the corners.
         double borderOpacity; ///< Of the white line along the inside of the edge.
         Mouse mouse;
+        PanelShadow::Look shadow;
     };
 
     FloatingPanel(Platform &platform, const Make &make);
@@ -31,11 +33,15 @@ public:
     /// stands on; absent while there is none.
     void present(QPoint corner, const std::optional<Screen> &screen);
 
+    /// From 0 to 1, where windows are blended.
+    void setOpacity(double opacity);
+
     /// For its last moments on screen: it keeps its picture and is deaf to the mouse from now on.
     void retire();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
 
 private:
     void paintMaterial(QPainter &painter) const;
@@ -44,6 +50,7 @@ private:
     Make make_;
     Palette palette_;
     bool blends_;
+    std::unique_ptr<PanelShadow> shadow_; ///< Where windows are blended.
 };
 
 /// The screen that notices appear on; absent while none is attached.

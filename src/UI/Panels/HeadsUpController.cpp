@@ -25,9 +25,13 @@ HeadsUpController::HeadsUpController(Platform &platform, BreakController &contro
 void HeadsUpController::show(BreakKind kind, const QString &title) {
     hide();
     const QSize size(HeadsUpView::width, HeadsUpView::height(settings_));
-    auto panel = std::make_unique<FloatingPanel>(
-        platform_, FloatingPanel::Make{QStringLiteral("Pavonel Heads-up"), size, 14, 0.08,
-                                       FloatingPanel::Mouse::received});
+    auto panel =
+        std::make_unique<FloatingPanel>(platform_, FloatingPanel::Make{QStringLiteral("Pavonel Heads-up"),
+                                                                       size,
+                                                                       14,
+                                                                       0.08,
+                                                                       FloatingPanel::Mouse::received,
+                                                                       {10, 30, 0.22}});
     new HeadsUpView(platform_, *panel, controller_, settings_, kind, title, [this] { hide(); });
     const auto screen = mainScreen(*platform_.screens);
     stage_.show(std::move(panel), corner(screen, size), screen, fadeIn);

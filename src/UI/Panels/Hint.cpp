@@ -64,7 +64,8 @@ void Hint::show() {
     const QSize size(static_cast<int>(std::ceil(metrics.horizontalAdvance(text_))) + 16, 22);
     panel_ = std::make_unique<FloatingPanel>(
         platform_,
-        FloatingPanel::Make{QStringLiteral("Pavonel Hint"), size, 6, 0.08, FloatingPanel::Mouse::ignored});
+        FloatingPanel::Make{
+            QStringLiteral("Pavonel Hint"), size, 6, 0.08, FloatingPanel::Mouse::ignored, {2, 8, 0.20}});
     auto *text = new HintText(text_, *panel_);
     text->show();
     const QPoint below =

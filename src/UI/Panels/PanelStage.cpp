@@ -3,16 +3,15 @@
 namespace pavonel {
 
 PanelStage::Actor::Actor(Platform &platform, std::unique_ptr<FloatingPanel> newcomer)
-    : panel(std::move(newcomer)),
-      fade(*platform.mainLoop, *platform.appearance,
-           [&window = *panel](double opacity) { window.setWindowOpacity(opacity); }) {}
+    : panel(std::move(newcomer)), fade(*platform.mainLoop, *platform.appearance,
+                                       [&window = *panel](double opacity) { window.setOpacity(opacity); }) {}
 
 PanelStage::PanelStage(Platform &platform) : platform_(platform) {}
 
 void PanelStage::show(std::unique_ptr<FloatingPanel> panel, QPoint corner,
                       const std::optional<Screen> &screen, Seconds fadeIn) {
     shown_ = std::make_unique<Actor>(platform_, std::move(panel));
-    shown_->panel->setWindowOpacity(0);
+    shown_->panel->setOpacity(0);
     shown_->panel->present(corner, screen);
     shown_->fade.to(1, fadeIn);
 }

@@ -24,9 +24,13 @@ ToastController::ToastController(Platform &platform) : platform_(platform), stag
 
 void ToastController::show(const QString &text, const QString &symbol) {
     hide();
-    auto panel = std::make_unique<FloatingPanel>(
-        platform_, FloatingPanel::Make{QStringLiteral("Pavonel Toast"), panelSize, panelSize.height() / 2.0,
-                                       0.08, FloatingPanel::Mouse::ignored});
+    auto panel =
+        std::make_unique<FloatingPanel>(platform_, FloatingPanel::Make{QStringLiteral("Pavonel Toast"),
+                                                                       panelSize,
+                                                                       panelSize.height() / 2.0,
+                                                                       0.08,
+                                                                       FloatingPanel::Mouse::ignored,
+                                                                       {8, 24, 0.20}});
     new ToastView(*panel, text, symbol);
     const auto screen = mainScreen(*platform_.screens);
     stage_.show(std::move(panel), corner(screen), screen, fade);
