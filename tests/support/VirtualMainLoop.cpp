@@ -70,11 +70,17 @@ bool VirtualMainLoop::runNextDue(Seconds until) {
 }
 
 void VirtualMainLoop::runPosted() {
-    while (!posted_.empty()) {
-        const Action action = std::move(posted_.front());
-        posted_.pop_front();
+    while (const Action action = takePosted())
         action();
-    }
+}
+
+MainLoop::Action VirtualMainLoop::takePosted() {
+    const std::scoped_lock lock(postedGuard_);
+    if (posted_.empty())
+        return {};
+    Action action = std::move(posted_.front());
+    posted_.pop_front();
+    return action;
 }
 
 TimerHandle VirtualMainLoop::add(Seconds delay, Seconds interval, Action action) {
@@ -92,6 +98,7 @@ TimerHandle VirtualMainLoop::after(Seconds delay, Action action) {
 }
 
 void VirtualMainLoop::post(Action action) {
+    const std::scoped_lock lock(postedGuard_);
     posted_.push_back(std::move(action));
 }
 

@@ -4,6 +4,7 @@
 
 #include <deque>
 #include <map>
+#include <mutex>
 
 namespace pavonel::test {
 
@@ -44,6 +45,7 @@ private:
 
     TimerHandle add(Seconds delay, Seconds interval, Action action);
     void runPosted();
+    Action takePosted(); ///< Empty when nothing is left.
     bool runNextDue(Seconds until);
 
     QTimeZone zone_;
@@ -51,6 +53,7 @@ private:
     Seconds elapsed_ = 0;
     TimerId lastId_ = 0;
     std::map<TimerId, Deadline> deadlines_; ///< In the order of their making, which breaks ties.
+    std::mutex postedGuard_; ///< Posting is allowed on any thread.
     std::deque<Action> posted_;
 };
 

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QImage>
+
+namespace pavonel {
+
+struct Background;
+
+/// The theme's gradient at this size in device pixels: opaque, with straight lines of equal colour across the
+/// diagonal, dithered so that a dark one shows no bands.
+QImage gradientImage(const Background &theme, QSize size);
+
+/// The picture in this file, filling the size in device pixels with its aspect kept and its middle shown, and
+/// dimmed so that white text stays legible on it. Null when there is no readable picture. Can take seconds
+/// for a huge file; may be called on any thread.
+QImage pictureImage(const QString &path, QSize size);
+
+} // namespace pavonel
