@@ -5,16 +5,22 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <numeric>
 
 namespace pavonel::fonts {
 
 namespace {
 
-QString family() {
-    const QString preferred = QStringLiteral("Inter");
-    if (QFontDatabase::hasFamily(preferred))
-        return preferred;
-    return QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
+QString installedOr(const QString &preferred, const QString &otherwise) {
+    return QFontDatabase::hasFamily(preferred) ? preferred : otherwise;
+}
+
+/// Large text has a cut of its own, with finer spacing.
+QString family(bool large) {
+    static const QString text =
+        installedOr(QStringLiteral("Inter"), QFontDatabase::systemFont(QFontDatabase::GeneralFont).family());
+    static const QString display = installedOr(QStringLiteral("Inter Display"), text);
+    return large ? display : text;
 }
 
 double digitWidth(const QFontMetricsF &metrics) {
@@ -24,31 +30,51 @@ double digitWidth(const QFontMetricsF &metrics) {
     return widest;
 }
 
+/// The room of each character: digits share that of the widest one, and a colon stands a little free of them.
+class Cells {
+public:
+    explicit Cells(const QFontMetricsF &metrics)
+        : metrics_(metrics), digit_(digitWidth(metrics)), besideColon_(metrics.capHeight() / 12) {}
+
+    double width(QChar character) const {
+        if (character.isDigit())
+            return digit_;
+        return advance(character) + (character == u':' ? 2 * besideColon_ : 0);
+    }
+    double advance(QChar character) const { return metrics_.horizontalAdvance(character); }
+
+private:
+    const QFontMetricsF &metrics_;
+    double digit_;
+    double besideColon_;
+};
+
 } // namespace
 
 QFont ui(int size, QFont::Weight weight) {
-    static const QString chosen = family();
-    QFont font(chosen);
+    constexpr int smallestDisplaySize = 32;
+    QFont font(family(size >= smallestDisplaySize));
     font.setPixelSize(size);
     font.setWeight(weight);
     return font;
 }
 
 double tabularWidth(const QFontMetricsF &metrics, const QString &text) {
-    const double digit = digitWidth(metrics);
-    double width = 0;
-    for (const QChar character : text)
-        width += character.isDigit() ? digit : metrics.horizontalAdvance(character);
-    return width;
+    const Cells cells(metrics);
+    return std::accumulate(text.begin(), text.end(), 0.0,
+                           [&](double width, QChar character) { return width + cells.width(character); });
 }
 
 void drawTabular(QPainter &painter, QPointF baseline, const QString &text) {
     const QFontMetricsF metrics(painter.font(), painter.device());
-    const double digit = digitWidth(metrics);
+    const Cells cells(metrics);
+    // A colon is made for small letters; between digits it belongs at half of their height.
+    const double colonRise = (metrics.capHeight() - metrics.xHeight()) / 2;
     for (const QChar character : text) {
-        const double advance = metrics.horizontalAdvance(character);
-        const double cell = character.isDigit() ? digit : advance;
-        painter.drawText(QPointF(baseline.x() + (cell - advance) / 2, baseline.y()), QString(character));
+        const double cell = cells.width(character);
+        const double rise = character == u':' ? colonRise : 0;
+        painter.drawText(baseline + QPointF((cell - cells.advance(character)) / 2, -rise),
+                         QString(character));
         baseline.rx() += cell;
     }
 }

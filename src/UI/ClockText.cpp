@@ -1,1 +1,0 @@
-#include "UI/ClockText.h"
