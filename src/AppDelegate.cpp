@@ -22,6 +22,7 @@ AppDelegate::AppDelegate()
 AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::setUp() {
+    overlays_.emplace(Platform::current(), controller_, Settings::shared(), HotKeyManager::shared());
     headsUp_.emplace(Platform::current(), controller_, Settings::shared());
     floating_.emplace(Platform::current(), controller_);
     menuBar_.emplace(Platform::current(), controller_, Settings::shared(), Stats::shared(), [] {});
@@ -45,7 +46,9 @@ void AppDelegate::connectController() {
     controller_.onBreakStart = [this](BreakKind) {
         headsUp_->hide();
         floating_->hide();
+        overlays_->show();
     };
+    controller_.onBreakEnd = [this] { overlays_->hide(); };
     controller_.onWellness = [this](const QString &message, const QString &iconName) {
         if (controller_.phase != Phase::breaking)
             toast_.show(message, iconName);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/BreakController.h"
+#include "UI/BreakOverlay.h"
 #include "UI/MenuBar.h"
 #include "UI/Panels/FloatingCountdownController.h"
 #include "UI/Panels/HeadsUpController.h"
@@ -24,6 +25,7 @@ private:
 
     BreakController controller_;
     ToastController toast_;
+    std::optional<OverlayManager> overlays_;
     std::optional<HeadsUpController> headsUp_;
     std::optional<FloatingCountdownController> floating_;
     std::optional<MenuBarController> menuBar_;
