@@ -36,15 +36,42 @@ template <class Reply> std::unique_ptr<Reply, decltype(&std::free)> owned(Reply 
     return {reply, &std::free};
 }
 
-xcb_window_t selectionOwner(xcb_connection_t *connection, const char *selection) {
-    const auto length = static_cast<std::uint16_t>(std::strlen(selection));
-    const auto atom =
-        owned(xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 0, length, selection), nullptr));
-    if (!atom)
-        return XCB_WINDOW_NONE;
-    const auto owner = owned(
-        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom->atom), nullptr));
-    return owner ? owner->owner : xcb_window_t{XCB_WINDOW_NONE};
+xcb_atom_t atom(xcb_connection_t *connection, const char *name) {
+    const auto length = static_cast<std::uint16_t>(std::strlen(name));
+    const auto reply =
+        owned(xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 0, length, name), nullptr));
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+bool hasOwner(xcb_connection_t *connection, const char *selection) {
+    const auto owner = owned(xcb_get_selection_owner_reply(
+        connection, xcb_get_selection_owner(connection, atom(connection, selection)), nullptr));
+    return owner && owner->owner != XCB_WINDOW_NONE;
+}
+
+bool hasState(xcb_connection_t *connection, xcb_window_t window) {
+    const auto cookie = xcb_get_property(connection, 0, window, atom(connection, "WM_STATE"),
+                                         XCB_GET_PROPERTY_TYPE_ANY, 0, 1);
+    const auto state = owned(xcb_get_property_reply(connection, cookie, nullptr));
+    return state && state->type != XCB_ATOM_NONE;
+}
+
+/// Managers announce themselves some time before they take care of windows, and lose those that open in
+/// between. So a window of ours knocks until one answers.
+bool managesWindows(xcb_connection_t *connection) {
+    const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
+    const xcb_window_t window = xcb_generate_id(connection);
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, screen->root, 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_map_window(connection, window);
+    bool managed = false;
+    for (int look = 0; look < 20 && !managed; ++look) {
+        managed = hasState(connection, window);
+        QThread::msleep(10);
+    }
+    xcb_destroy_window(connection, window);
+    xcb_flush(connection);
+    return managed;
 }
 
 /// The first line that a program writes to its standard output.
@@ -132,8 +159,9 @@ void XServer::start(WindowManager manager) {
 void XServer::waitForWindowManager(bool withCompositor) {
     const auto connection = connectTo(display_);
     const bool manages = holdsSoon([&] {
-        return selectionOwner(connection.get(), "WM_S0") &&
-               (!withCompositor || selectionOwner(connection.get(), "_NET_WM_CM_S0"));
+        return hasOwner(connection.get(), "WM_S0") &&
+               (!withCompositor || hasOwner(connection.get(), "_NET_WM_CM_S0")) &&
+               managesWindows(connection.get());
     });
     if (!manages)
         ADD_FAILURE() << "The window manager does not manage: "
