@@ -83,7 +83,8 @@ protected:
                                          Qt::green);
     }
 
-    /// Asks only where the manager does not do it by itself, so that no request is still on its way afterwards.
+    /// Asks only where the manager does not do it by itself, so that no request is still on its way
+    /// afterwards.
     void bringToFront(xcb_window_t window) {
         ASSERT_TRUE(waitUntil([&] {
             const bool inFront = other.focused() == window && other.activeWindow() == window;
@@ -134,6 +135,10 @@ INSTANTIATE_TEST_SUITE_P(X11, UnderEveryManager,
                          });
 
 } // namespace
+
+TEST_P(UnderEveryManager, windows_blend_where_a_compositor_runs) {
+    EXPECT_EQ(layers.canBlend(), GetParam() == WindowManager::xfwm4WithCompositor);
+}
 
 TEST_P(UnderEveryManager, an_overlay_covers_each_of_three_screens_exactly) {
     setMonitors(threeMonitors);

@@ -1,9 +1,11 @@
 #include "Platform/Linux/Audio/EventSounds.h"
+#include "Platform/Linux/Audio/PulseAudioDevices.h"
 #include "Platform/Linux/AutostartLoginItem.h"
 #include "Platform/Linux/DetachedLauncher.h"
-#include "Platform/Linux/Audio/PulseAudioDevices.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 #include "Platform/Linux/X11/X11Connection.h"
+#include "Platform/Linux/X11/X11IdleTime.h"
+#include "Platform/Linux/X11/X11WindowLayers.h"
 #include "Platform/Platform.h"
 #include "Platform/Qt/FileDefaults.h"
 #include "Platform/Qt/QtMainLoop.h"
@@ -39,6 +41,25 @@ std::shared_ptr<X11Connection> x11Connection() {
     return QGuiApplication::platformName() == u"xcb" ? X11Connection::open() : nullptr;
 }
 
+/// An X server inside a Wayland session knows only of the input that X windows get.
+bool seesAllInput(const std::shared_ptr<X11Connection> &x) {
+    return x && !x->isInsideWayland();
+}
+
+std::unique_ptr<IdleTime> idleTime(const std::shared_ptr<X11Connection> &x) {
+    if (seesAllInput(x)) {
+        if (auto service = X11IdleTime::make(x))
+            return service;
+    }
+    return none<unavailable::IdleTime>("This desktop does not tell how long you have been away.");
+}
+
+std::unique_ptr<WindowLayers> windowLayers(const std::shared_ptr<X11Connection> &x) {
+    if (x)
+        return std::make_unique<X11WindowLayers>(x);
+    return std::make_unique<QtWindowLayers>();
+}
+
 std::unique_ptr<StatusItem> statusItem(Appearance &appearance, const std::shared_ptr<X11Connection> &x) {
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
     return std::make_unique<TrayStatusItem>(QDBusConnection::sessionBus(),
@@ -56,14 +77,13 @@ std::unique_ptr<Platform> makePlatform() {
     platform->termination = std::make_unique<SignalTermination>();
     platform->screens = std::make_unique<QtScreens>();
     platform->pointer = std::make_unique<QtPointer>();
-    platform->idleTime =
-        none<unavailable::IdleTime>("This desktop does not tell how long you have been away.");
+    platform->idleTime = idleTime(x11);
     platform->audioDevices = std::make_unique<PulseAudioDevices>();
     platform->applications =
         none<unavailable::Applications>("This desktop does not tell which program is in front.");
     platform->windowList =
         none<unavailable::WindowList>("This desktop does not tell about fullscreen windows.");
-    platform->windowLayers = std::make_unique<QtWindowLayers>();
+    platform->windowLayers = windowLayers(x11);
     platform->hotKeys = none<unavailable::HotKeyService>("This desktop does not offer keyboard shortcuts.");
     const ProgramFiles files = ProgramFiles::ofThisProgram();
     platform->sounds = std::make_unique<EventSounds>(files);

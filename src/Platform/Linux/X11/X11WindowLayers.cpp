@@ -24,6 +24,13 @@ std::optional<QRect> nativeFrame(const QString &screenName) {
     return std::nullopt;
 }
 
+/// A window that the window manager made. One that ended leaves its mark behind, but not on the window.
+xcb_window_t findManager(X11Connection &connection) {
+    constexpr char mark[] = "_NET_SUPPORTING_WM_CHECK";
+    const xcb_window_t window = connection.number(connection.root(), mark);
+    return window && connection.number(window, mark) == window ? window : xcb_window_t{XCB_WINDOW_NONE};
+}
+
 QRect geometryIn(const xcb_configure_notify_event_t &event) {
     return {event.x, event.y, event.width, event.height};
 }
@@ -83,7 +90,7 @@ void X11WindowLayers::followVisibility() {
     if (!rootWatch_) {
         rootWatch_ = connection_->watch(connection_->root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
         listening_ = connection_->listen([this](const xcb_generic_event_t &event) { notice(event); });
-        managersWindow_ = connection_->number(connection_->root(), "_NET_SUPPORTING_WM_CHECK");
+        managersWindow_ = findManager(*connection_);
     }
     checkSoon();
 }
@@ -215,6 +222,15 @@ void X11WindowLayers::raise(const std::vector<xcb_window_t> &order) {
                              XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, below);
     }
     connection_->flush();
+}
+
+/// Whoever composites the screen owns this selection.
+bool X11WindowLayers::canBlend() const {
+    const QByteArray selection = "_NET_WM_CM_S" + QByteArray::number(connection_->screenNumber());
+    const XReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        connection_->xcb(),
+        xcb_get_selection_owner(connection_->xcb(), connection_->atom(selection.constData())), nullptr));
+    return reply && reply->owner != XCB_WINDOW_NONE;
 }
 
 void X11WindowLayers::takeKeyboard(QWindow &window) {

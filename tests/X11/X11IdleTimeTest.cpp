@@ -1,0 +1,38 @@
+#include "Platform/Linux/X11/X11IdleTime.h"
+
+#include "Platform/Linux/X11/X11Connection.h"
+#include "X11/server.h"
+#include "support/waitUntil.h"
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+TEST(X11IdleTime, it_counts_from_the_last_input_whoever_got_it) {
+    const auto idle = X11IdleTime::make(X11Connection::open(server().display()));
+    ASSERT_TRUE(idle);
+    EXPECT_TRUE(idle->limitation().isEmpty());
+
+    for (const QStringList &input :
+         {QStringList{QStringLiteral("key"), QStringLiteral("a")},
+          {QStringLiteral("mousemove_relative"), QStringLiteral("3"), QStringLiteral("3")},
+          {QStringLiteral("click"), QStringLiteral("1")}}) {
+        ASSERT_TRUE(waitUntil([&] { return idle->idleSeconds() > 0.5; }));
+        EXPECT_TRUE(waitUntil([&] {
+            server().xdotool(input);
+            return idle->idleSeconds() < 0.4;
+        })) << input.first().toStdString();
+    }
+}
+
+TEST(X11IdleTime, a_server_that_died_reads_as_an_active_user) {
+    auto dying = std::make_unique<XServer>();
+    const auto idle = X11IdleTime::make(X11Connection::open(dying->display()));
+    ASSERT_TRUE(idle);
+    ASSERT_TRUE(waitUntil([&] { return idle->idleSeconds() > 0.05; }));
+
+    dying.reset();
+    EXPECT_EQ(idle->idleSeconds(), 0);
+}
+
+} // namespace pavonel::test
