@@ -193,10 +193,22 @@ xcb_window_t XClient::activeWindow() {
 }
 
 int XClient::keyPresses() {
-    sync();
-    while (const auto event = owned(xcb_poll_for_event(connection_)))
-        keyPresses_ += (event->response_type & 0x7f) == XCB_KEY_PRESS;
+    readEvents();
     return keyPresses_;
+}
+
+int XClient::clicks() {
+    readEvents();
+    return clicks_;
+}
+
+void XClient::readEvents() {
+    sync();
+    while (const auto event = owned(xcb_poll_for_event(connection_))) {
+        const int type = event->response_type & 0x7f;
+        keyPresses_ += type == XCB_KEY_PRESS;
+        clicks_ += type == XCB_BUTTON_PRESS;
+    }
 }
 
 } // namespace pavonel::test

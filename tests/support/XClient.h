@@ -62,6 +62,9 @@ public:
     /// How often this client's windows saw a key go down, so far.
     int keyPresses();
 
+    /// The same of mouse buttons.
+    int clicks();
+
     xcb_connection_t *xcb() const { return connection_; }
     xcb_window_t root() const { return root_; }
     xcb_atom_t atom(const char *name);
@@ -69,10 +72,12 @@ public:
 private:
     void setAtoms(xcb_window_t window, const char *property, const char *value);
     void sync();
+    void readEvents();
 
     xcb_connection_t *connection_;
     xcb_window_t root_;
     int keyPresses_ = 0;
+    int clicks_ = 0;
 };
 
 } // namespace pavonel::test
