@@ -1,0 +1,50 @@
+#pragma once
+
+#include "Platform/Linux/Applications/DesktopFiles.h"
+
+#include <QDeadlineTimer>
+#include <QFileSystemWatcher>
+#include <QStringList>
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+namespace pavonel {
+
+/// Keeps the index of the installed applications. It is read in slices, because hundreds of files on a cold
+/// disk take seconds, and again only when one of the folders changed.
+class DesktopFileCatalogue {
+public:
+    /// The first folder outranks those after it.
+    explicit DesktopFileCatalogue(QStringList folders);
+
+    /// Where this desktop keeps its desktop files.
+    static QStringList standardFolders();
+
+    /// Goes on reading until the deadline. True when `index` is a new one.
+    bool read(QDeadlineTimer deadline);
+
+    const DesktopFileIndex &index() const { return index_; }
+
+private:
+    struct Found {
+        QString path;
+        QString identifier;
+    };
+    struct Reading {
+        std::vector<Found> files;
+        std::size_t next = 0;
+        DesktopFileIndex index;
+    };
+
+    Reading listFiles();
+
+    QStringList folders_;
+    DesktopFileIndex index_;
+    bool stale_ = true;
+    std::optional<Reading> reading_;
+    QFileSystemWatcher watcher_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,82 @@
+#include "Platform/Linux/Applications/LinuxApplications.h"
+
+#include "Platform/Linux/Applications/ApplicationIdentity.h"
+#include "Platform/Linux/Applications/Recorders.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <unistd.h>
+
+namespace pavonel {
+
+namespace {
+
+constexpr int patience = 8; // milliseconds that one question may take; nobody notices a stall that short
+
+} // namespace
+
+LinuxApplications::LinuxApplications(std::unique_ptr<FrontWindowSource> front,
+                                     std::unique_ptr<ScreenCasts> casts, const Folders &folders)
+    : front_(std::move(front)), casts_(std::move(casts)), catalogue_(folders.desktopFiles),
+      processes_(folders.processes,
+                 [this](const ProcessFolder &process) { return identify(process, catalogue_.index()); }) {}
+
+QString LinuxApplications::limitation() const {
+    return front_ ? front_->limitation()
+                  : QStringLiteral("This desktop does not tell which program is in front.");
+}
+
+void LinuxApplications::refreshIndex(QDeadlineTimer deadline) {
+    if (!catalogue_.read(deadline))
+        return;
+    processes_.reconsider();
+    knownWindow_ = {};
+}
+
+std::vector<Application> LinuxApplications::running() {
+    const QDeadlineTimer deadline(patience, Qt::PreciseTimer);
+    refreshIndex(deadline);
+    processes_.refresh(deadline);
+    auto applications = processes_.applications();
+    const auto isServer = [](const Application &application) {
+        return application.bundleIdentifier == recorders::screenSharing();
+    };
+    if (std::any_of(applications.begin(), applications.end(), isServer) && !isSharing())
+        std::erase_if(applications, isServer);
+    if (casts_ && casts_->anyLive())
+        applications.push_back({0, recorders::screenRecording()});
+    return applications;
+}
+
+bool LinuxApplications::isSharing() {
+    const auto servers = processes_.processesOf(recorders::screenSharing());
+    return std::any_of(servers.begin(), servers.end(),
+                       [this](ProcessId server) { return viewers_.anyAt(processes_.folder(server)); });
+}
+
+std::optional<Application> LinuxApplications::frontmost() {
+    const auto window = front_ ? front_->frontWindow() : std::nullopt;
+    if (!window || window->processId == ::getpid())
+        return {};
+    refreshIndex(QDeadlineTimer(patience, Qt::PreciseTimer));
+    if (*window != knownWindow_) {
+        knownIdentifier_ = identifierOf(*window);
+        knownWindow_ = *window;
+    }
+    return Application{window->processId, knownIdentifier_};
+}
+
+/// The class outranks the program, since one program can show the windows of several applications; only what
+/// records stays a recorder.
+QString LinuxApplications::identifierOf(const FrontWindow &window) const {
+    QString ofProcess;
+    if (window.processId > 0)
+        ofProcess = identify(processes_.folder(window.processId), catalogue_.index());
+    if (recorders::isOne(ofProcess))
+        return ofProcess;
+    const QString ofClass = catalogue_.index().forWindowClass(window.windowClass);
+    return ofClass.isEmpty() ? ofProcess : ofClass;
+}
+
+} // namespace pavonel

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Platform/Applications.h"
+#include "Platform/Linux/Applications/DesktopFileCatalogue.h"
+#include "Platform/Linux/Applications/FrontWindow.h"
+#include "Platform/Linux/Applications/ProcessTable.h"
+#include "Platform/Linux/Applications/RemoteViewers.h"
+
+#include <memory>
+
+namespace pavonel {
+
+/// The user's processes, seen as applications.
+class LinuxApplications final : public Applications {
+public:
+    /// Where to look; a test gives folders of its own.
+    struct Folders {
+        QByteArray processes = "/proc";
+        QStringList desktopFiles = DesktopFileCatalogue::standardFolders();
+    };
+
+    /// Without a source of front windows nothing is ever in front, without screen casts none is live.
+    LinuxApplications(std::unique_ptr<FrontWindowSource> front, std::unique_ptr<ScreenCasts> casts,
+                      const Folders &folders);
+
+    std::vector<Application> running() override;
+    std::optional<Application> frontmost() override;
+    QString limitation() const override;
+
+private:
+    void refreshIndex(QDeadlineTimer deadline);
+    bool isSharing();
+    QString identifierOf(const FrontWindow &window) const;
+
+    std::unique_ptr<FrontWindowSource> front_;
+    std::unique_ptr<ScreenCasts> casts_;
+    DesktopFileCatalogue catalogue_;
+    ProcessTable processes_;
+    RemoteViewers viewers_;
+
+    FrontWindow knownWindow_;
+    QString knownIdentifier_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayList>
+#include <QString>
+
+namespace pavonel {
+
+/// Programs of this system that record or share the screen, under the identifiers which the product knows.
+namespace recorders {
+
+/// For a program by its base name and its command line; empty for any other program.
+QString identifierOf(const QByteArray &program, const QByteArrayList &arguments);
+
+/// Whether `identifierOf` gives this identifier to some program.
+bool isOne(const QString &identifier);
+
+/// The identifier of a program that shows the screen to a viewer elsewhere.
+QString screenSharing();
+
+/// The identifier of a program that records the screen.
+QString screenRecording();
+
+} // namespace recorders
+
+} // namespace pavonel

@@ -1,0 +1,178 @@
+#include "Platform/Linux/Applications/DesktopFiles.h"
+
+#include "Platform/Linux/Applications/DesktopFileCatalogue.h"
+#include "Platform/Linux/Applications/ProcessFolder.h"
+#include "Platform/Linux/Applications/ProgramName.h"
+#include "Platform/Linux/Applications/Recorders.h"
+#include "support/waitUntil.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <random>
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+namespace {
+
+std::optional<DesktopFile> entry(const QByteArray &lines) {
+    return parseDesktopFile("[Desktop Entry]\nType=Application\n" + lines);
+}
+
+QByteArray programOf(const QByteArray &exec) {
+    const auto file = entry("Exec=" + exec + '\n');
+    return file ? file->program : "none";
+}
+
+void write(const QString &path, const QByteArray &contents) {
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(contents);
+}
+
+QByteArray application(const QByteArray &program) {
+    return "[Desktop Entry]\nType=Application\nName=x\nExec=" + program + " %U\n";
+}
+
+} // namespace
+
+TEST(ProgramName, is_that_of_the_script_or_of_the_command_behind_env) {
+    EXPECT_EQ(programName({"/usr/bin/gedit", "--new"}), "gedit");
+    EXPECT_EQ(programName({"/usr/bin/python3.11", "-u", "/usr/bin/kazam", "x"}), "kazam");
+    EXPECT_EQ(programName({"env", "A=b", "-u", "/opt/x/run"}), "run");
+    EXPECT_EQ(programName({"bash", "-c", "sleep 5"}), "bash");
+    EXPECT_EQ(programName({"python3"}), "python3");
+    EXPECT_EQ(programName({"env"}), "");
+    EXPECT_EQ(programName({}), "");
+    EXPECT_EQ(programName({""}), "");
+}
+
+TEST(DesktopFiles, the_program_is_read_from_the_command) {
+    EXPECT_EQ(programOf("firefox-esr %u"), "firefox-esr");
+    EXPECT_EQ(programOf("\"/opt/My Tool/tool\" --flag"), "tool");
+    EXPECT_EQ(programOf("env LANG=C /usr/bin/gimp-2.10 %U"), "gimp-2.10");
+    EXPECT_EQ(programOf("python3 /usr/share/thing/thing.py"), "thing.py");
+    EXPECT_EQ(programOf("/usr/bin/flatpak run org.x.Y"), "") << "hands over to another program";
+}
+
+TEST(DesktopFiles, hidden_ones_and_those_that_are_no_application_do_not_count) {
+    EXPECT_FALSE(entry("Exec=a\nHidden=true\n"));
+    EXPECT_FALSE(entry("Exec=a\nTerminal=true\n"));
+    EXPECT_FALSE(parseDesktopFile("[Desktop Entry]\nType=Link\nExec=a\n"));
+    EXPECT_FALSE(parseDesktopFile("Type=Application\nExec=a\n")) << "outside of the group";
+    const auto withAction = entry("Exec=a\n[Desktop Action new]\nExec=b\nHidden=true\n");
+    ASSERT_TRUE(withAction);
+    EXPECT_EQ(withAction->program, "a");
+}
+
+TEST(DesktopFiles, nonsense_is_no_application) {
+    EXPECT_FALSE(parseDesktopFile({}));
+    EXPECT_FALSE(parseDesktopFile("[Desktop Entry"));
+    EXPECT_FALSE(parseDesktopFile(QByteArray(1 << 16, '\n')));
+    EXPECT_FALSE(parseDesktopFile(QByteArray(1 << 16, '=')));
+    EXPECT_EQ(programOf("\"never closed"), "");
+    EXPECT_EQ(programOf("back\\"), "back\\");
+    EXPECT_EQ(programOf(""), "");
+    EXPECT_EQ(programOf("%U"), "");
+    std::mt19937 random(1); // NOLINT: the same noise every time
+    for (int round = 0; round < 2000; ++round) {
+        QByteArray noise = "[Desktop Entry]\nType=Application\nExec=";
+        for (int index = 0; index < 60; ++index)
+            noise += "\"\\ \n=[]%aE\0\xff/"[random() % 13];
+        parseDesktopFile(noise);
+    }
+}
+
+TEST(DesktopFiles, a_program_belongs_to_the_application_that_is_called_like_it) {
+    DesktopFileIndex index;
+    index.add(QStringLiteral("browser-private"), DesktopFile{"browser", true, {}});
+    index.add(QStringLiteral("org.example.Browser"), DesktopFile{"browser", false, {}});
+    EXPECT_EQ(index.forProgram("browser"), QStringLiteral("org.example.Browser"));
+    index.add(QStringLiteral("browser"), DesktopFile{"browser", false, {}});
+    EXPECT_EQ(index.forProgram("browser"), QStringLiteral("browser"));
+    EXPECT_EQ(index.forProgram("other"), QString());
+}
+
+TEST(DesktopFiles, a_window_class_belongs_to_the_application_that_declares_it_or_is_called_like_it) {
+    DesktopFileIndex index;
+    index.add(QStringLiteral("writer"), DesktopFile{"office", true, QStringLiteral("Office-Writer")});
+    index.add(QStringLiteral("gedit"), DesktopFile{"gedit", false, {}});
+    EXPECT_EQ(index.forWindowClass(QStringLiteral("office-writer")), QStringLiteral("writer"));
+    EXPECT_EQ(index.forWindowClass(QStringLiteral("Gedit")), QStringLiteral("gedit"));
+    EXPECT_EQ(index.forWindowClass(QStringLiteral("nobody")), QString());
+    EXPECT_EQ(index.forWindowClass({}), QString());
+}
+
+TEST(DesktopFiles, the_folder_of_the_user_outranks_those_of_the_system) {
+    const QTemporaryDir user;
+    const QTemporaryDir system;
+    write(system.filePath(QStringLiteral("a.desktop")), application("old"));
+    write(system.filePath(QStringLiteral("b.desktop")), application("hidden"));
+    write(system.filePath(QStringLiteral("sub/c.desktop")), application("nested"));
+    write(system.filePath(QStringLiteral("broken.desktop")), "\0\xff\xfe[[[=\n\"\\");
+    write(user.filePath(QStringLiteral("a.desktop")), application("new"));
+    write(user.filePath(QStringLiteral("b.desktop")), "[Desktop Entry]\nHidden=true\n");
+    DesktopFileCatalogue catalogue({user.path(), system.path(), QStringLiteral("/nonexistent/applications")});
+    ASSERT_TRUE(catalogue.read(QDeadlineTimer::Forever));
+    EXPECT_EQ(catalogue.index().forProgram("new"), QStringLiteral("a"));
+    EXPECT_EQ(catalogue.index().forProgram("old"), QString());
+    EXPECT_EQ(catalogue.index().forProgram("hidden"), QString());
+    EXPECT_EQ(catalogue.index().forProgram("nested"), QStringLiteral("sub-c"));
+}
+
+TEST(DesktopFiles, folders_are_read_again_only_when_they_change) {
+    const QTemporaryDir folder;
+    write(folder.filePath(QStringLiteral("a.desktop")), application("a"));
+    DesktopFileCatalogue catalogue({folder.path()});
+    ASSERT_TRUE(catalogue.read(QDeadlineTimer::Forever));
+    EXPECT_FALSE(catalogue.read(QDeadlineTimer::Forever));
+    write(folder.filePath(QStringLiteral("b.desktop")), application("b"));
+    EXPECT_TRUE(waitUntil([&] { return catalogue.read(QDeadlineTimer::Forever); }));
+    EXPECT_EQ(catalogue.index().forProgram("b"), QStringLiteral("b"));
+}
+
+TEST(DesktopFiles, many_files_are_read_in_slices) {
+    const QTemporaryDir folder;
+    for (int file = 0; file < 100; ++file)
+        write(folder.filePath(QStringLiteral("%1.desktop").arg(file)), application("p"));
+    DesktopFileCatalogue catalogue({folder.path()});
+    EXPECT_FALSE(catalogue.read(QDeadlineTimer(0)));
+    EXPECT_FALSE(catalogue.read(QDeadlineTimer(0)));
+    EXPECT_TRUE(catalogue.read(QDeadlineTimer::Forever));
+}
+
+TEST(SystemdUnits, of_applications_name_the_desktop_file) {
+    const auto identifier = [](const char *unit) { return identifierOfUnit(unit).toStdString(); };
+    EXPECT_EQ(identifier("app-gnome-org.gnome.Evince-2234.scope"), "org.gnome.Evince");
+    EXPECT_EQ(identifier("app-firefox-1234.scope"), "firefox");
+    EXPECT_EQ(identifier("app-gnome-visual\\x2dstudio-99.scope"), "visual-studio");
+    EXPECT_EQ(identifier("app-org.kde.dolphin@5f1c.service"), "org.kde.dolphin");
+    EXPECT_EQ(identifier("app-org.kde.dolphin.service"), "org.kde.dolphin");
+    EXPECT_EQ(identifier("dbus-:1.2-org.gnome.Nautilus@0.service"), "org.gnome.Nautilus");
+    EXPECT_EQ(identifier("snap.firefox.firefox-7d3c1a2b-0000-4000-8000-1234567890ab.scope"),
+              "firefox_firefox");
+    EXPECT_EQ(identifier("session-2.scope"), "");
+    EXPECT_EQ(identifier("pipewire.service"), "");
+    EXPECT_EQ(identifier("app-.scope"), "");
+    EXPECT_EQ(identifier("snap."), "");
+    EXPECT_EQ(identifier("app-\\x2.service"), "\\x2");
+    EXPECT_EQ(identifier(""), "");
+}
+
+TEST(Recorders, are_reported_under_the_identifiers_of_the_fixed_list) {
+    const auto identifier = [](const char *program, const QByteArrayList &arguments = {}) {
+        return recorders::identifierOf(program, arguments).toStdString();
+    };
+    EXPECT_EQ(identifier("obs"), "com.obsproject.obs-studio");
+    EXPECT_EQ(identifier("x11vnc"), "com.apple.ScreenSharing");
+    EXPECT_EQ(identifier("simplescreenrecorder"), "com.apple.screencaptureui");
+    EXPECT_EQ(identifier("ffmpeg", {"ffmpeg", "-f", "x11grab", "-i", ":0"}), "com.apple.screencaptureui");
+    EXPECT_EQ(identifier("ffmpeg", {"ffmpeg", "-i", "a.mp4", "b.webm"}), "");
+    EXPECT_EQ(identifier("gedit"), "");
+}
+
+} // namespace pavonel::test
