@@ -4,6 +4,7 @@
 #include "Platform/Linux/DetachedLauncher.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 #include "Platform/Linux/X11/X11Connection.h"
+#include "Platform/Linux/X11/X11HotKeys.h"
 #include "Platform/Linux/X11/X11IdleTime.h"
 #include "Platform/Linux/X11/X11WindowLayers.h"
 #include "Platform/Platform.h"
@@ -60,6 +61,14 @@ std::unique_ptr<WindowLayers> windowLayers(const std::shared_ptr<X11Connection> 
     return std::make_unique<QtWindowLayers>();
 }
 
+std::unique_ptr<HotKeyService> hotKeys(const std::shared_ptr<X11Connection> &x) {
+    if (seesAllInput(x)) {
+        if (auto service = X11HotKeys::make(x))
+            return service;
+    }
+    return none<unavailable::HotKeyService>("This desktop does not offer keyboard shortcuts.");
+}
+
 std::unique_ptr<StatusItem> statusItem(Appearance &appearance, const std::shared_ptr<X11Connection> &x) {
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
     return std::make_unique<TrayStatusItem>(QDBusConnection::sessionBus(),
@@ -84,7 +93,7 @@ std::unique_ptr<Platform> makePlatform() {
     platform->windowList =
         none<unavailable::WindowList>("This desktop does not tell about fullscreen windows.");
     platform->windowLayers = windowLayers(x11);
-    platform->hotKeys = none<unavailable::HotKeyService>("This desktop does not offer keyboard shortcuts.");
+    platform->hotKeys = hotKeys(x11);
     const ProgramFiles files = ProgramFiles::ofThisProgram();
     platform->sounds = std::make_unique<EventSounds>(files);
     platform->processes = std::make_unique<DetachedLauncher>(files);
