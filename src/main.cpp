@@ -32,7 +32,6 @@ int runUntilQuit() {
 int main(int argc, char **argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("pavonel"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Pavonel"));
     QApplication::setApplicationVersion(QStringLiteral(PAVONEL_VERSION));
     QApplication::setQuitOnLastWindowClosed(false);
 
