@@ -2,6 +2,7 @@
 
 #include "Platform/Linux/X11/macKeyPositions.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <initializer_list>
@@ -32,7 +33,7 @@ constexpr xcb_keysym_t rightSuper = 0xffec;
 
 std::uint32_t packed(const char *name) {
     std::array<char, XCB_XKB_CONST_KEY_NAME_LENGTH> padded{};
-    std::strncpy(padded.data(), name, padded.size());
+    std::copy_n(name, std::min(std::strlen(name), padded.size()), padded.begin());
     std::uint32_t number;
     static_assert(sizeof number == padded.size());
     std::memcpy(&number, padded.data(), sizeof number);
