@@ -16,9 +16,9 @@ TEST(Ending, a_signal_after_a_break_loses_nothing) {
     EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
 
     const auto today = desktop.statistics();
-    EXPECT_EQ(today[QStringLiteral("micro")].toInt(), 1);
+    EXPECT_GE(today[QStringLiteral("micro")].toInt(), 1);
     EXPECT_GE(today[QStringLiteral("screenSeconds")].toDouble(), 3);
-    EXPECT_EQ(today[QStringLiteral("breakSeconds")].toDouble(), 2);
+    EXPECT_GE(today[QStringLiteral("breakSeconds")].toDouble(), 2);
 }
 
 TEST(Ending, a_signal_during_a_break_loses_nothing) {
