@@ -30,7 +30,32 @@ void AppDelegate::setUp() {
     repairLoginItem();
     if (Settings::shared().hotKeysEnabled)
         registerHotKeys();
+    Platform::current().power->onWake([this] { startAfresh(); });
     controller_.start();
+}
+
+void AppDelegate::act(OutsideAction action) {
+    switch (action) {
+    case OutsideAction::takeMicroBreak:
+        controller_.startBreak(BreakKind::micro, BreakController::Initiator::user);
+        break;
+    case OutsideAction::takeLongBreak:
+        controller_.startBreak(BreakKind::long_, BreakController::Initiator::user);
+        break;
+    case OutsideAction::skip:
+        controller_.skip();
+        break;
+    case OutsideAction::togglePause:
+        controller_.togglePause();
+        break;
+    }
+}
+
+/// Every sleep counts as a full rest, however short; a break that was running goes on.
+void AppDelegate::startAfresh() {
+    controller_.microElapsed = 0;
+    controller_.longElapsed = 0;
+    controller_.dismissHeadsUp();
 }
 
 void AppDelegate::connectController() {
@@ -61,13 +86,12 @@ void AppDelegate::registerHotKeys() {
     constexpr std::uint32_t keyS = 1;
     constexpr std::uint32_t keyP = 35;
     HotKeyManager &hotKeys = HotKeyManager::shared();
-    hotKeys.registerBinding({1, keyB, controlOptionCommand, QStringLiteral("⌃⌥⌘B"), [this] {
-                                 controller_.startBreak(BreakKind::micro, BreakController::Initiator::user);
-                             }});
-    hotKeys.registerBinding(
-        {2, keyS, controlOptionCommand, QStringLiteral("⌃⌥⌘S"), [this] { controller_.skip(); }});
-    hotKeys.registerBinding(
-        {3, keyP, controlOptionCommand, QStringLiteral("⌃⌥⌘P"), [this] { controller_.togglePause(); }});
+    const auto bind = [&](std::uint32_t id, std::uint32_t key, const QString &label, OutsideAction action) {
+        hotKeys.registerBinding({id, key, controlOptionCommand, label, [this, action] { act(action); }});
+    };
+    bind(1, keyB, QStringLiteral("⌃⌥⌘B"), OutsideAction::takeMicroBreak);
+    bind(2, keyS, QStringLiteral("⌃⌥⌘S"), OutsideAction::skip);
+    bind(3, keyP, QStringLiteral("⌃⌥⌘P"), OutsideAction::togglePause);
 }
 
 } // namespace pavonel

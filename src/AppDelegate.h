@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/BreakController.h"
+#include "Platform/SingleInstance.h"
 #include "UI/BreakOverlay.h"
 #include "UI/MenuBar.h"
 #include "UI/Panels/FloatingCountdownController.h"
@@ -19,9 +20,13 @@ public:
 
     void setUp();
 
+    /// Does what was asked for from outside, as the hot keys and the menu do.
+    void act(OutsideAction action);
+
 private:
     void connectController();
     void registerHotKeys();
+    void startAfresh();
 
     BreakController controller_;
     ToastController toast_;

@@ -1,13 +1,40 @@
 #include "AppDelegate.h"
+#include "CommandLine.h"
 #include "Platform/Platform.h"
+#include "Platform/SingleInstance.h"
 
 #include <QApplication>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
+#include <optional>
+#include <string>
 
 namespace {
 
 using namespace pavonel;
+
+std::string heldMessages;
+
+/// Qt ends the process with several lines and an abort where it finds no display; a person needs one line.
+void refuseWithoutDisplay(QtMsgType type, const QMessageLogContext &context, const QString &text) {
+    if (type == QtFatalMsg) {
+        std::fputs("pavonel: no display can be opened; start it from within a desktop session\n", stderr);
+        std::_Exit(EXIT_FAILURE);
+    }
+    heldMessages += qFormatLogMessage(type, context, text).toLocal8Bit().toStdString() + '\n';
+}
+
+void makeApplication(std::optional<QApplication> &application, int &argc, char **argv) {
+    qInstallMessageHandler(refuseWithoutDisplay);
+    application.emplace(argc, argv);
+    qInstallMessageHandler(nullptr);
+    std::fputs(heldMessages.c_str(), stderr);
+    QApplication::setApplicationName(QStringLiteral("pavonel"));
+    QApplication::setApplicationVersion(QStringLiteral(PAVONEL_VERSION));
+    QApplication::setQuitOnLastWindowClosed(false);
+}
 
 void save() {
     Settings::shared().saveNow();
@@ -17,26 +44,37 @@ void save() {
 /// Every road out leads through the end of the event loop: the menu, signals, the end of the session. Only
 /// the window system's connection libraries leave on their own when the display is gone; the exit handler
 /// saves then.
-int runUntilQuit() {
-    Termination &termination = *Platform::current().termination;
-    termination.onSave(save);
-    termination.onEnd([] { QCoreApplication::exit(); });
+int runUntilQuit(SingleInstance &instance) {
+    Platform &platform = Platform::current();
+    platform.termination->onSave(save);
+    platform.termination->onEnd([] { QCoreApplication::exit(); });
+    platform.power->onSleep(save);
     AppDelegate delegate;
     std::atexit(save);
     delegate.setUp();
+    instance.onAction([&delegate](OutsideAction action) { delegate.act(action); });
     return QApplication::exec();
+}
+
+int start(int &argc, char **argv) {
+    std::optional<QApplication> application;
+    makeApplication(application, argc, argv);
+    const auto instance = makeSingleInstance();
+    const SingleInstance::Role role = instance->claim();
+    if (role == SingleInstance::Role::laterUnreached)
+        std::fputs("pavonel: already running\n", stderr);
+    if (role != SingleInstance::Role::first)
+        return EXIT_SUCCESS;
+
+    Platform::install(makePlatform());
+    const int status = runUntilQuit(*instance);
+    save(); // with the timers stopped and the windows gone
+    return status;
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
-    QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("pavonel"));
-    QApplication::setApplicationVersion(QStringLiteral(PAVONEL_VERSION));
-    QApplication::setQuitOnLastWindowClosed(false);
-
-    Platform::install(makePlatform());
-    const int status = runUntilQuit();
-    save(); // with the timers stopped and the windows gone
-    return status;
+    const CommandLine commandLine = readCommandLine({argv + std::min(argc, 1), argv + argc});
+    return commandLine.order == CommandLine::Order::start ? start(argc, argv) : obey(commandLine, argc, argv);
 }

@@ -2,6 +2,7 @@
 
 #include "Platform/Service.h"
 
+#include <memory>
 #include <optional>
 
 namespace pavonel {
@@ -14,5 +15,8 @@ public:
     /// Absent on success, otherwise one readable sentence.
     virtual std::optional<QString> setEnabled(bool enabled) = 0;
 };
+
+/// This system's answer by itself. Needs the application object, but no display.
+std::unique_ptr<LoginItem> makeLoginItem();
 
 } // namespace pavonel

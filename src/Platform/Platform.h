@@ -8,6 +8,7 @@
 #include "Platform/LoginItem.h"
 #include "Platform/MainLoop.h"
 #include "Platform/Pointer.h"
+#include "Platform/PowerEvents.h"
 #include "Platform/ProcessLauncher.h"
 #include "Platform/Screens.h"
 #include "Platform/Sounds.h"
@@ -27,6 +28,7 @@ struct Platform {
     std::unique_ptr<MainLoop> mainLoop;
     std::unique_ptr<UserDefaults> defaults;
     std::unique_ptr<Termination> termination;
+    std::unique_ptr<PowerEvents> power;
     std::unique_ptr<Screens> screens;
     std::unique_ptr<Pointer> pointer;
     std::unique_ptr<IdleTime> idleTime;

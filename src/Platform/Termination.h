@@ -6,7 +6,8 @@
 
 namespace pavonel {
 
-/// Requests from outside to leave: signals, the end of the desktop session. All handlers run on the main thread.
+/// Requests from outside to leave: signals, the end of the desktop session. All handlers run on the main
+/// thread.
 class Termination : public Service {
 public:
     /// The session may be about to end, which can still be called off: put on disk what is unsaved.

@@ -47,6 +47,14 @@ struct FakeTermination final : Termination {
     void onEnd(std::function<void()> handler) override { end = std::move(handler); }
 };
 
+struct FakePowerEvents final : PowerEvents {
+    std::function<void()> sleep;
+    std::function<void()> wake;
+
+    void onSleep(std::function<void()> handler) override { sleep = std::move(handler); }
+    void onWake(std::function<void()> handler) override { wake = std::move(handler); }
+};
+
 struct FakeScreens final : Screens {
     std::vector<Screen> screens{{QStringLiteral("A"), {0, 0, 1920, 1080}, {0, 24, 1920, 1056}, true}};
     int queries = 0;
@@ -252,6 +260,7 @@ struct FakePlatform : Platform {
     VirtualMainLoop &loop;
     FakeDefaults &fakeDefaults;
     FakeTermination &ending;
+    FakePowerEvents &powerEvents;
     FakeScreens &fakeScreens;
     FakePointer &mouse;
     FakeIdleTime &idle;
@@ -269,13 +278,14 @@ struct FakePlatform : Platform {
 private:
     explicit FakePlatform(VirtualMainLoop *virtualLoop)
         : loop(give(mainLoop, virtualLoop)), fakeDefaults(give(defaults, new FakeDefaults)),
-          ending(give(termination, new FakeTermination)), fakeScreens(give(screens, new FakeScreens)),
-          mouse(give(pointer, new FakePointer)), idle(give(idleTime, new FakeIdleTime)),
-          audio(give(audioDevices, new FakeAudioDevices)), apps(give(applications, new FakeApplications)),
-          windows(give(windowList, new FakeWindowList)), layers(give(windowLayers, new FakeWindowLayers)),
-          keys(give(hotKeys, new FakeHotKeys)), fakeSounds(give(sounds, new FakeSounds)),
-          launcher(give(processes, new FakeProcessLauncher)), login(give(loginItem, new FakeLoginItem)),
-          look(give(appearance, new FakeAppearance)), menuBar(give(statusItem, new FakeStatusItem)) {}
+          ending(give(termination, new FakeTermination)), powerEvents(give(power, new FakePowerEvents)),
+          fakeScreens(give(screens, new FakeScreens)), mouse(give(pointer, new FakePointer)),
+          idle(give(idleTime, new FakeIdleTime)), audio(give(audioDevices, new FakeAudioDevices)),
+          apps(give(applications, new FakeApplications)), windows(give(windowList, new FakeWindowList)),
+          layers(give(windowLayers, new FakeWindowLayers)), keys(give(hotKeys, new FakeHotKeys)),
+          fakeSounds(give(sounds, new FakeSounds)), launcher(give(processes, new FakeProcessLauncher)),
+          login(give(loginItem, new FakeLoginItem)), look(give(appearance, new FakeAppearance)),
+          menuBar(give(statusItem, new FakeStatusItem)) {}
 
     template <class Interface, class Fake> static Fake &give(std::unique_ptr<Interface> &place, Fake *fake) {
         place.reset(fake);

@@ -1,6 +1,8 @@
 #include "Platform/Linux/Audio/EventSounds.h"
 #include "Platform/Linux/Audio/PulseAudioDevices.h"
 #include "Platform/Linux/AutostartLoginItem.h"
+#include "Platform/Linux/Bus/BusSingleInstance.h"
+#include "Platform/Linux/Bus/LogindPowerEvents.h"
 #include "Platform/Linux/DetachedLauncher.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 #include "Platform/Linux/X11/X11Connection.h"
@@ -77,6 +79,15 @@ std::unique_ptr<StatusItem> statusItem(Appearance &appearance, const std::shared
 
 } // namespace
 
+std::unique_ptr<SingleInstance> makeSingleInstance() {
+    return std::make_unique<BusSingleInstance>(QDBusConnection::sessionBus(),
+                                               configFolder() + QStringLiteral("/pavonel/lock"));
+}
+
+std::unique_ptr<LoginItem> makeLoginItem() {
+    return std::make_unique<AutostartLoginItem>(ProgramFiles::ofThisProgram().program(), configFolder());
+}
+
 std::unique_ptr<Platform> makePlatform() {
     const auto x11 = x11Connection();
     auto platform = std::make_unique<Platform>();
@@ -84,6 +95,7 @@ std::unique_ptr<Platform> makePlatform() {
     platform->defaults = std::make_unique<FileDefaults>(
         configFolder() + QStringLiteral("/pavonel/defaults.json"), *platform->mainLoop);
     platform->termination = std::make_unique<SignalTermination>();
+    platform->power = std::make_unique<LogindPowerEvents>(QDBusConnection::systemBus());
     platform->screens = std::make_unique<QtScreens>();
     platform->pointer = std::make_unique<QtPointer>();
     platform->idleTime = idleTime(x11);
@@ -97,7 +109,7 @@ std::unique_ptr<Platform> makePlatform() {
     const ProgramFiles files = ProgramFiles::ofThisProgram();
     platform->sounds = std::make_unique<EventSounds>(files);
     platform->processes = std::make_unique<DetachedLauncher>(files);
-    platform->loginItem = std::make_unique<AutostartLoginItem>(files.program(), configFolder());
+    platform->loginItem = makeLoginItem();
     platform->appearance =
         none<unavailable::Appearance>("This desktop does not tell whether it is light or dark.");
     platform->statusItem = statusItem(*platform->appearance, x11);

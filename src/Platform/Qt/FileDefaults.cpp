@@ -1,5 +1,6 @@
 #include "Platform/Qt/FileDefaults.h"
 
+#include "Platform/Qt/PrivateFolder.h"
 #include "Platform/Qt/ReplaceFile.h"
 
 #include <QDateTime>
@@ -9,7 +10,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
 #include <utility>
 
 #include <sys/stat.h>
@@ -39,7 +39,7 @@ bool isAnythingAt(const QString &path) {
 
 FileDefaults::FileDefaults(QString path, MainLoop &loop)
     : path_(std::move(path)), loop_(loop), retryDelay_(firstRetryDelay) {
-    makeFolder();
+    makePrivateFolder(QFileInfo(path_).path());
     removeUnfinishedReplacements(path_);
     fileIsOurs_ = read();
     if (!fileIsOurs_)
@@ -96,18 +96,6 @@ void FileDefaults::flush() {
     retryDelay_ = std::min(retryDelay_ * 2, longestRetryDelay);
 }
 
-/// The folder is closed to others, also one that was there; whether its owner may write stays as it is.
-void FileDefaults::makeFolder() const {
-    namespace fs = std::filesystem;
-    const fs::path folder = QFileInfo(path_).filesystemAbsolutePath();
-    constexpr auto others = fs::perms::group_all | fs::perms::others_all;
-    std::error_code ignored;
-    fs::create_directories(folder, ignored);
-    const fs::file_status status = fs::status(folder, ignored);
-    if (fs::is_directory(status) && (status.permissions() & others) != fs::perms::none)
-        fs::permissions(folder, others, fs::perm_options::remove, ignored);
-}
-
 bool FileDefaults::read() {
     QFile file(path_);
     // Opening anything else than a regular file could block for ever.
@@ -153,7 +141,7 @@ void FileDefaults::collectLazyValues() {
 }
 
 bool FileDefaults::write() {
-    makeFolder();
+    makePrivateFolder(QFileInfo(path_).path());
     if (!fileIsOurs_ && !setAside())
         return false;
     const bool isWritten = replaceFile(path_, storedJson::writeMembers(members_));

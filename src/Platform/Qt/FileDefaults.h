@@ -27,7 +27,6 @@ public:
 private:
     enum class Urgency { whenConvenient, soon };
 
-    void makeFolder() const;
     bool read();
     bool setAside();
     void schedule(Urgency urgency);

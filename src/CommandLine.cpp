@@ -1,0 +1,99 @@
+#include "CommandLine.h"
+
+#include "Core/SystemBits.h"
+#include "Platform/LoginItem.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+namespace pavonel {
+
+namespace {
+
+using Order = CommandLine::Order;
+
+constexpr std::pair<const char *, Order> switches[] = {
+    {"--login-status", Order::loginStatus},
+    {"--unregister-login-item", Order::unregisterLoginItem},
+    {"--help", Order::help},
+    {"--version", Order::version},
+};
+
+constexpr int badUsage = 2;
+
+constexpr char helpText[] =
+    "Usage: pavonel [OPTION]\n"
+    "Reminds you to take breaks. Started again while it runs, it shows its settings.\n"
+    "\n"
+    "  --login-status           tell whether Pavonel starts at login: enabled or disabled\n"
+    "  --unregister-login-item  do not start at login any more\n"
+    "  --help                   show this\n"
+    "  --version                show the version\n";
+
+/// Session managers add it to the command of a program that they restore; Qt takes it.
+constexpr char session[] = "-session";
+
+std::string firstUnknown(const std::vector<std::string> &arguments) {
+    for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+        if (*argument != session)
+            return *argument;
+        if (++argument == arguments.end())
+            break;
+    }
+    return {};
+}
+
+void printLine(const QString &line) {
+    std::puts(line.toLocal8Bit().constData());
+}
+
+void printLoginStatus() {
+    printLine(makeLoginItem()->isEnabled() ? QStringLiteral("enabled") : QStringLiteral("disabled"));
+}
+
+void unregisterLoginItem() {
+    const auto failure = LaunchAtLogin::set(*makeLoginItem(), false);
+    printLine(failure.value_or(QStringLiteral("unregistered")));
+}
+
+} // namespace
+
+CommandLine readCommandLine(const std::vector<std::string> &arguments) {
+    for (const auto &[name, order] : switches) {
+        if (std::find(arguments.begin(), arguments.end(), name) != arguments.end())
+            return {order, {}};
+    }
+    std::string unknown = firstUnknown(arguments);
+    return unknown.empty() ? CommandLine{} : CommandLine{Order::refuse, std::move(unknown)};
+}
+
+int obey(const CommandLine &commandLine, int &argc, char **argv) {
+    const QCoreApplication application(argc, argv);
+    switch (commandLine.order) {
+    case Order::start:
+        break;
+    case Order::loginStatus:
+        printLoginStatus();
+        break;
+    case Order::unregisterLoginItem:
+        unregisterLoginItem();
+        break;
+    case Order::help:
+        std::fputs(helpText, stdout);
+        break;
+    case Order::version:
+        std::puts("pavonel " PAVONEL_VERSION);
+        break;
+    case Order::refuse:
+        std::fprintf(stderr, "pavonel: unknown option \"%s\"; see pavonel --help\n",
+                     commandLine.unknown.c_str());
+        return badUsage;
+    }
+    return EXIT_SUCCESS;
+}
+
+} // namespace pavonel

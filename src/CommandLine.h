@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace pavonel {
+
+/// What the arguments ask the program to do.
+struct CommandLine {
+    enum class Order { start, loginStatus, unregisterLoginItem, help, version, refuse };
+
+    Order order = Order::start;
+    std::string unknown; ///< The argument for which the order is to refuse.
+};
+
+/// Switches count wherever they stand; of several the first of a fixed order decides.
+/// `arguments` come without the program's name.
+CommandLine readCommandLine(const std::vector<std::string> &arguments);
+
+/// Does an order other than `start` and gives the exit status. Needs no display and no message bus.
+int obey(const CommandLine &commandLine, int &argc, char **argv);
+
+} // namespace pavonel
