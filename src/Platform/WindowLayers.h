@@ -36,7 +36,7 @@ public:
 
     /// Whether a window's translucent parts are blended with what lies below it, at this moment. Where they
     /// are not, they come out black, and `QWidget::setWindowOpacity` does nothing.
-    virtual bool canBlend() const { return false; }
+    virtual bool canBlend() const = 0;
 
     /// Gives the keyboard to a visible overlay. Where the desktop decides by itself, nothing happens.
     virtual void takeKeyboard(QWindow &window) = 0;

@@ -1,5 +1,6 @@
 #include "Platform/Qt/QtWindowLayers.h"
 
+#include <QGuiApplication>
 #include <QWindow>
 
 namespace pavonel {
@@ -14,6 +15,10 @@ Qt::WindowFlags QtWindowLayers::windowFlags(WindowLayer layer) const {
 }
 
 void QtWindowLayers::assign(QWindow &, WindowLayer, const Screen &) {}
+
+bool QtWindowLayers::canBlend() const {
+    return QGuiApplication::platformName().startsWith(u"wayland"); // every compositor there does
+}
 
 void QtWindowLayers::takeKeyboard(QWindow &window) {
     window.requestActivate();

@@ -10,6 +10,7 @@ public:
     QString limitation() const override;
     Qt::WindowFlags windowFlags(WindowLayer layer) const override;
     void assign(QWindow &window, WindowLayer layer, const Screen &screen) override;
+    bool canBlend() const override;
     void takeKeyboard(QWindow &window) override;
     void yieldKeyboard() override {}
 };

@@ -1,0 +1,55 @@
+#include "EndToEnd/Desktop.h"
+#include "support/XClient.h"
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+namespace {
+
+const QJsonObject breakInTenSeconds{{QStringLiteral("microInterval"), 10},
+                                    {QStringLiteral("preNotifySeconds"), 9},
+                                    {QStringLiteral("postureInterval"), 2}};
+
+/// The programs of this test are started with two pixels a point.
+struct DoubleScale {
+    DoubleScale() { qputenv("QT_SCALE_FACTOR", "2"); }
+    ~DoubleScale() { qunsetenv("QT_SCALE_FACTOR"); }
+};
+
+std::optional<QRect> frameOf(Desktop &desktop, const char *title) {
+    for (const SeenWindow &window : desktop.tree().visible()) {
+        if (window.title == QString::fromUtf8(title))
+            return window.frame;
+    }
+    return std::nullopt;
+}
+
+bool standsAt(Desktop &desktop, const char *title, const QRect &place) {
+    return waitUntil([&] { return frameOf(desktop, title) == place; });
+}
+
+} // namespace
+
+TEST(Panels, stand_to_the_pixel_on_the_screen_of_the_pointer) {
+    Desktop desktop;
+    desktop.store(breakInTenSeconds);
+    desktop.startProgram();
+    const QPoint pointer = Desktop::screen(1).center() + QPoint(7, 300);
+    EXPECT_TRUE(standsAt(desktop, "Pavonel Toast", {1280 + 640 - 190, 24, 380, 56}));
+    EXPECT_TRUE(standsAt(desktop, "Pavonel Heads-up", {2560 - 340 - 18, 18, 340, 132}));
+    EXPECT_TRUE(standsAt(desktop, "Pavonel Countdown", {pointer + QPoint(16, 12), QSize(86, 30)}));
+}
+
+TEST(Panels, stand_to_the_pixel_at_two_pixels_a_point) {
+    const DoubleScale scale;
+    Desktop desktop;
+    desktop.store(breakInTenSeconds);
+    desktop.server().xdotool({QStringLiteral("mousemove"), QStringLiteral("1500"), QStringLiteral("400")});
+    desktop.startProgram();
+    EXPECT_TRUE(standsAt(desktop, "Pavonel Toast", {1280 + 640 - 380, 48, 760, 112}));
+    EXPECT_TRUE(standsAt(desktop, "Pavonel Heads-up", {2560 - 680 - 36, 36, 680, 264}));
+    EXPECT_TRUE(standsAt(desktop, "Pavonel Countdown", {1532, 424, 172, 60}));
+}
+
+} // namespace pavonel::test
