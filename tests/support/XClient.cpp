@@ -69,6 +69,8 @@ xcb_window_t XClient::open(const QRect &at, const QColor &colour, Kind kind) {
         setAtoms(window, "_NET_WM_STATE", "_NET_WM_STATE_FULLSCREEN");
     if (kind == Kind::dock)
         setAtoms(window, "_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DOCK");
+    if (kind == Kind::desktop)
+        setAtoms(window, "_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DESKTOP");
     xcb_map_window(connection_, window);
     sync();
     const QDeadlineTimer deadline(30'000);

@@ -19,6 +19,7 @@ public:
         normal,
         fullscreen, ///< Asks for it before it opens, as browsers and players do.
         dock,       ///< Keeps its edge for itself, see `openDock`.
+        desktop,    ///< Lies below all others, as the icons of a desktop.
         unmanaged,  ///< As menus and screen lockers.
     };
 

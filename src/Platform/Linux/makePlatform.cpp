@@ -8,6 +8,7 @@
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11HotKeys.h"
 #include "Platform/Linux/X11/X11IdleTime.h"
+#include "Platform/Linux/X11/X11Screens.h"
 #include "Platform/Linux/X11/X11WindowLayers.h"
 #include "Platform/Platform.h"
 #include "Platform/Qt/FileDefaults.h"
@@ -47,6 +48,12 @@ std::shared_ptr<X11Connection> x11Connection() {
 /// An X server inside a Wayland session knows only of the input that X windows get.
 bool seesAllInput(const std::shared_ptr<X11Connection> &x) {
     return x && !x->isInsideWayland();
+}
+
+std::unique_ptr<Screens> screens(const std::shared_ptr<X11Connection> &x) {
+    if (x)
+        return std::make_unique<X11Screens>(x);
+    return std::make_unique<QtScreens>();
 }
 
 std::unique_ptr<IdleTime> idleTime(const std::shared_ptr<X11Connection> &x) {
@@ -96,7 +103,7 @@ std::unique_ptr<Platform> makePlatform() {
         configFolder() + QStringLiteral("/pavonel/defaults.json"), *platform->mainLoop);
     platform->termination = std::make_unique<SignalTermination>();
     platform->power = std::make_unique<LogindPowerEvents>(QDBusConnection::systemBus());
-    platform->screens = std::make_unique<QtScreens>();
+    platform->screens = screens(x11);
     platform->pointer = std::make_unique<QtPointer>();
     platform->idleTime = idleTime(x11);
     platform->audioDevices = std::make_unique<PulseAudioDevices>();
