@@ -3,6 +3,7 @@
 #include "Core/StrictJson.h"
 #include "Platform/Platform.h"
 
+#include <QByteArrayList>
 #include <QJsonDocument>
 #include <QLocale>
 
@@ -36,14 +37,12 @@ std::optional<Day> decodeDay(const QJsonObject &object) {
     return Day{*micro, *long_, *planned, *skipped, *screenSeconds, *breakSeconds};
 }
 
-std::optional<StoredValue> encode(const Days &days) {
-    QJsonObject object;
-    for (const auto &[key, day] : days) {
-        if (!std::isfinite(day.screenSeconds) || !std::isfinite(day.breakSeconds))
-            return {};
-        object.insert(key, encode(day));
-    }
-    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+/// `"2026-03-09":{…}`, a member of the stored object.
+std::optional<QByteArray> encodeMember(const QString &key, const Day &day) {
+    if (!std::isfinite(day.screenSeconds) || !std::isfinite(day.breakSeconds))
+        return {};
+    const QByteArray object = QJsonDocument(QJsonObject{{key, encode(day)}}).toJson(QJsonDocument::Compact);
+    return object.sliced(1, object.size() - 2);
 }
 
 std::optional<Days> decodeDays(const QByteArray &json) {
@@ -113,7 +112,24 @@ void Stats::persist() {
         if (cutOff.isValid())
             days_.erase(days_.begin(), days_.lower_bound(dayKey(cutOff)));
     }
-    defaults_.setLazily(key, [this] { return encode(days_); });
+    defaults_.setLazily(key, [this] { return encodeDays(); });
+}
+
+std::optional<StoredValue> Stats::encodeDays() {
+    QByteArrayList members;
+    std::erase_if(encoded_, [this](const auto &entry) { return !days_.contains(entry.first); });
+    for (const auto &[dateKey, day] : days_) {
+        auto &[encodedDay, member] = encoded_[dateKey];
+        if (member.isEmpty() || encodedDay != day) {
+            auto changed = encodeMember(dateKey, day);
+            if (!changed)
+                return {};
+            encodedDay = day;
+            member = std::move(*changed);
+        }
+        members.append(member);
+    }
+    return '{' + members.join(',') + '}';
 }
 
 } // namespace pavonel

@@ -59,10 +59,13 @@ public:
 
 private:
     void persist();
+    std::optional<StoredValue> encodeDays();
 
     UserDefaults &defaults_;
     Today today_;
     Days days_;
+    /// Each day as it was last encoded: of all that is written every minute, only today changes.
+    std::map<QString, std::pair<Day, QByteArray>> encoded_;
 };
 
 } // namespace pavonel

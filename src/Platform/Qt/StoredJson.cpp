@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -23,6 +24,15 @@ QJsonValue parsed(const QByteArray &json) {
 QByteArray written(const QJsonValue &value) {
     const QByteArray array = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
     return array.sliced(1, array.size() - 2);
+}
+
+/// A member's name as JSON. Names are plain as a rule, and to encode each of them every time would cost more
+/// than all the rest of writing.
+QByteArray writtenName(const QString &name) {
+    const bool isPlain = std::all_of(name.begin(), name.end(), [](QChar c) {
+        return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'.';
+    });
+    return isPlain ? '"' + name.toLatin1() + '"' : written(name);
 }
 
 /// Cuts the text of an object that is known to be valid into its members.
@@ -164,7 +174,7 @@ std::optional<Members> readMembers(const QByteArray &json) {
 QByteArray writeMembers(const Members &members) {
     QByteArray json("{");
     for (const auto &[name, value] : members)
-        json += (json.size() > 1 ? ",\n    " : "\n    ") + written(name) + ": " + value;
+        json += (json.size() > 1 ? ",\n    " : "\n    ") + writtenName(name) + ": " + value;
     return json + "\n}\n";
 }
 
