@@ -59,7 +59,8 @@ bool runYear(const NightShifts &shifts) {
     const bool isRight = check(totals == expected(shifts), "the totals are not those of the model");
     const bool isStored =
         check(storedDays(path, shifts.zoneId) == totals.kept, "the file does not hold the statistics");
-    const bool isQuick = check(elapsed <= budget, "it took longer than it may");
+    // By processor time, because the rest is what other programs made it wait.
+    const bool isQuick = check(processor <= budget, "it took longer than it may");
     return isRight && isStored && isQuick;
 }
 

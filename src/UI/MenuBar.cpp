@@ -37,12 +37,12 @@ QString symbolOf(PauseReason reason) {
     return {};
 }
 
-std::vector<QImage> images(const QString &name)
-{
+std::vector<QImage> images(const QString &name) {
     constexpr qreal points = 18;
     std::vector<QImage> sizes;
     for (const int scale : {1, 2}) {
-        QImage image = name == mark ? Symbol::mark(Qt::black, scale) : Symbol::image(name, points, Qt::black, scale);
+        QImage image =
+            name == mark ? Symbol::mark(Qt::black, scale) : Symbol::image(name, points, Qt::black, scale);
         if (!image.isNull())
             sizes.push_back(std::move(image));
     }

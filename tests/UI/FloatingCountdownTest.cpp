@@ -5,7 +5,6 @@
 
 #include <QAbstractButton>
 
-
 #include <gtest/gtest.h>
 
 namespace pavonel::test {

@@ -53,7 +53,7 @@ private:
     Seconds elapsed_ = 0;
     TimerId lastId_ = 0;
     std::map<TimerId, Deadline> deadlines_; ///< In the order of their making, which breaks ties.
-    std::mutex postedGuard_; ///< Posting is allowed on any thread.
+    std::mutex postedGuard_;                ///< Posting is allowed on any thread.
     std::deque<Action> posted_;
 };
 
