@@ -1,3 +1,4 @@
+#include "Platform/Linux/Applications/LinuxApplications.h"
 #include "Platform/Linux/Audio/EventSounds.h"
 #include "Platform/Linux/Audio/PulseAudioDevices.h"
 #include "Platform/Linux/AutostartLoginItem.h"
@@ -10,6 +11,7 @@
 #include "Platform/Linux/X11/X11IdleTime.h"
 #include "Platform/Linux/X11/X11Screens.h"
 #include "Platform/Linux/X11/X11WindowLayers.h"
+#include "Platform/Linux/X11/X11Windows.h"
 #include "Platform/Platform.h"
 #include "Platform/Qt/FileDefaults.h"
 #include "Platform/Qt/QtMainLoop.h"
@@ -64,6 +66,21 @@ std::unique_ptr<IdleTime> idleTime(const std::shared_ptr<X11Connection> &x) {
     return none<unavailable::IdleTime>("This desktop does not tell how long you have been away.");
 }
 
+/// Both ask about the same windows.
+void installWindowSensors(Platform &platform, const std::shared_ptr<X11Connection> &x) {
+    std::unique_ptr<FrontWindowSource> front;
+    if (seesAllInput(x)) {
+        const auto windows = std::make_shared<X11Windows>(x);
+        front = std::make_unique<X11FrontWindow>(windows);
+        platform.windowList = std::make_unique<X11WindowList>(windows);
+    } else {
+        platform.windowList =
+            none<unavailable::WindowList>("This desktop does not tell about fullscreen windows.");
+    }
+    platform.applications =
+        std::make_unique<LinuxApplications>(std::move(front), nullptr, LinuxApplications::Folders());
+}
+
 std::unique_ptr<WindowLayers> windowLayers(const std::shared_ptr<X11Connection> &x) {
     if (x)
         return std::make_unique<X11WindowLayers>(x);
@@ -107,10 +124,7 @@ std::unique_ptr<Platform> makePlatform() {
     platform->pointer = std::make_unique<QtPointer>();
     platform->idleTime = idleTime(x11);
     platform->audioDevices = std::make_unique<PulseAudioDevices>();
-    platform->applications =
-        none<unavailable::Applications>("This desktop does not tell which program is in front.");
-    platform->windowList =
-        none<unavailable::WindowList>("This desktop does not tell about fullscreen windows.");
+    installWindowSensors(*platform, x11);
     platform->windowLayers = windowLayers(x11);
     platform->hotKeys = hotKeys(x11);
     const ProgramFiles files = ProgramFiles::ofThisProgram();

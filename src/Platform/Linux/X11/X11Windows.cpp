@@ -1,0 +1,274 @@
+#include "Platform/Linux/X11/X11Windows.h"
+
+#include "Platform/Linux/X11/X11Points.h"
+
+#include <QSysInfo>
+
+#include <algorithm>
+#include <utility>
+
+#include <unistd.h>
+
+namespace pavonel {
+
+namespace {
+
+constexpr std::uint32_t allDesktops = 0xffffffff;
+constexpr int floatingLayer = 3; // menus, tooltips, splash screens and their like
+constexpr int dockLayer = 20;
+
+constexpr const char *rootProperties[] = {"_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST",
+                                          "_NET_CLIENT_LIST_STACKING", "_NET_CURRENT_DESKTOP"};
+
+/// Those that change while a window is open. Titles change often, and say nothing here.
+constexpr const char *windowProperties[] = {"_NET_WM_STATE", "_NET_WM_DESKTOP", "_NET_WM_PID", "WM_CLASS"};
+
+constexpr std::uint32_t longestProperty = 64; // in items of four bytes: longer ones say nothing to us
+
+using Reply = XReply<xcb_get_property_reply_t>;
+
+std::vector<std::uint32_t> numbersIn(const Reply &reply) {
+    if (!reply || reply->format != 32)
+        return {};
+    const auto *items = static_cast<const std::uint32_t *>(xcb_get_property_value(reply.get()));
+    return {items, items + xcb_get_property_value_length(reply.get()) / 4};
+}
+
+QByteArray bytesIn(const Reply &reply) {
+    if (!reply || reply->format != 8)
+        return {};
+    return {static_cast<const char *>(xcb_get_property_value(reply.get())),
+            xcb_get_property_value_length(reply.get())};
+}
+
+/// The second of the two strings of WM_CLASS, which names the program's kind; the first where it stands
+/// alone.
+QString className(const QByteArray &property) {
+    const auto parts = property.split('\0');
+    return QString::fromLocal8Bit(parts.value(1).isEmpty() ? parts.value(0) : parts.value(1));
+}
+
+} // namespace
+
+/// All that is asked about a window, on its way together.
+struct X11Windows::Question {
+    xcb_connection_t *connection;
+    xcb_get_window_attributes_cookie_t attributes;
+    xcb_get_geometry_cookie_t geometry;
+    xcb_translate_coordinates_cookie_t place;
+    xcb_get_property_cookie_t process;
+    xcb_get_property_cookie_t machine;
+    xcb_get_property_cookie_t windowClass;
+    xcb_get_property_cookie_t types;
+    xcb_get_property_cookie_t states;
+    xcb_get_property_cookie_t desktop;
+
+    Reply property(xcb_get_property_cookie_t cookie) const {
+        return Reply(xcb_get_property_reply(connection, cookie, nullptr));
+    }
+};
+
+X11Windows::X11Windows(std::shared_ptr<X11Connection> connection)
+    : connection_(std::move(connection)), machine_(QSysInfo::machineHostName().toLocal8Bit()) {}
+
+X11Windows::~X11Windows() = default;
+
+std::vector<OnScreenWindow> X11Windows::onScreen() {
+    std::vector<OnScreenWindow> result;
+    if (!update())
+        return result;
+    for (const xcb_window_t id : stacking_) {
+        const Window &window = windows_[id];
+        if (window.isOnScreen && window.layer && window.owner > 0 && window.owner != ::getpid())
+            result.push_back({window.owner, window.layer, pointsOfPixels(window.geometry)});
+    }
+    return result;
+}
+
+std::optional<FrontWindow> X11Windows::front() {
+    if (!update())
+        return {};
+    const auto found = windows_.find(active_);
+    if (found == windows_.end() || found->second.owner == ::getpid())
+        return {};
+    return FrontWindow{active_, found->second.owner, found->second.windowClass};
+}
+
+bool X11Windows::isManaged() {
+    if (!update())
+        return false;
+    // The window that the root names names itself; one left behind by a dead manager does not.
+    const xcb_window_t check = connection_->number(connection_->root(), "_NET_SUPPORTING_WM_CHECK");
+    return check != XCB_WINDOW_NONE && connection_->number(check, "_NET_SUPPORTING_WM_CHECK") == check;
+}
+
+bool X11Windows::update() {
+    if (!connection_->isAlive())
+        return false;
+    if (!listening_)
+        subscribe();
+    if (std::exchange(rootIsStale_, false))
+        readRoot();
+    readWindows();
+    return connection_->isAlive();
+}
+
+void X11Windows::subscribe() {
+    listening_ = connection_->listen([this](const xcb_generic_event_t &event) { notice(event); });
+    rootWatch_ = connection_->watch(connection_->root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
+}
+
+void X11Windows::notice(const xcb_generic_event_t &event) {
+    const auto makeStale = [this](xcb_window_t id) {
+        if (const auto found = windows_.find(id); found != windows_.end())
+            found->second.isStale = true;
+    };
+    switch (event.response_type & 0x7f) {
+    case XCB_PROPERTY_NOTIFY: {
+        const auto &change = reinterpret_cast<const xcb_property_notify_event_t &>(event);
+        if (change.window != connection_->root() && isOneOf(windowProperties, change.atom))
+            makeStale(change.window);
+        else if (change.window == connection_->root() && isOneOf(rootProperties, change.atom))
+            rootIsStale_ = true;
+        break;
+    }
+    case XCB_CONFIGURE_NOTIFY:
+        makeStale(reinterpret_cast<const xcb_configure_notify_event_t &>(event).window);
+        break;
+    case XCB_MAP_NOTIFY:
+        makeStale(reinterpret_cast<const xcb_map_notify_event_t &>(event).window);
+        break;
+    case XCB_UNMAP_NOTIFY:
+        makeStale(reinterpret_cast<const xcb_unmap_notify_event_t &>(event).window);
+        break;
+    case XCB_REPARENT_NOTIFY:
+        makeStale(reinterpret_cast<const xcb_reparent_notify_event_t &>(event).window);
+        break;
+    case XCB_DESTROY_NOTIFY:
+        makeStale(reinterpret_cast<const xcb_destroy_notify_event_t &>(event).window);
+        break;
+    default:
+        break;
+    }
+}
+
+bool X11Windows::isOneOf(std::span<const char *const> names, xcb_atom_t property) const {
+    return std::any_of(names.begin(), names.end(),
+                       [&](const char *name) { return property == connection_->atom(name); });
+}
+
+void X11Windows::readRoot() {
+    stacking_ = connection_->numbers(connection_->root(), "_NET_CLIENT_LIST_STACKING");
+    // Some managers leave their newest windows out of the former list until something is stacked anew.
+    for (const xcb_window_t id : connection_->numbers(connection_->root(), "_NET_CLIENT_LIST")) {
+        if (std::find(stacking_.begin(), stacking_.end(), id) == stacking_.end())
+            stacking_.push_back(id);
+    }
+    active_ = connection_->number(connection_->root(), "_NET_ACTIVE_WINDOW");
+    desktop_ = connection_->number(connection_->root(), "_NET_CURRENT_DESKTOP");
+    std::erase_if(windows_, [this](const auto &entry) {
+        return std::find(stacking_.begin(), stacking_.end(), entry.first) == stacking_.end();
+    });
+    for (const xcb_window_t id : stacking_) {
+        Window &window = windows_[id];
+        window.isStale = true; // it may be on another desktop now, or hidden
+        if (!window.watch)
+            window.watch =
+                connection_->watch(id, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+    }
+}
+
+void X11Windows::readWindows() {
+    std::vector<std::pair<Window *, Question>> asked;
+    for (auto &[id, window] : windows_) {
+        if (std::exchange(window.isStale, false))
+            asked.emplace_back(&window, ask(id));
+    }
+    for (const auto &[window, question] : asked)
+        answer(*window, question);
+}
+
+X11Windows::Question X11Windows::ask(xcb_window_t window) {
+    xcb_connection_t *const xcb = connection_->xcb();
+    const auto property = [&](const char *name) {
+        return xcb_get_property(xcb, 0, window, connection_->atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0,
+                                longestProperty);
+    };
+    return {.connection = xcb,
+            .attributes = xcb_get_window_attributes(xcb, window),
+            .geometry = xcb_get_geometry(xcb, window),
+            .place = xcb_translate_coordinates(xcb, window, connection_->root(), 0, 0),
+            .process = property("_NET_WM_PID"),
+            .machine = property("WM_CLIENT_MACHINE"),
+            .windowClass = property("WM_CLASS"),
+            .types = property("_NET_WM_WINDOW_TYPE"),
+            .states = property("_NET_WM_STATE"),
+            .desktop = property("_NET_WM_DESKTOP")};
+}
+
+/// Every reply is fetched, also of a window that is gone: those come as nothing.
+void X11Windows::answer(Window &window, const Question &question) {
+    const XReply<xcb_get_window_attributes_reply_t> attributes(
+        xcb_get_window_attributes_reply(question.connection, question.attributes, nullptr));
+    const XReply<xcb_get_geometry_reply_t> size(
+        xcb_get_geometry_reply(question.connection, question.geometry, nullptr));
+    const XReply<xcb_translate_coordinates_reply_t> place(
+        xcb_translate_coordinates_reply(question.connection, question.place, nullptr));
+    const auto process = numbersIn(question.property(question.process));
+    const QByteArray machine = bytesIn(question.property(question.machine));
+    const auto types = numbersIn(question.property(question.types));
+    const auto states = numbersIn(question.property(question.states));
+    const auto desktop = numbersIn(question.property(question.desktop));
+
+    const bool isLocal = machine.isEmpty() || machine == machine_;
+    window.owner = isLocal && !process.empty() ? static_cast<ProcessId>(process.front()) : 0;
+    window.windowClass = className(bytesIn(question.property(question.windowClass)));
+    window.layer.reset();
+    if (std::find(types.begin(), types.end(), connection_->atom("_NET_WM_WINDOW_TYPE_DESKTOP")) ==
+        types.end())
+        window.layer = layerOf(types);
+    window.isOnScreen = attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE && size && place &&
+                        isShown(states, desktop);
+    if (window.isOnScreen)
+        window.geometry = {place->dst_x, place->dst_y, size->width, size->height};
+}
+
+/// The first type that is known decides; a window without one is a normal window.
+int X11Windows::layerOf(const std::vector<std::uint32_t> &types) const {
+    for (const xcb_atom_t type : types) {
+        if (type == connection_->atom("_NET_WM_WINDOW_TYPE_NORMAL") ||
+            type == connection_->atom("_NET_WM_WINDOW_TYPE_DIALOG"))
+            return 0;
+        if (type == connection_->atom("_NET_WM_WINDOW_TYPE_DOCK"))
+            return dockLayer;
+        for (const char *floating :
+             {"_NET_WM_WINDOW_TYPE_TOOLBAR", "_NET_WM_WINDOW_TYPE_MENU", "_NET_WM_WINDOW_TYPE_UTILITY",
+              "_NET_WM_WINDOW_TYPE_SPLASH", "_NET_WM_WINDOW_TYPE_NOTIFICATION"}) {
+            if (type == connection_->atom(floating))
+                return floatingLayer;
+        }
+    }
+    return 0;
+}
+
+bool X11Windows::isShown(const std::vector<std::uint32_t> &states,
+                         const std::vector<std::uint32_t> &desktop) const {
+    if (std::find(states.begin(), states.end(), connection_->atom("_NET_WM_STATE_HIDDEN")) != states.end())
+        return false;
+    return desktop.empty() || desktop.front() == allDesktops || desktop.front() == desktop_;
+}
+
+QString X11WindowList::limitation() const {
+    return windows_->isManaged()
+               ? QString()
+               : QStringLiteral(
+                     "The window manager does not tell about windows, so fullscreen programs go unnoticed.");
+}
+
+QString X11FrontWindow::limitation() const {
+    return windows_->isManaged()
+               ? QString()
+               : QStringLiteral("The window manager does not tell which program is in front.");
+}
+
+} // namespace pavonel
