@@ -4,6 +4,7 @@
 #include "Platform/Linux/AutostartLoginItem.h"
 #include "Platform/Linux/Bus/BusSingleInstance.h"
 #include "Platform/Linux/Bus/LogindPowerEvents.h"
+#include "Platform/Linux/Bus/PortalAppearance.h"
 #include "Platform/Linux/DetachedLauncher.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 #include "Platform/Linux/X11/X11Connection.h"
@@ -131,8 +132,7 @@ std::unique_ptr<Platform> makePlatform() {
     platform->sounds = std::make_unique<EventSounds>(files);
     platform->processes = std::make_unique<DetachedLauncher>(files);
     platform->loginItem = makeLoginItem();
-    platform->appearance =
-        none<unavailable::Appearance>("This desktop does not tell whether it is light or dark.");
+    platform->appearance = std::make_unique<PortalAppearance>(QDBusConnection::sessionBus());
     platform->statusItem = statusItem(*platform->appearance, x11);
     return platform;
 }
