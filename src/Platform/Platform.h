@@ -4,6 +4,7 @@
 #include "Platform/Applications.h"
 #include "Platform/AudioDevices.h"
 #include "Platform/HotKeyService.h"
+#include "Platform/HttpClient.h"
 #include "Platform/IdleTime.h"
 #include "Platform/LoginItem.h"
 #include "Platform/MainLoop.h"
@@ -42,6 +43,7 @@ struct Platform {
     std::unique_ptr<LoginItem> loginItem;
     std::unique_ptr<Appearance> appearance;
     std::unique_ptr<StatusItem> statusItem;
+    std::unique_ptr<HttpClient> http;
 
     /// The platform of this process, on which the shared objects stand. `install` comes first, once; it holds
     /// until the process ends, and so do the shared objects.

@@ -253,6 +253,18 @@ struct FakeStatusItem final : StatusItem {
     void setMenu(std::function<Menu()> menu) override { makeMenu = std::move(menu); }
 };
 
+struct FakeHttpClient final : HttpClient {
+    struct Exchange {
+        HttpRequest request;
+        Completion answer; ///< For the test to call, any time or never.
+    };
+    std::vector<Exchange> exchanges;
+
+    void send(const HttpRequest &request, Completion completion) override {
+        exchanges.push_back({request, std::move(completion)});
+    }
+};
+
 /// A platform of plain fakes; the references name them by their own types.
 struct FakePlatform : Platform {
     explicit FakePlatform(const QByteArray &zoneId = "UTC") : FakePlatform(new VirtualMainLoop(zoneId)) {}
@@ -274,6 +286,7 @@ struct FakePlatform : Platform {
     FakeLoginItem &login;
     FakeAppearance &look;
     FakeStatusItem &menuBar;
+    FakeHttpClient &web;
 
 private:
     explicit FakePlatform(VirtualMainLoop *virtualLoop)
@@ -285,7 +298,7 @@ private:
           layers(give(windowLayers, new FakeWindowLayers)), keys(give(hotKeys, new FakeHotKeys)),
           fakeSounds(give(sounds, new FakeSounds)), launcher(give(processes, new FakeProcessLauncher)),
           login(give(loginItem, new FakeLoginItem)), look(give(appearance, new FakeAppearance)),
-          menuBar(give(statusItem, new FakeStatusItem)) {}
+          menuBar(give(statusItem, new FakeStatusItem)), web(give(http, new FakeHttpClient)) {}
 
     template <class Interface, class Fake> static Fake &give(std::unique_ptr<Interface> &place, Fake *fake) {
         place.reset(fake);

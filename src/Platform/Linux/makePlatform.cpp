@@ -15,6 +15,7 @@
 #include "Platform/Linux/X11/X11Windows.h"
 #include "Platform/Platform.h"
 #include "Platform/Qt/FileDefaults.h"
+#include "Platform/Qt/QtHttpClient.h"
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/Qt/QtPointer.h"
 #include "Platform/Qt/QtScreens.h"
@@ -134,6 +135,7 @@ std::unique_ptr<Platform> makePlatform() {
     platform->loginItem = makeLoginItem();
     platform->appearance = std::make_unique<PortalAppearance>(QDBusConnection::sessionBus());
     platform->statusItem = statusItem(*platform->appearance, x11);
+    platform->http = std::make_unique<QtHttpClient>();
     return platform;
 }
 
