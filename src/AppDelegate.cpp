@@ -1,6 +1,7 @@
 #include "AppDelegate.h"
 
 #include "Core/HotKeys.h"
+#include "Core/Phone.h"
 #include "Core/SystemBits.h"
 #include "Platform/Platform.h"
 
@@ -17,7 +18,8 @@ void repairLoginItem() {
 } // namespace
 
 AppDelegate::AppDelegate()
-    : controller_(Platform::current(), Settings::shared(), Stats::shared()), toast_(Platform::current()) {}
+    : controller_(Platform::current(), Settings::shared(), Stats::shared(), &Phone::shared()),
+      toast_(Platform::current()) {}
 
 AppDelegate::~AppDelegate() = default;
 

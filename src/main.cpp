@@ -1,5 +1,6 @@
 #include "AppDelegate.h"
 #include "CommandLine.h"
+#include "Core/Phone.h"
 #include "Platform/Platform.h"
 #include "Platform/SingleInstance.h"
 
@@ -57,6 +58,10 @@ int runUntilQuit(SingleInstance &instance) {
 }
 
 int start(int &argc, char **argv) {
+    if (!Phone::serviceAddress()) {
+        std::fputs("pavonel: PAVONEL_PAIR_HOST is not the address of a pairing service\n", stderr);
+        return EXIT_FAILURE;
+    }
     std::optional<QApplication> application;
     makeApplication(application, argc, argv);
     const auto instance = makeSingleInstance();

@@ -82,7 +82,7 @@ void HttpServer::accept() {
 }
 
 void HttpServer::read(QTcpSocket &connection) {
-    while (true) {
+    while (connection.isOpen()) {
         const QByteArray bytes = connection.peek(connection.bytesAvailable());
         const auto headEnd = bytes.indexOf("\r\n\r\n");
         if (headEnd < 0)
