@@ -11,6 +11,8 @@
 #include <QScreen>
 #include <QWidget>
 
+#include <cmath>
+
 #include <gtest/gtest.h>
 
 namespace pavonel::test {
@@ -64,8 +66,10 @@ protected:
         server().setMonitors(monitors);
         ASSERT_TRUE(waitUntil([&] {
             const auto attached = QGuiApplication::screens();
+            const QScreen *first = attached.first();
+            const double width = first->geometry().width() * first->devicePixelRatio();
             return static_cast<std::size_t>(attached.size()) == monitors.size() &&
-                   attached.first()->geometry() == monitors.front();
+                   std::abs(width - monitors.front().width()) < 2;
         }));
     }
 
@@ -235,6 +239,37 @@ TEST_P(UnderEveryManager, a_panel_lies_above_a_fullscreen_window_and_leaves_it_t
     EXPECT_TRUE(waitUntil([&] { return other.focused() == fullscreen; }));
     EXPECT_TRUE(becomesTop(*notice));
     EXPECT_EQ(other.focused(), fullscreen);
+}
+
+TEST_F(X11WindowLayersTest, an_overlay_covers_the_last_pixel_of_a_screen_of_odd_size) {
+    const std::vector<QRect> oddMonitors = {{0, 0, 1367, 769}, {1367, 0, 1921, 1079}, {3288, 0, 1365, 767}};
+    setMonitors(oddMonitors);
+    const auto overlays = showOverlays();
+    ASSERT_EQ(overlays.size(), oddMonitors.size());
+    const auto coversClosely = [&](const Layered &overlay, const QRect &monitor) {
+        const auto at = other.geometry(overlay.id());
+        return at && at->contains(monitor) && monitor.adjusted(0, 0, 1, 1).contains(*at);
+    };
+    for (std::size_t index = 0; index < overlays.size(); ++index) {
+        const QRect &monitor = oddMonitors[index];
+        EXPECT_TRUE(waitUntil([&] { return coversClosely(*overlays[index], monitor); }));
+        EXPECT_TRUE(waitUntil([&] { return server().picture().pixelColor(monitor.bottomRight()) == ours; }));
+    }
+    settle();
+    for (std::size_t index = 0; index < overlays.size(); ++index)
+        EXPECT_TRUE(coversClosely(*overlays[index], oddMonitors[index])) << "and it stays so";
+}
+
+TEST(X11WindowLayers, under_other_scales_too_an_overlay_covers_the_last_pixel) {
+    auto environment = QProcessEnvironment::systemEnvironment();
+    for (const char *scale : {"1.25", "1.5", "1.75", "2"}) {
+        environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QString::fromLatin1(scale));
+        const auto result = ChildProcess::run(
+            QCoreApplication::applicationFilePath(),
+            {QStringLiteral("--gtest_filter=*an_overlay_covers_the_last_pixel_of_a_screen_of_odd_size")},
+            environment);
+        EXPECT_EQ(result.status, 0) << scale << ":\n" << result.output.toStdString();
+    }
 }
 
 TEST_F(X11WindowLayersTest, a_panel_that_opens_during_a_break_goes_below_it) {

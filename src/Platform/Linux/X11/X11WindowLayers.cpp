@@ -15,11 +15,24 @@ namespace {
 /// More often in a second, and some window insists on lying above too: then we try again a second later.
 constexpr int raisesInASecond = 10;
 
-std::optional<QRect> nativeFrame(const QString &screenName) {
+/// Screens of odd sizes are no whole number of points under a fractional scale, and Qt paints whole points
+/// only. So a window that would end a part of a pixel before its screen does gets one more.
+int paintedLength(int pixels, qreal scale) {
+    int length = pixels;
+    while (qRound(length / scale) * scale < pixels)
+        ++length;
+    return length;
+}
+
+std::optional<QRect> coveringFrame(const QString &screenName) {
     const auto attached = QGuiApplication::screens();
     for (const QScreen *screen : attached) {
-        if (screen->name() == screenName)
-            return screen->handle()->geometry();
+        if (screen->name() != screenName)
+            continue;
+        const QRect frame = screen->handle()->geometry();
+        const qreal scale = screen->devicePixelRatio();
+        return QRect(frame.topLeft(),
+                     QSize(paintedLength(frame.width(), scale), paintedLength(frame.height(), scale)));
     }
     return std::nullopt;
 }
@@ -63,7 +76,7 @@ void X11WindowLayers::assign(QWindow &window, WindowLayer layer, const Screen &s
                         sizeof windowClass, windowClass);
     forget(&window);
     windows_.push_back(
-        {&window, id, layer, layer == WindowLayer::overlay ? nativeFrame(screen.name) : std::nullopt});
+        {&window, id, layer, layer == WindowLayer::overlay ? coveringFrame(screen.name) : std::nullopt});
     QObject::connect(&window, &QWindow::visibleChanged, &checkSoon_, [this] { followVisibility(); });
     QObject::connect(&window, &QObject::destroyed, &checkSoon_, [this, gone = &window] {
         forget(gone);
@@ -140,8 +153,7 @@ void X11WindowLayers::noticeConfigured(const xcb_configure_notify_event_t &event
         checkSoon();
 }
 
-/// Screens of odd sizes are no whole number of points under a fractional scale: then Qt's rounding leaves a
-/// line uncovered, or covers one of the neighbour.
+/// Qt rounds a place and a size in points to pixels by itself, and not always to the screen's.
 void X11WindowLayers::keepFrame(const Layered &layered) {
     if (!layered.exactFrame)
         return;
