@@ -22,13 +22,6 @@ public:
     Seconds idleSeconds() override { return 0; }
 };
 
-class AudioDevices final : public Unavailable<pavonel::AudioDevices> {
-public:
-    using Unavailable::Unavailable;
-    bool isDefaultInputRunning() override { return false; }
-    bool isDefaultOutputRunning() override { return false; }
-};
-
 class Applications final : public Unavailable<pavonel::Applications> {
 public:
     using Unavailable::Unavailable;
@@ -49,33 +42,6 @@ public:
     std::unique_ptr<HotKeyRegistration> registerKey(std::uint32_t, std::uint32_t, std::uint32_t) override {
         return nullptr;
     }
-};
-
-class Sounds final : public Unavailable<pavonel::Sounds> {
-public:
-    using Unavailable::Unavailable;
-    void play(const QString &) override {}
-    QStringList names() override { return {}; }
-};
-
-class ProcessLauncher final : public Unavailable<pavonel::ProcessLauncher> {
-public:
-    using Unavailable::Unavailable;
-    bool launch(const QString &, const QStringList &) override { return false; }
-};
-
-class LoginItem final : public Unavailable<pavonel::LoginItem> {
-public:
-    using Unavailable::Unavailable;
-    bool isEnabled() override { return false; }
-    std::optional<QString> setEnabled(bool) override { return limitation(); }
-};
-
-class Appearance final : public Unavailable<pavonel::Appearance> {
-public:
-    using Unavailable::Unavailable;
-    AppearanceWishes wishes() override { return {}; }
-    void onChange(std::function<void()>) override {}
 };
 
 class StatusItem final : public Unavailable<pavonel::StatusItem> {
