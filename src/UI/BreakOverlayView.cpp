@@ -97,7 +97,7 @@ void BreakOverlayView::refreshSoon() {
     if (std::exchange(refreshPending_, true))
         return;
     loop_.post([self = QPointer(this)] {
-        if (self)
+        if (self && self->refreshPending_)
             self->refresh();
     });
 }
@@ -163,7 +163,7 @@ void BreakOverlayView::paintEvent(QPaintEvent *event) {
         return event->region().intersects(rect.toAlignedRect());
     };
     if (isDue(layout_.ring.adjusted(-1, -1, 1, 1)))
-        ring::paint(painter, layout_.ring, glide_.reached());
+        ring::paint(painter, layout_.ring, glide_.reached(), event->rect());
     if (isDue(timeRect()))
         paintTime(painter);
     if (isDue(layout_.title))
@@ -174,7 +174,7 @@ void BreakOverlayView::paintEvent(QPaintEvent *event) {
 
 /// Copies device pixels; the painter's clip lets it copy only those that are due.
 void BreakOverlayView::paintBackground(QPainter &painter) {
-    const double ratio = painter.device()->devicePixelRatioF();
+    const double ratio = painter.deviceTransform().m11(); // of the image too, when it is drawn into one
     const QImage &image = backgrounds_.image(size() * ratio);
     painter.save();
     painter.scale(1 / ratio, 1 / ratio);

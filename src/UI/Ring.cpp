@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -31,24 +32,46 @@ QPen pen(double opacity, Qt::PenCapStyle cap) {
     return {QColor::fromRgbF(1, 1, 1, static_cast<float>(opacity)), lineWidth, Qt::SolidLine, cap};
 }
 
+/// A part of the circle, as shares of the way around.
+struct Span {
+    double from;
+    double to;
+};
+constexpr Span wholeCircle{0, 1};
+
+/// The part of the circle that can be seen in the rectangle, and a little more.
+Span touched(const QRectF &square, const QRectF &rect) {
+    const QPointF middle = rect.center() - square.center();
+    const double reach = std::hypot(rect.width(), rect.height()) / 2 + lineWidth;
+    if (reach > radius / 2)
+        return wholeCircle;
+    const double turn = std::atan2(middle.x(), -middle.y()) / (2 * std::numbers::pi);
+    const double share = turn < 0 ? turn + 1 : turn;
+    const double half = std::asin(reach / (radius - lineWidth)) / (2 * std::numbers::pi);
+    const bool atTwelve = share < half || share > 1 - half;
+    return atTwelve ? wholeCircle : Span{share - half, share + half};
+}
+
+void strokeArc(QPainter &painter, const QRectF &square, Span span, const QPen &pen) {
+    QPainterPath arc;
+    arc.arcMoveTo(circle(square), twelve - fullTurn * span.from);
+    arc.arcTo(circle(square), twelve - fullTurn * span.from, -fullTurn * (span.to - span.from));
+    painter.strokePath(arc, pen);
+}
+
 } // namespace
 
 double circumference() {
     return 2 * std::numbers::pi * radius;
 }
 
-void paint(QPainter &painter, const QRectF &square, double progress) {
+void paint(QPainter &painter, const QRectF &square, double progress, const QRectF &due) {
+    const Span seen = touched(square, due);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(pen(trackOpacity, Qt::FlatCap));
-    painter.drawEllipse(circle(square));
-    if (progress > 0) {
-        QPainterPath arc;
-        arc.arcMoveTo(circle(square), twelve);
-        arc.arcTo(circle(square), twelve, -fullTurn * progress);
-        painter.strokePath(arc, pen(arcOpacity, Qt::RoundCap));
-    }
+    strokeArc(painter, square, seen, pen(trackOpacity, Qt::FlatCap));
+    if (progress > seen.from)
+        strokeArc(painter, square, {seen.from, std::min(progress, seen.to)}, pen(arcOpacity, Qt::RoundCap));
     painter.restore();
 }
 
