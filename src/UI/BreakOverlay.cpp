@@ -135,6 +135,7 @@ bool OverlayManager::eventFilter(QObject *watched, QEvent *event) {
     if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape &&
         settings_.isSkipPermitted()) {
         cutShort();
+        event->accept();
         return true;
     }
     return QObject::eventFilter(watched, event);
@@ -147,8 +148,10 @@ void OverlayManager::hide() {
         return;
     leaving_.push_back(std::exchange(current_, std::make_unique<Set>(platform_)));
     Set *leaving = leaving_.back().get();
-    for (const auto &window : leaving->windows)
+    for (const auto &window : leaving->windows) {
+        window->setEnabled(false); // a late click must not end the next break
         window->view().freeze();
+    }
     leaving->fade.to(0, fadeOut, [this, leaving] { letGo(leaving); });
 }
 
