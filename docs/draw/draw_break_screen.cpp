@@ -98,7 +98,7 @@ private:
 
 bool save(const QImage &image, const QString &path) {
     QImageWriter writer(path);
-    writer.setCompression(10);
+    writer.setCompression(100);
     std::printf("%s\n", qPrintable(path));
     return writer.write(image);
 }
