@@ -1,38 +1,28 @@
 #include "AppDelegate.h"
 
 #include "Core/HotKeys.h"
-#include "Core/Phone.h"
 #include "Core/SystemBits.h"
 #include "Platform/Platform.h"
 
 namespace pavonel {
 
-namespace {
-
-void repairLoginItem() {
-    LoginItem &item = *Platform::current().loginItem;
-    if (Settings::shared().launchAtLogin && !item.isEnabled())
-        LaunchAtLogin::set(item, true); // what hinders it is told where the user asks for it
-}
-
-} // namespace
-
-AppDelegate::AppDelegate()
-    : controller_(Platform::current(), Settings::shared(), Stats::shared(), &Phone::shared()),
-      toast_(Platform::current()) {}
+AppDelegate::AppDelegate(Platform &platform, Settings &settings, Stats &stats, HotKeyManager &hotKeys,
+                         BreakRelay *relay)
+    : platform_(platform), settings_(settings), stats_(stats), hotKeys_(hotKeys),
+      controller_(platform, settings, stats, relay), toast_(platform) {}
 
 AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::setUp() {
-    overlays_.emplace(Platform::current(), controller_, Settings::shared(), HotKeyManager::shared());
-    headsUp_.emplace(Platform::current(), controller_, Settings::shared());
-    floating_.emplace(Platform::current(), controller_);
-    menuBar_.emplace(Platform::current(), controller_, Settings::shared(), Stats::shared(), [] {});
+    overlays_.emplace(platform_, controller_, settings_, hotKeys_);
+    headsUp_.emplace(platform_, controller_, settings_);
+    floating_.emplace(platform_, controller_);
+    menuBar_.emplace(platform_, controller_, settings_, stats_, [] {});
     connectController();
     repairLoginItem();
-    if (Settings::shared().hotKeysEnabled)
+    if (settings_.hotKeysEnabled)
         registerHotKeys();
-    Platform::current().power->onWake([this] { startAfresh(); });
+    platform_.power->onWake([this] { startAfresh(); });
     controller_.start();
 }
 
@@ -63,7 +53,7 @@ void AppDelegate::startAfresh() {
 void AppDelegate::connectController() {
     controller_.onHeadsUp = [this](BreakKind kind, const QString &title) {
         headsUp_->show(kind, title);
-        if (Settings::shared().showFloatingCountdown)
+        if (settings_.showFloatingCountdown)
             floating_->show();
     };
     controller_.onHeadsUpDismiss = [this] {
@@ -82,14 +72,19 @@ void AppDelegate::connectController() {
     };
 }
 
+void AppDelegate::repairLoginItem() {
+    LoginItem &item = *platform_.loginItem;
+    if (settings_.launchAtLogin && !item.isEnabled())
+        LaunchAtLogin::set(item, true); // what hinders it is told where the user asks for it
+}
+
 void AppDelegate::registerHotKeys() {
     constexpr std::uint32_t controlOptionCommand = 0x1900;
     constexpr std::uint32_t keyB = 11;
     constexpr std::uint32_t keyS = 1;
     constexpr std::uint32_t keyP = 35;
-    HotKeyManager &hotKeys = HotKeyManager::shared();
     const auto bind = [&](std::uint32_t id, std::uint32_t key, const QString &label, OutsideAction action) {
-        hotKeys.registerBinding({id, key, controlOptionCommand, label, [this, action] { act(action); }});
+        hotKeys_.registerBinding({id, key, controlOptionCommand, label, [this, action] { act(action); }});
     };
     bind(1, keyB, QStringLiteral("⌃⌥⌘B"), OutsideAction::takeMicroBreak);
     bind(2, keyS, QStringLiteral("⌃⌥⌘S"), OutsideAction::skip);

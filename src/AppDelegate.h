@@ -12,10 +12,14 @@
 
 namespace pavonel {
 
+class HotKeyManager;
+
 /// Builds every long-lived object and connects them; nothing else does.
 class AppDelegate {
 public:
-    AppDelegate();
+    /// `relay` may be null; everything given must outlive the delegate.
+    AppDelegate(Platform &platform, Settings &settings, Stats &stats, HotKeyManager &hotKeys,
+                BreakRelay *relay);
     ~AppDelegate();
 
     void setUp();
@@ -25,9 +29,14 @@ public:
 
 private:
     void connectController();
+    void repairLoginItem();
     void registerHotKeys();
     void startAfresh();
 
+    Platform &platform_;
+    Settings &settings_;
+    Stats &stats_;
+    HotKeyManager &hotKeys_;
     BreakController controller_;
     ToastController toast_;
     std::optional<OverlayManager> overlays_;

@@ -1,5 +1,6 @@
 #include "AppDelegate.h"
 #include "CommandLine.h"
+#include "Core/HotKeys.h"
 #include "Core/Phone.h"
 #include "Platform/Platform.h"
 #include "Platform/SingleInstance.h"
@@ -50,7 +51,8 @@ int runUntilQuit(SingleInstance &instance) {
     platform.termination->onSave(save);
     platform.termination->onEnd([] { QCoreApplication::exit(); });
     platform.power->onSleep(save);
-    AppDelegate delegate;
+    AppDelegate delegate(platform, Settings::shared(), Stats::shared(), HotKeyManager::shared(),
+                         &Phone::shared());
     std::atexit(save);
     delegate.setUp();
     instance.onAction([&delegate](OutsideAction action) { delegate.act(action); });

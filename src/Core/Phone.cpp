@@ -75,7 +75,7 @@ Phone::Phone(Platform &platform, QUrl base)
 }
 
 Phone &Phone::shared() {
-    static Phone phone(Platform::current(), serviceAddress().value());
+    static Phone &phone = *new Phone(Platform::current(), serviceAddress().value());
     return phone;
 }
 

@@ -1,0 +1,206 @@
+#include "AppDelegate.h"
+
+#include "Core/HotKeys.h"
+#include "support/FakePlatform.h"
+
+#include <QApplication>
+#include <QWidget>
+
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+namespace {
+
+const QString notice = QStringLiteral("Pavonel Heads-up");
+const QString countdown = QStringLiteral("Pavonel Countdown");
+const QString toast = QStringLiteral("Pavonel Toast");
+const QString overlay = QStringLiteral("Pavonel Break");
+
+struct AppDelegateTest : testing::Test {
+    FakePlatform platform;
+    Settings settings{platform.fakeDefaults, platform.loop};
+    Stats stats{platform.fakeDefaults, platform.loop};
+    HotKeyManager hotKeys{platform.keys, platform.loop};
+    AppDelegate delegate{platform, settings, stats, hotKeys, nullptr};
+
+    static qsizetype shown(const QString &title) {
+        const auto windows = QApplication::topLevelWidgets();
+        return std::count_if(windows.begin(), windows.end(), [&](const QWidget *window) {
+            return window->isVisible() && window->windowTitle() == title;
+        });
+    }
+
+    /// Ticks, and whatever fades out in the meantime.
+    void pass(Seconds seconds) { platform.loop.advance(seconds); }
+
+    void wakeUp() {
+        platform.powerEvents.wake();
+        pass(1);
+    }
+};
+
+} // namespace
+
+TEST_F(AppDelegateTest, a_heads_up_shows_the_notice_and_the_floating_countdown) {
+    delegate.setUp();
+    pass(1169);
+    EXPECT_EQ(shown(notice), 0);
+    pass(2);
+    EXPECT_EQ(shown(notice), 1);
+    EXPECT_EQ(shown(countdown), 1);
+}
+
+TEST_F(AppDelegateTest, the_floating_countdown_can_be_switched_off) {
+    settings.showFloatingCountdown = false;
+    delegate.setUp();
+    pass(1171);
+    EXPECT_EQ(shown(notice), 1);
+    EXPECT_EQ(shown(countdown), 0);
+}
+
+TEST_F(AppDelegateTest, a_break_takes_the_place_of_the_notice_on_every_screen) {
+    platform.fakeScreens.screens.push_back(
+        {QStringLiteral("B"), {1920, 0, 1280, 720}, {1920, 0, 1280, 720}, false});
+    delegate.setUp();
+    pass(1202);
+    EXPECT_EQ(shown(notice), 0);
+    EXPECT_EQ(shown(countdown), 0);
+    EXPECT_EQ(shown(overlay), 2);
+    pass(22);
+    EXPECT_EQ(shown(overlay), 0);
+    EXPECT_EQ(stats.today().micro, 1);
+}
+
+TEST_F(AppDelegateTest, waking_during_a_heads_up_withdraws_the_notice_and_the_floating_countdown) {
+    delegate.setUp();
+    pass(1175);
+    ASSERT_EQ(shown(notice), 1);
+    wakeUp();
+    EXPECT_EQ(shown(notice), 0);
+    EXPECT_EQ(shown(countdown), 0);
+}
+
+TEST_F(AppDelegateTest, after_waking_both_counters_start_from_0) {
+    settings.longInterval = 1500;
+    delegate.setUp();
+    pass(1100);
+    wakeUp();
+    pass(1166);
+    EXPECT_EQ(shown(notice), 0);
+    pass(5);
+    EXPECT_EQ(shown(notice), 1);
+    pass(31);
+    ASSERT_EQ(shown(overlay), 1);
+    pass(22);
+    EXPECT_EQ(stats.today().micro, 1);
+    EXPECT_EQ(shown(overlay), 0);
+    pass(300);
+    EXPECT_EQ(shown(overlay), 1) << "no long break 1,500 s after waking";
+}
+
+TEST_F(AppDelegateTest, waking_leaves_a_running_break_alone) {
+    delegate.setUp();
+    pass(1205);
+    ASSERT_EQ(shown(overlay), 1);
+    wakeUp();
+    EXPECT_EQ(shown(overlay), 1);
+    pass(20);
+    EXPECT_EQ(stats.today().micro, 1);
+}
+
+TEST_F(AppDelegateTest, a_wellness_reminder_is_shown_while_counting) {
+    settings.blinkEnabled = true;
+    settings.blinkInterval = 100;
+    delegate.setUp();
+    pass(101);
+    EXPECT_EQ(shown(toast), 1);
+}
+
+TEST_F(AppDelegateTest, a_wellness_reminder_that_falls_due_while_a_break_runs_is_not_shown_and_not_queued) {
+    settings.blinkEnabled = true;
+    settings.blinkInterval = 100;
+    settings.microDuration = 60;
+    delegate.setUp();
+    pass(90);
+    delegate.act(OutsideAction::takeMicroBreak);
+    for (int second = 0; second < 62; ++second) {
+        pass(1);
+        EXPECT_EQ(shown(toast), 0) << second;
+    }
+    EXPECT_EQ(shown(overlay), 0);
+}
+
+TEST_F(AppDelegateTest, at_the_start_the_login_item_is_made_when_it_is_wanted_and_missing) {
+    delegate.setUp();
+    EXPECT_EQ(platform.login.requests, std::vector<bool>{true});
+}
+
+TEST_F(AppDelegateTest, a_login_item_that_is_there_is_left_alone) {
+    platform.login.enabled = true;
+    delegate.setUp();
+    EXPECT_TRUE(platform.login.requests.empty());
+}
+
+TEST_F(AppDelegateTest, starting_never_removes_the_login_item) {
+    settings.launchAtLogin = false;
+    platform.login.enabled = true;
+    delegate.setUp();
+    EXPECT_TRUE(platform.login.requests.empty());
+}
+
+TEST_F(AppDelegateTest, a_login_item_that_cannot_be_made_does_not_hinder_the_start) {
+    platform.login.failure = QStringLiteral("The disk is full.");
+    delegate.setUp();
+    pass(1171);
+    EXPECT_EQ(shown(notice), 1);
+}
+
+TEST_F(AppDelegateTest, the_three_shortcuts_are_registered_in_their_order) {
+    delegate.setUp();
+    using Key = FakeHotKeys::Key;
+    EXPECT_EQ(platform.keys.registered, (std::vector<Key>{{11, 0x1900, 1}, {1, 0x1900, 2}, {35, 0x1900, 3}}));
+}
+
+TEST_F(AppDelegateTest, without_shortcuts_no_handler_is_installed_until_the_first_break) {
+    settings.hotKeysEnabled = false;
+    delegate.setUp();
+    pass(1199);
+    EXPECT_EQ(platform.keys.handlersSet, 0);
+    pass(2);
+    EXPECT_EQ(platform.keys.handlersSet, 1);
+}
+
+TEST_F(AppDelegateTest, the_shortcuts_take_a_break_skip_and_pause) {
+    delegate.setUp();
+    platform.keys.handler(1);
+    pass(1);
+    EXPECT_EQ(shown(overlay), 1);
+    platform.keys.handler(2);
+    pass(1);
+    EXPECT_EQ(shown(overlay), 0);
+    EXPECT_EQ(stats.today().skipped, 1);
+    platform.keys.handler(3);
+    pass(2000);
+    EXPECT_EQ(shown(notice), 0);
+}
+
+TEST_F(AppDelegateTest, actions_from_outside_do_what_the_shortcuts_and_the_menu_do) {
+    delegate.setUp();
+    delegate.act(OutsideAction::takeLongBreak);
+    pass(1);
+    EXPECT_EQ(shown(overlay), 1);
+    delegate.act(OutsideAction::skip);
+    pass(1);
+    EXPECT_EQ(shown(overlay), 0);
+    delegate.act(OutsideAction::togglePause);
+    pass(2000);
+    EXPECT_EQ(shown(notice), 0);
+    delegate.act(OutsideAction::togglePause);
+    pass(1171);
+    EXPECT_EQ(shown(notice), 1);
+}
+
+} // namespace pavonel::test
