@@ -53,13 +53,17 @@ QJsonObject HeadlessProgram::stored() const {
     return file.open(QFile::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
 }
 
-double HeadlessProgram::storedScreenSeconds() const {
+double HeadlessProgram::storedToday(const QString &number) const {
     const QString data = stored().value(u"stats.days").toObject().value(u"data").toString();
     const QJsonObject days = QJsonDocument::fromJson(QByteArray::fromBase64(data.toLatin1())).object();
-    double seconds = 0;
+    double sum = 0;
     for (const QJsonValue day : days) // two around midnight
-        seconds += day.toObject().value(u"screenSeconds").toDouble();
-    return seconds;
+        sum += day.toObject().value(number).toDouble();
+    return sum;
+}
+
+ChildProcess::Result HeadlessProgram::run(const QStringList &arguments) const {
+    return ChildProcess::run(QStringLiteral(PAVONEL_PROGRAM), arguments, environment_);
 }
 
 void HeadlessProgram::start(const QByteArray &commandsBefore) {
@@ -85,6 +89,11 @@ int HeadlessProgram::end(int signal) {
     const bool ended = process.waitForFinished(30'000) && process.exitStatus() == QProcess::NormalExit;
     EXPECT_TRUE(ended) << process.readAllStandardError().constData();
     return ended ? process.exitCode() : -1;
+}
+
+void HeadlessProgram::kill() {
+    program_->process().kill();
+    EXPECT_TRUE(program_->process().waitForFinished(30'000));
 }
 
 } // namespace pavonel::test

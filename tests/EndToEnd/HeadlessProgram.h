@@ -18,10 +18,15 @@ public:
     QString storePath() const { return storeFolder() + QStringLiteral("/defaults.json"); }
     QJsonObject stored() const;
 
-    /// Seconds of screen time that the store holds for today.
-    double storedScreenSeconds() const;
+    /// A number of today's record in the store; 0 when there is none.
+    double storedToday(const QString &number) const;
+
+    QString path(const QString &inHome) const { return home_.filePath(inHome); }
 
     QProcessEnvironment &environment() { return environment_; }
+
+    /// Runs another process of the program to its end.
+    ChildProcess::Result run(const QStringList &arguments) const;
 
     /// Starts it and waits until it can be asked to end. The shell commands run before it in the same
     /// process, with
@@ -32,6 +37,7 @@ public:
 
     /// Sends the signal and gives the exit status, -1 when it crashed, was killed or did not end.
     int end(int signal);
+    void kill();
 
 private:
     QTemporaryDir home_;

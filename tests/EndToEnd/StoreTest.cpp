@@ -35,17 +35,21 @@ void let(int milliseconds) {
     waitUntil([&] { return passed; });
 }
 
+double screenSeconds(const HeadlessProgram &program) {
+    return program.storedToday(QStringLiteral("screenSeconds"));
+}
+
 /// Lets the program run until it has counted, ends it, and gives what it counted into the store.
 double screenSecondsOfARun(HeadlessProgram &program, int signal) {
-    const double before = program.storedScreenSeconds();
+    const double before = screenSeconds(program);
     for (int milliseconds = 2500; milliseconds <= 20'000; milliseconds *= 2) {
         program.start();
         let(milliseconds);
         EXPECT_EQ(program.end(signal), 0);
-        if (program.storedScreenSeconds() > before)
+        if (screenSeconds(program) > before)
             break;
     }
-    return program.storedScreenSeconds() - before;
+    return screenSeconds(program) - before;
 }
 
 } // namespace
