@@ -3,6 +3,7 @@
 #include "Platform/Linux/Audio/PulseAudioDevices.h"
 #include "Platform/Linux/AutostartLoginItem.h"
 #include "Platform/Linux/Bus/BusSingleInstance.h"
+#include "Platform/Linux/Bus/LockAwareIdleTime.h"
 #include "Platform/Linux/Bus/LogindPowerEvents.h"
 #include "Platform/Linux/Bus/PortalAppearance.h"
 #include "Platform/Linux/DetachedLauncher.h"
@@ -124,7 +125,8 @@ std::unique_ptr<Platform> makePlatform() {
     platform->power = std::make_unique<LogindPowerEvents>(QDBusConnection::systemBus());
     platform->screens = screens(x11);
     platform->pointer = std::make_unique<QtPointer>();
-    platform->idleTime = idleTime(x11);
+    platform->idleTime = std::make_unique<LockAwareIdleTime>(idleTime(x11), QDBusConnection::systemBus(),
+                                                             QDBusConnection::sessionBus());
     platform->audioDevices = std::make_unique<PulseAudioDevices>();
     installWindowSensors(*platform, x11);
     platform->windowLayers = windowLayers(x11);
