@@ -5,6 +5,7 @@
 
 #include <Qt>
 
+class QRegion;
 class QWindow;
 
 namespace pavonel {
@@ -37,6 +38,10 @@ public:
     /// Whether a window's translucent parts are blended with what lies below it, at this moment. Where they
     /// are not, they come out black, and `QWidget::setWindowOpacity` does nothing.
     virtual bool canBlend() const = 0;
+
+    /// Cuts a window to this shape, for where nothing is blended. In device pixels, from the window's left
+    /// upper corner; the window has its native window and keeps the shape until it is destroyed.
+    virtual void cutTo(QWindow &window, const QRegion &pixels) = 0;
 
     /// Gives the keyboard to a visible overlay. Where the desktop decides by itself, nothing happens.
     virtual void takeKeyboard(QWindow &window) = 0;

@@ -41,19 +41,19 @@ TEST_F(FloatingPanelTest, its_corners_are_clear_where_windows_are_blended) {
     EXPECT_EQ(qAlpha(image.pixel(0, 0)), 0);
     EXPECT_EQ(qAlpha(image.pixel(199, 99)), 0);
     EXPECT_GT(qAlpha(image.pixel(100, 50)), 230);
-    EXPECT_TRUE(panel->mask().isEmpty());
+    EXPECT_TRUE(platform.layers.lastCut.isEmpty());
 }
 
 TEST_F(FloatingPanelTest, is_opaque_and_cut_to_its_outline_where_nothing_is_blended) {
     platform.layers.blends = false;
     const auto panel = present();
     EXPECT_FALSE(panel->testAttribute(Qt::WA_TranslucentBackground));
-    EXPECT_FALSE(panel->mask().contains(QPoint(0, 0)));
-    EXPECT_FALSE(panel->mask().contains(QPoint(199, 0)));
-    EXPECT_TRUE(panel->mask().contains(QPoint(14, 0)));
-    EXPECT_TRUE(panel->mask().contains(QPoint(0, 50)));
+    EXPECT_FALSE(platform.layers.lastCut.contains(QPoint(0, 0)));
+    EXPECT_FALSE(platform.layers.lastCut.contains(QPoint(199, 0)));
+    EXPECT_TRUE(platform.layers.lastCut.contains(QPoint(14, 0)));
+    EXPECT_TRUE(platform.layers.lastCut.contains(QPoint(0, 50)));
     const QImage image = panel->grab().toImage();
-    for (const QRect &part : panel->mask())
+    for (const QRect &part : platform.layers.lastCut)
         ASSERT_GT(qGray(image.pixel(part.topLeft())), 150) << part.x() << ", " << part.y();
 }
 

@@ -136,6 +136,7 @@ struct FakeWindowLayers final : WindowLayers {
     int keyboardTaken = 0;
     int keyboardYielded = 0;
     bool blends = true;
+    QRegion lastCut;
 
     Qt::WindowFlags windowFlags(WindowLayer layer) const override {
         const Qt::WindowFlags flags = Qt::Tool | Qt::FramelessWindowHint;
@@ -145,6 +146,7 @@ struct FakeWindowLayers final : WindowLayers {
         assignments.push_back({&window, layer, screen});
     }
     bool canBlend() const override { return blends; }
+    void cutTo(QWindow &, const QRegion &pixels) override { lastCut = pixels; }
     void takeKeyboard(QWindow &) override { ++keyboardTaken; }
     void yieldKeyboard() override { ++keyboardYielded; }
 };

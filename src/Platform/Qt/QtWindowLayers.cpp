@@ -1,6 +1,7 @@
 #include "Platform/Qt/QtWindowLayers.h"
 
 #include <QGuiApplication>
+#include <QTransform>
 #include <QWindow>
 
 namespace pavonel {
@@ -18,6 +19,12 @@ void QtWindowLayers::assign(QWindow &, WindowLayer, const Screen &) {}
 
 bool QtWindowLayers::canBlend() const {
     return QGuiApplication::platformName().startsWith(u"wayland"); // every compositor there does
+}
+
+/// Qt takes whole points only.
+void QtWindowLayers::cutTo(QWindow &window, const QRegion &pixels) {
+    const qreal points = 1 / window.devicePixelRatio();
+    window.setMask(QTransform::fromScale(points, points).map(pixels));
 }
 
 void QtWindowLayers::takeKeyboard(QWindow &window) {

@@ -11,6 +11,7 @@ public:
     Qt::WindowFlags windowFlags(WindowLayer layer) const override;
     void assign(QWindow &window, WindowLayer layer, const Screen &screen) override;
     bool canBlend() const override;
+    void cutTo(QWindow &window, const QRegion &pixels) override;
     void takeKeyboard(QWindow &window) override;
     void yieldKeyboard() override {}
 };

@@ -17,11 +17,12 @@ QPainterPath outline(const QRectF &body, double radius) {
     return path;
 }
 
-/// Every pixel that the rounded shape touches, so that what the window's edge cuts off is never seen.
-QRegion touchedBy(const QPainterPath &shape, QSize size) {
-    QBitmap mask(size);
+/// Every device pixel that the rounded shape touches, so that what the window's edge cuts off is never seen.
+QRegion touchedBy(const QPainterPath &shape, QSize size, qreal devicePixelRatio) {
+    QBitmap mask(QSizeF(size * devicePixelRatio).toSize());
     mask.clear();
     QPainter painter(&mask);
+    painter.scale(devicePixelRatio, devicePixelRatio);
     painter.setPen(QPen(Qt::color1, 0.5));
     painter.setBrush(Qt::color1);
     painter.drawPath(shape);
@@ -46,8 +47,6 @@ FloatingPanel::FloatingPanel(Platform &platform, const Make &make)
     setFixedSize(make.size);
     if (blends_)
         shadow_ = std::make_unique<PanelShadow>(platform, make.shadow, make.size, make.radius);
-    else
-        setMask(touchedBy(outline(QRectF({}, QSizeF(make.size)), make.radius), make.size));
 }
 
 void FloatingPanel::present(QPoint corner, const std::optional<Screen> &screen) {
@@ -57,6 +56,10 @@ void FloatingPanel::present(QPoint corner, const std::optional<Screen> &screen) 
     move(corner);
     winId();
     platform_.windowLayers->assign(*windowHandle(), WindowLayer::panel, place);
+    if (!blends_) {
+        const QRegion shape = touchedBy(outline(rect(), make_.radius), size(), devicePixelRatioF());
+        platform_.windowLayers->cutTo(*windowHandle(), shape);
+    }
     show();
 }
 

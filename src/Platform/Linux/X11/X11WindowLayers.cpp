@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <utility>
 
+#include <xcb/shape.h>
+
 namespace pavonel {
 
 namespace {
@@ -243,6 +245,19 @@ bool X11WindowLayers::canBlend() const {
         connection_->xcb(),
         xcb_get_selection_owner(connection_->xcb(), connection_->atom(selection.constData())), nullptr));
     return reply && reply->owner != XCB_WINDOW_NONE;
+}
+
+void X11WindowLayers::cutTo(QWindow &window, const QRegion &pixels) {
+    QGuiApplication::sync(); // Qt made the window over a connection of its own
+    std::vector<xcb_rectangle_t> shape;
+    for (const QRect &part : pixels)
+        shape.push_back({static_cast<std::int16_t>(part.x()), static_cast<std::int16_t>(part.y()),
+                         static_cast<std::uint16_t>(part.width()),
+                         static_cast<std::uint16_t>(part.height())});
+    xcb_shape_rectangles(connection_->xcb(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
+                         XCB_CLIP_ORDERING_YX_BANDED, static_cast<xcb_window_t>(window.winId()), 0, 0,
+                         static_cast<std::uint32_t>(shape.size()), shape.data());
+    connection_->flush();
 }
 
 void X11WindowLayers::takeKeyboard(QWindow &window) {
