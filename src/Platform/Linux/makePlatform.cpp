@@ -63,7 +63,7 @@ std::unique_ptr<Screens> screens(const std::shared_ptr<X11Connection> &x) {
 
 std::unique_ptr<IdleTime> idleTime(const std::shared_ptr<X11Connection> &x) {
     if (seesAllInput(x)) {
-        if (auto service = X11IdleTime::make(x))
+        if (auto service = x11::makeIdleTime(x))
             return service;
     }
     return none<unavailable::IdleTime>("This desktop does not tell how long you have been away.");

@@ -8,18 +8,13 @@ namespace pavonel {
 
 class X11Connection;
 
-/// The X server's own count since the last input, over the screen saver extension.
-class X11IdleTime final : public IdleTime {
-public:
-    /// Null where the server does not count.
-    static std::unique_ptr<IdleTime> make(std::shared_ptr<X11Connection> connection);
+namespace x11 {
 
-    Seconds idleSeconds() override;
+/// The X server's own count since the last input. The server tells when somebody goes away and comes back
+/// (SYNC extension), so that reading costs no wake-up; a spell of less than five seconds reads as 0. An old
+/// server is asked each time (screen saver extension). Null where the server does not count.
+std::unique_ptr<IdleTime> makeIdleTime(std::shared_ptr<X11Connection> connection);
 
-private:
-    explicit X11IdleTime(std::shared_ptr<X11Connection> connection);
-
-    std::shared_ptr<X11Connection> connection_;
-};
+} // namespace x11
 
 } // namespace pavonel
