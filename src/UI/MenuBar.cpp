@@ -145,7 +145,7 @@ Menu MenuBarController::menu() {
     menu.push_back({MenuItem::Kind::command,
                     QStringLiteral("Quit Pavonel"),
                     QStringLiteral("q"),
-                    [] { QCoreApplication::quit(); },
+                    [] { QCoreApplication::exit(); }, // quit() asks the windows, and a break screen says no
                     {}});
     return menu;
 }

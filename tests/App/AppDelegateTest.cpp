@@ -4,6 +4,7 @@
 #include "support/FakePlatform.h"
 
 #include <QApplication>
+#include <QTimer>
 #include <QWidget>
 
 #include <algorithm>
@@ -201,6 +202,21 @@ TEST_F(AppDelegateTest, actions_from_outside_do_what_the_shortcuts_and_the_menu_
     delegate.act(OutsideAction::togglePause);
     pass(1171);
     EXPECT_EQ(shown(notice), 1);
+}
+
+TEST_F(AppDelegateTest, quitting_from_the_menu_leaves_during_a_break_too) {
+    delegate.setUp();
+    delegate.act(OutsideAction::takeLongBreak);
+    pass(1);
+    ASSERT_EQ(shown(overlay), 1);
+    const Menu menu = platform.menuBar.makeMenu();
+    const auto quit = std::find_if(menu.begin(), menu.end(),
+                                   [](const MenuItem &item) { return item.title == u"Quit Pavonel"; });
+    ASSERT_NE(quit, menu.end());
+    QTimer::singleShot(0, quit->action);
+    constexpr int stayed = 1;
+    QTimer::singleShot(5000, [] { QCoreApplication::exit(stayed); });
+    EXPECT_EQ(QApplication::exec(), 0);
 }
 
 } // namespace pavonel::test
