@@ -2,6 +2,9 @@
 
 #include "support/waitUntil.h"
 
+#include <QCoreApplication>
+#include <QEvent>
+
 #include <csignal>
 #include <thread>
 
@@ -68,6 +71,15 @@ TEST(SignalTermination, a_signal_that_nobody_listens_to_is_survived) {
     bool waited = false;
     QTimer::singleShot(50, [&] { waited = true; });
     EXPECT_TRUE(waitUntil([&] { return waited; }));
+}
+
+TEST(SignalTermination, the_end_of_the_session_does_not_ask_the_windows) {
+    SignalTermination termination;
+    int requests = 0;
+    termination.onEnd([&] { ++requests; });
+    QEvent quit(QEvent::Quit); // as the session manager has Qt send it
+    QCoreApplication::sendEvent(QCoreApplication::instance(), &quit);
+    EXPECT_EQ(requests, 1);
 }
 
 } // namespace pavonel::test

@@ -1,5 +1,6 @@
 #include "Platform/Qt/SignalTermination.h"
 
+#include <QEvent>
 #include <QGuiApplication>
 #include <QSessionManager>
 
@@ -38,17 +39,17 @@ bool openPipe(std::array<int, 2> &ends) {
 } // namespace
 
 SignalTermination::SignalTermination() {
+    qGuiApp->installEventFilter(this);
     // Coming back after the next login is the business of the login item alone.
-    QObject::connect(qGuiApp, &QGuiApplication::commitDataRequest, &context_,
-                     [this](QSessionManager &session) {
-                         session.setRestartHint(QSessionManager::RestartNever);
-                         if (save_)
-                             save_();
-                     });
+    QObject::connect(qGuiApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager &session) {
+        session.setRestartHint(QSessionManager::RestartNever);
+        if (save_)
+            save_();
+    });
     if (!openPipe(pipe_))
         return;
     notifier_ = std::make_unique<QSocketNotifier>(pipe_[0], QSocketNotifier::Read);
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, &context_, [this] { received(); });
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, this, [this] { received(); });
     toMainThread = pipe_[1];
     for (const int signal : {SIGTERM, SIGINT, SIGHUP})
         catchSignal(signal);
@@ -75,6 +76,13 @@ void SignalTermination::onSave(std::function<void()> save) {
 
 void SignalTermination::onEnd(std::function<void()> end) {
     end_ = std::move(end);
+}
+
+bool SignalTermination::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() != QEvent::Quit || watched != qGuiApp || !end_)
+        return false;
+    end_();
+    return true;
 }
 
 void SignalTermination::catchSignal(int signal) {

@@ -15,7 +15,7 @@ namespace pavonel {
 
 /// SIGTERM, SIGINT and SIGHUP, unless our parent has us ignore them (as nohup does), and Qt's session
 /// manager.
-class SignalTermination final : public Termination {
+class SignalTermination final : public QObject, public Termination {
 public:
     /// One at a time: signals belong to the process.
     SignalTermination();
@@ -24,6 +24,9 @@ public:
     QString limitation() const override;
     void onSave(std::function<void()> save) override;
     void onEnd(std::function<void()> end) override;
+
+    /// Qt would ask the windows before it quits, and a break screen does not close.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     struct Replaced {
@@ -39,7 +42,6 @@ private:
     std::vector<Replaced> replaced_;
     std::function<void()> end_;
     std::function<void()> save_;
-    QObject context_;
 };
 
 } // namespace pavonel
