@@ -27,7 +27,7 @@ constexpr Seconds longestRetryDelay = 600;
 
 /// A store of ours holds kilobytes. Anything of this size came about by accident, and to write it anew every
 /// minute would wear out the disk.
-constexpr qint64 largestUsableFile = 16 * 1024 * 1024;
+constexpr qint64 largestUsableFile = 16'777'216;
 
 /// True for a dangling link too, and when nobody may tell.
 bool isAnythingAt(const QString &path) {

@@ -46,7 +46,7 @@ public:
     }
 
     QString name() {
-        const QString decoded = parsed(token()).toString();
+        QString decoded = parsed(token()).toString();
         skip(" \t\r\n:");
         return decoded;
     }
