@@ -3,6 +3,7 @@
 #include "Platform/Linux/Tray/IconFiles.h"
 
 #include <QFontMetrics>
+#include <QGuiApplication>
 #include <QPainter>
 
 #include <algorithm>
@@ -45,7 +46,7 @@ const QImage &fitting(const std::vector<QImage> &images, int side) {
 } // namespace
 
 EmbeddedTray::EmbeddedTray(std::shared_ptr<X11Connection> x, std::function<void()> presenceChanged,
-                           std::function<void()> showMenu)
+                           std::function<void(QPoint)> showMenu)
     : x_(std::move(x)), presenceChanged_(std::move(presenceChanged)), showMenu_(std::move(showMenu)) {
     listening_ = x_->listen([this](const xcb_generic_event_t &event) { handle(event); });
     watchingRoot_ = x_->watch(x_->root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
@@ -120,7 +121,8 @@ void EmbeddedTray::handle(const xcb_generic_event_t &event) {
         const auto &press = reinterpret_cast<const xcb_button_press_event_t &>(event);
         if (press.event == window_ &&
             (press.detail == XCB_BUTTON_INDEX_1 || press.detail == XCB_BUTTON_INDEX_3))
-            showMenu_();
+            showMenu_(QPoint(press.root_x - press.event_x, press.root_y - press.event_y + size_.height()) /
+                      qGuiApp->devicePixelRatio());
         break;
     }
     }
@@ -128,10 +130,11 @@ void EmbeddedTray::handle(const xcb_generic_event_t &event) {
 
 void EmbeddedTray::dock() {
     window_ = xcb_generate_id(x_->xcb());
-    size_ = {usualHeight, usualHeight};
+    size_ = {1, usualHeight};
+    size_.setWidth(wantedWidth());
     const std::uint32_t background = XCB_BACK_PIXMAP_PARENT_RELATIVE;
     xcb_create_window(x_->xcb(), XCB_COPY_FROM_PARENT, window_, x_->root(), 0, 0,
-                      static_cast<std::uint16_t>(wantedWidth()), usualHeight, 0,
+                      static_cast<std::uint16_t>(size_.width()), usualHeight, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXMAP, &background);
     watchingWindow_ = x_->watch(window_, XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
                                              XCB_EVENT_MASK_BUTTON_PRESS);
@@ -144,7 +147,7 @@ void EmbeddedTray::dock() {
     constexpr char name[] = "Pavonel";
     xcb_change_property(x_->xcb(), XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
                         sizeof name - 1, name);
-    resizeToContent();
+    hintSize();
 
     constexpr std::uint32_t requestDock = 0;
     xcb_client_message_event_t request{};
@@ -177,16 +180,19 @@ int EmbeddedTray::wantedWidth() const {
 void EmbeddedTray::resizeToContent() {
     if (window_ == XCB_WINDOW_NONE || size_.width() == wantedWidth())
         return;
-    // Trays go by the smallest size in WM_NORMAL_HINTS (ICCCM), whose flag for it is 1 << 4.
+    hintSize();
     const auto width = static_cast<std::uint32_t>(wantedWidth());
-    const auto height = static_cast<std::uint32_t>(size_.height());
-    std::uint32_t hints[18] = {1U << 4U};
-    hints[5] = width;
-    hints[6] = height;
-    xcb_change_property(x_->xcb(), XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NORMAL_HINTS,
-                        XCB_ATOM_WM_SIZE_HINTS, 32, 18, hints);
     xcb_configure_window(x_->xcb(), window_, XCB_CONFIG_WINDOW_WIDTH, &width);
     x_->flush();
+}
+
+void EmbeddedTray::hintSize() {
+    // Trays go by the smallest size in WM_NORMAL_HINTS (ICCCM), whose flag for it is 1 << 4.
+    std::uint32_t hints[18] = {1U << 4U};
+    hints[5] = static_cast<std::uint32_t>(wantedWidth());
+    hints[6] = static_cast<std::uint32_t>(size_.height());
+    xcb_change_property(x_->xcb(), XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NORMAL_HINTS,
+                        XCB_ATOM_WM_SIZE_HINTS, 32, 18, hints);
 }
 
 void EmbeddedTray::draw() {

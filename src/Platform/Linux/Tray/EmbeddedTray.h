@@ -15,9 +15,10 @@ namespace pavonel {
 /// back.
 class EmbeddedTray {
 public:
-    /// `presenceChanged` is called when a tray of this kind came or went; `showMenu` on a click.
+    /// `presenceChanged` is called when a tray of this kind came or went; `showMenu` on a click, with the
+    /// place just below the item.
     EmbeddedTray(std::shared_ptr<X11Connection> x, std::function<void()> presenceChanged,
-                 std::function<void()> showMenu);
+                 std::function<void(QPoint)> showMenu);
     ~EmbeddedTray();
 
     bool isPresent() const { return manager_ != XCB_WINDOW_NONE; }
@@ -34,6 +35,7 @@ private:
     void dock();
     void undock();
     int wantedWidth() const;
+    void hintSize();
     void resizeToContent();
     void draw();
     QImage background();
@@ -41,7 +43,7 @@ private:
 
     std::shared_ptr<X11Connection> x_;
     std::function<void()> presenceChanged_;
-    std::function<void()> showMenu_;
+    std::function<void(QPoint)> showMenu_;
     xcb_window_t manager_ = XCB_WINDOW_NONE; ///< The tray, while there is one.
     xcb_window_t window_ = XCB_WINDOW_NONE;  ///< Ours, while we have a place.
     QSize size_{1, 1};

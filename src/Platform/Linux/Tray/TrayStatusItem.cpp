@@ -1,6 +1,5 @@
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 
-#include <QCursor>
 #include <QKeySequence>
 
 #include <utility>
@@ -43,7 +42,7 @@ TrayStatusItem::TrayStatusItem(const QDBusConnection &bus, const QString &iconFo
           bus, iconFolder, [this] { chooseTray(); }, [this](QPoint place) { showMenu(place); }) {
     if (x) {
         embedded_ = std::make_unique<EmbeddedTray>(
-            x, [this] { chooseTray(); }, [this] { showMenu(QCursor::pos()); });
+            x, [this] { chooseTray(); }, [this](QPoint place) { showMenu(place); });
     }
     chooseTray();
 }
