@@ -10,6 +10,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace pavonel {
@@ -40,7 +41,8 @@ void OverlayWindow::setView(std::unique_ptr<BreakOverlayView> view) {
 void OverlayWindow::orderFront(WindowLayers &layers, const Screen &screen) {
     setWindowFlags(layers.windowFlags(WindowLayer::overlay));
     setGeometry(screen.frame.toRect());
-    setWindowOpacity(0);
+    if (layers.canBlend())
+        setWindowOpacity(0);
     winId();
     layers.assign(*windowHandle(), WindowLayer::overlay, screen);
     show();
@@ -57,10 +59,13 @@ void OverlayWindow::resizeEvent(QResizeEvent *event) {
 }
 
 OverlayManager::Set::Set(Platform &platform)
-    : fade(*platform.mainLoop, *platform.appearance, [this](double opacity) {
-          for (const auto &window : windows)
-              window->setWindowOpacity(opacity);
-      }) {}
+    : fade(*platform.mainLoop, *platform.appearance,
+           [this, &layers = *platform.windowLayers](double opacity) {
+               if (!layers.canBlend())
+                   return;
+               for (const auto &window : windows)
+                   window->setWindowOpacity(opacity);
+           }) {}
 
 OverlayManager::OverlayManager(Platform &platform, BreakController &controller, Settings &settings,
                                HotKeyManager &hotKeys)
