@@ -1,144 +1,11 @@
-#include "Platform/Linux/X11/X11WindowLayers.h"
-
-#include "Platform/Qt/QtScreens.h"
-#include "X11/server.h"
-#include "support/XClient.h"
-#include "support/waitUntil.h"
-
-#include <QGuiApplication>
-#include <QKeyEvent>
-#include <QPainter>
-#include <QScreen>
-#include <QWidget>
-
-#include <cmath>
-
-#include <gtest/gtest.h>
+#include "X11/LayeredWindows.h"
 
 namespace pavonel::test {
-
-namespace {
-
-using WindowManager = XServer::WindowManager;
-
-constexpr QColor ours(20, 40, 160);
-constexpr QColor theirs(200, 30, 30);
-const std::vector<QRect> threeMonitors = {{0, 0, 1920, 1080}, {1920, 0, 1920, 1080}, {3840, 0, 1920, 1080}};
-
-/// A window made as the contract of WindowLayers says.
-class Layered final : public QWidget {
-public:
-    Layered(WindowLayers &layers, WindowLayer layer, const Screen &screen, const QRect &at,
-            const QColor &colour = ours)
-        : colour_(colour) {
-        setWindowFlags(layers.windowFlags(layer));
-        setGeometry(at);
-        winId();
-        layers.assign(*windowHandle(), layer, screen);
-        show();
-    }
-
-    int keyPresses = 0;
-    int paints = 0;
-    xcb_window_t id() const { return static_cast<xcb_window_t>(winId()); }
-
-private:
-    void keyPressEvent(QKeyEvent *) override { ++keyPresses; }
-    void paintEvent(QPaintEvent *) override {
-        ++paints;
-        QPainter(this).fillRect(rect(), colour_);
-    }
-    QColor colour_;
-};
-
-class X11WindowLayersTest : public testing::Test {
-protected:
-    X11WindowLayersTest()
-        : connection(X11Connection::open(server().display())), layers(connection), other(server().display()) {
-    }
-    ~X11WindowLayersTest() override {
-        server().stopWindowManager();
-        server().setMonitors({});
-        waitUntil([] { return QGuiApplication::screens().size() == 1; });
-    }
-
-    void setMonitors(const std::vector<QRect> &monitors) {
-        server().setMonitors(monitors);
-        ASSERT_TRUE(waitUntil([&] {
-            const auto attached = QGuiApplication::screens();
-            const QScreen *first = attached.first();
-            const double width = first->geometry().width() * first->devicePixelRatio();
-            return static_cast<std::size_t>(attached.size()) == monitors.size() &&
-                   std::abs(width - monitors.front().width()) < 2;
-        }));
-    }
-
-    std::vector<std::unique_ptr<Layered>> showOverlays() {
-        std::vector<std::unique_ptr<Layered>> overlays;
-        for (const Screen &screen : QtScreens().all())
-            overlays.push_back(overlay(screen));
-        return overlays;
-    }
-    std::unique_ptr<Layered> overlay(const Screen &screen) {
-        return std::make_unique<Layered>(layers, WindowLayer::overlay, screen, screen.frame.toRect());
-    }
-    std::unique_ptr<Layered> panel(const QRect &at) {
-        return std::make_unique<Layered>(layers, WindowLayer::panel, QtScreens().all().front(), at,
-                                         Qt::green);
-    }
-
-    /// Asks only where the manager does not do it by itself, so that no request is still on its way
-    /// afterwards.
-    void bringToFront(xcb_window_t window) {
-        ASSERT_TRUE(waitUntil([&] {
-            const bool inFront = other.focused() == window && other.activeWindow() == window;
-            if (!inFront)
-                other.activate(window);
-            return inFront;
-        }));
-    }
-    bool becomesTop(const Layered &widget) {
-        return waitUntil([&] { return other.topAt(middle(widget)) == widget.id(); });
-    }
-    bool getsPainted(const Layered &widget) {
-        return waitUntil([&] { return server().picture().pixelColor(middle(widget)) == ours; });
-    }
-    static QPoint middle(const Layered &widget) { return widget.geometry().center(); }
-
-    /// Until all that the server has told so far is acted upon.
-    void settle() {
-        for (int round = 0; round < 3; ++round) {
-            connection->number(connection->root(), "_NET_ACTIVE_WINDOW"); // a reply comes after all events
-            int turns = 0;
-            waitUntil([&] { return ++turns > 3; });
-        }
-    }
-
-    std::shared_ptr<X11Connection> connection;
-    X11WindowLayers layers;
-    XClient other;
-};
-
-class UnderEveryManager : public X11WindowLayersTest, public testing::WithParamInterface<WindowManager> {
-protected:
-    UnderEveryManager() { server().start(GetParam()); }
-};
 
 INSTANTIATE_TEST_SUITE_P(X11, UnderEveryManager,
                          testing::Values(WindowManager::openbox, WindowManager::xfwm4,
                                          WindowManager::xfwm4WithCompositor),
-                         [](const auto &manager) {
-                             switch (manager.param) {
-                             case WindowManager::openbox:
-                                 return "openbox";
-                             case WindowManager::xfwm4:
-                                 return "xfwm4";
-                             default:
-                                 return "xfwm4WithCompositor";
-                             }
-                         });
-
-} // namespace
+                         managerName);
 
 TEST_P(UnderEveryManager, windows_blend_where_a_compositor_runs) {
     EXPECT_EQ(layers.canBlend(), GetParam() == WindowManager::xfwm4WithCompositor);
@@ -178,67 +45,6 @@ TEST_P(UnderEveryManager, a_fullscreen_window_that_opens_later_stays_below_a_bre
         other.raise(fullscreen);
         EXPECT_TRUE(becomesTop(*overlays[0]));
     }
-}
-
-TEST_P(UnderEveryManager, the_keyboard_goes_to_the_break_and_back_to_the_window_that_had_it) {
-    const auto editor = other.open({100, 100, 400, 300}, theirs);
-    bringToFront(editor);
-    auto overlays = showOverlays();
-    layers.takeKeyboard(*overlays[0]->windowHandle());
-    ASSERT_TRUE(waitUntil([&] { return other.focused() == overlays[0]->id(); }));
-
-    server().xdotool({QStringLiteral("key"), QStringLiteral("x")});
-    EXPECT_TRUE(waitUntil([&] { return overlays[0]->keyPresses == 1; }));
-    EXPECT_EQ(other.keyPresses(), 0);
-
-    layers.yieldKeyboard();
-    overlays.clear();
-    EXPECT_TRUE(waitUntil([&] { return other.focused() == editor; }));
-    server().xdotool({QStringLiteral("key"), QStringLiteral("x")});
-    EXPECT_TRUE(waitUntil([&] { return other.keyPresses() == 1; }));
-}
-
-TEST_P(UnderEveryManager, the_break_takes_the_keyboard_back_from_a_window_that_opens) {
-    const auto overlays = showOverlays();
-    layers.takeKeyboard(*overlays[0]->windowHandle());
-    ASSERT_TRUE(waitUntil([&] { return other.focused() == overlays[0]->id(); }));
-
-    const auto fullscreen = other.open({0, 0, 5760, 1080}, theirs, XClient::Kind::fullscreen);
-    other.focus(fullscreen);
-    EXPECT_TRUE(waitUntil([&] { return other.focused() == overlays[0]->id(); }));
-    EXPECT_TRUE(waitUntil([&] {
-        server().xdotool({QStringLiteral("key"), QStringLiteral("x")});
-        return overlays[0]->keyPresses > 0;
-    }));
-}
-
-TEST_F(X11WindowLayersTest, a_program_that_insists_on_the_keyboard_gets_it) {
-    const auto overlays = showOverlays();
-    layers.takeKeyboard(*overlays[0]->windowHandle());
-    ASSERT_TRUE(waitUntil([&] { return other.focused() == overlays[0]->id(); }));
-
-    const auto insistent = other.open({100, 100, 400, 300}, theirs);
-    settle();
-    for (int round = 0; round < 6; ++round) {
-        other.focus(insistent);
-        settle();
-    }
-    EXPECT_EQ(other.focused(), insistent);
-}
-
-TEST_P(UnderEveryManager, a_panel_lies_above_a_fullscreen_window_and_leaves_it_the_keyboard) {
-    const auto fullscreen = other.open({0, 0, 5760, 1080}, theirs, XClient::Kind::fullscreen);
-    bringToFront(fullscreen);
-    const auto notice = panel({1400, 40, 300, 80});
-
-    EXPECT_TRUE(becomesTop(*notice));
-    const auto later = other.open({0, 0, 5760, 1080}, theirs, XClient::Kind::fullscreen);
-    EXPECT_TRUE(waitUntil([&] { return other.geometry(later) == QRect(0, 0, 5760, 1080); }));
-    EXPECT_TRUE(becomesTop(*notice));
-    other.activate(fullscreen);
-    EXPECT_TRUE(waitUntil([&] { return other.focused() == fullscreen; }));
-    EXPECT_TRUE(becomesTop(*notice));
-    EXPECT_EQ(other.focused(), fullscreen);
 }
 
 TEST_F(X11WindowLayersTest, an_overlay_covers_the_last_pixel_of_a_screen_of_odd_size) {
@@ -345,21 +151,6 @@ TEST_F(X11WindowLayersTest, windows_are_known_by_the_programs_name) {
     ASSERT_TRUE(becomesTop(*overlays[0]));
     EXPECT_EQ(X11Connection::open(server().display())->bytes(overlays[0]->id(), "WM_CLASS"),
               QByteArray("pavonel\0pavonel\0", 16));
-}
-
-TEST_F(X11WindowLayersTest, the_keyboard_goes_to_the_active_window_when_the_previous_one_closed) {
-    server().start(WindowManager::openbox);
-    const auto first = other.open({100, 100, 400, 300}, theirs);
-    const auto second = other.open({600, 100, 400, 300}, theirs);
-    bringToFront(second);
-    auto overlays = showOverlays();
-    layers.takeKeyboard(*overlays[0]->windowHandle());
-    ASSERT_TRUE(waitUntil([&] { return other.focused() == overlays[0]->id(); }));
-
-    other.close(second);
-    layers.yieldKeyboard();
-    overlays.clear();
-    EXPECT_TRUE(waitUntil([&] { return other.focused() == first; }));
 }
 
 TEST_F(X11WindowLayersTest, a_client_that_dies_during_a_break_does_no_harm) {
