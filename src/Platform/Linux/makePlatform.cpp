@@ -7,6 +7,7 @@
 #include "Platform/Linux/Bus/LogindPowerEvents.h"
 #include "Platform/Linux/Bus/PortalAppearance.h"
 #include "Platform/Linux/DetachedLauncher.h"
+#include "Platform/Linux/PipeWire/PipeWireScreenCasts.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11HotKeys.h"
@@ -80,8 +81,8 @@ void installWindowSensors(Platform &platform, const std::shared_ptr<X11Connectio
         platform.windowList =
             none<unavailable::WindowList>("This desktop does not tell about fullscreen windows.");
     }
-    platform.applications =
-        std::make_unique<LinuxApplications>(std::move(front), nullptr, LinuxApplications::Folders());
+    platform.applications = std::make_unique<LinuxApplications>(
+        std::move(front), std::make_unique<PipeWireScreenCasts>(), LinuxApplications::Folders());
 }
 
 std::unique_ptr<WindowLayers> windowLayers(const std::shared_ptr<X11Connection> &x) {

@@ -1,0 +1,86 @@
+#include "Platform/Linux/PipeWire/PipeWireScreenCasts.h"
+
+#include "support/SoundServer.h"
+#include "support/waitUntil.h"
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+namespace {
+
+/// A source of video as a compositor or a camera offers it, and a program that may look at it.
+class PipeWireScreenCastsTest : public testing::Test {
+protected:
+    PipeWireScreenCastsTest() { server.start(); }
+
+    std::unique_ptr<ChildProcess> source(const char *role) {
+        return gst(
+            QStringLiteral("videotestsrc is-live=true ! video/x-raw,width=320,height=240 ! pipewiresink "
+                           "mode=provide stream-properties=\"props,media.class=Video/Source,"
+                           "node.name=fakecast,media.role=%1\"")
+                .arg(QString::fromLatin1(role)));
+    }
+    std::unique_ptr<ChildProcess> viewer() {
+        return gst(QStringLiteral("pipewiresrc target-object=fakecast ! video/x-raw ! fakesink"));
+    }
+    /// Whether PipeWire itself lists the source in this state.
+    bool isListed(const char *state) {
+        const auto dump =
+            ChildProcess::run(QStringLiteral("pw-cli"), {QStringLiteral("info"), QStringLiteral("fakecast")},
+                              server.environment());
+        return dump.output.contains(QByteArray("state: \"") + state);
+    }
+
+    SoundServer server{SoundServer::Kind::pipeWire};
+    PipeWireScreenCasts casts;
+
+private:
+    std::unique_ptr<ChildProcess> gst(const QString &pipeline) {
+        return std::make_unique<ChildProcess>(
+            QStringLiteral("sh"),
+            QStringList{QStringLiteral("-c"), QStringLiteral("exec gst-launch-1.0 -q ") + pipeline},
+            server.environment());
+    }
+};
+
+} // namespace
+
+TEST_F(PipeWireScreenCastsTest, a_screen_cast_is_live_while_somebody_looks_at_it) {
+    EXPECT_FALSE(casts.anyLive());
+    const auto cast = source("Screen");
+    ASSERT_TRUE(waitUntil([&] { return isListed(""); }));
+    EXPECT_FALSE(casts.anyLive()) << "nobody looks at it yet";
+    auto looking = viewer();
+    EXPECT_TRUE(waitUntil([&] { return casts.anyLive(); }));
+    looking.reset();
+    EXPECT_TRUE(waitUntil([&] { return !casts.anyLive(); }));
+}
+
+TEST_F(PipeWireScreenCastsTest, a_camera_is_no_screen_cast) {
+    const auto camera = source("Camera");
+    ASSERT_TRUE(waitUntil([&] { return isListed(""); }));
+    const auto looking = viewer();
+    ASSERT_TRUE(waitUntil([&] { return isListed("running"); }));
+    waitUntil([&] { return casts.anyLive(); }, 500);
+    EXPECT_FALSE(casts.anyLive());
+}
+
+TEST_F(PipeWireScreenCastsTest, a_server_that_ends_has_no_screen_casts) {
+    const auto cast = source("Screen");
+    ASSERT_TRUE(waitUntil([&] { return isListed(""); }));
+    const auto looking = viewer();
+    ASSERT_TRUE(waitUntil([&] { return casts.anyLive(); }));
+    server.kill();
+    EXPECT_TRUE(waitUntil([&] { return !casts.anyLive(); }));
+}
+
+TEST(PipeWireScreenCasts, without_a_server_there_are_none) {
+    qputenv("XDG_RUNTIME_DIR", "/nonexistent");
+    qputenv("PIPEWIRE_RUNTIME_DIR", "/nonexistent");
+    PipeWireScreenCasts casts;
+    EXPECT_FALSE(casts.anyLive());
+    EXPECT_FALSE(casts.anyLive());
+}
+
+} // namespace pavonel::test
