@@ -18,8 +18,8 @@ struct HttpRequest {
     QUrl url;
     QList<QPair<QByteArray, QByteArray>> headers;
     std::optional<QByteArray> body;
-    Seconds timeout = 20;              ///< Without a byte in either direction.
-    qint64 largestReply = 1024 * 1024; ///< In bytes; a longer reply counts as none.
+    Seconds timeout = 20;                      ///< Without a byte in either direction.
+    qint64 largestReply = qint64{1024} * 1024; ///< In bytes; a longer reply counts as none.
 };
 
 struct HttpResponse {
