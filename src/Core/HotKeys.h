@@ -33,7 +33,9 @@ public:
     /// Replaces the action of a binding with the same id.
     void registerBinding(Binding binding);
 
-    bool holdsEscape() const { return refs_.contains(escapeID); }
+    /// Whether the combination of a registered binding is ours; another program may own it.
+    bool holds(std::uint32_t id) const { return refs_.contains(id); }
+    bool holdsEscape() const { return holds(escapeID); }
     void unregisterEscape();
 
     /// Reserved for the Escape key of the break screen.

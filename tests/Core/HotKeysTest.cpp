@@ -79,6 +79,15 @@ TEST(HotKeyManager, a_second_registration_that_fails_leaves_the_first_in_place) 
     EXPECT_EQ(bench.actions, QStringList{QStringLiteral("new")});
 }
 
+TEST(HotKeyManager, tells_which_combinations_it_could_not_have) {
+    HotKeysBench bench;
+    bench.manager.registerBinding(bench.binding(1, QStringLiteral("free")));
+    bench.platform.keys.refuses = true;
+    bench.manager.registerBinding(bench.binding(2, QStringLiteral("taken")));
+    EXPECT_TRUE(bench.manager.holds(1));
+    EXPECT_FALSE(bench.manager.holds(2));
+}
+
 TEST(HotKeyManager, a_combination_that_another_program_owns_stays_silently_without_effect) {
     HotKeysBench bench;
     bench.platform.keys.refuses = true;

@@ -20,20 +20,29 @@ protected:
     HeadlessProgram program;
 
     void startWith(const QString &service) {
-        const QJsonObject store{{QStringLiteral("phonePairToken"), QStringLiteral("secret")},
-                                {QStringLiteral("didOnboard"), true},
-                                {QStringLiteral("microInterval"), 2},
-                                {QStringLiteral("microDuration"), 2},
-                                {QStringLiteral("preNotifySeconds"), 0},
-                                {QStringLiteral("longEnabled"), false},
-                                {QStringLiteral("naturalBreakEnabled"), false},
-                                {QStringLiteral("soundEnabled"), false}};
+        const QJsonObject store{
+            {QStringLiteral("phonePairToken"), QStringLiteral("secret")},
+            {QStringLiteral("didOnboard"), true},
+            {QStringLiteral("microInterval"), 2},
+            {QStringLiteral("microDuration"), 2},
+            {QStringLiteral("preNotifySeconds"), 0},
+            {QStringLiteral("longEnabled"), false},
+            {QStringLiteral("naturalBreakEnabled"), false},
+            {QStringLiteral("onBreakStartScript"), QStringLiteral("date +%s >> '%1'").arg(breakTimes())},
+            {QStringLiteral("soundEnabled"), false}};
         QFile file(program.storePath());
         ASSERT_TRUE(file.open(QFile::WriteOnly));
         file.write(QJsonDocument(store).toJson());
         file.close();
         program.environment().insert(QStringLiteral("PAVONEL_PAIR_HOST"), service);
         program.start();
+    }
+
+    QString breakTimes() const { return program.storeFolder() + QStringLiteral("/breaks"); }
+
+    qsizetype startedBreaks() const {
+        QFile file(breakTimes());
+        return file.open(QFile::ReadOnly) ? file.readAll().count('\n') : 0;
     }
 
     int storedBreaks() const {
@@ -71,11 +80,17 @@ TEST_F(PhoneRelay, a_break_is_told_with_one_post_and_one_delete) {
 
 TEST_F(PhoneRelay, breaks_go_on_whatever_becomes_of_the_service) {
     const HttpServer silent([](const auto &, QTcpSocket &) {});
-    startWith(silent.url().toString());
-    // Were the program to wait for an answer, there would be no second break.
-    ASSERT_TRUE(waitUntil([&] { return silent.requests().size() >= 4; }));
-    EXPECT_EQ(program.end(SIGTERM), 0);
-    EXPECT_GE(storedBreaks(), 1);
+    const HttpServer broken([](const auto &, QTcpSocket &connection) { connection.abort(); });
+    const QString down = QStringLiteral("http://127.0.0.1:1");
+    for (const QString &service : {silent.url().toString(), broken.url().toString(), down}) {
+        QFile::remove(breakTimes());
+        startWith(service);
+        // Were the program to wait for an answer, the second break would be late by twenty seconds or never
+        // come.
+        EXPECT_TRUE(waitUntil([&] { return startedBreaks() >= 2; })) << service.toStdString();
+        EXPECT_EQ(program.end(SIGTERM), 0);
+        EXPECT_GE(storedBreaks(), 1) << service.toStdString();
+    }
 }
 
 TEST_F(PhoneRelay, an_address_that_is_none_stops_the_start_with_one_line) {

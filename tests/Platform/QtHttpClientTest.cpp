@@ -269,6 +269,67 @@ TEST(PhoneOverHttp, each_reply_to_the_code_request_has_its_sentence) {
     }
 }
 
+TEST(PhoneOverHttp, slow_polls_overlap_and_late_ones_change_nothing) {
+    std::vector<QTcpSocket *> polls;
+    const HttpServer server([&](const HttpServer::Request &seen, QTcpSocket &connection) {
+        if (seen.line().contains("/pair/start"))
+            HttpServer::respond(200, R"({"code":"1","macToken":"tok"})")(seen, connection);
+        else
+            polls.push_back(&connection);
+    });
+    RealPhone real(server.url("/api"));
+    real.phone->startPairing();
+    ASSERT_TRUE(waitUntil([&] { return polls.size() >= 3; })) << "a poll waits for the one before";
+    HttpServer::respond(200, R"({"paired":true})")({}, *polls[1]);
+    EXPECT_TRUE(real.becomes(Phone::Paired{}));
+    HttpServer::respond(200, R"({"paired":false})")({}, *polls[0]);
+    HttpServer::respond(500)({}, *polls[2]);
+    real.phone->breakEnded();
+    EXPECT_TRUE(waitUntil([&] { return server.requests().back().line().startsWith("DELETE /api/break "); }));
+    EXPECT_EQ(real.phone->state.get(), Phone::State(Phone::Paired{}));
+}
+
+TEST(PhoneOverHttp, a_code_that_comes_late_gives_way_to_that_of_the_newer_pairing) {
+    QTcpSocket *first = nullptr;
+    const HttpServer server([&](const HttpServer::Request &seen, QTcpSocket &connection) {
+        if (!first)
+            first = &connection;
+        else if (seen.line().contains("/pair/start"))
+            HttpServer::respond(200, R"({"code":"222222","macToken":"new"})")(seen, connection);
+        else
+            HttpServer::respond(200, R"({"paired":false})")(seen, connection);
+    });
+    RealPhone real(server.url());
+    real.phone->startPairing();
+    ASSERT_TRUE(waitUntil([&] { return first != nullptr; }));
+    real.phone->startPairing();
+    EXPECT_TRUE(real.becomes(Phone::Waiting{QStringLiteral("222222")}));
+    HttpServer::respond(200, R"({"code":"111111","macToken":"old"})")({}, *first);
+    const auto before = server.requests().size();
+    EXPECT_TRUE(waitUntil([&] { return server.requests().size() >= before + 2; }));
+    EXPECT_EQ(real.phone->state.get(), Phone::State(Phone::Waiting{QStringLiteral("222222")}));
+    EXPECT_EQ(server.requests().back().header("Authorization"), "Bearer new");
+}
+
+TEST(PhoneOverHttp, a_code_that_comes_after_unpairing_is_dropped) {
+    QTcpSocket *start = nullptr;
+    const HttpServer server([&](const HttpServer::Request &seen, QTcpSocket &connection) {
+        if (seen.line().contains("/pair/start"))
+            start = &connection;
+        else
+            HttpServer::respond(200)(seen, connection);
+    });
+    RealPhone real(server.url());
+    real.phone->startPairing();
+    ASSERT_TRUE(waitUntil([&] { return start != nullptr; }));
+    real.phone->unpair();
+    HttpServer::respond(200, R"({"code":"111111","macToken":"old"})")({}, *start);
+    real.phone->unpair(); // a second exchange, after which the first reply has been dealt with
+    EXPECT_TRUE(waitUntil([&] { return server.requests().size() >= 3; }));
+    EXPECT_EQ(real.phone->state.get(), Phone::State(Phone::Unpaired{}));
+    EXPECT_FALSE(real.platform.defaults->value(Phone::tokenKey));
+}
+
 TEST(PhoneOverHttp, an_untrusted_certificate_is_nobody_and_gets_no_token) {
     const HttpServer server(HttpServer::respond(200, R"({"code":"1","macToken":"t"})"),
                             HttpServer::Transport::tls);
