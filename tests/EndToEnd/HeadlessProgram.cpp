@@ -85,7 +85,8 @@ void HeadlessProgram::start(const QByteArray &commandsBefore) {
 
 int HeadlessProgram::end(int signal) {
     QProcess &process = program_->process();
-    ::kill(static_cast<pid_t>(process.processId()), signal);
+    if (process.processId() > 0) // 0 would be everybody in the group of the test
+        ::kill(static_cast<pid_t>(process.processId()), signal);
     const bool ended = process.waitForFinished(30'000) && process.exitStatus() == QProcess::NormalExit;
     EXPECT_TRUE(ended) << process.readAllStandardError().constData();
     return ended ? process.exitCode() : -1;
