@@ -59,7 +59,16 @@ int runUntilQuit(SingleInstance &instance) {
     return QApplication::exec();
 }
 
+/// When a bus goes while Qt (6.4) subscribes to a signal there, Qt waits for a call that was never sent, and
+/// libdbus by default aborts a program that does so. The call itself fails in an orderly way.
+void surviveTheLossOfABus() {
+    constexpr const char *variable = "DBUS_FATAL_WARNINGS";
+    if (!qEnvironmentVariableIsSet(variable))
+        qputenv(variable, "0");
+}
+
 int start(int &argc, char **argv) {
+    surviveTheLossOfABus();
     if (!Phone::serviceAddress()) {
         std::fputs("pavonel: PAVONEL_PAIR_HOST is not the address of a pairing service\n", stderr);
         return EXIT_FAILURE;
