@@ -78,22 +78,26 @@ private:
     void finish() {
         QNetworkReply &reply = *std::exchange(reply_, nullptr);
         reply.deleteLater();
-        if (const auto next = hasResponse(reply) ? redirected(request_, reply) : std::nullopt) {
-            follow(*next);
-            return;
-        }
-        if (hasResponse(reply))
-            answer(HttpResponse{statusOf(reply), data_ + reply.readAll()});
-        else
+        data_ += reply.readAll();
+        if (!hasResponse(reply))
             answer({});
+        else if (const auto next = redirected(request_, reply))
+            follow(*next);
+        else
+            answer(HttpResponse{statusOf(reply), data_});
     }
 
-    /// Qt reports a refusal by the server as an error too; there the response is whole all the same.
-    static bool hasResponse(const QNetworkReply &reply) {
+    bool hasResponse(const QNetworkReply &reply) const {
+        return reply.error() == QNetworkReply::NoError || isRefusal(reply);
+    }
+
+    /// Qt reports a refusal by the server as an error of its own, which can hide that the reply was cut off.
+    bool isRefusal(const QNetworkReply &reply) const {
         const auto error = reply.error();
-        const bool refused =
-            error > QNetworkReply::UnknownNetworkError && error != QNetworkReply::ProtocolFailure;
-        return error == QNetworkReply::NoError || (refused && statusOf(reply) >= 400);
+        const QVariant length = reply.header(QNetworkRequest::ContentLengthHeader);
+        return statusOf(reply) >= 400 && error > QNetworkReply::UnknownNetworkError &&
+               error != QNetworkReply::ProtocolFailure &&
+               (!length.isValid() || data_.size() >= length.toLongLong());
     }
 
     void follow(const HttpRequest &next) {
