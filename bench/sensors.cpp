@@ -35,6 +35,10 @@ qsizetype descriptors() {
     return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size();
 }
 
+qsizetype threads() {
+    return QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+}
+
 class Ticks {
 public:
     Ticks(pavonel::Platform &platform, const pavonel::Settings &settings)
@@ -96,8 +100,10 @@ int main(int argc, char **argv) {
     std::printf("warm-up: longest tick %.2f ms\n", warmUp.longest());
     std::printf("%d ticks: %.2f ms of processor time for 60 of them, longest tick %.2f ms\n", count,
                 perMinute, ticks.longest());
-    std::printf("memory %+lld KiB, open files %+lld\n", static_cast<long long>(memory() - memoryBefore),
-                static_cast<long long>(descriptors() - descriptorsBefore));
+    std::printf("memory %+lld KiB, open files %+lld since the warm-up; now %lld KiB resident, %lld threads\n",
+                static_cast<long long>(memory() - memoryBefore),
+                static_cast<long long>(descriptors() - descriptorsBefore), static_cast<long long>(memory()),
+                static_cast<long long>(threads()));
     if (budget > 0)
         std::printf("budget %.0f ms: %s\n", budget, perMinute <= budget ? "kept" : "BROKEN");
     return budget > 0 && perMinute > budget ? 1 : 0;

@@ -1,6 +1,8 @@
 #include "Platform/Linux/Applications/LinuxApplications.h"
 
+#include "FakeProcesses.h"
 #include "support/ChildProcess.h"
+#include "support/RecorderTurn.h"
 #include "support/waitUntil.h"
 
 #include <QDir>
@@ -18,67 +20,8 @@ namespace pavonel::test {
 
 namespace {
 
-const QDeadlineTimer noHurry(QDeadlineTimer::Forever);
-
-/// A folder that looks like /proc.
-class FakeProcesses {
-public:
-    QByteArray root() const { return folder_.path().toLocal8Bit(); }
-
-    void add(int id, const QString &executable, const QByteArray &unit = {}) {
-        QDir(folder_.path()).mkdir(QString::number(id));
-        QFile::link(executable, path(id, "exe"));
-        write(path(id, "cmdline"), executable.toLocal8Bit() + '\0');
-        if (!unit.isEmpty())
-            write(path(id, "cgroup"), "0::/user.slice/app.slice/" + unit + '\n');
-    }
-    void remove(int id) { QDir(folder_.filePath(QString::number(id))).removeRecursively(); }
-
-    /// Another process under the number of one that ended: its folder is another one.
-    void replace(int id, const QString &executable) {
-        add(id + 1'000'000, executable);
-        remove(id);
-        QDir(folder_.path()).rename(QString::number(id + 1'000'000), QString::number(id));
-    }
-    void run(int id, const QString &executable) {
-        QFile::remove(path(id, "exe"));
-        QFile::link(executable, path(id, "exe"));
-        write(path(id, "cmdline"), executable.toLocal8Bit() + '\0');
-    }
-    QString path(int id, const char *file) const {
-        return folder_.filePath(QStringLiteral("%1/%2").arg(QString::number(id), QString::fromLatin1(file)));
-    }
-
-private:
-    static void write(const QString &path, const QByteArray &contents) {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(contents);
-    }
-
-    QTemporaryDir folder_;
-};
-
-QString baseName(const ProcessFolder &process) {
-    const auto executable = process.executable();
-    return executable ? QFileInfo(QString::fromLocal8Bit(*executable)).fileName() : QString();
-}
-
-QStringList identifiers(const std::vector<Application> &applications) {
-    QStringList result;
-    for (const Application &application : applications)
-        result.append(application.bundleIdentifier);
-    return result;
-}
-
 const QString recording = QStringLiteral("com.apple.screencaptureui");
 const QString sharing = QStringLiteral("com.apple.ScreenSharing");
-
-double processorSeconds() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
-}
 
 /// Copies of real programs under other names, and a desktop file folder of the test's own.
 class LinuxApplicationsTest : public ::testing::Test {
@@ -117,111 +60,8 @@ const QString python = QStringLiteral("/usr/bin/python3");
 
 } // namespace
 
-TEST(ProcessTable, only_new_processes_are_opened) {
-    FakeProcesses processes;
-    processes.add(10, QStringLiteral("/usr/bin/a"));
-    processes.add(20, QStringLiteral("/usr/bin/b"));
-    ProcessTable table(processes.root(), baseName);
-    table.refresh(noHurry);
-    EXPECT_EQ(table.opened(), 2);
-    table.refresh(noHurry);
-    processes.add(30, QStringLiteral("/usr/bin/c"));
-    table.refresh(noHurry);
-    EXPECT_EQ(table.opened(), 3);
-    processes.remove(20);
-    table.refresh(noHurry);
-    EXPECT_EQ(table.opened(), 3);
-    EXPECT_EQ(identifiers(table.applications()), (QStringList{QStringLiteral("a"), QStringLiteral("c")}));
-}
-
-TEST(ProcessTable, a_number_given_again_is_another_process) {
-    FakeProcesses processes;
-    processes.add(10, QStringLiteral("/usr/bin/a"));
-    ProcessTable table(processes.root(), baseName);
-    table.refresh(noHurry);
-    processes.replace(10, QStringLiteral("/usr/bin/b"));
-    table.refresh(noHurry);
-    EXPECT_EQ(identifiers(table.applications()), QStringList{QStringLiteral("b")});
-}
-
-TEST(ProcessTable, a_launcher_becomes_what_it_launches) {
-    FakeProcesses processes;
-    processes.add(10, QStringLiteral("/bin/sh"));
-    ProcessTable table(processes.root(), baseName);
-    table.refresh(noHurry);
-    processes.run(10, QStringLiteral("/usr/bin/game"));
-    table.refresh(noHurry);
-    EXPECT_EQ(identifiers(table.applications()), QStringList{QStringLiteral("game")});
-}
-
-TEST(ProcessTable, an_application_lasts_as_long_as_any_of_its_processes) {
-    FakeProcesses processes;
-    processes.add(10, QStringLiteral("/usr/bin/a"));
-    processes.add(20, QStringLiteral("/usr/bin/a"));
-    ProcessTable table(processes.root(), baseName);
-    table.refresh(noHurry);
-    ASSERT_EQ(table.applications().size(), 1);
-    EXPECT_EQ(table.applications().front().processId, 10);
-    processes.remove(10);
-    table.refresh(noHurry);
-    ASSERT_EQ(table.applications().size(), 1);
-    EXPECT_EQ(table.applications().front().processId, 20);
-    processes.remove(20);
-    table.refresh(noHurry);
-    EXPECT_TRUE(table.applications().empty());
-}
-
-TEST(ProcessTable, a_process_that_vanishes_between_listing_and_reading_is_none) {
-    FakeProcesses processes;
-    for (int id = 1; id <= 50; ++id)
-        processes.add(id, QStringLiteral("/usr/bin/a"));
-    ProcessTable table(processes.root(), [&](const ProcessFolder &process) {
-        processes.remove(process.id()); // and the one that is next
-        processes.remove(process.id() - 1);
-        return baseName(process);
-    });
-    table.refresh(noHurry);
-    table.refresh(noHurry);
-    EXPECT_TRUE(table.applications().empty());
-}
-
-TEST(ProcessTable, a_folder_that_is_not_there_has_no_processes) {
-    ProcessTable table("/nonexistent/proc", baseName);
-    table.refresh(noHurry);
-    EXPECT_TRUE(table.applications().empty());
-}
-
-TEST(ProcessTable, two_thousand_processes_are_taken_up_without_a_stall) {
-    FakeProcesses processes;
-    for (int id = 1; id <= 2000; ++id)
-        processes.add(id, QStringLiteral("/usr/bin/p%1").arg(id % 25));
-    ProcessTable table(processes.root(), baseName);
-    double longest = 0;
-    for (int tick = 0; tick < 1000 && table.opened() < 2000; ++tick) {
-        const double before = processorSeconds();
-        table.refresh(QDeadlineTimer(8, Qt::PreciseTimer));
-        longest = std::max(longest, processorSeconds() - before);
-    }
-    EXPECT_EQ(table.opened(), 2000);
-    EXPECT_EQ(table.applications().size(), 25);
-    EXPECT_LT(longest, 0.050) << "seconds of processor time in one go";
-}
-
-TEST(ProcessTable, the_newest_of_many_processes_come_first) {
-    FakeProcesses processes;
-    for (int id = 1; id <= 20; ++id)
-        processes.add(id, QStringLiteral("/usr/bin/p%1").arg(id));
-    std::vector<ProcessId> order;
-    ProcessTable table(processes.root(), [&](const ProcessFolder &process) {
-        order.push_back(process.id());
-        return QString();
-    });
-    table.refresh(noHurry);
-    ASSERT_EQ(order.size(), 20);
-    EXPECT_TRUE(std::is_sorted(order.rbegin(), order.rend()));
-}
-
 TEST_F(LinuxApplicationsTest, a_recorder_in_the_background_is_reported_while_it_runs) {
+    const RecorderTurn turn;
     EXPECT_FALSE(isRunning(recording));
     auto recorder = std::make_unique<ChildProcess>(
         copyOf(sleepProgram, QStringLiteral("simplescreenrecorder")), QStringList{QStringLiteral("300")});
@@ -231,6 +71,7 @@ TEST_F(LinuxApplicationsTest, a_recorder_in_the_background_is_reported_while_it_
 }
 
 TEST_F(LinuxApplicationsTest, a_recorder_that_is_a_script_is_reported_too) {
+    const RecorderTurn turn;
     const QString script = copyOf(QStringLiteral("/dev/null"), QStringLiteral("kazam"));
     QFile file(script);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -241,6 +82,7 @@ TEST_F(LinuxApplicationsTest, a_recorder_that_is_a_script_is_reported_too) {
 }
 
 TEST_F(LinuxApplicationsTest, an_ended_process_that_nobody_waited_for_does_not_run) {
+    const RecorderTurn turn;
     const QString path = copyOf(sleepProgram, QStringLiteral("peek"));
     const ChildProcess parent(QStringLiteral("sh"),
                               {QStringLiteral("-c"), path + QStringLiteral(" 3 & exec /usr/bin/sleep 300")});
@@ -272,6 +114,20 @@ TEST_F(LinuxApplicationsTest, the_identifier_is_that_of_the_desktop_file) {
     install(QStringLiteral("org.example.Editor"), program);
     const ChildProcess editor(program, {QStringLiteral("300")});
     EXPECT_TRUE(waitUntil([&] { return isRunning(QStringLiteral("org.example.Editor")); }));
+}
+
+TEST_F(LinuxApplicationsTest, malformed_desktop_files_beside_it_do_no_harm) {
+    const QString program = copyOf(sleepProgram, QStringLiteral("pavonel-test-editor"));
+    const QString nonsense = QStringLiteral("\n[[]\n=\nExec=\"'\\\n\xfe");
+    install(QStringLiteral("broken"), nonsense);
+    install(QStringLiteral("huge"), QString(200'000, u'%'));
+    install(QStringLiteral("empty"), QString());
+    install(QStringLiteral("org.example.Editor"), program);
+    const ChildProcess editor(program, {QStringLiteral("300")});
+    EXPECT_TRUE(waitUntil([&] { return isRunning(QStringLiteral("org.example.Editor")); }));
+    EXPECT_FALSE(isRunning(QStringLiteral("broken")));
+    EXPECT_FALSE(isRunning(QStringLiteral("huge")));
+    EXPECT_FALSE(isRunning(QStringLiteral("empty")));
 }
 
 TEST_F(LinuxApplicationsTest, an_application_installed_while_it_runs_is_recognised) {

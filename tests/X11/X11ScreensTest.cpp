@@ -24,20 +24,8 @@ protected:
           other(server().display()) {
         setMonitors(threeMonitors);
     }
-    ~X11ScreensTest() override {
-        server().stopWindowManager();
-        server().setMonitors({});
-        waitUntil([] { return QGuiApplication::screens().size() == 1; });
-    }
+    ~X11ScreensTest() override { leaveServerAsFound(); }
 
-    static void setMonitors(const std::vector<QRect> &monitors) {
-        server().setMonitors(monitors);
-        ASSERT_TRUE(waitUntil([&] {
-            const auto attached = QGuiApplication::screens();
-            return static_cast<std::size_t>(attached.size()) == monitors.size() &&
-                   attached.first()->geometry() == monitors.front();
-        }));
-    }
     std::vector<QRect> visibleFrames() {
         std::vector<QRect> frames;
         for (const Screen &screen : screens.all())

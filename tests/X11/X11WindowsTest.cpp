@@ -5,17 +5,14 @@
 #include "Platform/Linux/Applications/LinuxApplications.h"
 #include "Platform/Linux/X11/X11Points.h"
 #include "Platform/Qt/QtScreens.h"
+#include "X11/OtherProgram.h"
 #include "X11/server.h"
 #include "support/FakePlatform.h"
 #include "support/Printing.h"
-#include "support/XClient.h"
 #include "support/waitUntil.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QScreen>
-#include <QTemporaryDir>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -29,55 +26,20 @@ using WindowManager = XServer::WindowManager;
 const std::vector<QRect> twoMonitors = {{0, 0, 1920, 1080}, {1920, 0, 1600, 900}};
 
 /// The scheduler's questions over real windows, processes and screens, and another program with windows.
-class X11WindowsTest : public testing::Test {
+class X11WindowsTest : public testing::Test, protected OtherProgram {
 protected:
-    X11WindowsTest() : other(std::make_unique<XClient>(server().display())) {
+    X11WindowsTest() {
         windows = std::make_shared<X11Windows>(X11Connection::open(server().display()));
         sensors.windowList = std::make_unique<X11WindowList>(windows);
         sensors.screens = std::make_unique<QtScreens>();
         sensors.applications = std::make_unique<LinuxApplications>(
             std::make_unique<X11FrontWindow>(windows), nullptr,
             LinuxApplications::Folders{.processes = "/proc", .desktopFiles = {folder.path()}});
-        const QString path = folder.filePath(QStringLiteral("pavonel-test-player"));
-        QFile::copy(QFileInfo(QStringLiteral("/usr/bin/sleep")).canonicalFilePath(), path);
-        player.emplace(path, QStringList{QStringLiteral("300")});
     }
-    ~X11WindowsTest() override {
-        server().stopWindowManager();
-        server().setMonitors({});
-        waitUntil([] { return QGuiApplication::screens().size() == 1; });
-    }
+    ~X11WindowsTest() override { leaveServerAsFound(); }
 
-    void setMonitors(const std::vector<QRect> &monitors) {
-        server().setMonitors(monitors);
-        ASSERT_TRUE(waitUntil([&] {
-            const auto attached = QGuiApplication::screens();
-            return static_cast<std::size_t>(attached.size()) == monitors.size() &&
-                   attached.first()->geometry() == monitors.front();
-        }));
-    }
-
-    void install(const QString &identifier, const QByteArray &lines) {
-        QFile file(folder.filePath(identifier + QStringLiteral(".desktop")));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("[Desktop Entry]\nType=Application\n" + lines);
-    }
-
-    /// A window of the player, in front.
-    xcb_window_t open(const QRect &at, XClient::Kind kind = XClient::Kind::normal) {
-        const xcb_window_t window = other->open(at, Qt::black, kind);
-        const auto process = static_cast<std::uint32_t>(player->process().processId());
-        xcb_change_property(other->xcb(), XCB_PROP_MODE_REPLACE, window, other->atom("_NET_WM_PID"),
-                            XCB_ATOM_CARDINAL, 32, 1, &process);
-        setClass(window, QByteArrayLiteral("player\0Player\0"));
-        other->activate(window);
-        EXPECT_TRUE(waitUntil([&] { return other->activeWindow() == window; }));
-        return window;
-    }
-    void setClass(xcb_window_t window, const QByteArray &value) {
-        xcb_change_property(other->xcb(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING,
-                            8, static_cast<std::uint32_t>(value.size()), value.constData());
-    }
+    /// Pixels to a point, of every screen.
+    static int ratio() { return static_cast<int>(qApp->devicePixelRatio()); }
 
     auto reason() { return ActivityMonitor(sensors).currentPauseReason(settings); }
     bool becomes(std::optional<PauseReason> wanted) {
@@ -95,9 +57,6 @@ protected:
         });
     }
 
-    QTemporaryDir folder;
-    std::optional<ChildProcess> player;
-    std::unique_ptr<XClient> other;
     std::shared_ptr<X11Windows> windows;
     FakePlatform sensors;
     Settings settings{sensors.fakeDefaults, sensors.loop};
@@ -130,9 +89,12 @@ TEST_P(WindowsUnderEveryManager, a_fullscreen_window_of_another_program_in_front
 TEST_F(X11WindowsTest, a_window_two_points_smaller_than_the_screen_does_not_hold) {
     setMonitors(twoMonitors);
     server().start(WindowManager::openbox); // others keep frames on the screen, and so windows smaller
-    const xcb_window_t window = open({0, 0, 1918, 1078});
+    const auto smallerBy = [](int points) {
+        return QRect(QPoint(), QSize(1920, 1080) - QSize(points, points) * ratio());
+    };
+    const xcb_window_t window = open(smallerBy(2));
     EXPECT_EQ(settledReason(), std::nullopt);
-    other->move(window, {0, 0, 1919, 1079});
+    other->move(window, smallerBy(1));
     EXPECT_TRUE(becomes(PauseReason::fullscreen)) << "one point does not matter";
 }
 
@@ -263,9 +225,30 @@ TEST_F(X11WindowsTest, a_server_that_died_has_no_windows) {
     EXPECT_FALSE(watched.isManaged());
 }
 
-TEST_F(X11WindowsTest, pixels_are_points_where_nothing_is_scaled) {
-    EXPECT_EQ(pointsOfPixels({10, 20, 300, 200}), QRectF(10, 20, 300, 200));
+TEST_F(X11WindowsTest, pixels_become_points_of_the_screen_that_they_are_on) {
+    setMonitors(twoMonitors);
+    const auto screens = QGuiApplication::screens();
+    ASSERT_EQ(screens.size(), 2);
+    for (qsizetype index = 0; index < screens.size(); ++index) {
+        const QPoint corner = twoMonitors[static_cast<std::size_t>(index)].topLeft();
+        const QRect pixels(corner + QPoint(40, 20) * ratio(), QSize(300, 200) * ratio());
+        EXPECT_EQ(pointsOfPixels(pixels),
+                  QRectF(screens[index]->geometry().topLeft() + QPoint(40, 20), QSize(300, 200)));
+    }
     EXPECT_EQ(pointsOfPixels({-9000, -9000, 10, 10}), QRectF(-9000, -9000, 10, 10)) << "on no screen";
+}
+
+TEST(X11Windows, at_twice_the_scale_a_point_is_two_pixels) {
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("2"));
+    const auto result =
+        ChildProcess::run(QCoreApplication::applicationFilePath(),
+                          {QStringLiteral("--gtest_filter=*pixels_become_points*:*two_points_smaller*:*"
+                                          "another_program_in_front_holds/openbox:"
+                                          "*as_large_as_the_second_screen_holds_there/openbox")},
+                          environment);
+    EXPECT_EQ(result.status, 0) << result.output.toStdString();
+    EXPECT_TRUE(result.output.contains("[  PASSED  ] 4 tests.")) << result.output.toStdString();
 }
 
 } // namespace pavonel::test

@@ -1,7 +1,10 @@
 #include "X11/server.h"
+#include "support/waitUntil.h"
 
 #include <QApplication>
+#include <QScreen>
 
+#include <cmath>
 #include <optional>
 
 #include <gtest/gtest.h>
@@ -14,6 +17,23 @@ XServer *running = nullptr;
 
 XServer &server() {
     return *running;
+}
+
+void setMonitors(const std::vector<QRect> &monitors) {
+    server().setMonitors(monitors);
+    ASSERT_TRUE(waitUntil([&] {
+        const auto attached = QGuiApplication::screens();
+        const QScreen *first = attached.first();
+        const QSizeF missing = QSizeF(first->size()) * first->devicePixelRatio() - monitors.front().size();
+        return static_cast<std::size_t>(attached.size()) == monitors.size() &&
+               std::abs(missing.width()) < 2 && std::abs(missing.height()) < 2; // points are whole
+    }));
+}
+
+void leaveServerAsFound() {
+    server().stopWindowManager();
+    server().setMonitors({});
+    waitUntil([] { return QGuiApplication::screens().size() == 1; });
 }
 
 } // namespace pavonel::test

@@ -88,7 +88,9 @@ void SoundServer::kill() {
     for (const auto &program : programs_)
         program->process().kill();
     programs_.clear();
-    QFile::remove(home_.filePath(QStringLiteral("pulse/native"))); // or the next one would find it taken
+    for (const char *socket :
+         {"pulse/native", "pipewire-0", "pipewire-0-manager"}) // or they would look alive
+        QFile::remove(home_.filePath(QString::fromLatin1(socket)));
 }
 
 QByteArray SoundServer::pactl(const QStringList &arguments) {
@@ -109,6 +111,10 @@ std::unique_ptr<ChildProcess> SoundServer::record(const QString &source) {
 
 std::unique_ptr<ChildProcess> SoundServer::play(const QString &sink) {
     return stream(QStringLiteral("pacat"), sink);
+}
+
+std::unique_ptr<ChildProcess> SoundServer::playAs(const QString &applicationId) {
+    return stream(QStringLiteral("pacat --property=application.id=") + applicationId, QStringLiteral("spk"));
 }
 
 std::unique_ptr<ChildProcess> SoundServer::stream(const QString &program, const QString &device) {

@@ -31,6 +31,9 @@ public:
     std::unique_ptr<ChildProcess> record(const QString &source = QStringLiteral("mic"));
     std::unique_ptr<ChildProcess> play(const QString &sink = QStringLiteral("spk"));
 
+    /// Plays as the program of this identifier would.
+    std::unique_ptr<ChildProcess> playAs(const QString &applicationId);
+
     /// What `pactl` prints; empty when it fails.
     QByteArray pactl(const QStringList &arguments);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Linux/Applications/DesktopFileListing.h"
 #include "Platform/Linux/Applications/DesktopFiles.h"
 
 #include <QDeadlineTimer>
@@ -28,12 +29,8 @@ public:
     const DesktopFileIndex &index() const { return index_; }
 
 private:
-    struct Found {
-        QString path;
-        QString identifier;
-    };
     struct Reading {
-        std::vector<Found> files;
+        std::vector<ListedDesktopFile> files;
         std::size_t next = 0;
         DesktopFileIndex index;
     };

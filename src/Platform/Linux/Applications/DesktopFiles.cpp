@@ -58,7 +58,7 @@ void DesktopFileIndex::add(const QString &identifier, const std::optional<Deskto
 QString DesktopFileIndex::forWindowClass(const QString &windowClass) const {
     if (windowClass.isEmpty())
         return {};
-    const QString declared = byWindowClass_.value(windowClass.toLower());
+    QString declared = byWindowClass_.value(windowClass.toLower());
     if (!declared.isEmpty())
         return declared;
     if (applications_.contains(windowClass))

@@ -19,8 +19,12 @@ constexpr int patience = 8; // milliseconds that one question may take; nobody n
 LinuxApplications::LinuxApplications(std::unique_ptr<FrontWindowSource> front,
                                      std::unique_ptr<ScreenCasts> casts, const Folders &folders)
     : front_(std::move(front)), casts_(std::move(casts)), catalogue_(folders.desktopFiles),
-      processes_(folders.processes,
-                 [this](const ProcessFolder &process) { return identify(process, catalogue_.index()); }) {}
+      processes_(
+          folders.processes,
+          [this](const ProcessFolder &process) { return identify(process, catalogue_.index()); },
+          [](const QByteArray &executable) {
+              return recorders::isSuspect(executable.mid(executable.lastIndexOf('/') + 1));
+          }) {}
 
 QString LinuxApplications::limitation() const {
     return front_ ? front_->limitation()

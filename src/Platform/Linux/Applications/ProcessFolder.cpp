@@ -47,19 +47,33 @@ std::optional<std::uint64_t> socketInode(const std::array<char, 64> &link, ssize
 
 ProcessFolder::ProcessFolder(int root, ProcessId process) : root_(root), id_(process) {}
 
-QByteArray ProcessFolder::pathOf(const char *file) const {
-    return QByteArray::number(id_) + '/' + file;
+/// Without an allocation: this is asked of many processes each second.
+ProcessFolder::Path ProcessFolder::pathOf(const char *file) const {
+    Path path{};
+    char *end = std::to_chars(path.data(), path.data() + path.size(), id_).ptr;
+    *end++ = '/';
+    qstrncpy(end, file, static_cast<std::size_t>(path.data() + path.size() - end));
+    return path;
 }
 
 bool ProcessFolder::isOurs() const {
     struct stat status {};
-    return ::fstatat(root_, QByteArray::number(id_).constData(), &status, 0) == 0 &&
-           status.st_uid == ::geteuid();
+    return ::fstatat(root_, pathOf("").data(), &status, 0) == 0 && status.st_uid == ::geteuid();
+}
+
+bool ProcessFolder::isThread() const {
+    constexpr QByteArrayView key = "\nTgid:\t";
+    const QByteArray status = read("status");
+    const auto group = status.indexOf(key);
+    if (group < 0)
+        return false;
+    const auto from = group + key.size();
+    return status.mid(from, status.indexOf('\n', from) - from).toInt() != id_;
 }
 
 std::optional<QByteArray> ProcessFolder::executable() const {
     std::array<char, 4096> path{};
-    const auto length = ::readlinkat(root_, pathOf("exe").constData(), path.data(), path.size());
+    const auto length = ::readlinkat(root_, pathOf("exe").data(), path.data(), path.size());
     if (length < 0)
         return errno == EACCES || errno == EPERM ? std::optional(QByteArray()) : std::nullopt;
     QByteArray executable(path.data(), length);
@@ -70,7 +84,7 @@ std::optional<QByteArray> ProcessFolder::executable() const {
 }
 
 QByteArray ProcessFolder::read(const char *file, qsizetype most) const {
-    const int descriptor = ::openat(root_, pathOf(file).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    const int descriptor = ::openat(root_, pathOf(file).data(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
     if (descriptor < 0)
         return {};
     QByteArray contents;
@@ -116,7 +130,7 @@ QByteArray ProcessFolder::unit() const {
 }
 
 std::optional<std::vector<std::uint64_t>> ProcessFolder::sockets() const {
-    const int folder = ::openat(root_, pathOf("fd").constData(), O_RDONLY | O_CLOEXEC | O_DIRECTORY);
+    const int folder = ::openat(root_, pathOf("fd").data(), O_RDONLY | O_CLOEXEC | O_DIRECTORY);
     if (folder < 0)
         return {};
     const std::unique_ptr<DIR, int (*)(DIR *)> entries(::fdopendir(folder), &::closedir);

@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QByteArrayList>
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -21,6 +22,9 @@ public:
 
     /// Whether the process runs as our user.
     bool isOurs() const;
+
+    /// Whether this is but a thread of another process: the folder has an entry for those, too, unlisted.
+    bool isThread() const;
 
     /// The path of the running program; empty when it may not be known, absent when the process is gone.
     std::optional<QByteArray> executable() const;
@@ -40,7 +44,8 @@ public:
     QByteArray read(const char *file, qsizetype most = 8192) const;
 
 private:
-    QByteArray pathOf(const char *file) const;
+    using Path = std::array<char, 64>;
+    Path pathOf(const char *file) const;
 
     int root_;
     ProcessId id_;

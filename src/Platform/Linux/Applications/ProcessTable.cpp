@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <memory>
 #include <utility>
@@ -14,7 +15,13 @@ namespace pavonel {
 
 namespace {
 
-constexpr int looksWhileYoung = 10; // at one a second: slow starters are what they will be by then
+/// In refreshes, one a second: slow starters are what they will be by then.
+constexpr unsigned grownUp = 8;
+constexpr int looksBetweenWalks = 600; // some systems show a container another row of numbers than its own
+constexpr ProcessId longestLeap = 512; // trying more numbers costs more than reading the folder
+
+/// A number is given a moment before its process shows.
+constexpr ProcessId perhapsNotShown = 32;
 
 ProcessId processIdOf(const char *name) {
     ProcessId id = 0;
@@ -24,8 +31,9 @@ ProcessId processIdOf(const char *name) {
 
 } // namespace
 
-ProcessTable::ProcessTable(const QByteArray &root, Identify identify)
-    : root_(::open(root.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)), identify_(std::move(identify)) {}
+ProcessTable::ProcessTable(const QByteArray &root, Identify identify, IsUrgent isUrgent)
+    : root_(::open(root.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)), identify_(std::move(identify)),
+      isUrgent_(std::move(isUrgent)) {}
 
 ProcessTable::~ProcessTable() {
     if (root_ >= 0)
@@ -36,17 +44,20 @@ void ProcessTable::refresh(QDeadlineTimer deadline) {
     if (root_ < 0)
         return;
     lookAgainAtYoung();
-    const bool anyEnded = dropEnded();
-    if (wereBorn() || anyEnded)
-        walk();
+    dropEnded();
+    const ProcessId last = lastBorn();
+    if (mustWalk(last))
+        walk(last);
+    else
+        meetNewborn(last);
     if (hasPending_)
         open(deadline);
 }
 
 void ProcessTable::reconsider() {
+    isOutdated_ = true;
     for (Known &process : known_)
         process.isPending = true;
-    hasPending_ = true;
 }
 
 std::vector<Application> ProcessTable::applications() const {
@@ -67,7 +78,7 @@ std::vector<ProcessId> ProcessTable::processesOf(const QString &identifier) cons
 }
 
 /// An application stands as long as one of its processes still runs the program it was found with.
-bool ProcessTable::dropEnded() {
+void ProcessTable::dropEnded() {
     std::vector<ProcessId> ended;
     for (auto &[identifier, members] : members_) {
         const auto alive = std::find_if(members.begin(), members.end(), [this](const Member &member) {
@@ -76,46 +87,57 @@ bool ProcessTable::dropEnded() {
         for (auto gone = members.begin(); gone != alive; ++gone)
             ended.push_back(gone->id);
     }
-    for (const ProcessId id : ended) {
-        release(id);
-        std::erase_if(known_, [id](const Known &process) { return process.id == id; });
-    }
-    return !ended.empty();
+    for (const ProcessId id : ended)
+        take(id); // it may run another program now
 }
 
 /// Between its birth and the start of its program a process looks like its parent, and launchers turn into
-/// what they launch.
+/// what they launch. So it is looked at again after one, two, four and eight refreshes.
 void ProcessTable::lookAgainAtYoung() {
-    for (Young &young : young_) {
-        --young.looksLeft;
-        const ProcessFolder process = folder(young.member.id);
+    for (auto &[id, young] : young_) {
+        if (!std::has_single_bit(++young.age))
+            continue;
+        const ProcessFolder process = folder(id);
         const auto executable = process.executable();
-        if (!executable) {
-            young.looksLeft = 0;
-        } else if (*executable != young.member.executable) {
-            young.member.executable = *executable;
-            release(young.member.id);
+        if (!executable || (!young.executable && process.isThread())) {
+            young.age = grownUp;
+        } else if (executable != young.executable) {
+            young.executable = executable;
+            release(id);
             place(process, *executable);
         }
     }
-    std::erase_if(young_, [](const Young &young) { return young.looksLeft <= 0; });
+    std::erase_if(young_, [](const auto &entry) { return entry.second.age >= grownUp; });
 }
 
-/// The kernel tells the number that it gave last, to threads too. Without such a word, any moment can have
-/// seen a birth.
-bool ProcessTable::wereBorn() {
+/// The number that the kernel gave last, to a process or a thread; 0 when it does not tell.
+ProcessId ProcessTable::lastBorn() const {
     const int descriptor = ::openat(root_, "loadavg", O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
-        return true;
+        return 0;
     std::array<char, 128> text{};
     const auto length = ::read(descriptor, text.data(), text.size());
     ::close(descriptor);
-    QByteArray last(text.data(), std::max<qsizetype>(length, 0));
-    last.remove(0, last.lastIndexOf(' ') + 1);
-    return last.isEmpty() || std::exchange(lastBorn_, last) != last;
+    const QByteArray line = QByteArray(text.data(), std::max<qsizetype>(length, 0)).trimmed();
+    return processIdOf(line.mid(line.lastIndexOf(' ') + 1).constData());
 }
 
-void ProcessTable::walk() {
+bool ProcessTable::mustWalk(ProcessId last) const {
+    const bool inRow = last > 0 && last >= newest_ && last - met_ <= longestLeap;
+    return !inRow || isOutdated_ || looksSinceWalk_ >= looksBetweenWalks;
+}
+
+void ProcessTable::walk(ProcessId last) {
+    merge(list());
+    newest_ = last;
+    met_ = std::max(last - perhapsNotShown, 0);
+    looksSinceWalk_ = 0;
+    isOutdated_ = false;
+    hasPending_ = true;
+    ++walks_;
+}
+
+std::vector<ProcessTable::Known> ProcessTable::list() const {
     const int descriptor = ::openat(root_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     const std::unique_ptr<DIR, int (*)(DIR *)> entries(descriptor < 0 ? nullptr : ::fdopendir(descriptor),
                                                        &::closedir);
@@ -128,26 +150,46 @@ void ProcessTable::walk() {
     const auto byId = [](const Known &a, const Known &b) { return a.id < b.id; };
     if (!std::is_sorted(listed.begin(), listed.end(), byId))
         std::sort(listed.begin(), listed.end(), byId);
-    merge(std::move(listed));
+    return listed;
 }
 
+/// Leaves for opening what was not there before.
 void ProcessTable::merge(std::vector<Known> listed) {
     auto old = known_.begin();
     for (Known &process : listed) {
         while (old != known_.end() && old->id < process.id)
-            release((old++)->id);
-        if (old == known_.end() || old->id != process.id)
-            continue;
-        if (old->inode == process.inode)
+            ++old;
+        if (old != known_.end() && old->id == process.id && old->inode == process.inode)
             process.isPending = old->isPending;
-        else
-            release(old->id);
-        ++old;
     }
-    for (; old != known_.end(); ++old)
-        release(old->id);
     known_ = std::move(listed);
-    hasPending_ = true;
+    const auto isGone = [this](const Member &member) {
+        return !std::binary_search(known_.begin(), known_.end(), Known{member.id, 0, false},
+                                   [](const Known &a, const Known &b) { return a.id < b.id; });
+    };
+    for (auto &[identifier, members] : members_)
+        std::erase_if(members, isGone);
+    std::erase_if(members_, [](const auto &entry) { return entry.second.empty(); });
+}
+
+void ProcessTable::meetNewborn(ProcessId last) {
+    ++looksSinceWalk_;
+    for (ProcessId id = met_ + 1; id <= last; ++id) {
+        if (!young_.contains(id))
+            meet(id);
+    }
+    met_ = std::exchange(newest_, last);
+}
+
+void ProcessTable::meet(ProcessId id) {
+    const ProcessFolder process = folder(id);
+    const auto executable = process.isOurs() ? process.executable() : std::nullopt;
+    if (!executable)
+        return;
+    if (!isUrgent_(*executable))
+        young_.insert_or_assign(id, Young{});
+    else if (!process.isThread())
+        take(id);
 }
 
 void ProcessTable::open(QDeadlineTimer deadline) {
@@ -163,18 +205,18 @@ void ProcessTable::open(QDeadlineTimer deadline) {
 }
 
 void ProcessTable::take(ProcessId id) {
-    const ProcessFolder process = folder(id);
-    if (!process.isOurs())
-        return;
-    ++opened_;
     release(id);
-    if (const auto executable = process.executable()) {
-        young_.push_back({{id, *executable}, looksWhileYoung});
-        place(process, *executable);
-    }
+    const ProcessFolder process = folder(id);
+    const auto executable = process.isOurs() ? process.executable() : std::nullopt;
+    if (!executable)
+        return;
+    if (id > newest_ - longestLeap)
+        young_.insert_or_assign(id, Young{*executable});
+    place(process, *executable);
 }
 
 void ProcessTable::place(const ProcessFolder &process, const QByteArray &executable) {
+    ++opened_;
     const QString identifier = identify_(process);
     if (identifier.isEmpty())
         return;

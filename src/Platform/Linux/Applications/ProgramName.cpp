@@ -48,7 +48,7 @@ QByteArray programName(const QByteArrayList &arguments) {
     }
     if (index >= arguments.size())
         return {};
-    const QByteArray program = baseName(arguments[index]);
+    QByteArray program = baseName(arguments[index]);
     if (!isInterpreter(program))
         return program;
     const QByteArray script = scriptName(arguments, index + 1);

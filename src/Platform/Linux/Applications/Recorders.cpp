@@ -59,6 +59,10 @@ QString screenRecording() {
     return QStringLiteral("com.apple.screencaptureui");
 }
 
+bool isSuspect(const QByteArray &program) {
+    return program == "ffmpeg" || program.startsWith("python") || !identifierOf(program, {}).isEmpty();
+}
+
 bool isOne(const QString &identifier) {
     return identifier == obsStudio() || identifier == screenSharing() || identifier == screenRecording();
 }

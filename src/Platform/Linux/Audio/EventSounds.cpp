@@ -51,8 +51,12 @@ void EventSounds::play(const QString &name) {
     if (file.isEmpty())
         file = themeSounds().value(name);
     const QString program = player(files_);
-    if (!file.isEmpty() && !program.isEmpty())
-        launcher_.launch(program, {file});
+    if (file.isEmpty() || program.isEmpty())
+        return;
+    // To start a program takes its time, and a break that begins has screens to paint.
+    playing_ = std::async([this, program, file] { launcher_.launch(program, {file}); });
+    if (playing_.wait_for(std::chrono::seconds(0)) == std::future_status::deferred)
+        playing_.get();
 }
 
 QStringList EventSounds::names() {

@@ -3,6 +3,8 @@
 #include "Platform/Linux/DetachedLauncher.h"
 #include "Platform/Sounds.h"
 
+#include <future>
+
 namespace pavonel {
 
 /// Our own sounds, then those of the installed sound themes. A small program of ours plays them through
@@ -19,6 +21,7 @@ public:
 private:
     ProgramFiles files_;
     DetachedLauncher launcher_;
+    std::future<void> playing_; ///< The player has not been started yet while this is not ready.
 };
 
 } // namespace pavonel

@@ -195,7 +195,7 @@ template <class Info> void PulseAudioDevices::onStream(pa_context *, const Info 
     if constexpr (std::is_same_v<Info, pa_source_output_info>) {
         if (!device.owner.isLevelMeter(*info))
             device.inUse.insert(info->source);
-    } else {
+    } else if (!device.owner.isOurs(*info)) {
         device.inUse.insert(info->sink);
     }
 }
@@ -206,6 +206,12 @@ bool PulseAudioDevices::isLevelMeter(const pa_source_output_info &stream) const 
         return true;
     const char *const peaks = pulse_->pa_proplist_gets(stream.proplist, "resample.peaks"); // PipeWire's word
     return peaks && std::strcmp(peaks, "true") == 0;
+}
+
+/// The sound that begins or ends a break is nothing to wait for.
+bool PulseAudioDevices::isOurs(const pa_sink_input_info &stream) const {
+    const char *const id = pulse_->pa_proplist_gets(stream.proplist, PA_PROP_APPLICATION_ID);
+    return id && std::strcmp(id, "org.pavonel.Pavonel") == 0;
 }
 
 void PulseAudioDevices::concludeLook(Device &device) {

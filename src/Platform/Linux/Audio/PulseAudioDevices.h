@@ -55,6 +55,7 @@ private:
     template <class Info> static void onDevice(pa_context *, const Info *info, int end, void *device);
     template <class Info> static void onStream(pa_context *, const Info *info, int end, void *device);
     bool isLevelMeter(const pa_source_output_info &stream) const;
+    bool isOurs(const pa_sink_input_info &stream) const;
 
     const PulseLibrary *pulse_ = nullptr; ///< Loaded with the first question.
     QtPulseLoop loop_;

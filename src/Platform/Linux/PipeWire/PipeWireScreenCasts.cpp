@@ -2,7 +2,9 @@
 
 #include "Platform/Linux/PipeWire/PipeWireLibrary.h"
 
+#include <QFile>
 #include <QSocketNotifier>
+#include <QString>
 
 #include <algorithm>
 #include <cstring>
@@ -25,6 +27,16 @@ bool isScreen(const spa_dict *properties) {
                          hasValue(properties, PW_KEY_MEDIA_CLASS, "Stream/Output/Video");
     return isVideo && !hasValue(properties, PW_KEY_MEDIA_ROLE, "Camera") &&
            !spa_dict_lookup(properties, PW_KEY_DEVICE_ID) && !spa_dict_lookup(properties, PW_KEY_DEVICE_API);
+}
+
+/// An attempt to connect starts a thread; looking for the server's socket costs nothing.
+bool mayBeReachable() {
+    if (qEnvironmentVariableIsSet("PIPEWIRE_REMOTE"))
+        return true;
+    QString folder = qEnvironmentVariable("PIPEWIRE_RUNTIME_DIR");
+    if (folder.isEmpty())
+        folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return QFile::exists(folder + QStringLiteral("/pipewire-0"));
 }
 
 } // namespace
@@ -178,7 +190,7 @@ bool PipeWireScreenCasts::anyLive() {
 
 void PipeWireScreenCasts::connectIfDue() {
     const auto now = Clock::now();
-    if (now < nextAttempt_)
+    if (now < nextAttempt_ || !mayBeReachable())
         return;
     nextAttempt_ = now + pause_;
     pause_ = std::min<Clock::duration>(pause_ * 2, longestPause);

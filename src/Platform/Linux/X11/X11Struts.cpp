@@ -111,8 +111,8 @@ QRect X11Struts::visiblePart(const QRect &monitor) {
     for (const auto &[window, entry] : windows_) {
         if (!entry.strut)
             continue;
-        const auto at = [&](std::size_t index) {
-            return static_cast<int>(std::min((*entry.strut)[index], std::uint32_t{0xffff}));
+        const auto at = [&strut = *entry.strut](std::size_t index) {
+            return static_cast<int>(std::min(strut[index], std::uint32_t{0xffff}));
         };
         const int left = at(0), right = desktop_.width() - at(1);
         const int top = at(2), bottom = desktop_.height() - at(3);

@@ -1,0 +1,145 @@
+#include "Platform/Linux/Applications/LinuxInstalledApplications.h"
+
+#include "Platform/Linux/Applications/DesktopFileCatalogue.h"
+#include "Platform/Linux/Applications/ProgramName.h"
+#include "Platform/Linux/Applications/Recorders.h"
+#include "Platform/Linux/DesktopEntry.h"
+
+#include <QCollator>
+#include <QFileInfo>
+#include <QIcon>
+#include <QImage>
+#include <QImageReader>
+#include <QLocale>
+#include <QSet>
+#include <QStandardPaths>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace pavonel {
+
+namespace {
+
+using Surroundings = LinuxInstalledApplications::Surroundings;
+
+bool intersects(const QStringList &one, const QStringList &other) {
+    return std::ranges::any_of(one, [&](const QString &text) { return other.contains(text); });
+}
+
+bool isInstalled(const DesktopEntry &entry) {
+    const QString program = entry.text("TryExec");
+    return program.isEmpty() || !QStandardPaths::findExecutable(program).isEmpty();
+}
+
+/// As the menu decides it. What runs in a terminal is left out: then the terminal is the program in front.
+bool isForTheMenu(const DesktopEntry &entry, const QStringList &desktops) {
+    if (entry.text("Type") != u"Application" || entry.isTrue("Hidden") || entry.isTrue("NoDisplay") ||
+        entry.isTrue("Terminal"))
+        return false;
+    if (entry.has("OnlyShowIn") && !intersects(entry.list("OnlyShowIn"), desktops))
+        return false;
+    return !intersects(entry.list("NotShowIn"), desktops) && isInstalled(entry);
+}
+
+QString nameFor(const DesktopEntry &entry, const QString &locale) {
+    const QByteArray full = locale.toUtf8();
+    for (const QByteArray &language : {full, full.split('_').first()}) {
+        if (const QString name = entry.text("Name[" + language + ']'); !name.isEmpty())
+            return name.simplified();
+    }
+    return entry.text("Name").simplified();
+}
+
+/// Recorders run under identifiers that the product knows them by.
+QString identifierAtRunTime(const QString &identifier, const DesktopEntry &entry) {
+    QByteArrayList command;
+    for (const QString &word : entry.command())
+        command.append(word.toLocal8Bit());
+    const QString recorder = recorders::identifierOf(programName(command), command);
+    return recorder.isEmpty() ? identifier : recorder;
+}
+
+QImage imageIn(const QString &path, int side) {
+    if (!QFileInfo(path).isFile()) // a pipe would never answer
+        return {};
+    QImageReader reader(path);
+    if (const QSize stored = reader.size(); !stored.isEmpty())
+        reader.setScaledSize(stored.scaled(side, side, Qt::KeepAspectRatio));
+    return reader.read();
+}
+
+/// Icons of a theme are named without a suffix, but many files give one.
+QString themeName(const QString &icon) {
+    for (const char *suffix : {".png", ".svg", ".xpm"}) {
+        if (icon.endsWith(QLatin1String(suffix)))
+            return icon.chopped(4);
+    }
+    return icon;
+}
+
+QStringList withoutDuplicates(QStringList texts) {
+    texts.removeDuplicates();
+    return texts;
+}
+
+/// Also makes it see what came or went since the last time.
+void setUpIconSearch(const Surroundings &surroundings) {
+    QIcon::setThemeSearchPaths(withoutDuplicates(surroundings.iconThemes + QIcon::themeSearchPaths()));
+    QIcon::setFallbackSearchPaths(withoutDuplicates(surroundings.icons + QIcon::fallbackSearchPaths()));
+    if (QIcon::themeName().isEmpty())
+        QIcon::setThemeName(QStringLiteral("hicolor"));
+}
+
+} // namespace
+
+Surroundings Surroundings::ofThisDesktop() {
+    const auto folders = [](const char *name) {
+        return QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, QLatin1String(name),
+                                         QStandardPaths::LocateDirectory);
+    };
+    const QStringList languages = QLocale().uiLanguages();
+    return {DesktopFileCatalogue::standardFolders(), folders("icons"), folders("pixmaps"),
+            qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':', Qt::SkipEmptyParts),
+            languages.value(0).replace(u'-', u'_')};
+}
+
+std::vector<InstalledApplication> LinuxInstalledApplications::all() {
+    std::vector<InstalledApplication> applications;
+    QSet<QString> seen;
+    icons_.clear();
+    setUpIconSearch(surroundings_);
+    for (const ListedDesktopFile &file : listDesktopFiles(surroundings_.desktopFiles, [](const auto &) {})) {
+        if (seen.contains(file.identifier))
+            continue;
+        seen.insert(file.identifier);
+        const auto entry = DesktopEntry::parse(readDesktopFile(file.path));
+        if (!entry || !isForTheMenu(*entry, surroundings_.desktops))
+            continue;
+        const QString identifier = identifierAtRunTime(file.identifier, *entry);
+        const QString name = nameFor(*entry, surroundings_.locale);
+        if (name.isEmpty() || icons_.contains(identifier))
+            continue;
+        applications.push_back({identifier, name});
+        icons_.insert(identifier, entry->text("Icon"));
+    }
+    QCollator order;
+    order.setCaseSensitivity(Qt::CaseInsensitive);
+    std::ranges::stable_sort(applications, [&](const auto &one, const auto &other) {
+        return order.compare(one.name, other.name) < 0;
+    });
+    return applications;
+}
+
+QImage LinuxInstalledApplications::icon(const QString &bundleIdentifier, int side) {
+    const QString icon = icons_.value(bundleIdentifier);
+    if (icon.isEmpty() || side <= 0)
+        return {};
+    if (QFileInfo(icon).isAbsolute())
+        return imageIn(icon, side);
+    const QString name = themeName(icon);
+    return name.contains(u'/') ? QImage() : QIcon::fromTheme(name).pixmap(QSize(side, side), 1.0).toImage();
+}
+
+} // namespace pavonel
