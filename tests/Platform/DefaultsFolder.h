@@ -23,7 +23,8 @@ struct DefaultsFolder : ::testing::Test {
     VirtualMainLoop loop;
     std::optional<FileDefaults> store;
 
-    FileDefaults &open() { return store.emplace(path, loop); }
+    /// Writes without a thread, so that what is due has been done when time has passed.
+    FileDefaults &open() { return store.emplace(path, loop, std::launch::deferred); }
 
     /// What the next start of the program finds.
     FileDefaults &reopen() {

@@ -193,7 +193,7 @@ struct FileDefaultsRetry : FileDefaultsFailure {
         const QString blocked = other.filePath(QStringLiteral("pavonel"));
         QFile file(blocked);
         EXPECT_TRUE(file.open(QFile::WriteOnly));
-        FileDefaults tried(blocked + QStringLiteral("/defaults.json"), clock);
+        FileDefaults tried(blocked + QStringLiteral("/defaults.json"), clock, std::launch::deferred);
         tried.set(strictMode, true);
         for (Seconds passed = 0;; passed += 0.5) {
             if (passed >= repairAfter)

@@ -35,15 +35,36 @@ bool isAnythingAt(const QString &path) {
     return ::lstat(QFile::encodeName(path).data(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
+/// False when something is still in the way.
+bool setAside(const QString &path, Instant now) {
+    if (!isAnythingAt(path))
+        return true;
+    const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(now).time_since_epoch();
+    const QString time = QDateTime::fromMSecsSinceEpoch(milliseconds.count(), Qt::UTC)
+                             .toString(QStringLiteral("yyyyMMdd'T'HHmmss'Z'"));
+    const QString wanted = path + QStringLiteral(".broken-") + time;
+    QString free = wanted;
+    for (int number = 2; isAnythingAt(free); ++number)
+        free = QStringLiteral("%1-%2").arg(wanted).arg(number);
+    return ::rename(QFile::encodeName(path).data(), QFile::encodeName(free).data()) == 0;
+}
+
+enum class Found { ours, anothers };
+
+bool write(const QString &path, Found found, Instant now, const QByteArray &json) {
+    makePrivateFolder(QFileInfo(path).path());
+    return (found == Found::ours || setAside(path, now)) && replaceFile(path, json);
+}
+
 } // namespace
 
-FileDefaults::FileDefaults(QString path, MainLoop &loop)
-    : path_(std::move(path)), loop_(loop), retryDelay_(firstRetryDelay) {
+FileDefaults::FileDefaults(QString path, MainLoop &loop, std::launch threads)
+    : path_(std::move(path)), loop_(loop), threads_(threads), retryDelay_(firstRetryDelay) {
     makePrivateFolder(QFileInfo(path_).path());
     removeUnfinishedReplacements(path_);
     fileIsOurs_ = read();
     if (!fileIsOurs_)
-        setAside();
+        setAside(path_, loop_.now());
 }
 
 std::optional<StoredValue> FileDefaults::value(const QString &key) const {
@@ -82,18 +103,8 @@ void FileDefaults::remove(const QString &key) {
 }
 
 void FileDefaults::flush() {
-    nextWrite_.reset();
-    collectLazyValues();
-    if (!isChanged_)
-        return;
-    if (write()) {
-        isChanged_ = false;
-        retryDelay_ = firstRetryDelay;
-        return;
-    }
-    nextUrgency_ = Urgency::whenConvenient;
-    nextWrite_ = loop_.after(retryDelay_, [this] { flush(); });
-    retryDelay_ = std::min(retryDelay_ * 2, longestRetryDelay);
+    finishWriting();
+    startWriting(std::launch::deferred);
 }
 
 bool FileDefaults::read() {
@@ -108,25 +119,11 @@ bool FileDefaults::read() {
     return members.has_value();
 }
 
-/// False when something is still in the way.
-bool FileDefaults::setAside() {
-    if (!isAnythingAt(path_))
-        return true;
-    const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(loop_.now()).time_since_epoch();
-    const QString time = QDateTime::fromMSecsSinceEpoch(milliseconds.count(), Qt::UTC)
-                             .toString(QStringLiteral("yyyyMMdd'T'HHmmss'Z'"));
-    const QString wanted = path_ + QStringLiteral(".broken-") + time;
-    QString free = wanted;
-    for (int number = 2; isAnythingAt(free); ++number)
-        free = QStringLiteral("%1-%2").arg(wanted).arg(number);
-    return ::rename(QFile::encodeName(path_).data(), QFile::encodeName(free).data()) == 0;
-}
-
 void FileDefaults::schedule(Urgency urgency) {
     if (nextWrite_ && nextUrgency_ >= urgency)
         return;
     nextUrgency_ = urgency;
-    nextWrite_ = loop_.after(urgency == Urgency::soon ? soonDelay : convenientDelay, [this] { flush(); });
+    nextWrite_ = loop_.after(urgency == Urgency::soon ? soonDelay : convenientDelay, [this] { save(); });
 }
 
 void FileDefaults::collectLazyValues() {
@@ -140,13 +137,50 @@ void FileDefaults::collectLazyValues() {
     }
 }
 
-bool FileDefaults::write() {
-    makePrivateFolder(QFileInfo(path_).path());
-    if (!fileIsOurs_ && !setAside())
-        return false;
-    const bool isWritten = replaceFile(path_, storedJson::writeMembers(members_));
-    fileIsOurs_ = fileIsOurs_ || isWritten;
-    return isWritten;
+void FileDefaults::save() {
+    nextWrite_.reset();
+    if (write_.valid())
+        schedule(Urgency::soon); // the disk is slower than we change
+    else
+        startWriting(threads_);
+}
+
+void FileDefaults::startWriting(std::launch threads) {
+    nextWrite_.reset();
+    collectLazyValues();
+    if (!std::exchange(isChanged_, false))
+        return;
+    writing_ = std::make_shared<bool>();
+    write_ = std::async(threads, [path = path_, found = fileIsOurs_ ? Found::ours : Found::anothers,
+                                  now = loop_.now(), json = storedJson::writeMembers(members_), &loop = loop_,
+                                  this, current = std::weak_ptr(writing_)] {
+        const bool isWritten = write(path, found, now, json);
+        loop.post([this, current] {
+            if (!current.expired())
+                finishWriting();
+        });
+        return isWritten;
+    });
+    if (write_.wait_for(std::chrono::seconds(0)) == std::future_status::deferred)
+        finishWriting();
+}
+
+void FileDefaults::finishWriting() {
+    if (!write_.valid())
+        return;
+    const bool isWritten = write_.get();
+    writing_.reset();
+    if (isWritten) {
+        fileIsOurs_ = true;
+        retryDelay_ = firstRetryDelay;
+        return;
+    }
+    isChanged_ = true;
+    if (nextWrite_ && nextUrgency_ == Urgency::soon)
+        return;
+    nextUrgency_ = Urgency::whenConvenient;
+    nextWrite_ = loop_.after(retryDelay_, [this] { save(); });
+    retryDelay_ = std::min(retryDelay_ * 2, longestRetryDelay);
 }
 
 } // namespace pavonel
