@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QPair>
+#include <QString>
 #include <QUrl>
 
 #include <functional>
@@ -27,15 +28,32 @@ struct HttpResponse {
     QByteArray data; ///< May be empty.
 };
 
+/// A file to fetch, and what it may cost.
+struct HttpDownload {
+    QUrl url;
+    QString folder;                                  ///< Where the file is put; it must exist.
+    Seconds timeout = 60;                            ///< Without a byte in either direction.
+    Seconds longest = 6 * 3600.0;                    ///< From the beginning to the end.
+    qint64 largest = qint64{1024} * 1024 * 1024;     ///< In bytes.
+    qint64 spaceToLeave = qint64{256} * 1024 * 1024; ///< In bytes, on the disk of the folder.
+};
+
 /// The process-wide HTTP client. Certificates are always verified. Redirects are followed, never from HTTPS
-/// to HTTP, and credentials never travel to another server.
+/// to HTTP and never to anything else, and credentials never travel to another server.
 class HttpClient : public Service {
 public:
     /// Nothing when there was no complete response: no network, no such host, no trust, a broken-off reply.
     using Completion = std::function<void(std::optional<HttpResponse> response)>;
 
+    /// The path of a new file with the whole body of the response, whatever its status; the file is the
+    /// receiver's. Nothing, and no file, when there was no complete response or it went over a limit.
+    using FileCompletion = std::function<void(std::optional<QString> file)>;
+
     /// `completion` is called once, on a thread of the client's own; never after the client is gone.
     virtual void send(const HttpRequest &request, Completion completion) = 0;
+
+    /// As `send`. The completion may take its time: only other downloads wait for it.
+    virtual void download(const HttpDownload &download, FileCompletion completion) = 0;
 };
 
 } // namespace pavonel

@@ -151,6 +151,37 @@ TEST_F(DetachedLauncherTest, a_started_program_has_our_environment_and_working_f
     EXPECT_EQ(read(QStringLiteral("seen")), "peacock blue " + QFile::encodeName(QDir::currentPath()) + '\n');
 }
 
+TEST_F(DetachedLauncherTest, a_started_program_does_not_get_what_was_meant_for_our_own_start) {
+    qputenv("XDG_ACTIVATION_TOKEN", "token");
+    qputenv("DESKTOP_STARTUP_ID", "id");
+    const QString program =
+        addScript(QStringLiteral("script"),
+                  "echo \"${XDG_ACTIVATION_TOKEN-none} ${DESKTOP_STARTUP_ID-none}\" >new; mv new seen");
+    EXPECT_TRUE(launcher.launch(program, {}));
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+    qunsetenv("DESKTOP_STARTUP_ID");
+    ASSERT_TRUE(appears(QStringLiteral("seen")));
+    EXPECT_EQ(read(QStringLiteral("seen")), "none none\n");
+}
+
+TEST_F(DetachedLauncherTest, our_own_tools_come_first_on_the_search_path_only_where_asked_for) {
+    const QByteArray usual = qgetenv("PATH");
+    const QByteArray tools = QFile::encodeName(files().toolsFolder());
+    const QString program = addScript(QStringLiteral("script"), "echo \"$PATH\" >new; mv new \"$1\"");
+    const auto pathSeen = [&](const QString &name, ProcessLauncher::SearchPath searchPath) {
+        EXPECT_TRUE(launcher.launch(program, {name}, searchPath));
+        EXPECT_TRUE(appears(name));
+        return read(name).trimmed();
+    };
+    EXPECT_EQ(pathSeen(QStringLiteral("first"), ProcessLauncher::SearchPath::ownToolsFirst),
+              tools + ':' + usual);
+    qputenv("PATH", tools + ':' + usual); // as the update's script has it, which starts the next version
+    EXPECT_EQ(pathSeen(QStringLiteral("second"), ProcessLauncher::SearchPath::usual), usual);
+    EXPECT_EQ(pathSeen(QStringLiteral("third"), ProcessLauncher::SearchPath::ownToolsFirst),
+              tools + ':' + usual);
+    qputenv("PATH", usual);
+}
+
 TEST_F(DetachedLauncherTest, nothing_that_was_started_becomes_a_zombie_of_ours) {
     for (int n = 0; n < 20; ++n)
         EXPECT_TRUE(launcher.launch(QStringLiteral("/bin/true"), {}));
@@ -193,6 +224,17 @@ TEST_F(DetachedLauncherTest, a_script_that_prints_a_gigabyte_comes_to_its_end_un
                   "head -c 1000000000 /dev/zero && head -c 1000000 /dev/zero >&2 && touch done");
     EXPECT_TRUE(launcher.launch(program, {}));
     EXPECT_TRUE(appears(QStringLiteral("done")));
+}
+
+TEST_F(DetachedLauncherTest, says_that_scripts_are_handed_to_the_shell_or_that_nothing_can_run_them) {
+    if (QFile::exists(QStringLiteral("/usr/bin/osascript"))) {
+        EXPECT_EQ(launcher.limitation(), QString());
+        return;
+    }
+    EXPECT_EQ(launcher.limitation(), QStringLiteral("The program that runs break scripts is missing."));
+    addTool(QStringLiteral("osascript"), "true");
+    EXPECT_EQ(launcher.limitation(),
+              QStringLiteral("There is no AppleScript on this system: a script is handed to the shell."));
 }
 
 } // namespace pavonel::test

@@ -4,12 +4,12 @@
 #include "Platform/Qt/QtMainLoop.h"
 #include "support/FakePlatform.h"
 #include "support/HttpServer.h"
+#include "support/answerOf.h"
 #include "support/waitUntil.h"
 
 #include <QTcpSocket>
 
 #include <atomic>
-#include <mutex>
 
 #include <gtest/gtest.h>
 
@@ -32,18 +32,7 @@ protected:
 
     /// Sends and waits for the answer.
     Response send(const HttpRequest &request) {
-        std::mutex mutex;
-        std::optional<Response> answer;
-        client->send(request, [&](Response response) {
-            const std::scoped_lock lock(mutex);
-            answer = std::move(response);
-        });
-        EXPECT_TRUE(waitUntil([&] {
-            const std::scoped_lock lock(mutex);
-            return answer.has_value();
-        })) << "no answer";
-        const std::scoped_lock lock(mutex);
-        return answer.value_or(std::nullopt);
+        return answerOf<Response>([&](auto answer) { client->send(request, answer); });
     }
     Response get(const HttpServer &server) { return send(request("GET", server.url("/pair/status"))); }
 };
@@ -194,6 +183,16 @@ TEST_F(HttpClientTest, redirects_in_a_circle_or_to_elsewhere_end) {
     EXPECT_LT(circle.requests().size(), 30U);
     const HttpServer file(HttpServer::respond(302, "", "Location: file:///etc/passwd\r\n"));
     EXPECT_FALSE(get(file));
+}
+
+TEST_F(HttpClientTest, no_redirect_leads_from_https_to_http) {
+    const HttpServer plain(HttpServer::respond(200, "{}"));
+    const HttpServer server(
+        HttpServer::respond(302, "", "Location: " + plain.url("/pair").toEncoded() + "\r\n"),
+        HttpServer::Transport::trustedTls);
+    EXPECT_FALSE(get(server));
+    EXPECT_EQ(server.requests().size(), 1U);
+    EXPECT_TRUE(plain.requests().empty());
 }
 
 TEST_F(HttpClientTest, nothing_is_answered_once_the_client_is_gone) {

@@ -16,7 +16,15 @@ namespace pavonel::test {
 
 namespace {
 
-std::unique_ptr<QTcpServer> tlsServer() {
+void trust(const QList<QSslCertificate> &certificates) {
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.addCaCertificates(certificates);
+    QSslConfiguration::setDefaultConfiguration(configuration);
+}
+
+std::unique_ptr<QTcpServer> listener(HttpServer::Transport transport) {
+    if (transport == HttpServer::Transport::plain)
+        return std::make_unique<QTcpServer>();
     const QTemporaryDir folder;
     const QString key = folder.filePath(QStringLiteral("key.pem"));
     const QString certificate = folder.filePath(QStringLiteral("certificate.pem"));
@@ -25,6 +33,7 @@ std::unique_ptr<QTcpServer> tlsServer() {
                           {QStringLiteral("req"), QStringLiteral("-x509"), QStringLiteral("-newkey"),
                            QStringLiteral("rsa:2048"), QStringLiteral("-nodes"), QStringLiteral("-days"),
                            QStringLiteral("2"), QStringLiteral("-subj"), QStringLiteral("/CN=localhost"),
+                           QStringLiteral("-addext"), QStringLiteral("subjectAltName=IP:127.0.0.1"),
                            QStringLiteral("-keyout"), key, QStringLiteral("-out"), certificate});
     EXPECT_EQ(made.status, 0) << made.errors.toStdString();
     QFile keyFile(key);
@@ -32,6 +41,8 @@ std::unique_ptr<QTcpServer> tlsServer() {
     QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
     configuration.setPrivateKey(QSslKey(&keyFile, QSsl::Rsa));
     configuration.setLocalCertificateChain(QSslCertificate::fromPath(certificate));
+    if (transport == HttpServer::Transport::trustedTls)
+        trust(configuration.localCertificateChain());
     auto server = std::make_unique<QSslServer>();
     server->setSslConfiguration(configuration);
     return server;
@@ -49,8 +60,7 @@ QByteArray HttpServer::Request::header(const QByteArray &name) const {
 }
 
 HttpServer::HttpServer(Answer answer, Transport transport)
-    : answer_(std::move(answer)), transport_(transport),
-      server_(transport == Transport::tls ? tlsServer() : std::make_unique<QTcpServer>()) {
+    : answer_(std::move(answer)), transport_(transport), server_(listener(transport)) {
     EXPECT_TRUE(server_->listen(QHostAddress::LocalHost));
     QObject::connect(server_.get(), &QTcpServer::pendingConnectionAvailable, server_.get(),
                      [this] { accept(); });
@@ -60,7 +70,7 @@ HttpServer::~HttpServer() = default;
 
 QUrl HttpServer::url(const char *path) const {
     return QUrl(QStringLiteral("%1://127.0.0.1:%2%3")
-                    .arg(transport_ == Transport::tls ? QStringLiteral("https") : QStringLiteral("http"))
+                    .arg(transport_ == Transport::plain ? QStringLiteral("http") : QStringLiteral("https"))
                     .arg(server_->serverPort())
                     .arg(QString::fromUtf8(path)));
 }

@@ -27,9 +27,13 @@ public:
     /// What to do with a connection once it has brought a whole request.
     using Answer = std::function<void(const Request &request, QTcpSocket &connection)>;
 
-    enum class Transport { plain, tls };
+    enum class Transport {
+        plain,
+        tls,       ///< Under a certificate that nobody trusts.
+        trustedTls ///< Under one that this process trusts from then on.
+    };
 
-    /// On a free port of the loopback address. With TLS, under a certificate that nobody trusts.
+    /// On a free port of the loopback address.
     explicit HttpServer(Answer answer, Transport transport = Transport::plain);
     ~HttpServer();
 

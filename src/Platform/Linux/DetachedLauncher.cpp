@@ -1,7 +1,8 @@
 #include "Platform/Linux/DetachedLauncher.h"
 
+#include "Platform/Linux/LaunchEnvironment.h"
+
 #include <QFile>
-#include <QFileInfo>
 
 #include <array>
 #include <cerrno>
@@ -59,21 +60,26 @@ void leaveSignalsBehind() {
     pthread_sigmask(SIG_SETMASK, &none, nullptr);
 }
 
-[[noreturn]] void become(char *const *arguments, int report) {
+struct Command {
+    char *const *arguments;
+    char *const *environment;
+};
+
+[[noreturn]] void become(const Command &command, int report) {
     leaveFilesBehind(report);
     leaveSignalsBehind();
-    execv(arguments[0], arguments);
+    execve(command.arguments[0], command.arguments, command.environment);
     const char failed = 1;
     [[maybe_unused]] const auto written = write(reportFd, &failed, 1);
     _exit(127);
 }
 
 /// The child forks again and ends at once, so that its own child belongs to the init process.
-[[noreturn]] void handOver(char *const *arguments, int report) {
+[[noreturn]] void handOver(const Command &command, int report) {
     setsid();
     const pid_t child = fork();
     if (child == 0)
-        become(arguments, report);
+        become(command, report);
     _exit(child < 0 ? 1 : 0);
 }
 
@@ -96,39 +102,53 @@ bool isSilentToTheEnd(int report) {
     return got == 0;
 }
 
-bool start(char *const *arguments) {
+bool start(const Command &command) {
     std::array<int, 2> report{};
     if (pipe2(report.data(), O_CLOEXEC) != 0)
         return false;
     const SignalsBlocked blocked;
     const pid_t child = fork();
     if (child == 0)
-        handOver(arguments, report[1]);
+        handOver(command, report[1]);
     close(report[1]);
     const bool started = child > 0 && childHandedOver(child) && isSilentToTheEnd(report[0]);
     close(report[0]);
     return started;
 }
 
+/// As a program is given them, with a null at the end.
+std::vector<char *> pointersTo(QByteArrayList &texts) {
+    std::vector<char *> pointers;
+    for (QByteArray &text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 } // namespace
 
-bool DetachedLauncher::launch(const QString &program, const QStringList &arguments) {
-    const QFileInfo wanted(program);
-    const QString executable = wanted.exists() ? program : files_.tool(wanted.fileName());
-    if (executable.isEmpty() || !wanted.isAbsolute())
+bool DetachedLauncher::launch(const QString &program, const QStringList &arguments, SearchPath searchPath) {
+    const QString executable = files_.executable(program);
+    if (executable.isEmpty())
         return false;
-
-    std::vector<QByteArray> encoded{QFile::encodeName(executable)};
-    for (const QString &argument : arguments)
-        encoded.push_back(argument.toLocal8Bit());
-    std::vector<char *> pointers;
-    for (QByteArray &argument : encoded) {
-        if (argument.contains('\0')) // what follows would be cut off, and half a script is another script
+    QByteArrayList command{QFile::encodeName(executable)};
+    for (const QString &argument : arguments) {
+        command.append(argument.toLocal8Bit());
+        if (command.last().contains(
+                '\0')) // what follows would be cut off, and half a script is another script
             return false;
-        pointers.push_back(argument.data());
     }
-    pointers.push_back(nullptr);
-    return start(pointers.data());
+    QByteArrayList environment = launchEnvironment(QFile::encodeName(files_.toolsFolder()), searchPath);
+    return start({pointersTo(command).data(), pointersTo(environment).data()});
+}
+
+/// Of all that it starts, a user notices this: the language of the break scripts is another one here.
+QString DetachedLauncher::limitation() const {
+    if (QFile::exists(QStringLiteral("/usr/bin/osascript")))
+        return {};
+    return files_.tool(QStringLiteral("osascript")).isEmpty()
+               ? QStringLiteral("The program that runs break scripts is missing.")
+               : QStringLiteral("There is no AppleScript on this system: a script is handed to the shell.");
 }
 
 } // namespace pavonel

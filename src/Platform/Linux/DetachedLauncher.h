@@ -11,7 +11,9 @@ class DetachedLauncher final : public ProcessLauncher {
 public:
     explicit DetachedLauncher(ProgramFiles files) : files_(std::move(files)) {}
 
-    bool launch(const QString &program, const QStringList &arguments) override;
+    bool launch(const QString &program, const QStringList &arguments,
+                SearchPath searchPath = SearchPath::usual) override;
+    QString limitation() const override;
 
 private:
     ProgramFiles files_;

@@ -22,9 +22,20 @@ QString ProgramFiles::firstFolder(const QString &beside, const QString &underPre
 QString ProgramFiles::tool(const QString &name) const {
     if (name.isEmpty() || name.contains(u'/'))
         return {};
-    const auto folder = QStringLiteral("/libexec/pavonel");
-    const QFileInfo tool(firstFolder(folder, folder) + u'/' + name);
+    const QFileInfo tool(toolsFolder() + u'/' + name);
     return tool.isFile() && tool.isExecutable() ? tool.filePath() : QString();
+}
+
+QString ProgramFiles::executable(const QString &path) const {
+    const QFileInfo wanted(path);
+    if (!wanted.isAbsolute())
+        return {};
+    return wanted.exists() ? path : tool(wanted.fileName());
+}
+
+QString ProgramFiles::toolsFolder() const {
+    const auto folder = QStringLiteral("/libexec/pavonel");
+    return firstFolder(folder, folder);
 }
 
 QString ProgramFiles::soundsFolder() const {

@@ -18,6 +18,13 @@ public:
     /// The path of one of our own tools; empty when there is none of that name.
     QString tool(const QString &name) const;
 
+    /// What to run when `path` is asked for: the file there or, where there is none, our own tool of the same
+    /// name. Empty when there is neither or the path is not absolute.
+    QString executable(const QString &path) const;
+
+    /// Where our own tools lie.
+    QString toolsFolder() const;
+
     /// The folder of our sounds, which need not exist.
     QString soundsFolder() const;
 

@@ -4,23 +4,35 @@
 
 #include <QThread>
 
-#include <memory>
+#include <functional>
 
 class QNetworkAccessManager;
 
 namespace pavonel {
 
-/// HTTP through QtNetwork, on a thread that starts with the first request.
+/// HTTP through QtNetwork, on two threads that start with the first request and with the first download.
 class QtHttpClient final : public HttpClient {
 public:
-    QtHttpClient();
-    ~QtHttpClient() override;
-
     void send(const HttpRequest &request, Completion completion) override;
+    void download(const HttpDownload &download, FileCompletion completion) override;
 
 private:
-    QThread thread_;
-    QNetworkAccessManager *manager_ = nullptr; ///< Lives and dies on the thread.
+    class Worker {
+    public:
+        explicit Worker(const QString &name);
+        Worker(const Worker &) = delete;
+        Worker &operator=(const Worker &) = delete;
+        ~Worker();
+
+        void act(std::function<void(QNetworkAccessManager &)> action);
+
+    private:
+        QThread thread_;
+        QNetworkAccessManager *manager_ = nullptr; ///< Lives and dies on the thread.
+    };
+
+    Worker requests_{QStringLiteral("http")};
+    Worker downloads_{QStringLiteral("download")};
 };
 
 } // namespace pavonel

@@ -126,4 +126,8 @@ void QtMainLoop::post(Action action) {
     QMetaObject::invokeMethod(&context_, std::move(action), Qt::QueuedConnection);
 }
 
+void QtMainLoop::quit(int status) {
+    QCoreApplication::exit(status); // quit() asks the windows, and a break screen says no
+}
+
 } // namespace pavonel

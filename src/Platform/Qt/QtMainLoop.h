@@ -21,6 +21,7 @@ public:
     TimerHandle every(Seconds interval, Action action) override;
     TimerHandle after(Seconds delay, Action action) override;
     void post(Action action) override;
+    void quit(int status) override;
 
 private:
     class Metronome;

@@ -1,0 +1,81 @@
+#include "Core/UpdaterCommand.h"
+
+#include <cstdlib>
+#include <utility>
+#include <variant>
+
+namespace pavonel {
+
+namespace {
+
+constexpr Seconds pollInterval = 0.5;
+constexpr int mostPolls = 241; // two minutes
+
+/// Versions and messages come from elsewhere, and a terminal obeys what it is shown.
+QString withoutControls(QString text) {
+    for (QChar &character : text) {
+        if (character.category() == QChar::Other_Control && character != u'\n')
+            character = u' ';
+    }
+    return text;
+}
+
+} // namespace
+
+UpdaterCommand::UpdaterCommand(MainLoop &loop, Updater &updater, Print print)
+    : loop_(loop), updater_(updater), print_(std::move(print)) {}
+
+void UpdaterCommand::start() {
+    print(QStringLiteral("current version: ") + updater_.currentVersion());
+    updater_.check(Updater::CheckKind::interactive);
+    polling_ = loop_.every(pollInterval, [this] { poll(); });
+}
+
+/// The updater ends the program sooner after the staging than the next look may come.
+void UpdaterCommand::finish() {
+    const auto *staged = std::get_if<Updater::ReadyToRestart>(&updater_.state.get());
+    if (polling_ && staged)
+        look(*staged);
+}
+
+void UpdaterCommand::poll() {
+    ++polls_;
+    const Updater::State state = updater_.state; // which installing changes
+    std::visit([this](const auto &now) { look(now); }, state);
+    if (polling_ && polls_ >= mostPolls) {
+        print(QStringLiteral("timed out"));
+        end(EXIT_FAILURE);
+    }
+}
+
+void UpdaterCommand::look(const Updater::Available &offer) {
+    print(QStringLiteral("available: %1 — installing").arg(offer.version));
+    updater_.install();
+}
+
+void UpdaterCommand::look(const Updater::Failed &failure) {
+    print(QStringLiteral("failed: ") + failure.message);
+    end(EXIT_FAILURE);
+}
+
+void UpdaterCommand::look(const Updater::UpToDate &) {
+    print(QStringLiteral("up to date"));
+    end(EXIT_SUCCESS);
+}
+
+/// The updater ends the program.
+void UpdaterCommand::look(const Updater::ReadyToRestart &) {
+    print(QStringLiteral("verified and staged; replacing on exit"));
+    polling_.reset();
+}
+
+void UpdaterCommand::print(const QString &line) const {
+    print_(withoutControls(line));
+}
+
+void UpdaterCommand::end(int status) {
+    polling_.reset();
+    loop_.quit(status);
+}
+
+} // namespace pavonel

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Core/Updater.h"
+#include "Platform/MainLoop.h"
+
+#include <functional>
+
+namespace pavonel {
+
+/// Updates from the command line: checks, installs what is newer and tells of it line by line. The end of the
+/// main loop is its end.
+class UpdaterCommand {
+public:
+    using Print = std::function<void(const QString &line)>;
+
+    /// Both must outlive this.
+    UpdaterCommand(MainLoop &loop, Updater &updater, Print print);
+
+    void start();
+
+    /// To be called after the main loop has ended: tells what came between the last look and the end.
+    void finish();
+
+private:
+    void poll();
+    void look(const Updater::Available &offer);
+    void look(const Updater::Failed &failure);
+    void look(const Updater::UpToDate &);
+    void look(const Updater::ReadyToRestart &);
+    template <class Underway> void look(const Underway &) {}
+
+    void print(const QString &line) const;
+    void end(int status);
+
+    MainLoop &loop_;
+    Updater &updater_;
+    Print print_;
+    TimerHandle polling_; ///< Absent when there is nothing more to wait for.
+    int polls_ = 0;
+};
+
+} // namespace pavonel

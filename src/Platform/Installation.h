@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Platform/Service.h"
+
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+namespace pavonel {
+
+/// This copy of the program as it lies on the disk. Its limitation, when it has one, says why no update can
+/// take its place, and who updates it instead.
+class Installation : public Service {
+public:
+    /// The short version text of the running program. Absent when it is not known.
+    virtual std::optional<QString> version() const = 0;
+
+    /// The absolute path of the application bundle that the program runs from. Empty when it runs from none.
+    virtual QString bundle() const = 0;
+
+    /// The short version text of another bundle of this program. Absent when it does not say.
+    virtual std::optional<QString> versionOf(const QString &bundle) const = 0;
+
+    /// The folder for temporary files, which only this user can open; made when it is missing. Empty when it
+    /// cannot be had.
+    virtual QString temporaryFolder() = 0;
+};
+
+/// This system's answer by itself. Needs the application object, but no display.
+std::unique_ptr<Installation> makeInstallation();
+
+} // namespace pavonel

@@ -1,0 +1,84 @@
+#include "Platform/Linux/LinuxInstallation.h"
+
+#include "Platform/Qt/PrivateFolder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <utility>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace pavonel {
+
+namespace {
+
+QString bundleOf(const QString &program) {
+    const QFileInfo folder(QFileInfo(program).canonicalPath());
+    const bool isBundle = folder.fileName().endsWith(u".app") &&
+                          QDir(folder.filePath() + QStringLiteral("/libexec/pavonel")).exists();
+    return isBundle ? folder.filePath() : QString();
+}
+
+/// Where only package managers put files.
+bool isPackaged(const QString &program) {
+    constexpr const char *places[] = {"/usr/", "/app/", "/snap/", "/nix/store/", "/gnu/store/"};
+    return !program.startsWith(u"/usr/local/") &&
+           std::any_of(std::begin(places), std::end(places),
+                       [&](const char *place) { return program.startsWith(QString::fromUtf8(place)); });
+}
+
+bool isWritable(const QString &folder) {
+    return ::access(QFile::encodeName(folder).constData(), W_OK | X_OK) == 0;
+}
+
+bool isPrivateFolderOfOurs(const QString &path) {
+    struct stat status {};
+    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 && S_ISDIR(status.st_mode) &&
+           status.st_uid == ::geteuid() && (status.st_mode & 0777) == 0700;
+}
+
+} // namespace
+
+LinuxInstallation::LinuxInstallation(const ProgramFiles &files, QString temporaryFolder)
+    : program_(files.program()), bundle_(bundleOf(program_)),
+      version_(versionOf(bundle_).value_or(QStringLiteral(PAVONEL_VERSION))),
+      temporaryFolder_(std::move(temporaryFolder)) {}
+
+QString LinuxInstallation::limitation() const {
+    if (isPackaged(program_))
+        return QStringLiteral("This copy of Pavonel was installed by the system's package manager, "
+                              "which also updates it.");
+    if (bundle_.isEmpty())
+        return QStringLiteral("This copy of Pavonel was not installed from a disk image. "
+                              "Whoever built or installed it updates it.");
+    const QString parent = QFileInfo(bundle_).path();
+    for (const QString &folder : {parent, bundle_}) {
+        if (!isWritable(folder))
+            return QStringLiteral(
+                       "You may not change the folder %1. Whoever installed Pavonel there updates it.")
+                .arg(folder);
+    }
+    return {};
+}
+
+std::optional<QString> LinuxInstallation::versionOf(const QString &bundle) const {
+    constexpr qint64 longest = 256;
+    if (bundle.isEmpty())
+        return {};
+    QFile file(bundle + QStringLiteral("/version"));
+    if (!file.open(QFile::ReadOnly))
+        return {};
+    const QString text = QString::fromUtf8(file.read(longest)).trimmed();
+    return text.isEmpty() ? std::nullopt : std::optional(text);
+}
+
+QString LinuxInstallation::temporaryFolder() {
+    makePrivateFolder(temporaryFolder_);
+    return isPrivateFolderOfOurs(temporaryFolder_) ? temporaryFolder_ : QString();
+}
+
+} // namespace pavonel

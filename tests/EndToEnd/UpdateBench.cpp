@@ -1,0 +1,113 @@
+#include "EndToEnd/UpdateBench.h"
+
+#include "support/waitUntil.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTcpSocket>
+
+#include <csignal>
+
+namespace pavonel::test {
+
+namespace {
+
+const QString bash = QStringLiteral("bash");
+
+} // namespace
+
+UpdateBench::UpdateBench() {
+    home.environment().insert(QStringLiteral("PAVONEL_UPDATE_FEED"), server.url("/updates.json").toString());
+    home.environment().insert(QStringLiteral("url"), server.url().toString());
+    home.environment().insert(QStringLiteral("project"), QStringLiteral(PAVONEL_SOURCE_DIR));
+    home.environment().insert(QStringLiteral("build"), QFileInfo(QStringLiteral(PAVONEL_PROGRAM)).path());
+    write("config/pavonel/defaults.json",
+          R"({"didOnboard": true, "launchAtLogin": false, "autoUpdate": false})");
+    shell("make_keys team; make_keys stranger");
+}
+
+UpdateBench::~UpdateBench() {
+    const auto end = [this] {
+        for (const qint64 process : processes()) {
+            if (process > 1)
+                ::kill(static_cast<pid_t>(process), SIGKILL);
+        }
+        return processes().empty();
+    };
+    EXPECT_TRUE(waitUntil(end));
+}
+
+QByteArray UpdateBench::shell(const QByteArray &commands) {
+    const auto result = tryShell(commands);
+    EXPECT_EQ(result.status, 0) << commands.toStdString() << "\n"
+                                << (result.output + result.errors).toStdString();
+    return result.output;
+}
+
+ChildProcess::Result UpdateBench::tryShell(const QByteArray &commands) {
+    const QByteArray prelude =
+        "cd -- '" + QFile::encodeName(path("")) + "' && . \"$project/tests/EndToEnd/update-bench\"\n";
+    return ChildProcess::run(bash, {QStringLiteral("-c"), QString::fromUtf8(prelude + commands)},
+                             home.environment());
+}
+
+bool UpdateBench::exists(const char *inHome) const {
+    return QFileInfo::exists(path(inHome));
+}
+
+QByteArray UpdateBench::read(const char *inHome) const {
+    QFile file(path(inHome));
+    return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void UpdateBench::write(const char *inHome, const QByteArray &content) const {
+    QFile file(path(inHome));
+    QDir().mkpath(QFileInfo(file).path());
+    ASSERT_TRUE(file.open(QFile::WriteOnly)) << inHome;
+    file.write(content);
+}
+
+std::vector<qint64> UpdateBench::processes() const {
+    const QString program = QFileInfo(path("")).canonicalFilePath() + QStringLiteral("/Applications/");
+    std::vector<qint64> result;
+    for (const QString &name : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        const QString executable = QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(name));
+        if (executable.startsWith(program))
+            result.push_back(name.toLongLong());
+    }
+    return result;
+}
+
+std::unique_ptr<ChildProcess> UpdateBench::startUpdate(const QByteArray &commandsBefore) {
+    const QString program = installed() + QStringLiteral("/pavonel");
+    const QString updateNow = QStringLiteral("--update-now");
+    if (commandsBefore.isEmpty())
+        return std::make_unique<ChildProcess>(program, QStringList{updateNow}, home.environment());
+    const QString script = QString::fromUtf8("set -e\n" + commandsBefore + "\nexec \"$0\" \"$@\"");
+    return std::make_unique<ChildProcess>(
+        QStringLiteral("unshare"),
+        QStringList{QStringLiteral("-rm"), bash, QStringLiteral("-c"), script, program, updateNow},
+        home.environment());
+}
+
+UpdateBench::Update UpdateBench::updateNow(const QByteArray &commandsBefore) {
+    const auto program = startUpdate(commandsBefore);
+    const bool ended = waitUntil([&] { return !program->isRunning(); }, 150'000);
+    EXPECT_TRUE(ended) << "the update neither succeeded nor failed";
+    QProcess &process = program->process();
+    QByteArrayList lines = process.readAllStandardOutput().split('\n');
+    lines.removeLast();
+    return {ended && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, lines,
+            process.readAllStandardError()};
+}
+
+void UpdateBench::serve(const HttpServer::Request &request, QTcpSocket &connection) {
+    if (answer)
+        return answer(request, connection);
+    QFile file(path("site") + QString::fromUtf8(request.line().split(' ').value(1)));
+    if (!file.open(QFile::ReadOnly))
+        return HttpServer::respond(404, "<html>Not found</html>")(request, connection);
+    HttpServer::respond(200, file.readAll())(request, connection);
+}
+
+} // namespace pavonel::test

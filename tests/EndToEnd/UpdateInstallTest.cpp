@@ -1,0 +1,139 @@
+#include "EndToEnd/UpdateBench.h"
+#include "support/AccessibilityBus.h"
+#include "support/MessageBus.h"
+#include "support/XServer.h"
+#include "support/waitUntil.h"
+
+#include <csignal>
+
+namespace pavonel::test {
+
+namespace {
+
+/// From one release to the next, with nothing in between but what a user has.
+class UpdateInstall : public UpdateBench {
+protected:
+    UpdateInstall() { shell("make_release 1.9.0; install_release 1.9.0"); }
+
+    QByteArray installedVersion() {
+        return ChildProcess::run(installed() + QStringLiteral("/pavonel"), {QStringLiteral("--version")},
+                                 home.environment())
+            .output;
+    }
+
+    /// Every condition must hold at the same moment; of the old process nothing is left then.
+    bool newVersionRuns(const char *version) {
+        return waitUntil([&] {
+            return read("Applications/Pavonel.app/version") == QByteArray(version) + '\n' &&
+                   processes().size() == 1 &&
+                   !exists(QByteArray("cache/pavonel/tmp/Pavonel-staged-") + version + ".app");
+        });
+    }
+
+    void expectNewVersionEnds() {
+        const auto running = processes();
+        ASSERT_EQ(running.size(), 1);
+        ASSERT_GT(running[0], 1);
+        ::kill(static_cast<pid_t>(running[0]), SIGTERM);
+        EXPECT_TRUE(waitUntil([&] { return processes().empty(); }));
+    }
+
+    const QByteArrayList success{"current version: 1.9.0", "available: 1.10.0 — installing",
+                                 "verified and staged; replacing on exit"};
+};
+
+} // namespace
+
+TEST_F(UpdateInstall, the_next_release_takes_the_place_of_the_last_and_runs) {
+    shell("make_release 1.10.0");
+    EXPECT_EQ(installedVersion(), "pavonel 1.9.0\n");
+    const auto update = updateNow();
+    EXPECT_EQ(update.status, 0) << update.errors.toStdString();
+    EXPECT_EQ(update.lines, success);
+    ASSERT_TRUE(newVersionRuns("1.10.0")) << update.errors.toStdString();
+    EXPECT_EQ(installedVersion(), "pavonel 1.10.0\n");
+    EXPECT_EQ(shell("unpack 1.10.0; diff -r image/Pavonel.app \"$installed\""), "");
+    expectNewVersionEnds();
+}
+
+TEST_F(UpdateInstall, the_new_version_comes_up_on_the_desktop) {
+    const XServer desktop;
+    shell("make_release 1.10.0");
+    home.environment().remove(QStringLiteral("QT_QPA_PLATFORM"));
+    home.environment().insert(QStringLiteral("DISPLAY"), QString::fromLatin1(desktop.display()));
+    write("config/pavonel/defaults.json",
+          R"({"didOnboard": true, "launchAtLogin": false, "autoUpdate": false, "microInterval": 2,
+              "preNotifySeconds": 0, "soundEnabled": false, "onBreakStartScript": "touch \"$HOME/break\""})");
+    EXPECT_EQ(updateNow().lines, success);
+    ASSERT_TRUE(newVersionRuns("1.10.0"));
+    EXPECT_TRUE(waitUntil([&] { return exists("break"); }))
+        << "it does not count, or does not find its tools";
+    expectNewVersionEnds();
+}
+
+TEST_F(UpdateInstall, the_update_card_installs_the_next_release_and_restarts) {
+    shell("make_release 1.10.0");
+    const XServer desktop;
+    const MessageBus bus;
+    QProcessEnvironment &environment = home.environment();
+    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(desktop.display()));
+    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address());
+    environment.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+    environment.insert(QStringLiteral("PYTHONDONTWRITEBYTECODE"), QStringLiteral("1"));
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    const AccessibilityBus accessibility(environment);
+    write("config/pavonel/defaults.json", R"({"launchAtLogin": false})"); // a first run, with its check
+    const ChildProcess program(installed() + QStringLiteral("/pavonel"), {}, environment);
+    const QString script = QStringLiteral(PAVONEL_SOURCE_DIR "/tests/EndToEnd/settings-road/install.py");
+    ChildProcess user(QStringLiteral("/usr/bin/python3"),
+                      {script, QStringLiteral("1.9.0"), QStringLiteral("1.10.0")}, environment);
+    ASSERT_TRUE(waitUntil([&] { return !user.isRunning(); }, 120'000));
+    ASSERT_EQ(user.process().exitCode(), 0) << user.process().readAllStandardError().toStdString();
+    ASSERT_TRUE(newVersionRuns("1.10.0"));
+    EXPECT_EQ(shell("unpack 1.10.0; diff -r image/Pavonel.app \"$installed\""), "");
+    expectNewVersionEnds();
+}
+
+TEST_F(UpdateInstall, one_update_follows_another) {
+    shell("make_release 1.10.0");
+    EXPECT_EQ(updateNow().lines, success);
+    ASSERT_TRUE(newVersionRuns("1.10.0"));
+    expectNewVersionEnds();
+    shell("make_release 2");
+    EXPECT_EQ(updateNow().lines, QByteArrayList({"current version: 1.10.0", "available: 2 — installing",
+                                                 "verified and staged; replacing on exit"}));
+    ASSERT_TRUE(newVersionRuns("2"));
+    EXPECT_EQ(installedVersion(), "pavonel 2\n");
+}
+
+TEST_F(UpdateInstall, the_same_release_is_up_to_date) {
+    const QByteArray before = fingerprint();
+    const auto update = updateNow();
+    EXPECT_EQ(update.status, 0);
+    EXPECT_EQ(update.lines, QByteArrayList({"current version: 1.9.0", "up to date"}));
+    EXPECT_EQ(fingerprint(), before);
+    EXPECT_EQ(server.requests().size(), 1) << "only the feed was asked for";
+}
+
+TEST_F(UpdateInstall, an_older_release_is_up_to_date) {
+    shell("make_release 1.8.99");
+    const auto update = updateNow();
+    EXPECT_EQ(update.status, 0);
+    EXPECT_EQ(update.lines.last(), "up to date");
+    EXPECT_EQ(installedVersion(), "pavonel 1.9.0\n");
+}
+
+TEST_F(UpdateInstall, a_name_with_a_space_and_an_apostrophe_is_a_fine_place) {
+    shell("make_release 1.10.0; mkdir \"Applications/it's mine\"\n"
+          "mv Applications/Pavonel.app \"Applications/it's mine/My Pavonel.app\"");
+    ChildProcess program(path("Applications/it's mine/My Pavonel.app/pavonel"),
+                         {QStringLiteral("--update-now")}, home.environment());
+    ASSERT_TRUE(waitUntil([&] { return !program.isRunning(); }));
+    EXPECT_EQ(program.process().readAllStandardOutput(), success.join('\n') + '\n');
+    EXPECT_TRUE(waitUntil([&] {
+        return read("Applications/it's mine/My Pavonel.app/version") == "1.10.0\n" && processes().size() == 1;
+    }));
+}
+
+} // namespace pavonel::test

@@ -1,0 +1,123 @@
+#include "Platform/Linux/LinuxInstallation.h"
+
+#include "support/InChild.h"
+#include "support/Workshop.h"
+
+#include <sys/stat.h>
+
+namespace pavonel::test {
+
+namespace {
+
+class LinuxInstallationTest : public Workshop {
+protected:
+    LinuxInstallationTest() {
+        QDir(folder()).mkpath(QStringLiteral("Pavonel.app/libexec/pavonel"));
+        write(QStringLiteral("Pavonel.app/pavonel"), "program");
+        write(QStringLiteral("Pavonel.app/version"), "2.4.1\n");
+    }
+
+    LinuxInstallation installationOf(const QString &program) const {
+        return LinuxInstallation(ProgramFiles(program), path(QStringLiteral("cache/pavonel/tmp")));
+    }
+    LinuxInstallation inBundle() const { return installationOf(path(QStringLiteral("Pavonel.app/pavonel"))); }
+
+    unsigned modeOf(const QString &name) const {
+        struct stat status {};
+        return ::lstat(QFile::encodeName(path(name)).constData(), &status) == 0 ? status.st_mode & 07777 : 0;
+    }
+    void setMode(const QString &name, unsigned mode) const {
+        ASSERT_EQ(::chmod(QFile::encodeName(path(name)).constData(), mode), 0);
+    }
+
+    const QString temporary = QStringLiteral("cache/pavonel/tmp");
+};
+
+} // namespace
+
+TEST_F(LinuxInstallationTest, a_bundle_is_the_folder_around_the_program) {
+    EXPECT_EQ(inBundle().bundle(), QFileInfo(path(QStringLiteral("Pavonel.app"))).canonicalFilePath());
+    EXPECT_EQ(inBundle().limitation(), QString());
+}
+
+TEST_F(LinuxInstallationTest, a_bundle_that_is_reached_through_a_link_is_itself) {
+    QFile::link(path(QStringLiteral("Pavonel.app")), path(QStringLiteral("link")));
+    EXPECT_EQ(installationOf(path(QStringLiteral("link/pavonel"))).bundle(), inBundle().bundle());
+}
+
+TEST_F(LinuxInstallationTest, a_bundle_tells_its_version) {
+    EXPECT_EQ(inBundle().version(), QStringLiteral("2.4.1"));
+    EXPECT_EQ(inBundle().versionOf(path(QStringLiteral("Pavonel.app"))), QStringLiteral("2.4.1"));
+}
+
+TEST_F(LinuxInstallationTest, the_running_version_stays_when_the_bundle_is_replaced) {
+    const LinuxInstallation installation = inBundle();
+    write(QStringLiteral("Pavonel.app/version"), "3.0\n");
+    EXPECT_EQ(installation.version(), QStringLiteral("2.4.1"));
+    EXPECT_EQ(installation.versionOf(path(QStringLiteral("Pavonel.app"))), QStringLiteral("3.0"));
+}
+
+TEST_F(LinuxInstallationTest, a_bundle_without_a_version_does_not_tell_one) {
+    const QString bundle = path(QStringLiteral("Pavonel.app"));
+    for (const char *content : {"", "\n", " \n"}) {
+        write(QStringLiteral("Pavonel.app/version"), content);
+        EXPECT_EQ(inBundle().versionOf(bundle), std::nullopt);
+    }
+    EXPECT_EQ(inBundle().versionOf(path(QStringLiteral("nowhere"))), std::nullopt);
+}
+
+TEST_F(LinuxInstallationTest,
+       a_program_that_is_no_bundle_has_the_version_of_its_build_and_says_who_updates_it) {
+    const LinuxInstallation installation = installationOf(path(QStringLiteral("program/pavonel")));
+    EXPECT_EQ(installation.bundle(), QString());
+    EXPECT_EQ(installation.version(), QStringLiteral(PAVONEL_VERSION));
+    EXPECT_EQ(installation.limitation(),
+              QStringLiteral("This copy of Pavonel was not installed from a disk image. "
+                             "Whoever built or installed it updates it."));
+}
+
+TEST_F(LinuxInstallationTest, a_packaged_program_is_updated_by_the_package_manager) {
+    const QString sentence =
+        QStringLiteral("This copy of Pavonel was installed by the system's package manager, "
+                       "which also updates it.");
+    for (const char *program : {"/usr/bin/pavonel", "/usr/lib/Pavonel.app/pavonel", "/app/bin/pavonel",
+                                "/snap/pavonel/1/bin/pavonel", "/nix/store/x-pavonel/bin/pavonel"})
+        EXPECT_EQ(installationOf(QString::fromUtf8(program)).limitation(), sentence) << program;
+    EXPECT_NE(installationOf(QStringLiteral("/usr/local/bin/pavonel")).limitation(), sentence);
+}
+
+TEST_F(LinuxInstallationTest, a_bundle_in_a_folder_that_cannot_be_written_says_so) {
+    const QString where = QFileInfo(inBundle().bundle()).path();
+    setMode(QString(), 0555);
+    inChild([&] {
+        becomeNobody();
+        EXPECT_EQ(
+            inBundle().limitation(),
+            QStringLiteral("You may not change the folder %1. Whoever installed Pavonel there updates it.")
+                .arg(where));
+    });
+    setMode(QString(), 0700);
+}
+
+TEST_F(LinuxInstallationTest, the_temporary_folder_is_made_for_its_user_alone) {
+    EXPECT_EQ(inBundle().temporaryFolder(), path(temporary));
+    EXPECT_EQ(modeOf(temporary), 0700U);
+}
+
+TEST_F(LinuxInstallationTest, a_temporary_folder_that_is_open_to_others_is_closed) {
+    QDir(folder()).mkpath(temporary);
+    setMode(temporary, 0777);
+    EXPECT_EQ(inBundle().temporaryFolder(), path(temporary));
+    EXPECT_EQ(modeOf(temporary), 0700U);
+}
+
+TEST_F(LinuxInstallationTest, a_temporary_folder_that_is_something_else_is_none) {
+    QDir(folder()).mkpath(QStringLiteral("cache/pavonel"));
+    write(temporary, "a file");
+    EXPECT_EQ(inBundle().temporaryFolder(), QString());
+    QFile::remove(path(temporary));
+    QFile::link(path(QStringLiteral("program")), path(temporary));
+    EXPECT_EQ(inBundle().temporaryFolder(), QString()) << "a link, to who knows where";
+}
+
+} // namespace pavonel::test
