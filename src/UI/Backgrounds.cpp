@@ -32,7 +32,8 @@ const QImage &Backgrounds::image(QSize devicePixels) {
         path_ = settings_.customBackgroundPath;
         wanted_ = std::make_shared<bool>(true);
     }
-    Entry &entry = entries_.emplace_back(devicePixels, gradientImage(Theme::gradient(style_), devicePixels));
+    entries_.push_back({devicePixels, gradientImage(Theme::gradient(style_), devicePixels)});
+    Entry &entry = entries_.back();
     if (!path_.isEmpty())
         load(entry);
     return entry.image;

@@ -122,7 +122,7 @@ void OverlayManager::takeKeyboard() {
 }
 
 void OverlayManager::bindEscape() {
-    if (!settings_.isSkipPermitted() || hotKeys_.holdsEscape())
+    if (!settings_.isSkipPermitted() || hotKeys_.holds(HotKeyManager::escapeID))
         return;
     hotKeys_.registerBinding(
         {HotKeyManager::escapeID, escapeKeyCode, 0, QStringLiteral("esc"), [self = QPointer(this)] {

@@ -2,48 +2,18 @@
 
 #include "Platform/Platform.h"
 #include "UI/Backgrounds.h"
+#include "UI/BreakScreenText.h"
 #include "UI/ClockText.h"
-#include "UI/Fonts.h"
 #include "UI/Ring.h"
 #include "UI/SkipButton.h"
 
-#include <QFontMetricsF>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPointer>
 
 #include <algorithm>
-#include <cmath>
 
 namespace pavonel {
-
-namespace {
-
-constexpr double titleTracking = 3;
-
-QFont titleFont() {
-    QFont font = fonts::ui(13, QFont::DemiBold);
-    font.setLetterSpacing(QFont::AbsoluteSpacing, titleTracking);
-    return font;
-}
-
-/// Smaller for a time of many hours, which would run over the ring.
-QFont timeFont(const QString &time, double room) {
-    constexpr int size = 64;
-    const QFont font = fonts::ui(size, QFont::Thin);
-    const double width = fonts::tabularWidth(QFontMetricsF(font), time);
-    return width <= room ? font : fonts::ui(static_cast<int>(size * room / width), QFont::Thin);
-}
-
-QFont messageFont() {
-    return fonts::ui(26, QFont::Light);
-}
-
-QColor white(double opacity) {
-    return QColor::fromRgbF(1, 1, 1, static_cast<float>(opacity));
-}
-
-} // namespace
 
 BreakOverlayView::BreakOverlayView(BreakController &controller, Settings &settings, Platform &platform,
                                    Backgrounds &backgrounds, Role role, QWidget *parent)
@@ -84,7 +54,7 @@ BreakOverlayView::Content BreakOverlayView::content() const {
     content.still.backgroundPath = settings_.customBackgroundPath;
     if (!isPrimary())
         return content;
-    content.still.title = controller_.breakTitle->toUpper();
+    content.still.title = controller_.breakTitle;
     content.still.message = controller_.breakMessage;
     content.still.skipPermitted = settings_.isSkipPermitted();
     content.time = clockText(controller_.breakRemaining);
@@ -111,7 +81,7 @@ void BreakOverlayView::refresh() {
         glide_.glideTo(shown_.progress);
     }
     if (shown_.time != before.time)
-        update(timeRect().toAlignedRect());
+        update(breakScreen::timeRect(layout_.ring).toAlignedRect());
     if (shown_.still == before.still)
         return;
     arrange();
@@ -128,11 +98,11 @@ void BreakOverlayView::arrange() {
     if (!isPrimary())
         return;
     BreakLayout::Sizes sizes;
-    sizes.titleHeight = std::round(QFontMetricsF(titleFont()).height());
+    sizes.titleHeight = breakScreen::titleHeight();
     if (shown_.still.skipPermitted)
         sizes.skip = skip_->sizeHint();
     const double textWidth = std::min(BreakLayout::roomForText(size()), BreakLayout::widestMessage);
-    message_.emplace(shown_.still.message, messageFont(), textWidth,
+    message_.emplace(shown_.still.message, breakScreen::messageFont(), textWidth,
                      BreakLayout::roomForMessage(size(), sizes));
     sizes.messageHeight = message_->height();
     layout_ = BreakLayout::of(size(), sizes);
@@ -147,13 +117,6 @@ void BreakOverlayView::resizeEvent(QResizeEvent *event) {
     arrange();
 }
 
-/// The same for every time, so that no digit stays behind.
-QRectF BreakOverlayView::timeRect() const {
-    constexpr double besides = 16;
-    constexpr double above = 80;
-    return layout_.ring.adjusted(besides, above, -besides, -above);
-}
-
 void BreakOverlayView::paintEvent(QPaintEvent *event) {
     QPainter painter(this);
     paintBackground(painter);
@@ -164,12 +127,12 @@ void BreakOverlayView::paintEvent(QPaintEvent *event) {
     };
     if (isDue(layout_.ring.adjusted(-1, -1, 1, 1)))
         ring::paint(painter, layout_.ring, glide_.reached(), event->rect());
-    if (isDue(timeRect()))
-        paintTime(painter);
+    if (isDue(breakScreen::timeRect(layout_.ring)))
+        breakScreen::paintTime(painter, layout_.ring, shown_.time);
     if (isDue(layout_.title))
-        paintTitle(painter);
+        breakScreen::paintTitle(painter, layout_.title, shown_.still.title);
     if (isDue(layout_.message))
-        paintMessage(painter);
+        breakScreen::paintMessage(painter, layout_.message, *message_);
 }
 
 /// Copies device pixels; the painter's clip lets it copy only those that are due.
@@ -183,36 +146,6 @@ void BreakOverlayView::paintBackground(QPainter &painter) {
     else
         painter.drawImage(QPoint(0, 0), image);
     painter.restore();
-}
-
-void BreakOverlayView::paintTitle(QPainter &painter) const {
-    constexpr double opacity = 0.55;
-    const QFont font = titleFont();
-    const QString text =
-        QFontMetricsF(font).elidedText(shown_.still.title, Qt::ElideRight, layout_.title.width());
-    painter.setFont(font);
-    painter.setPen(white(opacity));
-    // Tracking leaves a gap behind the last letter too, which is none of the text.
-    painter.drawText(layout_.title.translated(titleTracking / 2, 0), Qt::AlignCenter | Qt::TextSingleLine,
-                     text);
-}
-
-void BreakOverlayView::paintTime(QPainter &painter) const {
-    const QFont font = timeFont(shown_.time, timeRect().width());
-    const QFontMetricsF metrics(font);
-    const QPointF middle = layout_.ring.center();
-    painter.setFont(font);
-    painter.setPen(Qt::white);
-    fonts::drawTabular(painter,
-                       {middle.x() - fonts::tabularWidth(metrics, shown_.time) / 2,
-                        std::round(middle.y() + metrics.capHeight() / 2)},
-                       shown_.time);
-}
-
-void BreakOverlayView::paintMessage(QPainter &painter) const {
-    constexpr double opacity = 0.9;
-    painter.setPen(white(opacity));
-    message_->paint(painter, {layout_.message.center().x(), layout_.message.top()});
 }
 
 } // namespace pavonel

@@ -62,12 +62,7 @@ private:
     void refresh();
     void arrange();
     void updateArc();
-    QRectF timeRect() const;
-
     void paintBackground(QPainter &painter);
-    void paintTitle(QPainter &painter) const;
-    void paintTime(QPainter &painter) const;
-    void paintMessage(QPainter &painter) const;
 
     BreakController &controller_;
     Settings &settings_;

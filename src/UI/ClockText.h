@@ -7,10 +7,20 @@
 
 namespace pavonel {
 
-/// `clockString` for what comes from the user's settings, which may hold a length that no clock can show.
-inline QString clockText(Seconds duration) {
+/// What comes from the user's settings may be a length that no clock can show.
+inline Seconds showable(Seconds duration) {
     constexpr Seconds longest = 1e12;
-    return clockString(std::isnan(duration) ? 0 : std::clamp(duration, -longest, longest));
+    return std::isnan(duration) ? 0 : std::clamp(duration, -longest, longest);
+}
+
+/// `clockString` for a length from the settings.
+inline QString clockText(Seconds duration) {
+    return clockString(showable(duration));
+}
+
+/// `humanString` for a length from the settings.
+inline QString humanText(Seconds duration) {
+    return humanString(showable(duration));
 }
 
 } // namespace pavonel

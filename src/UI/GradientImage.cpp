@@ -56,7 +56,8 @@ public:
             const auto x = static_cast<std::uint32_t>(i / lanes);
             columns_[i] = wrapped(
                 std::round(highestLevel * unitsPerLevel * first_[lane] + change(lane, x, size.width())));
-            turns_[i] = static_cast<std::uint16_t>(x * turnPerColumn + lane * turnPerLane);
+            turns_[i] = static_cast<std::uint16_t>(x * turnPerColumn +
+                                                   static_cast<std::uint32_t>(lane) * turnPerLane);
         }
     }
 

@@ -9,7 +9,8 @@ namespace pavonel {
 namespace {
 
 constexpr Seconds glide = 1;
-constexpr Seconds shortestFrame = 1.0 / 60;
+/// In a micro break the end moves by about a pixel a frame then. More frames cost twice as much, unseen.
+constexpr Seconds shortestFrame = 1.0 / 30;
 
 } // namespace
 

@@ -41,11 +41,11 @@ TEST_F(RingGlideTest, a_change_on_the_way_starts_where_it_stands) {
     EXPECT_NEAR(glide.reached(), (0.05 + 0.5) / 2, 0.01);
 }
 
-TEST_F(RingGlideTest, shows_at_most_60_frames_a_second) {
+TEST_F(RingGlideTest, shows_at_most_30_frames_a_second) {
     glide.glideTo(1);
     platform.loop.advance(1);
-    EXPECT_LE(shown.size(), 60U);
-    EXPECT_GE(shown.size(), 55U);
+    EXPECT_LE(shown.size(), 30U);
+    EXPECT_GE(shown.size(), 27U);
 }
 
 TEST_F(RingGlideTest, a_slow_arc_is_shown_only_when_it_has_moved_by_the_smallest_step) {

@@ -16,7 +16,7 @@ PushButton::PushButton(const QString &text, const ButtonColours &colours, const 
     setFont(fonts::ui(shape.fontSize, QFont::Medium));
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::TabFocus);
-    resize(sizeHint());
+    resize(PushButton::sizeHint());
 }
 
 PushButton *PushButton::round(const QString &symbol, int diameter, const QString &name,

@@ -1,0 +1,55 @@
+#include "UI/Controls/CardRow.h"
+
+#include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Pixels.h"
+#include "UI/Controls/Text.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+
+namespace pavonel {
+
+namespace {
+
+constexpr int lowest = 42;
+constexpr int gap = 12;
+constexpr int air = 7; // above and below a label that wraps
+
+} // namespace
+
+CardRow::CardRow(Look &look) : look_(look), line_(new QHBoxLayout(this)) {
+    line_->setContentsMargins(margin, 0, margin - FocusRing::room, 0);
+    line_->setSpacing(gap - FocusRing::room);
+    setMinimumHeight(look.lineHeight(lowest));
+}
+
+void CardRow::add(QWidget *widget) {
+    line_->addWidget(widget);
+}
+
+void CardRow::addOutdented(QWidget *widget) {
+    constexpr int room = FocusRing::room;
+    line_->setContentsMargins(margin - room, 0, margin - room, 0);
+    line_->addWidget(widget, 1);
+}
+
+void CardRow::addLabel(const QString &label, const QString &note) {
+    auto *lines = new QVBoxLayout;
+    lines->setContentsMargins(0, air, 0, air);
+    lines->setSpacing(2);
+    lines->addStretch();
+    lines->addWidget(new Text(look_, label, Text::Style::label));
+    if (!note.isEmpty())
+        lines->addWidget(new Text(look_, note, Text::Style::note));
+    lines->addStretch();
+    line_->addLayout(lines, 1);
+}
+
+void CardRow::paintEvent(QPaintEvent *) {
+    if (y() == 0)
+        return; // the card's own outline is there
+    QPainter painter(this);
+    drawHairline(painter, {margin, 0}, {static_cast<double>(width() - margin), 0}, look_.palette().hairline);
+}
+
+} // namespace pavonel

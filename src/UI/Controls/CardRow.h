@@ -1,0 +1,37 @@
+#pragma once
+
+#include "UI/Controls/Look.h"
+
+#include <QWidget>
+
+class QHBoxLayout;
+
+namespace pavonel {
+
+/// One row of a card: what is added stands side by side, and a hairline sets the row off from what is above.
+class CardRow : public QWidget {
+public:
+    static constexpr int margin = 16; ///< Of the content, left and right, in points.
+
+    explicit CardRow(Look &look);
+
+    /// Keeps its own size; the first one should be a text, which takes what is left over.
+    void add(QWidget *widget);
+
+    /// For a control that begins at the row's left edge and leaves room for its ring there.
+    void addOutdented(QWidget *widget);
+
+    /// A label with a note under it where there is one.
+    void addLabel(const QString &label, const QString &note = {});
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+    Look &look() const { return look_; }
+
+private:
+    Look &look_;
+    QHBoxLayout *line_;
+};
+
+} // namespace pavonel

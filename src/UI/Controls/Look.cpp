@@ -1,0 +1,72 @@
+#include "UI/Controls/Look.h"
+
+#include "Platform/Platform.h"
+#include "UI/Fonts.h"
+
+#include <QFontInfo>
+#include <QGuiApplication>
+#include <QPalette>
+
+#include <algorithm>
+#include <cmath>
+
+namespace pavonel {
+
+namespace {
+
+/// Desktops' ordinary fonts lie between 12 and 15 pixels. Whoever chose a larger one means it.
+double wishedTextScale() {
+    constexpr double largestOrdinary = 15;
+    return std::clamp(QFontInfo(QGuiApplication::font()).pixelSize() / largestOrdinary, 1.0, 2.5);
+}
+
+} // namespace
+
+Look::Look(Platform &platform)
+    : platform_(platform), palette_(platform.appearance->wishes()), textScale_(wishedTextScale()) {}
+
+void Look::refresh() {
+    palette_ = Palette(platform_.appearance->wishes());
+    textScale_ = wishedTextScale();
+}
+
+QFont Look::font(int size, QFont::Weight weight) const {
+    return fonts::ui(length(size), weight);
+}
+
+int Look::length(int points) const {
+    return static_cast<int>(std::lround(points * textScale_));
+}
+
+int Look::lineHeight(int points) const {
+    constexpr int line = 16;
+    return points + length(line) - line;
+}
+
+MainLoop &Look::loop() const {
+    return *platform_.mainLoop;
+}
+
+Appearance &Look::appearance() const {
+    return *platform_.appearance;
+}
+
+bool Look::canBlend() const {
+    return platform_.windowLayers->canBlend();
+}
+
+QPalette Look::toolkitPalette() const {
+    QPalette toolkit;
+    toolkit.setColor(QPalette::Window, palette_.card);
+    toolkit.setColor(QPalette::Base, palette_.plainButton.fill);
+    toolkit.setColor(QPalette::Button, palette_.plainButton.fill);
+    toolkit.setColor(QPalette::ToolTipBase, palette_.card);
+    for (const auto ink : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
+        toolkit.setColor(ink, palette_.text);
+    toolkit.setColor(QPalette::PlaceholderText, palette_.secondaryText);
+    toolkit.setColor(QPalette::Highlight, palette_.accent);
+    toolkit.setColor(QPalette::HighlightedText, palette_.onAccent);
+    return toolkit;
+}
+
+} // namespace pavonel

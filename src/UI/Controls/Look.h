@@ -1,0 +1,51 @@
+#pragma once
+
+#include "UI/Palette.h"
+
+#include <QFont>
+
+#include <memory>
+
+class QPalette;
+
+namespace pavonel {
+
+class MainLoop;
+struct Platform;
+
+/// What the controls of one window share: colours, type sizes, and the way things move. A control reads it
+/// whenever it paints, so that a repaint is all that a change of the user's wishes needs.
+class Look {
+public:
+    explicit Look(Platform &platform);
+
+    const Palette &palette() const { return palette_; }
+
+    /// For the few widgets of the toolkit that are left.
+    QPalette toolkitPalette() const;
+
+    /// `size` is in points at the ordinary text size; a user with larger text gets a larger font.
+    QFont font(int size, QFont::Weight weight = QFont::Normal) const;
+
+    /// A length that grows along with the text.
+    int length(int points) const;
+
+    /// The height of something that holds a line of text, and is this high at the ordinary text size.
+    int lineHeight(int points) const;
+
+    MainLoop &loop() const;
+    Appearance &appearance() const;
+
+    /// Whether rounded windows can leave their corners out by translucency.
+    bool canBlend() const;
+
+    /// Reads the user's wishes again.
+    void refresh();
+
+private:
+    Platform &platform_;
+    Palette palette_;
+    double textScale_ = 1;
+};
+
+} // namespace pavonel

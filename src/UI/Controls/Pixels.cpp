@@ -1,0 +1,50 @@
+#include "UI/Controls/Pixels.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace pavonel {
+
+QRectF outlineOf(const QPainter &painter, const QRectF &body) {
+    const QTransform toDevice = painter.deviceTransform();
+    const QRectF device = toDevice.mapRect(body);
+    const QRectF whole(QPointF(std::round(device.left()), std::round(device.top())),
+                       QPointF(std::round(device.right()), std::round(device.bottom())));
+    return toDevice.inverted().mapRect(whole.adjusted(0.5, 0.5, -0.5, -0.5));
+}
+
+void drawBody(QPainter &painter, const QRectF &body, double radius, const QColor &fill,
+              const QColor &outline) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(fill);
+    if (outline.alpha() == 0) {
+        painter.setPen(Qt::NoPen);
+        painter.drawRoundedRect(body, radius, radius);
+    } else {
+        QPen pen(outline, 1);
+        pen.setCosmetic(true);
+        painter.setPen(pen);
+        painter.drawRoundedRect(outlineOf(painter, body), radius, radius);
+    }
+    painter.restore();
+}
+
+void drawHairline(QPainter &painter, const QPointF &from, const QPointF &to, const QColor &colour) {
+    const QTransform toDevice = painter.deviceTransform();
+    const QRectF device = toDevice.mapRect(QRectF(from, to).normalized());
+    // Up to the next whole pixel: the one before can belong to the widget beside.
+    constexpr double tolerance = 0.01;
+    const auto whole = [](double place) { return std::ceil(place - tolerance); };
+    const QPointF corner(whole(device.left()), whole(device.top()));
+    const QSizeF size(std::max(1.0, whole(device.right()) - corner.x()),
+                      std::max(1.0, whole(device.bottom()) - corner.y()));
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.fillRect(toDevice.inverted().mapRect(QRectF(corner, size)), colour);
+    painter.restore();
+}
+
+} // namespace pavonel

@@ -1,0 +1,21 @@
+#pragma once
+
+class QColor;
+class QPainter;
+class QRectF;
+class QPointF;
+
+namespace pavonel {
+
+/// `body`, moved to whole device pixels and then in by half a one, so that an outline of one device pixel
+/// comes out sharp at any ratio.
+QRectF outlineOf(const QPainter &painter, const QRectF &body);
+
+/// A filled shape with round corners and an outline of one device pixel; a transparent `outline` for none.
+void drawBody(QPainter &painter, const QRectF &body, double radius, const QColor &fill,
+              const QColor &outline);
+
+/// A level or upright line, one device pixel thick.
+void drawHairline(QPainter &painter, const QPointF &from, const QPointF &to, const QColor &colour);
+
+} // namespace pavonel

@@ -1,0 +1,92 @@
+#include "UI/Controls/ScrollArea.h"
+
+#include "UI/Controls/ScrollThumb.h"
+
+#include <QApplication>
+#include <QScrollBar>
+#include <QWheelEvent>
+
+#include <cmath>
+
+namespace pavonel {
+
+namespace {
+
+constexpr Seconds frame = 1.0 / 60;
+constexpr double notch = 64;   // points a notch of the wheel
+constexpr double share = 0.28; // of the rest of the way, each frame
+
+} // namespace
+
+ScrollArea::ScrollArea(Look &look, QWidget *content) : look_(look) {
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::NoFocus);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWidgetResizable(true);
+    setWidget(content);
+    content->setAutoFillBackground(false);
+    viewport()->setAutoFillBackground(false);
+    thumb_ = new ScrollThumb(look, *verticalScrollBar(), this);
+    content->installEventFilter(this);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) { follow(now); });
+}
+
+ScrollArea::~ScrollArea() {
+    disconnect(qApp, nullptr, this, nullptr); // the keyboard leaves the content as that goes
+}
+
+/// The toolkit does so only for the keys that lead from one to the next in here. What is under the pointer
+/// stays there.
+void ScrollArea::follow(QWidget *focused) {
+    if (focused && widget()->isAncestorOf(focused) && !focused->underMouse())
+        ensureWidgetVisible(focused);
+}
+
+void ScrollArea::resizeEvent(QResizeEvent *event) {
+    QScrollArea::resizeEvent(event);
+    thumb_->setGeometry(width() - ScrollThumb::width, 0, ScrollThumb::width, height());
+    thumb_->raise();
+}
+
+bool ScrollArea::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::Resize)
+        thumb_->raise();
+    return QScrollArea::eventFilter(watched, event);
+}
+
+void ScrollArea::wheelEvent(QWheelEvent *event) {
+    if (!event->pixelDelta().isNull()) {
+        frames_.reset();
+        verticalScrollBar()->setValue(verticalScrollBar()->value() - event->pixelDelta().y());
+    } else {
+        glideBy(-event->angleDelta().y() / 120.0 * notch);
+    }
+    event->accept();
+}
+
+void ScrollArea::glideBy(double distance) {
+    const QScrollBar &bar = *verticalScrollBar();
+    const double from = frames_ ? target_ : bar.value();
+    target_ = std::clamp<double>(from + distance, bar.minimum(), bar.maximum());
+    if (look_.appearance().wishes().reducedMotion)
+        verticalScrollBar()->setValue(qRound(target_));
+    else if (!frames_)
+        frames_ = look_.loop().every(frame, [this] { glide(); });
+}
+
+void ScrollArea::glide() {
+    QScrollBar &bar = *verticalScrollBar();
+    const double rest = target_ - bar.value();
+    const double step = rest * share;
+    const int pixels = qRound(std::abs(step) < 1 ? std::copysign(std::min(1.0, std::abs(rest)), rest) : step);
+    if (pixels == 0) {
+        frames_.reset();
+        return;
+    }
+    bar.setValue(bar.value() + pixels);
+    if (bar.value() == bar.minimum() || bar.value() == bar.maximum())
+        target_ = bar.value();
+}
+
+} // namespace pavonel

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Platform/MainLoop.h"
+#include "UI/Controls/Look.h"
+
+#include <QScrollArea>
+
+namespace pavonel {
+
+class ScrollThumb;
+
+/// A column that scrolls up and down, smoothly for a wheel with notches, with a thin thumb over its right
+/// edge while there is more than fits.
+class ScrollArea : public QScrollArea {
+public:
+    ScrollArea(Look &look, QWidget *content);
+    ~ScrollArea() override;
+
+protected:
+    void wheelEvent(QWheelEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void follow(QWidget *focused);
+    void glideBy(double distance);
+    void glide();
+
+    Look &look_;
+    ScrollThumb *thumb_;
+    double target_ = 0; ///< Where the glide under way ends.
+    TimerHandle frames_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Look.h"
+
+#include <QWidget>
+
+namespace pavonel {
+
+/// A text that wraps to its width, in one of the inks that can be read on every surface.
+class Text : public QWidget, public AccessibleControl {
+public:
+    enum class Style {
+        pageTitle,
+        brand,
+        cardTitle,
+        cardSubtitle,
+        label,
+        secondary, ///< A subtitle or a sentence on a page.
+        note,      ///< Small, under a label.
+    };
+
+    Text(Look &look, const QString &text, Style style);
+
+    const QString &text() const { return text_; }
+    void setText(const QString &text);
+
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+    QAccessibleInterface *makeAccessible() override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QSize measured() const;
+
+    Look &look_;
+    QString text_;
+    Style style_;
+    // Layouts ask again and again, and breaking lines takes its time.
+    mutable QSize whole_;             ///< On as few lines as it has; empty for not measured.
+    mutable int heightKnownFor_ = -1; ///< A width.
+    mutable int height_ = 0;          ///< For that width.
+};
+
+} // namespace pavonel

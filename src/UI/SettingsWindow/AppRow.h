@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Platform/InstalledApplications.h"
+#include "UI/Controls/Look.h"
+
+#include <QAbstractButton>
+#include <QImage>
+
+namespace pavonel {
+
+/// An application to choose: its icon, its name and, behind that, its identifier.
+class AppRow : public QAbstractButton {
+public:
+    static constexpr int iconSide = 24;
+
+    AppRow(Look &look, const InstalledApplication &application, const QImage &icon);
+
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    Look &look_;
+    InstalledApplication application_;
+    QImage icon_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "UI/Controls/Look.h"
+
+class QWidget;
+
+namespace pavonel {
+
+class Settings;
+
+/// The themes of the break screen to choose from, beside the break screen as it would be now.
+struct StyleChoice {
+    Settings &settings;
+
+    QWidget *make(Look &look) const;
+};
+
+/// The user's picture for the break screen: in small, with its name or what is the matter with it, and ways
+/// to choose another one and to do without.
+struct CustomImageRow {
+    Settings &settings;
+
+    QWidget *make(Look &look) const;
+};
+
+} // namespace pavonel

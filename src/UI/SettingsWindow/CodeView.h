@@ -1,0 +1,26 @@
+#pragma once
+
+#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Look.h"
+
+#include <QWidget>
+
+namespace pavonel {
+
+/// A code to be typed elsewhere, large and evenly spaced. One that is too long for the width gets smaller.
+class CodeView : public QWidget, public AccessibleControl {
+public:
+    CodeView(Look &look, const QString &code);
+
+    QSize sizeHint() const override;
+    QAccessibleInterface *makeAccessible() override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    Look &look_;
+    QString code_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,115 @@
+#include "Core/Settings.h"
+#include "UI/Controls/Button.h"
+#include "UI/Controls/CardRow.h"
+#include "UI/Controls/Text.h"
+#include "UI/SettingsWindow/BackgroundParts.h"
+#include "UI/SettingsWindow/PictureThumbnail.h"
+#include "UI/SettingsWindow/Piece.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QStandardPaths>
+#include <QVBoxLayout>
+
+namespace pavonel {
+
+namespace {
+
+constexpr int plainHeight = 46;
+constexpr int withPicture = 60;
+
+QString pictureFilter() {
+    QStringList patterns;
+    for (const QByteArray &format : QImageReader::supportedImageFormats())
+        patterns.append(QStringLiteral("*.") + QString::fromLatin1(format));
+    return QStringLiteral("Images (%1)").arg(patterns.join(u' '));
+}
+
+QString whereToLook(const QString &path) {
+    const QFileInfo current(path);
+    return !path.isEmpty() && current.dir().exists()
+               ? current.path()
+               : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+}
+
+class CustomImageWidget final : public CardRow, public Follower {
+public:
+    CustomImageWidget(Look &look, Settings &settings)
+        : CardRow(look), settings_(settings), thumbnail_(new PictureThumbnail(look)),
+          name_(new Text(look, {}, Text::Style::label)), note_(new Text(look, {}, Text::Style::note)),
+          remove_(new Button(look, QStringLiteral("Remove"))),
+          choose_(new Button(look, QStringLiteral("Choose image…"))) {
+        add(thumbnail_);
+        addTexts();
+        add(remove_);
+        add(choose_);
+        thumbnail_->onState = [this] { describe(); };
+        connect(remove_, &Button::clicked, this, [this] { settings_.customBackgroundPath = QString(); });
+        connect(choose_, &Button::clicked, this, [this] { choose(); });
+        thumbnail_->setPath(path_ = settings_.customBackgroundPath);
+        describe();
+    }
+
+    void readAgain() override {
+        if (path_ == settings_.customBackgroundPath.get())
+            return;
+        thumbnail_->setPath(path_ = settings_.customBackgroundPath);
+        describe();
+    }
+
+private:
+    void addTexts() {
+        auto *texts = new QWidget;
+        auto *lines = new QVBoxLayout(texts);
+        lines->setContentsMargins({});
+        lines->setSpacing(2);
+        lines->addStretch();
+        lines->addWidget(name_);
+        lines->addWidget(note_);
+        lines->addStretch();
+        add(texts);
+        static_cast<QHBoxLayout *>(layout())->setStretchFactor(texts, 1);
+    }
+
+    void describe() {
+        using State = PictureThumbnail::State;
+        const State state = thumbnail_->state();
+        name_->setText(state == State::none ? QStringLiteral("No custom image")
+                                            : QFileInfo(path_).fileName());
+        note_->setText(state == State::shown ? QStringLiteral("Shown in place of the style.")
+                       : state == State::unreadable
+                           ? QStringLiteral("It cannot be read, so the style is shown.")
+                           : QString());
+        note_->setVisible(!note_->text().isEmpty());
+        setMinimumHeight(look().length(state == State::none ? plainHeight : withPicture));
+        thumbnail_->setVisible(state != State::none);
+        remove_->setVisible(state != State::none);
+    }
+
+    void choose() {
+        auto *dialog =
+            new QFileDialog(window(), QStringLiteral("Choose an image"), whereToLook(path_), pictureFilter());
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->setFileMode(QFileDialog::ExistingFile);
+        connect(dialog, &QFileDialog::fileSelected, this,
+                [this](const QString &file) { settings_.customBackgroundPath = file; });
+        dialog->open();
+    }
+
+    Settings &settings_;
+    QString path_; ///< That is shown.
+    PictureThumbnail *thumbnail_;
+    Text *name_;
+    Text *note_;
+    Button *remove_;
+    Button *choose_;
+};
+
+} // namespace
+
+QWidget *CustomImageRow::make(Look &look) const {
+    return new CustomImageWidget(look, settings);
+}
+
+} // namespace pavonel

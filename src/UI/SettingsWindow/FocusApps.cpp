@@ -1,0 +1,73 @@
+#include "UI/SettingsWindow/FocusApps.h"
+
+#include "Core/Settings.h"
+#include "Platform/InstalledApplications.h"
+#include "UI/Controls/Button.h"
+#include "UI/SettingsWindow/AddField.h"
+#include "UI/SettingsWindow/AppChooser.h"
+#include "UI/SettingsWindow/AppIcon.h"
+#include "UI/SettingsWindow/AppRow.h"
+#include "UI/SettingsWindow/TextList.h"
+
+#include <optional>
+
+namespace pavonel {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// What is installed, looked up when it is first needed.
+class Names {
+public:
+    explicit Names(InstalledApplications &applications) : applications_(applications) {}
+
+    InstalledApplications &applications() { return applications_; }
+
+    const InstalledApplication *find(const QString &identifier) {
+        if (!all_)
+            all_ = applications_.all();
+        const auto found = std::ranges::find(*all_, identifier, &InstalledApplication::bundleIdentifier);
+        return found == all_->end() ? nullptr : &*found;
+    }
+
+private:
+    InstalledApplications &applications_;
+    std::optional<std::vector<InstalledApplication>> all_;
+};
+
+ListRow::Entry entryOf(Names &names, const QString &identifier, const Look &look) {
+    const InstalledApplication *known = names.find(identifier);
+    const InstalledApplication shown = known ? *known : InstalledApplication{identifier, identifier};
+    return {shown.name, known ? identifier : QString(),
+            appIcon(names.applications(), shown, AppRow::iconSide, look)};
+}
+
+QWidget *chooseButton(Look &look, InstalledApplications &applications,
+                      const std::function<void(const QString &)> &add) {
+    auto *button = new Button(look, u"Choose app…"_s);
+    QObject::connect(button, &Button::clicked, button, [&look, &applications, button, add] {
+        AppChooser::open(look, applications, *button, add);
+    });
+    return button;
+}
+
+} // namespace
+
+Pieces focusAppParts(Settings &settings, InstalledApplications &applications) {
+    const auto add = [&settings](const QString &identifier) {
+        settings.deepFocusApps = withEntry(settings.deepFocusApps, identifier);
+    };
+    const auto names = std::make_shared<Names>(applications);
+    const auto list = [&settings, names](Look &look) {
+        return TextList{
+            settings.deepFocusApps, u"None yet"_s,
+            [names, &look](const QString &identifier) { return entryOf(*names, identifier, look); }}
+            .make(look);
+    };
+    return {list,
+            AddField{u"or a bundle id"_s, u"Add the bundle id"_s, add,
+                     [&applications, add](Look &look) { return chooseButton(look, applications, add); }}};
+}
+
+} // namespace pavonel

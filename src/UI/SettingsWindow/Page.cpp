@@ -1,0 +1,48 @@
+#include "UI/SettingsWindow/Page.h"
+
+#include "UI/SettingsWindow/Pages/Pages.h"
+
+#include <algorithm>
+
+namespace pavonel {
+
+using namespace Qt::StringLiterals;
+
+const std::vector<PageEntry> &allPages() {
+    static const std::vector<PageEntry> pages{
+        {Page::breaks, u"breaks"_s, u"Breaks"_s, u"timer"_s, u"How often you step away and for how long."_s,
+         breaksPage},
+        {Page::planned, u"planned"_s, u"Planned"_s, u"calendar"_s,
+         u"Breaks at a fixed time, like a lunch pause."_s, plannedPage},
+        {Page::phone, u"phone"_s, u"iPhone"_s, u"iphone"_s,
+         u"The same break on your iPhone — or breaks it runs on its own."_s, phonePage},
+        {Page::pausing, u"pausing"_s, u"Pausing"_s, u"pause.circle"_s,
+         u"When Pavonel should stay out of your way."_s, pausingPage},
+        {Page::appearance, u"appearance"_s, u"Appearance"_s, u"paintbrush"_s,
+         u"How the break screen looks and sounds."_s, appearancePage},
+        {Page::wellness, u"wellness"_s, u"Wellness"_s, u"heart"_s, u"Gentle nudges between breaks."_s,
+         wellnessPage},
+        {Page::stats, u"stats"_s, u"Stats"_s, u"chart.bar"_s, u"What your screen day looked like."_s,
+         statsPage},
+        {Page::advanced, u"advanced"_s, u"Advanced"_s, u"gearshape"_s, u"System behaviour and automation."_s,
+         advancedPage},
+    };
+    return pages;
+}
+
+const PageEntry &entryOf(Page page) {
+    const auto &pages = allPages();
+    const auto found = std::find_if(pages.begin(), pages.end(),
+                                    [page](const PageEntry &entry) { return entry.page == page; });
+    return found == pages.end() ? pages.front() : *found;
+}
+
+std::optional<Page> pageNamed(const QString &id) {
+    for (const PageEntry &entry : allPages()) {
+        if (entry.id == id)
+            return entry.page;
+    }
+    return {};
+}
+
+} // namespace pavonel

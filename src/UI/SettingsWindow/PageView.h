@@ -1,0 +1,19 @@
+#pragma once
+
+#include "UI/Controls/Look.h"
+#include "UI/SettingsWindow/Page.h"
+
+#include <QWidget>
+
+namespace pavonel {
+
+/// One page: its title, its subtitle, and its cards in a column that scrolls.
+class PageView : public QWidget {
+public:
+    PageView(Look &look, const PageEntry &entry, PageContext &context);
+
+    /// Lets every row show what its setting is now.
+    void readAgain();
+};
+
+} // namespace pavonel

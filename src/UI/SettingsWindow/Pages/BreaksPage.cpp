@@ -1,0 +1,45 @@
+#include "Core/Settings.h"
+#include "Platform/Platform.h"
+#include "UI/SettingsWindow/LimitationNote.h"
+#include "UI/SettingsWindow/PageContext.h"
+#include "UI/SettingsWindow/Pages/Pages.h"
+
+namespace pavonel {
+
+using namespace Qt::StringLiterals;
+
+Pieces breaksPage(PageContext &context) {
+    Settings &settings = context.settings;
+    return {
+        Card{u"Micro break"_s,
+             u"The 20-20-20 rule"_s,
+             {
+                 SwitchRow{u"Enabled"_s, settings.microEnabled},
+                 StepRow{u"Every"_s, settings.microInterval, {60, 7200}, 60},
+                 StepRow{u"For"_s, settings.microDuration, {5, 300}, 5},
+             }},
+        Card{u"Long break"_s,
+             u"Get up and move"_s,
+             {
+                 SwitchRow{u"Enabled"_s, settings.longEnabled},
+                 StepRow{u"Every"_s, settings.longInterval, {300, 14400}, 300},
+                 StepRow{u"For"_s, settings.longDuration, {60, 1800}, 60},
+             }},
+        Card{u"Heads-up"_s,
+             {},
+             {
+                 StepRow{u"Warn me before a break"_s, settings.preNotifySeconds, {0, 300}, 5},
+                 SwitchRow{u"Countdown follows the cursor"_s, settings.showFloatingCountdown},
+                 limitationNote(*context.platform.pointer),
+             }},
+        Card{u"Behaviour"_s,
+             {},
+             {
+                 SwitchRow{u"Breaks can be skipped"_s, settings.allowSkip},
+                 SwitchRow{u"Breaks can be postponed"_s, settings.allowPostpone},
+                 SwitchRow{u"Strict mode"_s, settings.strictMode, u"No skipping, no postponing"_s},
+             }},
+    };
+}
+
+} // namespace pavonel

@@ -1,0 +1,126 @@
+#include "UI/SettingsWindow/PhoneParts.h"
+
+#include "Core/Phone.h"
+#include "UI/Controls/Button.h"
+#include "UI/Controls/CardRow.h"
+#include "UI/Controls/Text.h"
+#include "UI/SettingsWindow/CodeView.h"
+#include "UI/SettingsWindow/Rows.h"
+#include "UI/SettingsWindow/SymbolView.h"
+
+#include <QVBoxLayout>
+
+namespace pavonel {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Text in a card, free of its edges.
+struct CardText {
+    QString text;
+    Text::Style style = Text::Style::label;
+    QMargins margins{CardRow::margin, 0, CardRow::margin, 12};
+
+    QWidget *make(Look &look) const {
+        auto *place = new QWidget;
+        auto *lines = new QVBoxLayout(place);
+        lines->setContentsMargins(margins);
+        lines->addWidget(new Text(look, text, style));
+        return place;
+    }
+};
+
+/// The one thing to do here.
+struct Action {
+    QString label;
+    std::function<void()> act;
+    Button::Role role = Button::Role::plain;
+
+    QWidget *make(Look &look) const {
+        auto *row = new QWidget;
+        auto *line = new QHBoxLayout(row);
+        line->setContentsMargins({});
+        auto *button = new Button(look, label, role);
+        line->addWidget(button, 0, Qt::AlignLeft);
+        QObject::connect(button, &Button::clicked, row, act, Qt::QueuedConnection);
+        return row;
+    }
+};
+
+struct Code {
+    QString code;
+
+    QWidget *make(Look &look) const {
+        auto *place = new QWidget;
+        auto *lines = new QVBoxLayout(place);
+        lines->setContentsMargins(CardRow::margin, 2, CardRow::margin, 12);
+        lines->addWidget(new CodeView(look, code));
+        return place;
+    }
+};
+
+/// That all is well, with a way to end it.
+struct PairedRow {
+    std::function<void()> disconnect;
+
+    QWidget *make(Look &look) const {
+        auto *row = new CardRow(look);
+        row->add(new SymbolView(look, u"checkmark.circle.fill"_s, 28));
+        row->addLabel(u"Your phone is connected"_s, u"When a break starts here, it starts there too."_s);
+        auto *button = new Button(look, u"Disconnect"_s);
+        row->add(button);
+        QObject::connect(button, &Button::clicked, row, disconnect, Qt::QueuedConnection);
+        return row;
+    }
+};
+
+Pieces unpairedParts(Phone &phone, const QString &failure) {
+    Pieces card{CardText{
+        u"A break on the Mac is only half a break if you pick up your phone. Pair the two and the same "
+        "countdown appears there — on the Lock Screen and in the Dynamic Island — and clears when you end "
+        "the break here.\n\nAway from the Mac, the app keeps its own hours: breaks as often and as long as "
+        "you "
+        "like. While this Mac is running Pavonel, this Mac decides."_s,
+        Text::Style::label,
+        {CardRow::margin, 14, CardRow::margin, 12}}};
+    Pieces parts{[card = Card{{}, {}, card}](Look &look) {
+        QWidget *widget = card.make(look);
+        widget->setAccessibleName(u"Pavonel for iPhone"_s); // it has no title
+        return widget;
+    }};
+    if (!failure.isEmpty())
+        parts.push_back(CardText{failure, Text::Style::label, {2, 0, 2, 0}});
+    parts.push_back(
+        Action{u"Show pairing code"_s, [&phone] { phone.startPairing(); }, Button::Role::prominent});
+    return parts;
+}
+
+Pieces waitingParts(Phone &phone, const QString &code) {
+    return {Card{u"Pavonel for iPhone"_s,
+                 u"Type this code into Pavonel on your phone"_s,
+                 {Code{code},
+                  CardText{u"The code is good for fifteen minutes."_s,
+                           Text::Style::secondary,
+                           {CardRow::margin, 0, CardRow::margin, 2}},
+                  CardText{u"Waiting for your phone…"_s, Text::Style::secondary}}},
+            Action{u"Cancel"_s, [&phone] { phone.unpair(); }}};
+}
+
+Pieces pairedParts(Phone &phone) {
+    return {Card{u"Paired"_s, {}, {PairedRow{[&phone] { phone.unpair(); }}}}};
+}
+
+} // namespace
+
+Pieces phoneParts(Phone &phone) {
+    const Phone::State &state = phone.state;
+    if (const auto *waiting = std::get_if<Phone::Waiting>(&state))
+        return waitingParts(phone, waiting->code);
+    if (std::holds_alternative<Phone::Paired>(state))
+        return pairedParts(phone);
+    const auto *failed = std::get_if<Phone::Failed>(&state);
+    return unpairedParts(phone, failed ? failed->message : QString());
+}
+
+} // namespace pavonel

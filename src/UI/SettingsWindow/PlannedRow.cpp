@@ -1,0 +1,147 @@
+#include "UI/SettingsWindow/PlannedRow.h"
+
+#include "UI/ClockText.h"
+#include "UI/Controls/Button.h"
+#include "UI/Controls/CardRow.h"
+#include "UI/Controls/PopUpButton.h"
+#include "UI/Controls/Stepper.h"
+#include "UI/Controls/Switch.h"
+#include "UI/Controls/Text.h"
+#include "UI/Controls/TextField.h"
+#include "UI/SettingsWindow/PlannedEditing.h"
+#include "UI/SettingsWindow/StepValue.h"
+#include "UI/SettingsWindow/WeekdayToggle.h"
+
+#include <QAccessibleWidget>
+#include <QHBoxLayout>
+
+namespace pavonel {
+
+namespace {
+
+constexpr int lineHeight = 36;
+constexpr int air = 9; // above and below the two lines
+constexpr Range durations{300, 14400};
+constexpr double durationStep = 300;
+constexpr int hours = 24;
+constexpr int minutes = 60;
+
+QHBoxLayout *line(QWidget *of) {
+    auto *line = new QHBoxLayout(of);
+    line->setContentsMargins({});
+    line->setSpacing(0);
+    return line;
+}
+
+} // namespace
+
+PlannedRow::PlannedRow(Look &look, std::function<void(const Edit &)> change, std::function<void()> remove)
+    : change_(std::move(change)) {
+    auto *lines = new QVBoxLayout(this);
+    constexpr int room = FocusRing::room;
+    lines->setContentsMargins(CardRow::margin - room, air, CardRow::margin - room, air);
+    lines->setSpacing(0);
+    lines->addWidget(firstLine(look));
+    lines->addWidget(secondLine(look));
+    connect(remove_, &Button::clicked, this, std::move(remove),
+            Qt::QueuedConnection); // this row goes with it
+}
+
+int PlannedRow::rowHeight(const Look &look) {
+    return 2 * look.length(lineHeight) + 2 * air;
+}
+
+QWidget *PlannedRow::firstLine(Look &look) {
+    auto *place = new QWidget;
+    auto *row = line(place);
+    label_ = new TextField(look, QStringLiteral("Label"), QStringLiteral("Label"));
+    label_->onEdit = [this](const QString &text) {
+        change_([&](PlannedBreak &planned) { planned.label = text; });
+        nameAfter(text);
+    };
+    hour_ = picker(look, QStringLiteral("Hour"), hours, hourText, &PlannedBreak::hour);
+    minute_ = picker(look, QStringLiteral("Minute"), minutes, minuteText, &PlannedBreak::minute);
+    enabled_ = new Switch(look, QStringLiteral("Enabled"));
+    connect(enabled_, &Switch::clicked, this,
+            [this](bool on) { change_([on](PlannedBreak &planned) { planned.enabled = on; }); });
+    remove_ = Button::ofSymbol(look, QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove"));
+    row->addWidget(label_, 1);
+    row->addSpacing(8);
+    row->addWidget(hour_);
+    row->addWidget(minute_);
+    row->addSpacing(8);
+    row->addWidget(enabled_);
+    row->addSpacing(4);
+    row->addWidget(remove_);
+    return place;
+}
+
+QWidget *PlannedRow::secondLine(Look &look) {
+    auto *place = new QWidget;
+    auto *row = line(place);
+    for (const int weekday : WeekdayToggle::inOrder()) {
+        auto *toggle = new WeekdayToggle(look, weekday);
+        connect(toggle, &WeekdayToggle::clicked, this,
+                [this, weekday](bool on) { toggleWeekday(weekday, on); });
+        weekdays_.push_back(toggle);
+        row->addWidget(toggle);
+    }
+    duration_ = new Stepper(look, QStringLiteral("Duration"), durations, durationStep, humanText);
+    durationText_ = new StepValue(look, humanText);
+    duration_->onStep = [this](double seconds) {
+        change_([seconds](PlannedBreak &planned) { planned.duration = seconds; });
+    };
+    duration_->onChange = [this](double seconds) { durationText_->setValue(seconds); };
+    row->addStretch();
+    row->addWidget(durationText_);
+    row->addSpacing(6);
+    row->addWidget(duration_);
+    return place;
+}
+
+PopUpButton *PlannedRow::picker(Look &look, const QString &name, int count, QString (*text)(int),
+                                int PlannedBreak::*field) {
+    QStringList choices;
+    for (int value = 0; value < count; ++value)
+        choices.append(text(value));
+    auto *button = new PopUpButton(look, name, choices);
+    button->onChoice = [this, choices, field](const QString &choice) {
+        const auto value = static_cast<int>(choices.indexOf(choice));
+        change_([=](PlannedBreak &planned) { planned.*field = value; });
+    };
+    return button;
+}
+
+void PlannedRow::toggleWeekday(int weekday, bool on) {
+    change_([=](PlannedBreak &planned) {
+        if (on)
+            planned.weekdays.insert(weekday);
+        else
+            planned.weekdays.erase(weekday);
+    });
+}
+
+void PlannedRow::display(const PlannedBreak &planned) {
+    label_->setText(planned.label);
+    hour_->setChoice(hourText(planned.hour));
+    minute_->setChoice(minuteText(planned.minute));
+    enabled_->setOn(planned.enabled);
+    duration_->setValue(planned.duration);
+    durationText_->setValue(planned.duration);
+    for (WeekdayToggle *toggle : weekdays_)
+        toggle->setChecked(planned.weekdays.contains(toggle->weekday()));
+    nameAfter(planned.label);
+}
+
+void PlannedRow::nameAfter(const QString &label) {
+    constexpr qsizetype longest = 100;
+    const QString name = label.left(longest).simplified();
+    setAccessibleName(name.isEmpty() ? QStringLiteral("Planned break") : name);
+    remove_->setAccessibleName(QStringLiteral("Remove ") + name);
+}
+
+QAccessibleInterface *PlannedRow::makeAccessible() {
+    return new QAccessibleWidget(this, QAccessible::Grouping);
+}
+
+} // namespace pavonel

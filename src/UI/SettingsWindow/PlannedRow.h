@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Core/PlannedBreak.h"
+#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Look.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <vector>
+
+namespace pavonel {
+
+class Button;
+class PopUpButton;
+class StepValue;
+class Stepper;
+class Switch;
+class TextField;
+class WeekdayToggle;
+
+/// One planned break to edit: its label, time, weekdays, length and switch, and a button that removes it.
+class PlannedRow : public QWidget, public AccessibleControl {
+public:
+    using Edit = std::function<void(PlannedBreak &)>;
+
+    /// `change` is given what to do to the record, `remove` takes it away; both at once with the user's act.
+    PlannedRow(Look &look, std::function<void(const Edit &)> change, std::function<void()> remove);
+
+    /// Without a report.
+    void display(const PlannedBreak &planned);
+
+    static int rowHeight(const Look &look);
+
+    QAccessibleInterface *makeAccessible() override;
+
+private:
+    QWidget *firstLine(Look &look);
+    QWidget *secondLine(Look &look);
+    PopUpButton *picker(Look &look, const QString &name, int count, QString (*text)(int),
+                        int PlannedBreak::*field);
+    void toggleWeekday(int weekday, bool on);
+    void nameAfter(const QString &label);
+
+    std::function<void(const Edit &)> change_;
+    TextField *label_;
+    PopUpButton *hour_;
+    PopUpButton *minute_;
+    Switch *enabled_;
+    Button *remove_;
+    std::vector<WeekdayToggle *> weekdays_;
+    Stepper *duration_;
+    StepValue *durationText_;
+};
+
+} // namespace pavonel

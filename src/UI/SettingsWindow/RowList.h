@@ -1,0 +1,71 @@
+#pragma once
+
+#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Look.h"
+
+#include <QPointer>
+#include <QStringList>
+#include <QWidget>
+
+#include <functional>
+#include <vector>
+
+class QScrollArea;
+
+namespace pavonel {
+
+/// A column of rows of one height. Of a long one only the rows near the
+/// visible part exist, and the one with the keyboard. A row stays the same widget for as long as its key is
+/// in the list, so that one can be edited while others come and go.
+class RowList : public QWidget, public AccessibleControl {
+public:
+    using Make = std::function<QWidget *(const QString &key)>;
+
+    /// Hairlines above the rows.
+    enum class Lines {
+        all,
+        first, ///< For rows that draw those between them.
+        none
+    };
+
+    /// `make` gives a new widget, which the list owns.
+    RowList(Look &look, int rowHeight, Lines lines, Make make);
+
+    /// Each key stands for one row; none comes twice.
+    void setKeys(const QStringList &keys);
+    const QStringList &keys() const { return keys_; }
+
+    /// Null while the row does not exist.
+    QWidget *rowAt(std::size_t index) const { return rows_[index]; }
+
+    QSize sizeHint() const override;
+    QAccessibleInterface *makeAccessible() override;
+
+protected:
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    struct Span {
+        std::size_t begin;
+        std::size_t end;
+    };
+    /// The rows within so many heights of the window's visible part.
+    Span nearby(int heights) const;
+    void follow();
+    void arrange();
+    void dropFarRows();
+    void chainFocus();
+
+    Look &look_;
+    int rowHeight_;
+    Lines lines_;
+    Make make_;
+    QStringList keys_;
+    std::vector<QWidget *> rows_; ///< As many as keys; null for those that do not exist.
+    QWidget *chainBegin_;         ///< Never seen; where the rows begin in the order of the keyboard.
+    QPointer<QScrollArea> area_;  ///< That the list stands in.
+};
+
+} // namespace pavonel

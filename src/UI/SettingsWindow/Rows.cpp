@@ -1,0 +1,165 @@
+#include "UI/SettingsWindow/Rows.h"
+
+#include "UI/ClockText.h"
+#include "UI/Controls/Button.h"
+#include "UI/Controls/CardRow.h"
+#include "UI/Controls/FocusRing.h"
+#include "UI/Controls/PopUpButton.h"
+#include "UI/Controls/Switch.h"
+#include "UI/Controls/Text.h"
+#include "UI/Controls/TextField.h"
+#include "UI/SettingsWindow/StepValue.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+namespace pavonel {
+
+namespace {
+
+class SwitchRowWidget final : public CardRow, public Follower {
+public:
+    SwitchRowWidget(Look &look, const SwitchRow &row) : CardRow(look), isOn_(row.isOn) {
+        addLabel(row.label, row.note);
+        switch_ = new Switch(look, row.label);
+        switch_->setAccessibleDescription(row.note);
+        add(switch_);
+        connect(switch_, &Switch::clicked, this, [this](bool on) { isOn_.set(on); });
+        SwitchRowWidget::readAgain();
+    }
+
+    void readAgain() override { switch_->setOn(isOn_.get()); }
+
+private:
+    Bound<bool> isOn_;
+    Switch *switch_;
+};
+
+class StepRowWidget final : public CardRow, public Follower {
+public:
+    StepRowWidget(Look &look, const StepRow &row) : CardRow(look), value_(row.value) {
+        addLabel(row.label);
+        const auto wording = [suffix = row.suffix](double seconds) {
+            const QString text = humanText(seconds);
+            return suffix.isEmpty() ? text : text + u' ' + suffix;
+        };
+        auto *shown = new StepValue(look, wording);
+        stepper_ = new Stepper(look, row.label, row.range, row.step, wording);
+        add(shown);
+        add(stepper_);
+        stepper_->onStep = [this](double value) { value_.set(value); };
+        stepper_->onChange = [shown](double value) { shown->setValue(value); };
+        shown->setValue(stepper_->value());
+        StepRowWidget::readAgain();
+    }
+
+    void readAgain() override { stepper_->setValue(value_.get()); }
+
+private:
+    Bound<double> value_;
+    Stepper *stepper_;
+};
+
+class PickerRowWidget final : public CardRow, public Follower {
+public:
+    PickerRowWidget(Look &look, const PickerRow &row) : CardRow(look), selection_(row.selection) {
+        addLabel(row.label);
+        button_ = new PopUpButton(look, row.label, row.choices);
+        add(button_);
+        button_->onChoice = [this](const QString &choice) { selection_.set(choice); };
+        PickerRowWidget::readAgain();
+    }
+
+    void readAgain() override { button_->setChoice(selection_.get()); }
+
+private:
+    Bound<QString> selection_;
+    PopUpButton *button_;
+};
+
+class LabeledFieldWidget final : public CardRow, public Follower {
+public:
+    LabeledFieldWidget(Look &look, const LabeledField &row) : CardRow(look), text_(row.text) {
+        auto *lines = new QWidget;
+        auto *column = new QGridLayout(lines);
+        column->setContentsMargins(0, 10, 0, 8);
+        column->setSpacing(0);
+        column->setVerticalSpacing(2);
+        column->setColumnMinimumWidth(0, FocusRing::room);
+        column->addWidget(new Text(look, row.label, Text::Style::label), 0, 1);
+        field_ = new TextField(look, row.label, row.prompt);
+        column->addWidget(field_, 1, 0, 1, 2);
+        column->setColumnStretch(1, 1);
+        addOutdented(lines);
+        field_->onEdit = [this](const QString &text) { text_.set(text); };
+        LabeledFieldWidget::readAgain();
+    }
+
+    void readAgain() override { field_->setText(text_.get()); }
+
+private:
+    Bound<QString> text_;
+    TextField *field_;
+};
+
+/// A text that comes and goes.
+class WordsWidget final : public QWidget, public Follower {
+public:
+    WordsWidget(Look &look, Words words, Text::Style style, const QMargins &margins)
+        : words_(std::move(words)), text_(new Text(look, {}, style)) {
+        auto *lines = new QVBoxLayout(this);
+        lines->setContentsMargins(margins);
+        lines->addWidget(text_);
+        WordsWidget::readAgain();
+    }
+
+    void readAgain() override {
+        text_->setText(words_());
+        setVisible(!text_->text().isEmpty());
+    }
+
+private:
+    Words words_;
+    Text *text_;
+};
+
+} // namespace
+
+QWidget *SwitchRow::make(Look &look) const {
+    return new SwitchRowWidget(look, *this);
+}
+
+QWidget *StepRow::make(Look &look) const {
+    return new StepRowWidget(look, *this);
+}
+
+QWidget *PickerRow::make(Look &look) const {
+    return new PickerRowWidget(look, *this);
+}
+
+QWidget *LabeledField::make(Look &look) const {
+    return new LabeledFieldWidget(look, *this);
+}
+
+QWidget *CardNote::make(Look &look) const {
+    return new WordsWidget(look, text, Text::Style::note, {CardRow::margin, 0, CardRow::margin, 9});
+}
+
+QWidget *PageNote::make(Look &look) const {
+    return new WordsWidget(look, text, Text::Style::secondary,
+                           {FocusRing::room + 2, 0, FocusRing::room + 2, 0});
+}
+
+QWidget *ButtonRow::make(Look &look) const {
+    auto *row = new QWidget;
+    auto *line = new QHBoxLayout(row);
+    line->setContentsMargins({});
+    auto *button = new Button(look, label, Button::Role::plain, symbol);
+    line->addWidget(button);
+    line->addStretch();
+    QObject::connect(button, &Button::clicked, row, action, Qt::QueuedConnection);
+    return row;
+}
+
+} // namespace pavonel

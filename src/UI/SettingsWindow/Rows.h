@@ -1,0 +1,96 @@
+#pragma once
+
+#include "UI/Controls/Stepper.h"
+#include "UI/SettingsWindow/Bound.h"
+#include "UI/SettingsWindow/Piece.h"
+
+#include <QStringList>
+
+/// The rows that cards are made of. Each is a plain description; `make` builds its widget, which writes
+/// through at once and follows changes from elsewhere.
+namespace pavonel {
+
+struct SwitchRow {
+    QString label;
+    Bound<bool> isOn;
+    QString note = {};
+
+    QWidget *make(Look &look) const;
+};
+
+struct StepRow {
+    QString label;
+    Bound<double> value; ///< Seconds; a value that no clock can show is shown bounded.
+    Range range;
+    double step;
+    QString suffix = {};
+
+    QWidget *make(Look &look) const;
+};
+
+struct PickerRow {
+    QString label;
+    Bound<QString> selection;
+    QStringList choices;
+
+    QWidget *make(Look &look) const;
+};
+
+struct LabeledField {
+    QString label;
+    Bound<QString> text;
+    QString prompt = {};
+
+    QWidget *make(Look &look) const;
+};
+
+/// A large number with a caption. Not a row: stands beside others of its kind, in a grid.
+struct Tile {
+    QString value;
+    QString label;
+
+    QWidget *make(Look &look) const;
+};
+
+/// What is said by a sentence that can change; empty for nothing.
+using Words = std::function<QString()>;
+
+/// A small sentence in a card, under the row before it; takes no room while it is empty.
+struct CardNote {
+    CardNote(Words words) : text(std::move(words)) {}
+    CardNote(const QString &words) : text([words] { return words; }) {}
+
+    Words text;
+
+    QWidget *make(Look &look) const;
+};
+
+/// A sentence on the page itself, below a card; takes no room while it is empty.
+struct PageNote {
+    PageNote(Words words) : text(std::move(words)) {}
+    PageNote(const QString &words) : text([words] { return words; }) {}
+
+    Words text;
+
+    QWidget *make(Look &look) const;
+};
+
+/// A button at the left edge of the column.
+struct ButtonRow {
+    QString label;
+    std::function<void()> action;
+    QString symbol = {};
+
+    QWidget *make(Look &look) const;
+};
+
+/// A rounded panel with a bold title, a subtitle under it, then the content.
+struct Card {
+    QString title;
+    QString subtitle;
+    Pieces content;
+
+    QWidget *make(Look &look) const;
+};
+
+} // namespace pavonel

@@ -1,0 +1,92 @@
+#include "UI/SettingsWindow/SettingsView.h"
+
+#include "Core/Settings.h"
+#include "Platform/Platform.h"
+#include "UI/SettingsWindow/PageView.h"
+#include "UI/SettingsWindow/Sidebar.h"
+
+#include <QAccessibleWidget>
+#include <QBackingStore>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QShowEvent>
+
+namespace pavonel {
+
+const QString SettingsView::phonePageSeenKey = QStringLiteral("phonePageSeen");
+
+SettingsView::SettingsView(const PageContext &context, SettingsSelection &selection)
+    : context_(context), selection_(selection), look_(context.platform), sidebar_(new Sidebar(look_)),
+      onSelection_(*context.platform.mainLoop, {&selection}, [this] { showSelected(); }),
+      onSettings_(*context.platform.mainLoop, {&context.settings}, [this] {
+          if (page_)
+              page_->readAgain();
+      }) {
+    auto *line = new QHBoxLayout(this);
+    line->setContentsMargins({});
+    line->setSpacing(0);
+    line->addWidget(sidebar_);
+    sidebar_->onSelect = [this](Page page) {
+        selection_.page = page;
+        showSelected();
+    };
+    setPalette(look_.toolkitPalette());
+    look_.appearance().onChange([this] { followLook(); });
+}
+
+SettingsView::~SettingsView() {
+    look_.appearance().onChange({});
+}
+
+void SettingsView::showSelected() {
+    const Page wanted = selection_.page;
+    if (!isVisible() || (page_ && shown_ == wanted))
+        return;
+    dropPage();
+    sidebar_->select(wanted);
+    page_ = new PageView(look_, entryOf(wanted), context_);
+    shown_ = wanted;
+    static_cast<QBoxLayout *>(layout())->addWidget(page_, 1);
+    page_->show();
+    if (wanted == Page::phone)
+        context_.platform.defaults->set(phonePageSeenKey, true);
+}
+
+void SettingsView::dropPage() {
+    delete page_;
+    page_ = nullptr;
+}
+
+void SettingsView::followLook() {
+    look_.refresh();
+    setPalette(look_.toolkitPalette()); // and thereby a repaint of everything
+    update();
+}
+
+void SettingsView::showEvent(QShowEvent *event) {
+    if (!event->spontaneous())
+        showSelected();
+}
+
+void SettingsView::hideEvent(QHideEvent *event) {
+    if (event->spontaneous())
+        return; // to the user, minimised is still open
+    dropPage();
+    giveUpPixels();
+}
+
+/// They are most of what a hidden window takes; the next showing makes them anew.
+void SettingsView::giveUpPixels() {
+    if (QBackingStore *pixels = backingStore())
+        pixels->resize(QSize(1, 1));
+}
+
+QAccessibleInterface *SettingsView::makeAccessible() {
+    return new QAccessibleWidget(this, QAccessible::Window);
+}
+
+void SettingsView::paintEvent(QPaintEvent *) {
+    QPainter(this).fillRect(rect(), look_.palette().window);
+}
+
+} // namespace pavonel

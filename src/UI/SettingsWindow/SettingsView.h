@@ -1,0 +1,49 @@
+#pragma once
+
+#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Look.h"
+#include "UI/Refresher.h"
+#include "UI/SettingsWindow/PageContext.h"
+#include "UI/SettingsWindow/SettingsSelection.h"
+
+#include <QWidget>
+
+namespace pavonel {
+
+class PageView;
+class Sidebar;
+
+/// The settings window's root: the sidebar and the selected page. Only that page's widgets exist, and only
+/// while the window is shown.
+class SettingsView : public QWidget, public AccessibleControl {
+public:
+    SettingsView(const PageContext &context, SettingsSelection &selection);
+    ~SettingsView() override;
+
+    /// Where it is kept that the user has seen the page of the phone.
+    static const QString phonePageSeenKey;
+
+    QAccessibleInterface *makeAccessible() override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    void showSelected();
+    void dropPage();
+    void giveUpPixels();
+    void followLook();
+
+    PageContext context_;
+    SettingsSelection &selection_;
+    Look look_;
+    Sidebar *sidebar_;
+    PageView *page_ = nullptr;
+    Page shown_ = Page::breaks; ///< What `page_` is.
+    Refresher onSelection_;
+    Refresher onSettings_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "UI/SettingsWindow/PageContext.h"
+#include "UI/SettingsWindow/SettingsSelection.h"
+
+#include <memory>
+#include <optional>
+
+class QWidget;
+
+namespace pavonel {
+
+/// Owns the one settings window, which is made when it is first shown and hidden when it is closed.
+class SettingsWindowController {
+public:
+    explicit SettingsWindowController(const PageContext &context);
+    ~SettingsWindowController();
+
+    /// In front of all other windows and with the keyboard; without a page, on the one of the last time.
+    void show(std::optional<Page> page = {});
+
+    SettingsSelection selection;
+
+private:
+    PageContext context_;
+    std::unique_ptr<QWidget> window_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Look.h"
+#include "UI/SettingsWindow/Page.h"
+
+#include <QWidget>
+
+#include <functional>
+
+namespace pavonel {
+
+class ScrollArea;
+class SidebarItem;
+
+/// The list of the pages, and below it the product's name. One stop for the Tab key; arrow keys go from page
+/// to page.
+class Sidebar : public QWidget {
+public:
+    explicit Sidebar(Look &look);
+
+    /// Told of the page that the user goes to.
+    std::function<void(Page)> onSelect;
+
+    void select(Page page);
+
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void goTo(std::size_t place);
+
+    Look &look_;
+    ScrollArea *area_;
+    std::vector<SidebarItem *> items_;
+    std::size_t selected_ = 0;
+};
+
+} // namespace pavonel

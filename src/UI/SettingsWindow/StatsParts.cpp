@@ -1,0 +1,126 @@
+#include "UI/SettingsWindow/StatsParts.h"
+
+#include "UI/ClockText.h"
+#include "UI/Controls/Button.h"
+#include "UI/Controls/CardRow.h"
+#include "UI/Refresher.h"
+#include "UI/SettingsWindow/Rows.h"
+#include "UI/SettingsWindow/WeekChart.h"
+#include "UI/SettingsWindow/WeekFigures.h"
+
+#include <QGridLayout>
+#include <QVBoxLayout>
+
+namespace pavonel {
+
+namespace {
+
+using Tiles = std::vector<Tile>;
+
+Tiles tilesOf(const WeekFigures &week) {
+    return {{QString::number(week.micro), QStringLiteral("Micro breaks")},
+            {QString::number(week.long_), QStringLiteral("Long breaks")},
+            {QString::number(week.planned), QStringLiteral("Planned")},
+            {QString::number(week.skipped), QStringLiteral("Skipped")},
+            {humanText(week.screenSeconds), QStringLiteral("Screen time")},
+            {humanText(week.breakSeconds), QStringLiteral("On breaks")}};
+}
+
+class WeekWidget final : public QWidget {
+public:
+    WeekWidget(Look &look, Stats &stats)
+        : look_(look), stats_(stats), chart_(new WeekChart(look)),
+          refresher_(look.loop(), {&stats}, [this] { readAgain(); }) {
+        auto *lines = new QVBoxLayout(this);
+        lines->setContentsMargins(CardRow::margin, 2, CardRow::margin, 10);
+        lines->setSpacing(14);
+        lines->addWidget(new QWidget);
+        lines->addWidget(chart_);
+        readAgain();
+    }
+
+private:
+    /// Every second; but what is shown changes once a minute.
+    void readAgain() {
+        const auto week = stats_.lastWeek();
+        chart_->setDays(week);
+        const Tiles tiles = tilesOf(WeekFigures::of(week));
+        QStringList values;
+        for (const Tile &tile : tiles)
+            values.append(tile.value);
+        if (values == shown_)
+            return;
+        shown_ = values;
+        QWidget *grid = gridOf(tiles);
+        const std::unique_ptr<QLayoutItem> old(layout()->replaceWidget(layout()->itemAt(0)->widget(), grid));
+        delete old->widget();
+        grid->lower(); // a screen reader comes to it before the chart
+        grid->show();
+    }
+
+    QWidget *gridOf(const Tiles &tiles) {
+        constexpr int columns = 3;
+        auto *grid = new QWidget;
+        auto *places = new QGridLayout(grid);
+        places->setContentsMargins({});
+        places->setSpacing(10);
+        for (int index = 0; index < static_cast<int>(tiles.size()); ++index)
+            places->addWidget(tiles[static_cast<std::size_t>(index)].make(look_), index / columns,
+                              index % columns);
+        return grid;
+    }
+
+    Look &look_;
+    Stats &stats_;
+    WeekChart *chart_;
+    QStringList shown_;
+    Refresher refresher_;
+};
+
+class ResetWidget final : public QWidget {
+public:
+    ResetWidget(Look &look, Stats &stats)
+        : stats_(stats), undo_(new Button(look, QStringLiteral("Undo"), Button::Role::bare)) {
+        auto *line = new QHBoxLayout(this);
+        line->setContentsMargins({});
+        line->setSpacing(0);
+        auto *reset = new Button(look, QStringLiteral("Reset stats"));
+        line->addWidget(reset);
+        line->addWidget(undo_);
+        line->addStretch();
+        undo_->setAccessibleName(QStringLiteral("Undo the reset"));
+        undo_->hide();
+        connect(reset, &Button::clicked, this, [this] { forget(); });
+        connect(undo_, &Button::clicked, this, [this] { bringBack(); });
+    }
+
+private:
+    void forget() {
+        forgotten_ = sum(std::move(forgotten_), stats_.days());
+        stats_.setDays({});
+        stats_.flush();
+        undo_->setVisible(!forgotten_.empty());
+    }
+
+    void bringBack() {
+        stats_.setDays(sum(stats_.days(), std::exchange(forgotten_, {})));
+        stats_.flush();
+        undo_->hide();
+    }
+
+    Stats &stats_;
+    Button *undo_;
+    Days forgotten_;
+};
+
+} // namespace
+
+QWidget *WeekParts::make(Look &look) const {
+    return new WeekWidget(look, stats);
+}
+
+QWidget *ResetRow::make(Look &look) const {
+    return new ResetWidget(look, stats);
+}
+
+} // namespace pavonel

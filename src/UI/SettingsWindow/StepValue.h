@@ -1,0 +1,31 @@
+#pragma once
+
+#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Look.h"
+
+#include <QWidget>
+
+#include <functional>
+
+namespace pavonel {
+
+/// The number beside a stepper, as people read it, with digits that keep their places.
+class StepValue : public QWidget, public AccessibleControl {
+public:
+    StepValue(Look &look, std::function<QString(double)> wording);
+
+    void setValue(double value);
+
+    QSize sizeHint() const override;
+    QAccessibleInterface *makeAccessible() override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    Look &look_;
+    std::function<QString(double)> wording_;
+    QString text_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,66 @@
+#include "UI/SettingsWindow/StyleTile.h"
+
+#include "UI/BackgroundImage.h"
+#include "UI/Controls/ChoiceAccessible.h"
+#include "UI/Controls/Pixels.h"
+#include "UI/SettingsWindow/RoundedImage.h"
+#include "UI/Theme.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+
+namespace pavonel {
+
+namespace {
+
+constexpr QSize swatchSize(76, 48);
+constexpr double radius = 7;
+constexpr int aboveName = 4;
+
+} // namespace
+
+StyleTile::StyleTile(Look &look, const Background &theme) : ControlButton(look), theme_(theme) {
+    setText(theme.name);
+    setAccessibleName(theme.name);
+    setCheckable(true);
+    setFont(look.font(11));
+}
+
+QSize StyleTile::sizeHint() const {
+    constexpr int room = FocusRing::room;
+    return swatchSize + QSize(2 * room, 2 * room + aboveName + QFontMetrics(font()).height() - room);
+}
+
+QRectF StyleTile::swatch() const {
+    constexpr int room = FocusRing::room;
+    return {QPointF(room, room), swatchSize};
+}
+
+QAccessibleInterface *StyleTile::makeAccessible() {
+    return new ChoiceAccessible(*this, QAccessible::RadioButton);
+}
+
+void StyleTile::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF place = swatch();
+    const QSize pixels = (place.size() * devicePixelRatioF()).toSize();
+    if (gradient_.size() != pixels)
+        gradient_ = gradientImage(theme_, pixels);
+    drawRounded(painter, place, radius, gradient_);
+    drawBody(painter, place, radius, Qt::transparent, look_.palette().cardOutline);
+    const Palette &palette = look_.palette();
+    if (isChecked() || ring_.isShown()) {
+        constexpr double gap = 1;
+        constexpr double width = 2;
+        constexpr double out = gap + width / 2;
+        painter.setPen(QPen(isChecked() ? palette.accent : palette.accentText, width));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(place.adjusted(-out, -out, out, out), radius + out, radius + out);
+    }
+    painter.setPen(isChecked() || underMouse() ? palette.text : palette.secondaryText);
+    painter.drawText(QRectF(0, place.bottom() + aboveName, width(), height() - place.bottom() - aboveName),
+                     Qt::AlignHCenter | Qt::AlignTop, text());
+}
+
+} // namespace pavonel

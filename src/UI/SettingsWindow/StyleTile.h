@@ -1,0 +1,30 @@
+#pragma once
+
+#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/ControlButton.h"
+
+#include <QImage>
+
+namespace pavonel {
+
+struct Background;
+
+/// A theme of the break screen to choose, one of a group: its gradient in small, above its name.
+class StyleTile : public ControlButton, public AccessibleControl {
+public:
+    StyleTile(Look &look, const Background &theme);
+
+    QSize sizeHint() const override;
+    QAccessibleInterface *makeAccessible() override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QRectF swatch() const;
+
+    const Background &theme_;
+    QImage gradient_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,125 @@
+#include "UI/SettingsWindow/UpdateParts.h"
+
+#include "Core/Updater.h"
+#include "UI/Controls/Button.h"
+#include "UI/Controls/CardRow.h"
+#include "UI/Controls/Pixels.h"
+#include "UI/Controls/Text.h"
+#include "UI/SettingsWindow/Changing.h"
+#include "UI/SettingsWindow/ProgressBar.h"
+#include "UI/SettingsWindow/RelativeTime.h"
+
+#include <QPainter>
+#include <QVBoxLayout>
+
+namespace pavonel {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype longestNotes = 4000; // characters; nobody reads on
+
+/// The line under the version.
+struct StatusLine {
+    const std::optional<Instant> &lastCheck;
+    Instant now;
+
+    QString operator()(const Updater::Available &state) const {
+        return u"Version %1 is available"_s.arg(state.version);
+    }
+    QString operator()(const Updater::Downloading &) const { return {}; } // a bar instead
+    QString operator()(const Updater::Failed &state) const { return state.message; }
+    QString operator()(const Updater::Idle &) const {
+        return lastCheck ? u"Last checked "_s + relativeTime(*lastCheck, now) : u"Not checked yet"_s;
+    }
+    QString operator()(const Updater::Checking &) const { return u"Checking…"_s; }
+    QString operator()(const Updater::UpToDate &) const { return u"You are up to date."_s; }
+    QString operator()(const Updater::ReadyToRestart &) const {
+        return u"Installing — Pavonel will restart."_s;
+    }
+};
+
+QString shortened(const QString &notes) {
+    return notes.size() <= longestNotes ? notes : notes.left(longestNotes) + u'…';
+}
+
+/// Shows one state; made anew for the next.
+class StatusRow final : public CardRow {
+public:
+    StatusRow(Look &look, Updater &updater, MainLoop &loop) : CardRow(look), updater_(updater), loop_(loop) {
+        auto *texts = new QVBoxLayout;
+        texts->setContentsMargins(0, 9, 0, 9);
+        texts->setSpacing(3);
+        texts->addWidget(new Text(look, u"Version "_s + updater.currentVersion(), Text::Style::label));
+        line_ = new Text(look, {}, Text::Style::note);
+        texts->addWidget(line_);
+        addState(*texts);
+        auto *place = new QWidget;
+        place->setLayout(texts);
+        add(place);
+        static_cast<QBoxLayout *>(layout())->setStretchFactor(place, 1);
+        addButton();
+        describe();
+    }
+
+protected:
+    /// As the first in its part it would take itself for the first in the card.
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        drawHairline(painter, {margin, 0}, {width() - margin - 1.0, 0}, look().palette().hairline);
+    }
+
+private:
+    void addState(QVBoxLayout &texts) {
+        const Updater::State &state = updater_.state;
+        if (const auto *available = std::get_if<Updater::Available>(&state))
+            texts.addWidget(new Text(look(), shortened(available->notes), Text::Style::note));
+        else if (const auto *downloading = std::get_if<Updater::Downloading>(&state))
+            texts.addWidget(new ProgressBar(look(), u"Download"_s, downloading->progress));
+        else if (std::holds_alternative<Updater::Idle>(state)) {
+            constexpr Seconds minute = 60;
+            minutes_ = loop_.every(minute, [this] { describe(); });
+        }
+    }
+
+    void addButton() {
+        const Updater::State &state = updater_.state;
+        const bool available = std::holds_alternative<Updater::Available>(state);
+        const bool resting = std::holds_alternative<Updater::Idle>(state) ||
+                             std::holds_alternative<Updater::UpToDate>(state) ||
+                             std::holds_alternative<Updater::Failed>(state);
+        if (!available && !resting)
+            return;
+        auto *button = new Button(look(), available ? u"Install and restart"_s : u"Check now"_s,
+                                  available ? Button::Role::prominent : Button::Role::plain);
+        add(button);
+        connect(button, &Button::clicked, this, [available, &updater = updater_] {
+            if (available)
+                updater.install();
+            else
+                updater.check(Updater::CheckKind::interactive);
+        });
+    }
+
+    void describe() {
+        line_->setText(std::visit(StatusLine{updater_.lastCheck, loop_.now()}, updater_.state.get()));
+        line_->setVisible(!line_->text().isEmpty());
+    }
+
+    Updater &updater_;
+    MainLoop &loop_;
+    Text *line_;
+    TimerHandle minutes_; ///< While the line tells of a time that passes.
+};
+
+} // namespace
+
+QWidget *UpdateStatus::make(Look &look) const {
+    const auto row = [&updater = updater, &loop = loop](Look &shared) {
+        return new StatusRow(shared, updater, loop);
+    };
+    return Changing{loop, {&updater}, [row] { return Pieces{row}; }}.make(look);
+}
+
+} // namespace pavonel

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Core/Stats.h"
+#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Look.h"
+
+#include <QWidget>
+
+#include <optional>
+
+namespace pavonel {
+
+/// Seven days side by side, each a bar of the time at the screen upon one of the time on breaks, at one
+/// scale. The day under the pointer tells its figures; a screen reader gets those of all.
+class WeekChart : public QWidget, public AccessibleControl {
+public:
+    explicit WeekChart(Look &look);
+
+    void setDays(std::vector<LabelledDay> days);
+
+    QSize sizeHint() const override;
+    QAccessibleInterface *makeAccessible() override;
+
+    /// The two parts of a day's bar, above each other. What is no sensible time counts as none; a time that
+    /// is not nothing can be seen.
+    struct Bar {
+        QRectF screen;
+        QRectF breaks;
+    };
+    Bar bar(std::size_t day) const;
+
+    /// "Monday: 5h 20m at the screen, 20m on breaks."
+    static QString sentence(const LabelledDay &day);
+
+protected:
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QRectF column(std::size_t day) const;
+    std::optional<std::size_t> dayAt(QPointF point) const;
+    double scale() const;
+    void paintLegend(QPainter &painter) const;
+    void paintDay(QPainter &painter, std::size_t day) const;
+
+    Look &look_;
+    std::vector<LabelledDay> days_;
+    std::optional<std::size_t> hovered_;
+};
+
+} // namespace pavonel

@@ -1,0 +1,115 @@
+#include "UI/Controls/Button.h"
+#include "UI/SettingsWindow/CodeView.h"
+#include "support/OpenSettings.h"
+#include "support/windows.h"
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString explanation = u"A break on the Mac is only half a break if you pick up your phone. Pair the "
+                            u"two and the same countdown appears "
+                            "there — on the Lock Screen and in the Dynamic Island — and clears when you end "
+                            "the break here.\n\nAway from the "
+                            "Mac, the app keeps its own hours: breaks as often and as long as you like. "
+                            "While this Mac is running Pavonel, "
+                            "this Mac decides."_s;
+
+class PhonePage : public ::testing::Test {
+protected:
+    OpenSettings open;
+    Phone &phone = open.phone;
+
+    PhonePage() { open.show(Page::phone); }
+
+    void enter(const Phone::State &state) {
+        phone.state = state;
+        open.settle();
+    }
+    bool shows(const QString &text) { return open.texts().contains(text); }
+    Button *button(const QString &name) { return open.widget<Button>(QAccessible::Button, name); }
+    void press(const QString &name) {
+        click(*button(name));
+        QApplication::processEvents();
+        open.settle();
+    }
+    std::vector<FakeHttpClient::Exchange> &exchanges() { return open.platform.web.exchanges; }
+};
+
+} // namespace
+
+TEST_F(PhonePage, without_a_phone_explains_and_offers_a_code) {
+    EXPECT_TRUE(shows(explanation));
+    ASSERT_NE(button(u"Show pairing code"_s), nullptr);
+    EXPECT_EQ(button(u"Cancel"_s), nullptr);
+    EXPECT_EQ(button(u"Disconnect"_s), nullptr);
+    press(u"Show pairing code"_s);
+    ASSERT_EQ(exchanges().size(), 1U);
+    EXPECT_TRUE(exchanges()[0].request.url.path().endsWith(u"/pair/start"_s));
+    EXPECT_TRUE(shows(u"······"_s)) << "the layout is there before the code is";
+}
+
+TEST_F(PhonePage, while_waiting_shows_the_code) {
+    enter(Phone::Waiting{u"481902"_s});
+    for (const QString &text :
+         {u"Pavonel for iPhone"_s, u"Type this code into Pavonel on your phone"_s, u"481902"_s,
+          u"The code is good for fifteen minutes."_s, u"Waiting for your phone…"_s})
+        EXPECT_TRUE(shows(text)) << qPrintable(text);
+    EXPECT_FALSE(shows(explanation));
+    press(u"Cancel"_s);
+    EXPECT_EQ(phone.state.get(), Phone::State(Phone::Unpaired{}));
+    EXPECT_TRUE(shows(explanation));
+}
+
+TEST_F(PhonePage, after_a_failure_tells_it_and_offers_another_try) {
+    enter(Phone::Failed{u"Could not reach the pairing service."_s});
+    EXPECT_TRUE(shows(explanation));
+    EXPECT_TRUE(shows(u"Could not reach the pairing service."_s));
+    press(u"Show pairing code"_s);
+    EXPECT_FALSE(shows(u"Could not reach the pairing service."_s));
+}
+
+TEST_F(PhonePage, with_a_phone_says_so_and_offers_to_disconnect) {
+    enter(Phone::Paired{});
+    for (const QString &text :
+         {u"Paired"_s, u"Your phone is connected"_s, u"When a break starts here, it starts there too."_s})
+        EXPECT_TRUE(shows(text)) << qPrintable(text);
+    press(u"Disconnect"_s);
+    EXPECT_EQ(phone.state.get(), Phone::State(Phone::Unpaired{}));
+}
+
+TEST_F(PhonePage, says_in_every_state_what_travels_to_the_phone) {
+    const QString footer = u"Only the break itself travels to the phone: its kind, its name and when it "
+                           u"ends. Settings and statistics "
+                           "never leave this computer."_s;
+    for (const Phone::State &state : {Phone::State(Phone::Unpaired{}), Phone::State(Phone::Waiting{u"1"_s}),
+                                      Phone::State(Phone::Paired{}), Phone::State(Phone::Failed{u"No."_s})}) {
+        enter(state);
+        EXPECT_TRUE(shows(footer));
+    }
+}
+
+TEST_F(PhonePage, has_been_seen_once_it_was_shown) {
+    EXPECT_EQ(open.platform.fakeDefaults.value(u"phonePageSeen"_s), StoredValue(true));
+}
+
+TEST_F(PhonePage, keeps_the_keyboard_from_state_to_state) {
+    button(u"Show pairing code"_s)->setFocus();
+    press(u"Show pairing code"_s);
+    EXPECT_EQ(open.window()->focusWidget(), button(u"Cancel"_s));
+}
+
+TEST_F(PhonePage, shows_codes_and_messages_of_any_kind) {
+    for (const QString &text : {QString(), QString(10000, u'8'), u"<b>bold</b>\n\n🫖"_s, u"رمز"_s}) {
+        enter(Phone::Waiting{text});
+        EXPECT_FALSE(open.window()->grab().isNull());
+        enter(Phone::Failed{text});
+        EXPECT_FALSE(open.window()->grab().isNull());
+    }
+}
+
+} // namespace pavonel::test

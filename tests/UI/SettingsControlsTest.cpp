@@ -1,0 +1,422 @@
+#include "UI/Controls/Button.h"
+#include "UI/Controls/ListRow.h"
+#include "UI/Controls/Pixels.h"
+#include "UI/Controls/PopUpButton.h"
+#include "UI/Controls/PopUpItem.h"
+#include "UI/Controls/ScrollArea.h"
+#include "UI/Controls/Stepper.h"
+#include "UI/Controls/Switch.h"
+#include "UI/Controls/Text.h"
+#include "UI/Controls/TextField.h"
+#include "support/FakePlatform.h"
+#include "support/windows.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QWheelEvent>
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct SettingsControls : testing::Test {
+    FakePlatform platform;
+    Look look{platform};
+
+    static void press(QWidget &target, int key, const QString &text = {}) {
+        QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, text);
+        QApplication::sendEvent(&target, &down);
+        QKeyEvent up(QEvent::KeyRelease, key, Qt::NoModifier, text);
+        QApplication::sendEvent(&target, &up);
+    }
+    static void mouse(QWidget &target, QEvent::Type type, QPointF where) {
+        const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(type, where, target.mapToGlobal(where), Qt::LeftButton, held, Qt::NoModifier);
+        QApplication::sendEvent(&target, &event);
+    }
+    static QAccessibleInterface *accessible(QWidget &widget) {
+        return QAccessible::queryAccessibleInterface(&widget);
+    }
+};
+
+struct SettingsStepper : SettingsControls {
+    Stepper stepper{look, u"Every"_s, {60, 7200}, 60, [](double value) { return QString::number(value); }};
+    std::vector<double> steps;
+
+    SettingsStepper() {
+        stepper.onStep = [this](double value) { steps.push_back(value); };
+        stepper.setValue(1200);
+        stepper.resize(stepper.sizeHint());
+        stepper.show();
+    }
+    QPointF plus() const { return {stepper.width() - 16.0, stepper.height() / 2.0}; }
+    QPointF minus() const { return {16.0, stepper.height() / 2.0}; }
+};
+
+struct SettingsPopUp : SettingsControls {
+    PopUpButton button{look, u"Break starts"_s, {u"None"_s, u"Glass"_s, u"Submarine"_s}};
+    QStringList chosen;
+
+    SettingsPopUp() {
+        button.setChoice(u"Glass"_s);
+        button.onChoice = [this](const QString &choice) { chosen.append(choice); };
+        button.resize(button.sizeHint());
+        button.show();
+    }
+    ~SettingsPopUp() override {
+        if (QWidget *list = QApplication::activePopupWidget())
+            list->close();
+    }
+    static std::vector<PopUpItem *> items() {
+        std::vector<PopUpItem *> found;
+        if (QWidget *list = QApplication::activePopupWidget()) {
+            for (QWidget *child : list->findChildren<QWidget *>()) {
+                if (auto *item = dynamic_cast<PopUpItem *>(child))
+                    found.push_back(item);
+            }
+        }
+        return found;
+    }
+};
+
+} // namespace
+
+TEST_F(SettingsStepper, the_halves_step_down_and_up) {
+    mouse(stepper, QEvent::MouseButtonPress, plus());
+    mouse(stepper, QEvent::MouseButtonRelease, plus());
+    mouse(stepper, QEvent::MouseButtonPress, minus());
+    mouse(stepper, QEvent::MouseButtonRelease, minus());
+    EXPECT_EQ(steps, (std::vector<double>{1260, 1200}));
+}
+
+TEST_F(SettingsStepper, a_held_half_steps_again_and_again_until_it_is_let_go) {
+    mouse(stepper, QEvent::MouseButtonPress, plus());
+    platform.loop.advance(0.3);
+    EXPECT_EQ(steps.size(), 1U);
+    platform.loop.advance(1);
+    const auto held = steps.size();
+    EXPECT_GE(held, 8U);
+    mouse(stepper, QEvent::MouseButtonRelease, plus());
+    platform.loop.advance(5);
+    EXPECT_EQ(steps.size(), held);
+}
+
+TEST_F(SettingsStepper, a_held_half_stops_at_the_bound) {
+    mouse(stepper, QEvent::MouseButtonPress, minus());
+    platform.loop.advance(60);
+    EXPECT_EQ(stepper.value(), 60);
+    EXPECT_EQ(steps.back(), 60);
+    EXPECT_EQ(steps.size(), 19U);
+}
+
+TEST_F(SettingsStepper, hiding_it_ends_the_repetition) {
+    mouse(stepper, QEvent::MouseButtonPress, plus());
+    stepper.hide();
+    platform.loop.advance(5);
+    EXPECT_EQ(steps.size(), 1U);
+}
+
+TEST_F(SettingsStepper, arrow_keys_space_and_return_step) {
+    for (const int key : {Qt::Key_Up, Qt::Key_Right, Qt::Key_Plus, Qt::Key_Space, Qt::Key_Return})
+        press(stepper, key);
+    EXPECT_EQ(stepper.value(), 1500);
+    for (const int key : {Qt::Key_Down, Qt::Key_Left, Qt::Key_Minus})
+        press(stepper, key);
+    EXPECT_EQ(stepper.value(), 1320);
+    press(stepper, Qt::Key_End);
+    EXPECT_EQ(stepper.value(), 7200);
+    press(stepper, Qt::Key_Home);
+    EXPECT_EQ(stepper.value(), 60);
+}
+
+TEST_F(SettingsStepper, a_disabled_one_does_not_step) {
+    stepper.setEnabled(false);
+    stepper.step(Stepper::Direction::up);
+    EXPECT_TRUE(steps.empty());
+}
+
+TEST_F(SettingsStepper, a_number_that_is_none_is_not_taken) {
+    stepper.setValue(std::nan(""));
+    stepper.moveTo(std::nan(""));
+    EXPECT_EQ(stepper.value(), 1200);
+    stepper.moveTo(1e300);
+    EXPECT_EQ(stepper.value(), 7200);
+}
+
+TEST_F(SettingsStepper, is_a_spin_box_with_a_value_to_assistive_technology) {
+    QAccessibleInterface *box = accessible(stepper);
+    EXPECT_EQ(box->role(), QAccessible::SpinBox);
+    EXPECT_EQ(box->text(QAccessible::Name), u"Every"_s);
+    EXPECT_EQ(box->text(QAccessible::Value), u"1200"_s);
+    QAccessibleValueInterface *value = box->valueInterface();
+    ASSERT_NE(value, nullptr);
+    EXPECT_EQ(value->currentValue().toDouble(), 1200);
+    EXPECT_EQ(value->minimumValue().toDouble(), 60);
+    EXPECT_EQ(value->maximumValue().toDouble(), 7200);
+    EXPECT_EQ(value->minimumStepSize().toDouble(), 60);
+    value->setCurrentValue(9000);
+    EXPECT_EQ(steps, std::vector<double>{7200});
+    box->actionInterface()->doAction(QAccessibleActionInterface::decreaseAction());
+    EXPECT_EQ(stepper.value(), 7140);
+}
+
+TEST_F(SettingsControls, a_switch_acts_on_space_and_return_and_leaves_arrow_keys_to_the_page) {
+    Switch one(look, u"Enabled"_s);
+    int clicks = 0;
+    QObject::connect(&one, &Switch::clicked, [&] { ++clicks; });
+    press(one, Qt::Key_Space);
+    EXPECT_TRUE(one.isChecked());
+    press(one, Qt::Key_Return);
+    EXPECT_FALSE(one.isChecked());
+    QKeyEvent down(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier);
+    QApplication::sendEvent(&one, &down);
+    EXPECT_FALSE(down.isAccepted());
+    EXPECT_EQ(clicks, 2);
+}
+
+TEST_F(SettingsControls, the_knob_glides_for_a_click_and_not_for_what_comes_from_elsewhere) {
+    Switch one(look, u"Enabled"_s);
+    one.resize(one.sizeHint());
+    const QImage off = one.grab().toImage();
+    one.setOn(true);
+    const QImage on = one.grab().toImage();
+    EXPECT_NE(on, off);
+    one.click();
+    EXPECT_EQ(one.grab().toImage(), on) << "no time has passed";
+    platform.loop.advance(0.08);
+    const QImage between = one.grab().toImage();
+    EXPECT_NE(between, on);
+    EXPECT_NE(between, off);
+    platform.loop.advance(1);
+    EXPECT_EQ(one.grab().toImage(), off);
+}
+
+TEST_F(SettingsControls, with_reduced_motion_the_knob_is_there_at_once) {
+    platform.look.current.reducedMotion = true;
+    Switch one(look, u"Enabled"_s);
+    one.resize(one.sizeHint());
+    const QImage off = one.grab().toImage();
+    one.click();
+    const QImage on = one.grab().toImage();
+    EXPECT_NE(on, off);
+    platform.loop.advance(1);
+    EXPECT_EQ(one.grab().toImage(), on);
+}
+
+TEST_F(SettingsControls, the_ring_is_for_those_who_use_the_keyboard) {
+    FocusRing ring;
+    ring.focusIn(QFocusEvent(QEvent::FocusIn, Qt::MouseFocusReason));
+    EXPECT_FALSE(ring.isShown());
+    ring.focusIn(QFocusEvent(QEvent::FocusIn, Qt::TabFocusReason));
+    EXPECT_TRUE(ring.isShown());
+    ring.focusOut(QFocusEvent(QEvent::FocusOut, Qt::ActiveWindowFocusReason));
+    EXPECT_FALSE(ring.isShown());
+    ring.focusIn(QFocusEvent(QEvent::FocusIn, Qt::ActiveWindowFocusReason));
+    EXPECT_TRUE(ring.isShown()) << "it comes back with the window";
+    ring.focusOut(QFocusEvent(QEvent::FocusOut, Qt::TabFocusReason));
+    ring.focusIn(QFocusEvent(QEvent::FocusIn, Qt::ActiveWindowFocusReason));
+    EXPECT_FALSE(ring.isShown());
+}
+
+TEST_F(SettingsControls, a_button_acts_on_space_and_return) {
+    Button button(look, u"Quit Pavonel"_s);
+    int clicks = 0;
+    QObject::connect(&button, &Button::clicked, [&] { ++clicks; });
+    press(button, Qt::Key_Space);
+    press(button, Qt::Key_Return);
+    press(button, Qt::Key_Enter);
+    EXPECT_EQ(clicks, 3);
+    EXPECT_EQ(accessible(button)->role(), QAccessible::Button);
+    EXPECT_EQ(accessible(button)->text(QAccessible::Name), u"Quit Pavonel"_s);
+}
+
+TEST_F(SettingsPopUp, opens_a_list_of_its_choices_with_the_one_that_holds_marked) {
+    button.click();
+    const auto shown = items();
+    ASSERT_EQ(shown.size(), 3U);
+    EXPECT_EQ(shown[0]->text(), u"None"_s);
+    EXPECT_FALSE(shown[0]->isCurrent());
+    EXPECT_TRUE(shown[1]->isCurrent());
+}
+
+TEST_F(SettingsPopUp, a_click_chooses_and_closes) {
+    button.click();
+    items()[2]->click();
+    EXPECT_EQ(chosen, QStringList{u"Submarine"_s});
+    EXPECT_EQ(button.choice(), u"Submarine"_s);
+    EXPECT_TRUE(items().empty());
+}
+
+TEST_F(SettingsPopUp, is_operated_by_keys_alone) {
+    press(button, Qt::Key_Return);
+    QWidget *list = QApplication::activePopupWidget();
+    ASSERT_NE(list, nullptr);
+    press(*list, Qt::Key_Home);
+    press(*list, Qt::Key_Return);
+    EXPECT_EQ(chosen, QStringList{u"None"_s});
+    press(button, Qt::Key_Down);
+    press(*QApplication::activePopupWidget(), Qt::Key_S, u"s"_s);
+    press(*QApplication::activePopupWidget(), Qt::Key_Enter);
+    EXPECT_EQ(chosen.back(), u"Submarine"_s);
+}
+
+TEST_F(SettingsPopUp, escape_leaves_the_choice_as_it_was) {
+    button.click();
+    press(*QApplication::activePopupWidget(), Qt::Key_Escape);
+    EXPECT_TRUE(chosen.isEmpty());
+    EXPECT_EQ(button.choice(), u"Glass"_s);
+    EXPECT_TRUE(items().empty());
+}
+
+TEST_F(SettingsPopUp, shows_a_choice_that_is_not_offered) {
+    button.setChoice(u"Owl"_s);
+    EXPECT_EQ(accessible(button)->text(QAccessible::Value), u"Owl"_s);
+    button.click();
+    for (const PopUpItem *item : items())
+        EXPECT_FALSE(item->isCurrent());
+}
+
+TEST_F(SettingsPopUp, is_a_combo_box_with_a_list_to_assistive_technology) {
+    QAccessibleInterface *box = accessible(button);
+    EXPECT_EQ(box->role(), QAccessible::ComboBox);
+    EXPECT_EQ(box->text(QAccessible::Name), u"Break starts"_s);
+    EXPECT_EQ(box->text(QAccessible::Value), u"Glass"_s);
+    box->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+    ASSERT_EQ(items().size(), 3U);
+    QAccessibleInterface *item = accessible(*items()[2]);
+    EXPECT_EQ(item->role(), QAccessible::ListItem);
+    item->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(chosen, QStringList{u"Submarine"_s});
+}
+
+TEST_F(SettingsPopUp, without_choices_it_opens_and_closes_all_the_same) {
+    PopUpButton none(look, u"Break ends"_s, {});
+    none.show();
+    none.click();
+    QWidget *list = QApplication::activePopupWidget();
+    ASSERT_NE(list, nullptr);
+    for (const int key : {Qt::Key_Down, Qt::Key_Home, Qt::Key_Return, Qt::Key_A, Qt::Key_Escape})
+        press(*list, key, u"a"_s);
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+}
+
+TEST_F(SettingsControls, a_field_keeps_the_cursor_of_somebody_who_types) {
+    TextField field(look, u"When a break starts"_s);
+    field.setText(u"one two"_s);
+    auto *edit = field.findChild<QLineEdit *>();
+    edit->setCursorPosition(3);
+    field.setText(u"one two"_s);
+    EXPECT_EQ(edit->cursorPosition(), 3);
+}
+
+TEST_F(SettingsControls, odd_texts_are_shown_and_kept_as_they_are) {
+    const QStringList odd{u"🦚 emoji 👩‍💻"_s, u"שלום עולם"_s, QString(10'000, u'x'),
+                          u"two\nlines\r\nand more"_s, QString(),      QString(QChar(0xD800))};
+    for (const QString &text : odd) {
+        Text label(look, text, Text::Style::label);
+        EXPECT_EQ(label.text().size(), text.size());
+        label.resize(300, label.heightForWidth(300));
+        EXPECT_FALSE(label.grab().isNull());
+        TextField field(look, u"Label"_s);
+        field.setText(text);
+        EXPECT_EQ(field.text(), text);
+        field.resize(300, 40);
+        EXPECT_FALSE(field.grab().isNull());
+        ListRow row(look, {text, text}, [] {});
+        row.resize(300, 40);
+        EXPECT_FALSE(row.grab().isNull());
+    }
+}
+
+TEST_F(SettingsControls, a_text_grows_to_what_its_width_leaves_it) {
+    Text text(look, QString(600, u'x'), Text::Style::label);
+    EXPECT_GT(text.heightForWidth(200), text.heightForWidth(400));
+    EXPECT_GE(text.heightForWidth(100'000), text.fontMetrics().height());
+    EXPECT_LE(text.minimumSizeHint().width(), 200);
+}
+
+TEST_F(SettingsControls, an_entry_of_a_list_is_removed_by_its_button) {
+    int removed = 0;
+    ListRow row(look, {u"Firefox"_s}, [&] { ++removed; });
+    auto *remove = row.findChild<QAbstractButton *>();
+    ASSERT_NE(remove, nullptr);
+    EXPECT_EQ(remove->accessibleName(), u"Remove Firefox"_s);
+    remove->click();
+    EXPECT_EQ(removed, 0) << "the button is still being clicked";
+    QApplication::processEvents();
+    EXPECT_EQ(removed, 1);
+}
+
+TEST_F(SettingsControls, a_wheel_with_notches_scrolls_smoothly) {
+    auto *content = new QWidget;
+    content->setMinimumHeight(2000);
+    ScrollArea area(look, content);
+    area.resize(300, 300);
+    area.show();
+    const auto turn = [&] {
+        QWheelEvent event({10, 10}, area.mapToGlobal(QPointF(10, 10)), {}, {0, -120}, Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(area.viewport(), &event);
+    };
+    turn();
+    EXPECT_EQ(area.verticalScrollBar()->value(), 0);
+    platform.loop.advance(0.03);
+    const int soon = area.verticalScrollBar()->value();
+    EXPECT_GT(soon, 0);
+    platform.loop.advance(2);
+    const int end = area.verticalScrollBar()->value();
+    EXPECT_GT(end, soon);
+    platform.look.current.reducedMotion = true;
+    turn();
+    EXPECT_EQ(area.verticalScrollBar()->value(), 2 * end);
+}
+
+TEST_F(SettingsControls, scrolling_ends_at_the_end) {
+    auto *content = new QWidget;
+    content->setMinimumHeight(400);
+    ScrollArea area(look, content);
+    area.resize(300, 300);
+    area.show();
+    for (int notch = 0; notch < 20; ++notch) {
+        QWheelEvent event({10, 10}, area.mapToGlobal(QPointF(10, 10)), {}, {0, -120}, Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(area.viewport(), &event);
+    }
+    platform.loop.advance(3);
+    EXPECT_EQ(area.verticalScrollBar()->value(), area.verticalScrollBar()->maximum());
+    EXPECT_EQ(area.verticalScrollBar()->maximum(), 100);
+}
+
+TEST_F(SettingsControls, a_hairline_is_one_whole_device_pixel_at_every_ratio_and_place) {
+    for (const double ratio : {1.0, 1.25, 1.5, 1.75, 2.0, 3.0}) {
+        for (int place = 0; place < 8; ++place) {
+            QImage image(40, 60, QImage::Format_RGB32);
+            image.setDevicePixelRatio(ratio);
+            image.fill(Qt::white);
+            QPainter painter(&image);
+            painter.translate(0, place);
+            drawHairline(painter, {2, 0}, {10, 0}, Qt::black);
+            painter.end();
+            int dark = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                const QColor pixel = image.pixelColor(static_cast<int>(5 * ratio), y);
+                dark += pixel == Qt::black;
+                EXPECT_TRUE(pixel == Qt::black || pixel == Qt::white) << ratio << " " << place;
+                if (pixel == Qt::black) {
+                    EXPECT_GE(y + 0.01, place * ratio) << "in the widget above";
+                }
+            }
+            EXPECT_EQ(dark, 1) << ratio << " " << place;
+        }
+    }
+}
+
+} // namespace pavonel::test

@@ -1,0 +1,287 @@
+#include "UI/SettingsWindow/SettingsView.h"
+#include "support/OpenSettings.h"
+#include "support/windows.h"
+
+#include <QAbstractButton>
+#include <QPointer>
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct SettingsWindow : testing::Test {
+    OpenSettings open;
+
+    QStringList headings() const {
+        QStringList found;
+        for (QAccessibleInterface *one : allBelow(QAccessible::queryAccessibleInterface(open.window()))) {
+            if (one->role() == QAccessible::Heading)
+                found.append(one->text(QAccessible::Name));
+        }
+        return found;
+    }
+    bool shows(const QString &title) const { return headings().contains(title); }
+
+    void press(int key) {
+        QWidget *target = open.window()->focusWidget();
+        QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(target ? target : open.window(), &down);
+        open.settle();
+    }
+};
+
+} // namespace
+
+TEST_F(SettingsWindow, is_made_when_it_is_first_shown) {
+    for (const QWidget *window : QApplication::topLevelWidgets())
+        EXPECT_NE(window->windowTitle(), u"Pavonel"_s);
+    open.show();
+    EXPECT_NE(open.window(), nullptr);
+}
+
+TEST_F(SettingsWindow, is_800_by_560_points_and_centred) {
+    open.show();
+    EXPECT_EQ(open.window()->size(), QSize(800, 560));
+    const QPoint off =
+        open.window()->geometry().center() - open.window()->screen()->availableGeometry().center();
+    EXPECT_LE(off.manhattanLength(), 2);
+}
+
+TEST_F(SettingsWindow, is_an_ordinary_window_that_can_be_closed_and_minimised) {
+    open.show();
+    EXPECT_EQ(open.window()->windowType(), Qt::Window);
+    EXPECT_FALSE(open.window()->windowFlags() & Qt::FramelessWindowHint);
+}
+
+TEST_F(SettingsWindow, begins_with_the_breaks_page) {
+    open.show();
+    EXPECT_EQ(open.controller.selection.page, Page::breaks);
+    EXPECT_TRUE(shows(u"Breaks"_s));
+}
+
+TEST_F(SettingsWindow, closing_only_hides_it) {
+    open.show();
+    const QPointer<QWidget> window = open.window();
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+    open.show();
+    EXPECT_EQ(open.window(), window);
+}
+
+TEST_F(SettingsWindow, a_given_page_brings_a_hidden_window_back_with_that_page) {
+    open.show();
+    open.window()->close();
+    open.show(Page::wellness);
+    ASSERT_NE(open.window(), nullptr);
+    EXPECT_TRUE(shows(u"Wellness"_s));
+}
+
+TEST_F(SettingsWindow, without_a_page_it_keeps_the_last_one) {
+    open.show(Page::pausing);
+    open.window()->close();
+    open.show();
+    EXPECT_TRUE(shows(u"Pausing"_s));
+    EXPECT_EQ(open.controller.selection.page, Page::pausing);
+}
+
+TEST_F(SettingsWindow, a_page_given_while_it_is_shown_takes_the_place_of_the_other) {
+    open.show(Page::pausing);
+    open.show(Page::advanced);
+    EXPECT_TRUE(shows(u"Advanced"_s));
+    EXPECT_FALSE(shows(u"Pausing"_s));
+}
+
+TEST_F(SettingsWindow, comes_back_from_being_minimised) {
+    open.show();
+    open.window()->showMinimized();
+    open.show();
+    EXPECT_FALSE(open.window()->isMinimized());
+    EXPECT_TRUE(open.window()->isVisible());
+}
+
+TEST_F(SettingsWindow, only_the_selected_page_exists_and_only_while_it_is_shown) {
+    open.show(Page::wellness);
+    QWidget *window = open.window();
+    const auto all = window->findChildren<QWidget *>().size();
+    open.show(Page::breaks);
+    open.show(Page::wellness);
+    EXPECT_EQ(window->findChildren<QWidget *>().size(), all);
+    window->close();
+    EXPECT_LT(window->findChildren<QWidget *>().size(), all / 2);
+}
+
+TEST_F(SettingsWindow, the_selection_can_be_changed_from_elsewhere) {
+    open.show();
+    open.controller.selection.page = Page::advanced;
+    open.settle();
+    EXPECT_TRUE(shows(u"Advanced"_s));
+}
+
+TEST_F(SettingsWindow, the_sidebar_lists_the_pages_in_their_order_and_ends_with_the_product) {
+    open.show();
+    QStringList titles;
+    for (QAccessibleInterface *one : allBelow(QAccessible::queryAccessibleInterface(open.window()))) {
+        if (one->role() == QAccessible::ListItem)
+            titles.append(one->text(QAccessible::Name));
+    }
+    QStringList expected;
+    for (const PageEntry &entry : allPages())
+        expected.append(entry.title);
+    EXPECT_EQ(titles, expected);
+    EXPECT_EQ(open.texts().indexOf(u"Version 1.0"_s), open.texts().indexOf(u"Pavonel"_s) + 1);
+}
+
+TEST_F(SettingsWindow, the_sidebar_is_one_list_that_the_arrow_keys_go_through) {
+    open.show();
+    open.find(QAccessible::ListItem, u"Breaks"_s)
+        ->actionInterface()
+        ->doAction(QAccessibleActionInterface::setFocusAction());
+    press(Qt::Key_Down);
+    EXPECT_EQ(open.controller.selection.page, allPages()[1].page);
+    press(Qt::Key_End);
+    EXPECT_EQ(open.controller.selection.page, allPages().back().page);
+    press(Qt::Key_Down);
+    EXPECT_EQ(open.controller.selection.page, allPages().back().page);
+    press(Qt::Key_Home);
+    press(Qt::Key_Up);
+    EXPECT_EQ(open.controller.selection.page, Page::breaks);
+    EXPECT_TRUE(open.find(QAccessible::ListItem, u"Breaks"_s)->state().selected);
+}
+
+TEST_F(SettingsWindow, the_tab_key_leads_to_every_control_in_reading_order) {
+    open.show(Page::breaks);
+    QWidget *window = open.window();
+    QWidget *first = open.widget<QWidget>(QAccessible::ListItem, u"Breaks"_s);
+    first->setFocus(Qt::TabFocusReason);
+    QStringList names;
+    for (QWidget *at = first->nextInFocusChain(); at != first; at = at->nextInFocusChain()) {
+        if ((at->focusPolicy() & Qt::TabFocus) && at->isVisible())
+            names.append(at->accessibleName());
+    }
+    EXPECT_EQ(names,
+              (QStringList{u"Enabled"_s, u"Every"_s, u"For"_s, u"Enabled"_s, u"Every"_s, u"For"_s,
+                           u"Warn me before a break"_s, u"Countdown follows the cursor"_s,
+                           u"Breaks can be skipped"_s, u"Breaks can be postponed"_s, u"Strict mode"_s}));
+    EXPECT_EQ(window->focusWidget(), first);
+}
+
+TEST_F(SettingsWindow, follows_a_change_to_a_dark_desktop_and_to_another_accent) {
+    open.show();
+    const QImage light = open.window()->grab().toImage();
+    open.platform.look.change({true, false, {}});
+    const QImage dark = open.window()->grab().toImage();
+    EXPECT_GT(light.pixelColor(790, 300).lightness(), 200);
+    EXPECT_LT(dark.pixelColor(790, 300).lightness(), 60);
+    open.platform.look.change({true, false, 0xC03020});
+    EXPECT_NE(open.window()->grab().toImage(), dark);
+}
+
+TEST_F(SettingsWindow, strict_mode_leaves_the_switches_of_skipping_and_postponing_as_they_are) {
+    open.settings.strictMode = true;
+    open.show(Page::breaks);
+    for (const auto &label : {u"Breaks can be skipped"_s, u"Breaks can be postponed"_s})
+        EXPECT_TRUE(open.find(QAccessible::CheckBox, label)->state().checked);
+    EXPECT_TRUE(open.settings.allowSkip);
+    EXPECT_TRUE(open.settings.allowPostpone);
+}
+
+TEST_F(SettingsWindow, changes_are_live_at_once_and_saved_after_their_quiet_period) {
+    open.show(Page::breaks);
+    open.widget<QAbstractButton>(QAccessible::CheckBox, u"Strict mode"_s)->click();
+    EXPECT_TRUE(open.settings.strictMode);
+    open.settle();
+    EXPECT_EQ(open.platform.fakeDefaults.values[u"strictMode"_s], StoredValue(true));
+}
+
+TEST_F(SettingsWindow, a_failure_of_the_login_item_is_told_under_its_switch) {
+    open.show(Page::advanced);
+    auto *control = open.widget<QAbstractButton>(QAccessible::CheckBox, u"Launch at login"_s);
+    open.platform.login.failure = u"The disk is full."_s;
+    control->click();
+    open.settle();
+    EXPECT_EQ(open.platform.login.requests, std::vector<bool>{false});
+    EXPECT_TRUE(open.texts().contains(u"The disk is full."_s));
+    EXPECT_FALSE(open.settings.launchAtLogin);
+    open.platform.login.failure.reset();
+    control->click();
+    open.settle();
+    EXPECT_FALSE(open.texts().contains(u"The disk is full."_s));
+    EXPECT_TRUE(open.platform.login.enabled);
+}
+
+TEST_F(SettingsWindow, a_login_item_that_is_not_as_the_switch_says_is_told) {
+    const QString words = u"At the moment Pavonel is not started at login."_s;
+    open.platform.login.enabled = false;
+    open.show(Page::advanced);
+    EXPECT_TRUE(open.texts().contains(words));
+    open.window()->close();
+    open.platform.login.enabled = true;
+    open.show(Page::advanced);
+    EXPECT_FALSE(open.texts().contains(words));
+}
+
+TEST_F(SettingsWindow, shortcuts_that_another_program_owns_are_named) {
+    open.platform.keys.refuses = true;
+    open.hotKeys.registerBinding({2, 1, 0x1900, u"⌃⌥⌘S"_s, [] {}});
+    open.platform.keys.refuses = false;
+    open.hotKeys.registerBinding({1, 11, 0x1900, u"⌃⌥⌘B"_s, [] {}});
+    open.show(Page::advanced);
+    EXPECT_TRUE(open.texts().contains(u"⌃⌥⌘S cannot be had here; another program may own it."_s));
+}
+
+TEST_F(SettingsWindow, that_the_shortcuts_change_with_the_next_start_is_told) {
+    open.hotKeys.registerBinding({1, 11, 0x1900, u"⌃⌥⌘B"_s, [] {}});
+    open.show(Page::advanced);
+    const QString words = u"They work until Pavonel is next started."_s;
+    EXPECT_FALSE(open.texts().contains(words));
+    open.settings.hotKeysEnabled = false;
+    open.settle();
+    EXPECT_TRUE(open.texts().contains(words));
+}
+
+TEST_F(SettingsWindow, stays_laid_out_at_its_smallest_and_at_a_large_size) {
+    for (const QSize size : {QSize(620, 400), QSize(1900, 1000)}) {
+        for (const PageEntry &entry : allPages()) {
+            open.show(entry.page);
+            open.window()->resize(size);
+            QApplication::processEvents();
+            for (const QWidget *widget : open.window()->findChildren<QWidget *>()) {
+                if (!widget->isVisible() || widget->accessibleName().isEmpty() || !widget->parentWidget())
+                    continue;
+                EXPECT_LE(widget->geometry().right(), widget->parentWidget()->width())
+                    << qPrintable(widget->accessibleName());
+                if (widget->hasHeightForWidth()) {
+                    EXPECT_GE(widget->height(), widget->heightForWidth(widget->width()))
+                        << qPrintable(widget->accessibleName());
+                }
+            }
+        }
+    }
+}
+
+/// Larger text in the desktop's settings makes everything that holds text larger.
+TEST_F(SettingsWindow, no_text_is_clipped_with_large_fonts) {
+    const QFont ordinary = QApplication::font();
+    QFont large = ordinary;
+    large.setPixelSize(30);
+    QApplication::setFont(large);
+    {
+        OpenSettings largeSettings;
+        for (const PageEntry &entry : allPages()) {
+            largeSettings.show(entry.page);
+            for (const QWidget *widget : largeSettings.window()->findChildren<QWidget *>()) {
+                if (widget->isVisible() && widget->hasHeightForWidth()) {
+                    EXPECT_GE(widget->height(), widget->heightForWidth(widget->width()))
+                        << qPrintable(widget->accessibleName());
+                }
+            }
+        }
+    }
+    QApplication::setFont(ordinary);
+}
+
+} // namespace pavonel::test

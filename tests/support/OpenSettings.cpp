@@ -1,0 +1,66 @@
+#include "support/OpenSettings.h"
+
+#include "support/windows.h"
+
+#include <QUrl>
+
+namespace pavonel::test {
+
+std::vector<QAccessibleInterface *> allBelow(QAccessibleInterface *root) {
+    std::vector<QAccessibleInterface *> found;
+    if (!root || root->state().invisible)
+        return found;
+    found.push_back(root);
+    for (int i = 0; i < root->childCount(); ++i) {
+        const auto below = allBelow(root->child(i));
+        found.insert(found.end(), below.begin(), below.end());
+    }
+    return found;
+}
+
+OpenSettings::OpenSettings()
+    : phone(platform, QUrl(QStringLiteral("https://pair.example"))),
+      updater(platform, QUrl(QStringLiteral("https://updates.example/feed"))),
+      controller(
+          PageContext{platform, scenario.controller, settings, scenario.stats, phone, hotKeys, updater}) {}
+
+QWidget *OpenSettings::window() const {
+    return shownWindow("Pavonel");
+}
+
+void OpenSettings::show(std::optional<Page> page) {
+    controller.show(page);
+    QApplication::processEvents();
+    settle();
+}
+
+QAccessibleInterface *OpenSettings::find(QAccessible::Role role, const QString &name,
+                                         const QString &card) const {
+    QAccessibleInterface *root = QAccessible::queryAccessibleInterface(window());
+    if (!card.isEmpty()) {
+        for (QAccessibleInterface *group : allBelow(root)) {
+            if (group->role() == QAccessible::Grouping && group->text(QAccessible::Name) == card)
+                root = group;
+        }
+    }
+    QAccessibleInterface *found = nullptr;
+    for (QAccessibleInterface *candidate : allBelow(root)) {
+        if (candidate->role() != role || candidate->text(QAccessible::Name) != name)
+            continue;
+        if (found)
+            return nullptr;
+        found = candidate;
+    }
+    return found;
+}
+
+QStringList OpenSettings::texts() const {
+    QStringList found;
+    for (QAccessibleInterface *candidate : allBelow(QAccessible::queryAccessibleInterface(window()))) {
+        if (candidate->role() == QAccessible::StaticText || candidate->role() == QAccessible::Heading)
+            found.append(candidate->text(QAccessible::Name));
+    }
+    return found;
+}
+
+} // namespace pavonel::test
