@@ -1,29 +1,52 @@
 #include "AppDelegate.h"
 
 #include "Core/HotKeys.h"
+#include "Core/Phone.h"
 #include "Core/SystemBits.h"
+#include "Core/Updater.h"
 #include "Platform/Platform.h"
 
 namespace pavonel {
 
 AppDelegate::AppDelegate(Platform &platform, Settings &settings, Stats &stats, HotKeyManager &hotKeys,
-                         BreakRelay *relay)
-    : platform_(platform), settings_(settings), stats_(stats), hotKeys_(hotKeys),
-      controller_(platform, settings, stats, relay), toast_(platform) {}
+                         Phone &phone, Updater &updater)
+    : platform_(platform), settings_(settings), stats_(stats), hotKeys_(hotKeys), phone_(phone),
+      updater_(updater), controller_(platform, settings, stats, &phone), toast_(platform) {}
 
-AppDelegate::~AppDelegate() = default;
+AppDelegate::~AppDelegate() {
+    platform_.power->onWake({}); // the platform stays when we go
+}
 
 void AppDelegate::setUp() {
     overlays_.emplace(platform_, controller_, settings_, hotKeys_);
     headsUp_.emplace(platform_, controller_, settings_);
     floating_.emplace(platform_, controller_);
-    menuBar_.emplace(platform_, controller_, settings_, stats_, [] {});
+    settingsWindow_.emplace(
+        PageContext{platform_, controller_, settings_, stats_, phone_, hotKeys_, updater_});
+    menuBar_.emplace(platform_, controller_, settings_, stats_, [this] { settingsWindow_->show(); });
     connectController();
     repairLoginItem();
     if (settings_.hotKeysEnabled)
         registerHotKeys();
     platform_.power->onWake([this] { startAfresh(); });
+    updater_.checkInBackground();
     controller_.start();
+    welcome();
+}
+
+/// A new user sees the settings once.
+void AppDelegate::welcome() {
+    const QString key = QStringLiteral("didOnboard");
+    const auto stored = platform_.defaults->value(key);
+    if (stored && *stored == StoredValue(true))
+        return;
+    platform_.defaults->set(key, true);
+    settingsWindow_->show();
+}
+
+void AppDelegate::reopen() {
+    if (settingsWindow_)
+        settingsWindow_->show();
 }
 
 void AppDelegate::act(OutsideAction action) {

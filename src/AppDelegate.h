@@ -7,22 +7,28 @@
 #include "UI/Panels/FloatingCountdownController.h"
 #include "UI/Panels/HeadsUpController.h"
 #include "UI/Panels/ToastController.h"
+#include "UI/SettingsWindow/SettingsWindowController.h"
 
 #include <optional>
 
 namespace pavonel {
 
 class HotKeyManager;
+class Phone;
+class Updater;
 
 /// Builds every long-lived object and connects them; nothing else does.
 class AppDelegate {
 public:
-    /// `relay` may be null; everything given must outlive the delegate.
-    AppDelegate(Platform &platform, Settings &settings, Stats &stats, HotKeyManager &hotKeys,
-                BreakRelay *relay);
+    /// Everything given must outlive the delegate.
+    AppDelegate(Platform &platform, Settings &settings, Stats &stats, HotKeyManager &hotKeys, Phone &phone,
+                Updater &updater);
     ~AppDelegate();
 
     void setUp();
+
+    /// The user opened the program again.
+    void reopen();
 
     /// Does what was asked for from outside, as the hot keys and the menu do.
     void act(OutsideAction action);
@@ -32,17 +38,21 @@ private:
     void repairLoginItem();
     void registerHotKeys();
     void startAfresh();
+    void welcome();
 
     Platform &platform_;
     Settings &settings_;
     Stats &stats_;
     HotKeyManager &hotKeys_;
+    Phone &phone_;
+    Updater &updater_;
     BreakController controller_;
-    ToastController toast_;
+    std::optional<MenuBarController> menuBar_;
+    std::optional<SettingsWindowController> settingsWindow_;
     std::optional<OverlayManager> overlays_;
     std::optional<HeadsUpController> headsUp_;
     std::optional<FloatingCountdownController> floating_;
-    std::optional<MenuBarController> menuBar_;
+    ToastController toast_;
 };
 
 } // namespace pavonel

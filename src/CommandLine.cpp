@@ -1,7 +1,10 @@
 #include "CommandLine.h"
 
 #include "Core/SystemBits.h"
+#include "Core/Updater.h"
+#include "Core/UpdaterCommand.h"
 #include "Platform/LoginItem.h"
+#include "Platform/Platform.h"
 
 #include <QCoreApplication>
 
@@ -17,9 +20,8 @@ namespace {
 using Order = CommandLine::Order;
 
 constexpr std::pair<const char *, Order> switches[] = {
-    {"--login-status", Order::loginStatus},
-    {"--unregister-login-item", Order::unregisterLoginItem},
-    {"--help", Order::help},
+    {"--login-status", Order::loginStatus}, {"--unregister-login-item", Order::unregisterLoginItem},
+    {"--update-now", Order::updateNow},     {"--help", Order::help},
     {"--version", Order::version},
 };
 
@@ -31,6 +33,7 @@ constexpr char helpText[] =
     "\n"
     "  --login-status           tell whether Pavonel starts at login: enabled or disabled\n"
     "  --unregister-login-item  do not start at login any more\n"
+    "  --update-now             look for a newer version and install it\n"
     "  --help                   show this\n"
     "  --version                show the version\n";
 
@@ -48,7 +51,7 @@ std::string firstUnknown(const std::vector<std::string> &arguments) {
 }
 
 void printLine(const QString &line) {
-    std::puts(line.toLocal8Bit().constData());
+    std::fputs((line + u'\n').toLocal8Bit().constData(), stdout);
 }
 
 void printLoginStatus() {
@@ -60,7 +63,28 @@ void unregisterLoginItem() {
     printLine(failure.value_or(QStringLiteral("unregistered")));
 }
 
+/// Leaves at once, with nothing destroyed, because a tool may still be at work on another thread.
+int updateNow() {
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    const auto feed = Updater::feedAddress();
+    if (!feed)
+        return refuseFeedAddress();
+    const HeadlessPlatform platform = makeHeadlessPlatform();
+    Updater updater(platform, *feed);
+    UpdaterCommand update(*platform.mainLoop, updater, printLine);
+    update.start();
+    const int status = QCoreApplication::exec();
+    update.finish();
+    platform.defaults->flush();
+    std::_Exit(status);
+}
+
 } // namespace
+
+int refuseFeedAddress() {
+    std::fputs("pavonel: PAVONEL_UPDATE_FEED is not the address of an update feed\n", stderr);
+    return EXIT_FAILURE;
+}
 
 CommandLine readCommandLine(const std::vector<std::string> &arguments) {
     for (const auto &[name, order] : switches) {
@@ -82,11 +106,13 @@ int obey(const CommandLine &commandLine, int &argc, char **argv) {
     case Order::unregisterLoginItem:
         unregisterLoginItem();
         break;
+    case Order::updateNow:
+        return updateNow();
     case Order::help:
         std::fputs(helpText, stdout);
         break;
     case Order::version:
-        std::puts("pavonel " PAVONEL_VERSION);
+        printLine(QStringLiteral("pavonel ") + makeInstallation()->version().value_or(QStringLiteral("0")));
         break;
     case Order::refuse:
         std::fprintf(stderr, "pavonel: unknown option \"%s\"; see pavonel --help\n",

@@ -7,7 +7,7 @@ namespace pavonel {
 
 /// What the arguments ask the program to do.
 struct CommandLine {
-    enum class Order { start, loginStatus, unregisterLoginItem, help, version, refuse };
+    enum class Order { start, loginStatus, unregisterLoginItem, updateNow, help, version, refuse };
 
     Order order = Order::start;
     std::string unknown; ///< The argument for which the order is to refuse.
@@ -19,5 +19,8 @@ CommandLine readCommandLine(const std::vector<std::string> &arguments);
 
 /// Does an order other than `start` and gives the exit status. Needs no display and no message bus.
 int obey(const CommandLine &commandLine, int &argc, char **argv);
+
+/// Tells that the environment names no feed, and gives the exit status.
+int refuseFeedAddress();
 
 } // namespace pavonel

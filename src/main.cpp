@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 #include "Core/HotKeys.h"
 #include "Core/Phone.h"
+#include "Core/Updater.h"
 #include "Platform/Platform.h"
 #include "Platform/SingleInstance.h"
 
@@ -30,6 +31,8 @@ void refuseWithoutDisplay(QtMsgType type, const QMessageLogContext &context, con
 
 void makeApplication(std::optional<QApplication> &application, int &argc, char **argv) {
     qInstallMessageHandler(refuseWithoutDisplay);
+    QApplication::setStyle(
+        QStringLiteral("Fusion")); // our windows draw themselves; no desktop's style is loaded
     application.emplace(argc, argv);
     qInstallMessageHandler(nullptr);
     std::fputs(heldMessages.c_str(), stderr);
@@ -52,9 +55,10 @@ int runUntilQuit(SingleInstance &instance) {
     platform.termination->onEnd([] { QCoreApplication::exit(); });
     platform.power->onSleep(save);
     AppDelegate delegate(platform, Settings::shared(), Stats::shared(), HotKeyManager::shared(),
-                         &Phone::shared());
+                         Phone::shared(), Updater::shared());
     std::atexit(save);
     delegate.setUp();
+    instance.onReopen([&delegate] { delegate.reopen(); });
     instance.onAction([&delegate](OutsideAction action) { delegate.act(action); });
     return QApplication::exec();
 }
@@ -73,6 +77,8 @@ int start(int &argc, char **argv) {
         std::fputs("pavonel: PAVONEL_PAIR_HOST is not the address of a pairing service\n", stderr);
         return EXIT_FAILURE;
     }
+    if (!Updater::feedAddress())
+        return refuseFeedAddress();
     std::optional<QApplication> application;
     makeApplication(application, argc, argv);
     const auto instance = makeSingleInstance();

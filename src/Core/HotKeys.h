@@ -35,8 +35,10 @@ public:
 
     /// Whether the combination of a registered binding is ours; another program may own it.
     bool holds(std::uint32_t id) const { return refs_.contains(id); }
-    bool holdsEscape() const { return holds(escapeID); }
     void unregisterEscape();
+
+    /// Every registered one, held or not.
+    const std::map<std::uint32_t, Binding> &bindings() const { return bindings_; }
 
     /// Reserved for the Escape key of the break screen.
     static constexpr std::uint32_t escapeID = 10;

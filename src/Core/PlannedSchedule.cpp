@@ -26,9 +26,9 @@ public:
         const QTime time(hour, minute);
         if (!time.isValid())
             return {};
-        const auto slot = static_cast<std::size_t>(hour * 60 + minute);
+        const auto slot = static_cast<std::size_t>(hour) * 60 + static_cast<std::size_t>(minute);
         if (times_.empty())
-            times_.resize(24 * 60);
+            times_.resize(std::size_t{24} * 60);
         if (!times_[slot])
             times_[slot] = date_.at(time);
         return *times_[slot];

@@ -45,6 +45,9 @@ public:
 
     /// Runs `action` soon on the main thread. The one method that may be called from any thread.
     virtual void post(Action action) = 0;
+
+    /// Ends the loop, and with it the program, which has this exit status.
+    virtual void quit(int status) = 0;
 };
 
 } // namespace pavonel

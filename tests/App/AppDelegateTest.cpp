@@ -1,6 +1,8 @@
 #include "AppDelegate.h"
 
 #include "Core/HotKeys.h"
+#include "Core/Phone.h"
+#include "Core/Updater.h"
 #include "support/FakePlatform.h"
 
 #include <QApplication>
@@ -18,6 +20,7 @@ namespace {
 const QString notice = QStringLiteral("Pavonel Heads-up");
 const QString countdown = QStringLiteral("Pavonel Countdown");
 const QString toast = QStringLiteral("Pavonel Toast");
+const QString settingsTitle = QStringLiteral("Pavonel");
 const QString overlay = QStringLiteral("Pavonel Break");
 
 struct AppDelegateTest : testing::Test {
@@ -25,7 +28,9 @@ struct AppDelegateTest : testing::Test {
     Settings settings{platform.fakeDefaults, platform.loop};
     Stats stats{platform.fakeDefaults, platform.loop};
     HotKeyManager hotKeys{platform.keys, platform.loop};
-    AppDelegate delegate{platform, settings, stats, hotKeys, nullptr};
+    Phone phone{platform, QUrl(QStringLiteral("https://pair.example"))};
+    Updater updater{platform, QUrl(QStringLiteral("https://updates.example/feed"))};
+    AppDelegate delegate{platform, settings, stats, hotKeys, phone, updater};
 
     static qsizetype shown(const QString &title) {
         const auto windows = QApplication::topLevelWidgets();
@@ -112,6 +117,15 @@ TEST_F(AppDelegateTest, waking_leaves_a_running_break_alone) {
     EXPECT_EQ(stats.today().micro, 1);
 }
 
+TEST_F(AppDelegateTest, a_delegate_that_is_gone_is_not_told_of_waking) {
+    {
+        AppDelegate other{platform, settings, stats, hotKeys, phone, updater};
+        other.setUp();
+        EXPECT_TRUE(platform.powerEvents.wake);
+    }
+    EXPECT_FALSE(platform.powerEvents.wake);
+}
+
 TEST_F(AppDelegateTest, a_wellness_reminder_is_shown_while_counting) {
     settings.blinkEnabled = true;
     settings.blinkInterval = 100;
@@ -157,6 +171,19 @@ TEST_F(AppDelegateTest, a_login_item_that_cannot_be_made_does_not_hinder_the_sta
     delegate.setUp();
     pass(1171);
     EXPECT_EQ(shown(notice), 1);
+}
+
+TEST_F(AppDelegateTest, at_the_start_the_updater_looks_for_a_new_version_when_one_is_due) {
+    delegate.setUp();
+    ASSERT_EQ(platform.web.exchanges.size(), 1U);
+    EXPECT_EQ(platform.web.exchanges[0].request.url, QUrl(QStringLiteral("https://updates.example/feed")));
+}
+
+TEST_F(AppDelegateTest, at_the_start_nothing_is_asked_on_the_day_of_the_last_check) {
+    updater.lastCheck = platform.loop.now() + -1000;
+    delegate.setUp();
+    pass(1000);
+    EXPECT_TRUE(platform.web.exchanges.empty());
 }
 
 TEST_F(AppDelegateTest, the_three_shortcuts_are_registered_in_their_order) {
@@ -217,6 +244,51 @@ TEST_F(AppDelegateTest, quitting_from_the_menu_leaves_during_a_break_too) {
     constexpr int stayed = 1;
     QTimer::singleShot(5000, [] { QCoreApplication::exit(stayed); });
     EXPECT_EQ(QApplication::exec(), 0);
+}
+
+TEST_F(AppDelegateTest, the_first_start_shows_the_settings) {
+    delegate.setUp();
+    EXPECT_EQ(shown(settingsTitle), 1);
+    EXPECT_EQ(platform.fakeDefaults.values[QStringLiteral("didOnboard")], StoredValue(true));
+}
+
+TEST_F(AppDelegateTest, the_second_start_does_not_show_the_settings) {
+    platform.fakeDefaults.values[QStringLiteral("didOnboard")] = true;
+    delegate.setUp();
+    pass(1);
+    EXPECT_EQ(shown(settingsTitle), 0);
+}
+
+TEST_F(AppDelegateTest, a_first_start_is_told_by_nothing_but_a_true_mark) {
+    platform.fakeDefaults.values[QStringLiteral("didOnboard")] = QStringLiteral("yes");
+    delegate.setUp();
+    EXPECT_EQ(shown(settingsTitle), 1);
+}
+
+TEST_F(AppDelegateTest, opening_the_program_again_shows_the_settings) {
+    platform.fakeDefaults.values[QStringLiteral("didOnboard")] = true;
+    delegate.setUp();
+    delegate.reopen();
+    EXPECT_EQ(shown(settingsTitle), 1);
+}
+
+TEST_F(AppDelegateTest, the_menu_opens_the_settings) {
+    platform.fakeDefaults.values[QStringLiteral("didOnboard")] = true;
+    delegate.setUp();
+    const Menu menu = platform.menuBar.makeMenu();
+    const auto item = std::find_if(menu.begin(), menu.end(),
+                                   [](const MenuItem &entry) { return entry.title == u"Settings…"; });
+    ASSERT_NE(item, menu.end());
+    item->action();
+    EXPECT_EQ(shown(settingsTitle), 1);
+}
+
+TEST_F(AppDelegateTest, nothing_of_the_settings_window_exists_before_it_is_first_shown) {
+    platform.fakeDefaults.values[QStringLiteral("didOnboard")] = true;
+    delegate.setUp();
+    pass(1);
+    for (const QWidget *window : QApplication::topLevelWidgets())
+        EXPECT_NE(window->windowTitle(), settingsTitle);
 }
 
 } // namespace pavonel::test

@@ -93,7 +93,7 @@ TEST(HotKeyManager, a_combination_that_another_program_owns_stays_silently_witho
     bench.platform.keys.refuses = true;
     bench.manager.registerBinding(bench.escape());
     EXPECT_TRUE(bench.platform.keys.registered.empty());
-    EXPECT_FALSE(bench.manager.holdsEscape());
+    EXPECT_FALSE(bench.manager.holds(HotKeyManager::escapeID));
     bench.manager.unregisterEscape(); // which leaves the binding
     bench.press(HotKeyManager::escapeID);
     EXPECT_EQ(bench.actions, QStringList{QStringLiteral("esc")});
@@ -114,12 +114,12 @@ TEST(HotKeyManager, a_binding_without_an_action_does_nothing) {
 
 TEST(HotKeyManager, escape_is_held_from_its_registration_to_its_removal) {
     HotKeysBench bench;
-    EXPECT_FALSE(bench.manager.holdsEscape());
+    EXPECT_FALSE(bench.manager.holds(HotKeyManager::escapeID));
     bench.manager.registerBinding(bench.escape());
-    EXPECT_TRUE(bench.manager.holdsEscape());
+    EXPECT_TRUE(bench.manager.holds(HotKeyManager::escapeID));
     EXPECT_EQ(bench.platform.keys.registered, (std::vector<FakeHotKeys::Key>{{53, 0, 10}}));
     bench.manager.unregisterEscape();
-    EXPECT_FALSE(bench.manager.holdsEscape());
+    EXPECT_FALSE(bench.manager.holds(HotKeyManager::escapeID));
     EXPECT_TRUE(bench.platform.keys.registered.empty());
     bench.press(HotKeyManager::escapeID); // a press that was under way
     EXPECT_EQ(bench.actions, QStringList());

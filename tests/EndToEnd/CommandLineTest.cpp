@@ -13,6 +13,7 @@ namespace {
 
 const QString loginStatus = QStringLiteral("--login-status");
 const QString unregisterLoginItem = QStringLiteral("--unregister-login-item");
+const QString updateNow = QStringLiteral("--update-now");
 const QString help = QStringLiteral("--help");
 const QString version = QStringLiteral("--version");
 
@@ -73,6 +74,7 @@ TEST_F(CommandLineTest, of_several_switches_the_first_of_the_fixed_order_wins) {
     startOnceSoThatItRegisters();
     expect({version, help, unregisterLoginItem, loginStatus}, "enabled\n");
     expect({QStringLiteral("--nonsense"), loginStatus}, "enabled\n");
+    expect({updateNow, loginStatus}, "enabled\n");
     expect({version, unregisterLoginItem}, "unregistered\n");
     EXPECT_TRUE(program.run({version, help}).output.startsWith("Usage: pavonel"));
 }
@@ -80,7 +82,7 @@ TEST_F(CommandLineTest, of_several_switches_the_first_of_the_fixed_order_wins) {
 TEST_F(CommandLineTest, help_names_every_switch) {
     const auto result = program.run({help});
     EXPECT_EQ(result.status, 0);
-    for (const QString &name : {loginStatus, unregisterLoginItem, help, version})
+    for (const QString &name : {loginStatus, unregisterLoginItem, updateNow, help, version})
         EXPECT_TRUE(result.output.contains(name.toUtf8())) << name.toStdString();
 }
 

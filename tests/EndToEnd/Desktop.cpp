@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <csignal>
 
 #include <gtest/gtest.h>
@@ -17,6 +18,7 @@ Desktop::Desktop(XServer::WindowManager manager)
     server_->run(QStringLiteral("xsetroot"), {QStringLiteral("-solid"), background().name()});
     pointAt(screen(1)); // the screens differ, and the idle time starts afresh
     tree_ = std::make_unique<WindowTree>(server_->display());
+    environment_ = environmentAtHome();
     store({});
 }
 
@@ -51,12 +53,13 @@ QJsonObject Desktop::statistics() const {
     return days.isEmpty() ? QJsonObject() : (days.end() - 1)->toObject();
 }
 
-void Desktop::startProgram() {
+QProcessEnvironment Desktop::environmentAtHome() const {
     auto environment = server_->environment();
     const auto insert = [&](const char *name, const QString &folder) {
         QDir().mkpath(home_.filePath(folder));
         environment.insert(QString::fromLatin1(name), home_.filePath(folder));
     };
+    environment.insert(QStringLiteral("PAVONEL_UPDATE_FEED"), QStringLiteral("http://127.0.0.1:1/nowhere"));
     environment.insert(QStringLiteral("HOME"), home_.path());
     insert("XDG_CONFIG_HOME", QStringLiteral(".config"));
     insert("XDG_DATA_HOME", QStringLiteral(".local/share"));
@@ -64,13 +67,21 @@ void Desktop::startProgram() {
     insert("XDG_RUNTIME_DIR", QStringLiteral("runtime"));
     QFile::setPermissions(home_.filePath(QStringLiteral("runtime")),
                           QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return environment;
+}
+
+void Desktop::startProgram() {
     sinceStart_.start();
-    program_ = std::make_unique<ChildProcess>(QStringLiteral(PAVONEL_PROGRAM), QStringList(), environment);
+    program_ = std::make_unique<ChildProcess>(QStringLiteral(PAVONEL_PROGRAM), QStringList(), environment_);
+}
+
+void Desktop::sendSignal(int signal) {
+    if (program_->process().processId() > 0) // 0 would be everybody in the group of the test
+        ::kill(static_cast<pid_t>(program_->process().processId()), signal);
 }
 
 int Desktop::endProgram(int signal) {
-    if (program_->process().processId() > 0) // 0 would be everybody in the group of the test
-        ::kill(static_cast<pid_t>(program_->process().processId()), signal);
+    sendSignal(signal);
     return waitForExit();
 }
 
@@ -88,6 +99,11 @@ std::vector<SeenWindow> Desktop::overlays() {
     auto windows = tree_->visible();
     std::erase_if(windows, [](const SeenWindow &window) { return window.title != u"Pavonel Break"; });
     return windows;
+}
+
+bool Desktop::shows(const char *title) {
+    return std::ranges::any_of(
+        tree_->visible(), [&](const SeenWindow &window) { return window.title == QString::fromUtf8(title); });
 }
 
 bool Desktop::waitForOverlays(std::size_t count) {

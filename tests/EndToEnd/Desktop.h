@@ -34,9 +34,14 @@ public:
     /// Today's record of the statistics; empty when there is none.
     QJsonObject statistics() const;
 
+    /// What the program will be started with.
+    QProcessEnvironment &environment() { return environment_; }
+
     void startProgram();
     bool isRunning() const { return program_ && program_->isRunning(); }
     qint64 millisecondsSinceStart() const { return sinceStart_.elapsed(); }
+
+    void sendSignal(int signal);
 
     /// Sends the signal and gives the exit status, -1 when the program crashed, was killed or did not end.
     int endProgram(int signal);
@@ -46,6 +51,9 @@ public:
     std::vector<SeenWindow> overlays();
     bool waitForOverlays(std::size_t count = screens);
     bool waitForNoOverlay() { return waitForOverlays(0); }
+
+    /// Whether a window of this title is on the screen.
+    bool shows(const char *title);
 
     /// What stands behind all windows; nothing of Pavonel's has this colour.
     static QColor background() { return Qt::magenta; }
@@ -57,7 +65,10 @@ public:
     void endServer();
 
 private:
+    QProcessEnvironment environmentAtHome() const;
+
     QTemporaryDir home_;
+    QProcessEnvironment environment_;
     std::unique_ptr<XServer> server_;
     std::unique_ptr<WindowTree> tree_;
     std::unique_ptr<ChildProcess> program_;

@@ -28,7 +28,7 @@ bool catches(qint64 process, int signal) {
 
 } // namespace
 
-HeadlessProgram::HeadlessProgram() {
+HeadlessProgram::HeadlessProgram() : executable_(QStringLiteral(PAVONEL_PROGRAM)) {
     for (const char *name : {"PATH", "LANG", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
         const QString key = QString::fromUtf8(name);
         if (qEnvironmentVariableIsSet(name))
@@ -36,6 +36,7 @@ HeadlessProgram::HeadlessProgram() {
     }
     environment_.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     environment_.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent"));
+    environment_.insert(QStringLiteral("PAVONEL_UPDATE_FEED"), QStringLiteral("http://127.0.0.1:1/nowhere"));
     environment_.insert(QStringLiteral("HOME"), home_.path());
     for (const auto &[variable, folder] :
          {std::pair("XDG_CONFIG_HOME", "config"), std::pair("XDG_CACHE_HOME", "cache"),
@@ -63,20 +64,19 @@ double HeadlessProgram::storedToday(const QString &number) const {
 }
 
 ChildProcess::Result HeadlessProgram::run(const QStringList &arguments) const {
-    return ChildProcess::run(QStringLiteral(PAVONEL_PROGRAM), arguments, environment_);
+    return ChildProcess::run(executable_, arguments, environment_);
 }
 
 void HeadlessProgram::start(const QByteArray &commandsBefore) {
-    const QString program = QStringLiteral(PAVONEL_PROGRAM);
     if (commandsBefore.isEmpty()) {
-        program_ = std::make_unique<ChildProcess>(program, QStringList(), environment_);
+        program_ = std::make_unique<ChildProcess>(executable_, QStringList(), environment_);
     } else {
         const QString script = QString::fromUtf8("set -e\n" + commandsBefore + "\nexec \"$0\"");
-        program_ =
-            std::make_unique<ChildProcess>(QStringLiteral("unshare"),
-                                           QStringList{QStringLiteral("-rm"), QStringLiteral("sh"),
-                                                       QStringLiteral("-c"), script, program, storeFolder()},
-                                           environment_);
+        program_ = std::make_unique<ChildProcess>(QStringLiteral("unshare"),
+                                                  QStringList{QStringLiteral("-rm"), QStringLiteral("sh"),
+                                                              QStringLiteral("-c"), script, executable_,
+                                                              storeFolder()},
+                                                  environment_);
     }
     EXPECT_TRUE(
         waitUntil([this] { return !isRunning() || catches(program_->process().processId(), SIGTERM); }));

@@ -23,6 +23,9 @@ public:
 
     QString path(const QString &inHome) const { return home_.filePath(inHome); }
 
+    /// Another copy of the program than the one in the build folder.
+    void use(const QString &program) { executable_ = program; }
+
     QProcessEnvironment &environment() { return environment_; }
 
     /// Runs another process of the program to its end.
@@ -40,6 +43,7 @@ public:
     void kill();
 
 private:
+    QString executable_;
     QTemporaryDir home_;
     QProcessEnvironment environment_;
     std::unique_ptr<ChildProcess> program_;

@@ -12,6 +12,13 @@
 
 namespace pavonel::test {
 
+/// A fake of a service that can be made unable to work.
+template <class Service> struct Limited : Service {
+    QString reason; ///< Empty while it works.
+
+    QString limitation() const override { return reason; }
+};
+
 struct FakeDefaults final : UserDefaults {
     mutable QHash<QString, StoredValue> values;
     mutable QHash<QString, Encoder> encoders;
@@ -47,7 +54,7 @@ struct FakeTermination final : Termination {
     void onEnd(std::function<void()> handler) override { end = std::move(handler); }
 };
 
-struct FakePowerEvents final : PowerEvents {
+struct FakePowerEvents final : Limited<PowerEvents> {
     std::function<void()> sleep;
     std::function<void()> wake;
 
@@ -65,7 +72,7 @@ struct FakeScreens final : Screens {
     }
 };
 
-struct FakePointer final : Pointer {
+struct FakePointer final : Limited<Pointer> {
     std::optional<QPointF> where = QPointF(400, 300);
     int queries = 0;
 
@@ -75,7 +82,7 @@ struct FakePointer final : Pointer {
     }
 };
 
-struct FakeIdleTime final : IdleTime {
+struct FakeIdleTime final : Limited<IdleTime> {
     Seconds seconds = 0;
     int queries = 0;
 
@@ -85,7 +92,7 @@ struct FakeIdleTime final : IdleTime {
     }
 };
 
-struct FakeAudioDevices final : AudioDevices {
+struct FakeAudioDevices final : Limited<AudioDevices> {
     bool input = false;
     bool output = false;
     int queries = 0;
@@ -100,7 +107,7 @@ struct FakeAudioDevices final : AudioDevices {
     }
 };
 
-struct FakeApplications final : Applications {
+struct FakeApplications final : Limited<Applications> {
     std::vector<Application> applications;
     std::optional<Application> front;
     int runningQueries = 0;
@@ -116,7 +123,15 @@ struct FakeApplications final : Applications {
     }
 };
 
-struct FakeWindowList final : WindowList {
+struct FakeInstalledApplications final : InstalledApplications {
+    std::vector<InstalledApplication> applications;
+    QHash<QString, QImage> icons;
+
+    std::vector<InstalledApplication> all() override { return applications; }
+    QImage icon(const QString &bundleIdentifier, int) override { return icons.value(bundleIdentifier); }
+};
+
+struct FakeWindowList final : Limited<WindowList> {
     std::vector<OnScreenWindow> windows;
     int queries = 0;
 
@@ -126,7 +141,7 @@ struct FakeWindowList final : WindowList {
     }
 };
 
-struct FakeWindowLayers final : WindowLayers {
+struct FakeWindowLayers final : Limited<WindowLayers> {
     struct Assignment {
         QWindow *window;
         WindowLayer layer;
@@ -151,7 +166,7 @@ struct FakeWindowLayers final : WindowLayers {
     void yieldKeyboard() override { ++keyboardYielded; }
 };
 
-struct FakeHotKeys final : HotKeyService {
+struct FakeHotKeys final : Limited<HotKeyService> {
     struct Key {
         std::uint32_t keyCode;
         std::uint32_t modifiers;
@@ -191,25 +206,54 @@ private:
     };
 };
 
-struct FakeSounds final : Sounds {
+struct FakeSounds final : Limited<Sounds> {
     QStringList played;
 
     void play(const QString &name) override { played.append(name); }
     QStringList names() override { return {QStringLiteral("Glass"), QStringLiteral("Submarine")}; }
 };
 
-struct FakeProcessLauncher final : ProcessLauncher {
+struct FakeProcessLauncher final : Limited<ProcessLauncher> {
     using Launch = std::pair<QString, QStringList>;
     std::vector<Launch> launches;
+    std::vector<SearchPath> searchPaths;
     bool succeeds = true;
 
-    bool launch(const QString &program, const QStringList &arguments) override {
+    bool launch(const QString &program, const QStringList &arguments,
+                SearchPath searchPath = SearchPath::usual) override {
         launches.emplace_back(program, arguments);
+        searchPaths.push_back(searchPath);
         return succeeds;
     }
 };
 
-struct FakeLoginItem final : LoginItem {
+struct FakeToolRunner final : ToolRunner {
+    using Run = std::pair<QString, QStringList>;
+    std::vector<Run> runs;
+    std::function<Outcome(const QString &tool, const QStringList &arguments)> answer =
+        [](const QString &, const QStringList &) { return Ended{}; };
+
+    Outcome run(const QString &tool, const QStringList &arguments) override {
+        runs.emplace_back(tool, arguments);
+        return answer(tool, arguments);
+    }
+};
+
+struct FakeInstallation final : Installation {
+    QString reason;
+    std::optional<QString> runningVersion = QStringLiteral("1.2.0");
+    QString runningBundle = QStringLiteral("/home/user/Applications/Pavonel.app");
+    std::optional<QString> otherVersion = QStringLiteral("1.3.0"); ///< Of whichever other bundle.
+    QString temporary;                                             ///< A test that writes there gives one.
+
+    QString limitation() const override { return reason; }
+    std::optional<QString> version() const override { return runningVersion; }
+    QString bundle() const override { return runningBundle; }
+    std::optional<QString> versionOf(const QString &) const override { return otherVersion; }
+    QString temporaryFolder() override { return temporary; }
+};
+
+struct FakeLoginItem final : Limited<LoginItem> {
     bool enabled = false;
     std::optional<QString> failure;
     std::vector<bool> requests;
@@ -236,7 +280,7 @@ struct FakeAppearance final : Appearance {
     }
 };
 
-struct FakeStatusItem final : StatusItem {
+struct FakeStatusItem final : Limited<StatusItem> {
     QString icon;
     std::vector<QImage> images;
     QString title;
@@ -260,10 +304,18 @@ struct FakeHttpClient final : HttpClient {
         HttpRequest request;
         Completion answer; ///< For the test to call, any time or never.
     };
+    struct FileExchange {
+        HttpDownload request;
+        FileCompletion answer;
+    };
     std::vector<Exchange> exchanges;
+    std::vector<FileExchange> downloads;
 
     void send(const HttpRequest &request, Completion completion) override {
         exchanges.push_back({request, std::move(completion)});
+    }
+    void download(const HttpDownload &request, FileCompletion completion) override {
+        downloads.push_back({request, std::move(completion)});
     }
 };
 
@@ -280,11 +332,14 @@ struct FakePlatform : Platform {
     FakeIdleTime &idle;
     FakeAudioDevices &audio;
     FakeApplications &apps;
+    FakeInstalledApplications &installed;
     FakeWindowList &windows;
     FakeWindowLayers &layers;
     FakeHotKeys &keys;
     FakeSounds &fakeSounds;
     FakeProcessLauncher &launcher;
+    FakeToolRunner &toolRunner;
+    FakeInstallation &copy;
     FakeLoginItem &login;
     FakeAppearance &look;
     FakeStatusItem &menuBar;
@@ -296,11 +351,14 @@ private:
           ending(give(termination, new FakeTermination)), powerEvents(give(power, new FakePowerEvents)),
           fakeScreens(give(screens, new FakeScreens)), mouse(give(pointer, new FakePointer)),
           idle(give(idleTime, new FakeIdleTime)), audio(give(audioDevices, new FakeAudioDevices)),
-          apps(give(applications, new FakeApplications)), windows(give(windowList, new FakeWindowList)),
-          layers(give(windowLayers, new FakeWindowLayers)), keys(give(hotKeys, new FakeHotKeys)),
-          fakeSounds(give(sounds, new FakeSounds)), launcher(give(processes, new FakeProcessLauncher)),
-          login(give(loginItem, new FakeLoginItem)), look(give(appearance, new FakeAppearance)),
-          menuBar(give(statusItem, new FakeStatusItem)), web(give(http, new FakeHttpClient)) {}
+          apps(give(applications, new FakeApplications)),
+          installed(give(installedApplications, new FakeInstalledApplications)),
+          windows(give(windowList, new FakeWindowList)), layers(give(windowLayers, new FakeWindowLayers)),
+          keys(give(hotKeys, new FakeHotKeys)), fakeSounds(give(sounds, new FakeSounds)),
+          launcher(give(processes, new FakeProcessLauncher)), toolRunner(give(tools, new FakeToolRunner)),
+          copy(give(installation, new FakeInstallation)), login(give(loginItem, new FakeLoginItem)),
+          look(give(appearance, new FakeAppearance)), menuBar(give(statusItem, new FakeStatusItem)),
+          web(give(http, new FakeHttpClient)) {}
 
     template <class Interface, class Fake> static Fake &give(std::unique_ptr<Interface> &place, Fake *fake) {
         place.reset(fake);

@@ -6,11 +6,13 @@
 
 namespace pavonel::test {
 
-/// A private message bus. Nothing is started on it by itself; it ends with this object.
+/// A private message bus. It ends with this object, and so does what it started.
 class MessageBus {
 public:
-    /// Fails the test when there is none to be had.
-    MessageBus();
+    /// Fails the test when there is none to be had. Nothing is started by itself unless `services` is a
+    /// folder of service files; what they name then runs in `environment`.
+    explicit MessageBus(const QString &services = {},
+                        const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
 
     QString address() const { return address_; }
 

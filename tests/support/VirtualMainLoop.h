@@ -5,6 +5,7 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <vector>
 
 namespace pavonel::test {
 
@@ -33,6 +34,9 @@ public:
     TimerHandle every(Seconds interval, Action action) override;
     TimerHandle after(Seconds delay, Action action) override;
     void post(Action action) override;
+    void quit(int status) override { quits.push_back(status); }
+
+    std::vector<int> quits; ///< The exit statuses with which it was asked to end; it goes on, for the test.
 
 private:
     class VirtualTimer;

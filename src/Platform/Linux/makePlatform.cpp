@@ -1,4 +1,5 @@
 #include "Platform/Linux/Applications/LinuxApplications.h"
+#include "Platform/Linux/Applications/LinuxInstalledApplications.h"
 #include "Platform/Linux/Audio/EventSounds.h"
 #include "Platform/Linux/Audio/PulseAudioDevices.h"
 #include "Platform/Linux/AutostartLoginItem.h"
@@ -7,6 +8,7 @@
 #include "Platform/Linux/Bus/LogindPowerEvents.h"
 #include "Platform/Linux/Bus/PortalAppearance.h"
 #include "Platform/Linux/DetachedLauncher.h"
+#include "Platform/Linux/LinuxInstallation.h"
 #include "Platform/Linux/PipeWire/PipeWireScreenCasts.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 #include "Platform/Linux/X11/X11Connection.h"
@@ -21,6 +23,7 @@
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/Qt/QtPointer.h"
 #include "Platform/Qt/QtScreens.h"
+#include "Platform/Qt/QtToolRunner.h"
 #include "Platform/Qt/QtWindowLayers.h"
 #include "Platform/Qt/SignalTermination.h"
 #include "Platform/Qt/Unavailable.h"
@@ -44,6 +47,11 @@ QString configFolder() {
     if (!QDir::isAbsolutePath(folder))
         folder = QDir::homePath() + QStringLiteral("/.config");
     return folder;
+}
+
+QString cacheFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
+           QStringLiteral("/pavonel");
 }
 
 /// In a Wayland session the X server that is there only stands in for one.
@@ -100,9 +108,8 @@ std::unique_ptr<HotKeyService> hotKeys(const std::shared_ptr<X11Connection> &x) 
 }
 
 std::unique_ptr<StatusItem> statusItem(Appearance &appearance, const std::shared_ptr<X11Connection> &x) {
-    const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
     return std::make_unique<TrayStatusItem>(QDBusConnection::sessionBus(),
-                                            cache + QStringLiteral("/pavonel/menubar"), appearance, x);
+                                            cacheFolder() + QStringLiteral("/menubar"), appearance, x);
 }
 
 } // namespace
@@ -116,12 +123,28 @@ std::unique_ptr<LoginItem> makeLoginItem() {
     return std::make_unique<AutostartLoginItem>(ProgramFiles::ofThisProgram().program(), configFolder());
 }
 
+std::unique_ptr<Installation> makeInstallation() {
+    return std::make_unique<LinuxInstallation>(ProgramFiles::ofThisProgram(),
+                                               cacheFolder() + QStringLiteral("/tmp"));
+}
+
+HeadlessPlatform makeHeadlessPlatform() {
+    const ProgramFiles files = ProgramFiles::ofThisProgram();
+    HeadlessPlatform platform;
+    platform.mainLoop = std::make_unique<QtMainLoop>();
+    platform.defaults = std::make_unique<FileDefaults>(
+        configFolder() + QStringLiteral("/pavonel/defaults.json"), *platform.mainLoop);
+    platform.processes = std::make_unique<DetachedLauncher>(files);
+    platform.tools = std::make_unique<QtToolRunner>(files);
+    platform.installation = makeInstallation();
+    platform.http = std::make_unique<QtHttpClient>();
+    return platform;
+}
+
 std::unique_ptr<Platform> makePlatform() {
     const auto x11 = x11Connection();
     auto platform = std::make_unique<Platform>();
-    platform->mainLoop = std::make_unique<QtMainLoop>();
-    platform->defaults = std::make_unique<FileDefaults>(
-        configFolder() + QStringLiteral("/pavonel/defaults.json"), *platform->mainLoop);
+    static_cast<HeadlessPlatform &>(*platform) = makeHeadlessPlatform();
     platform->termination = std::make_unique<SignalTermination>();
     platform->power = std::make_unique<LogindPowerEvents>(QDBusConnection::systemBus());
     platform->screens = screens(x11);
@@ -130,15 +153,14 @@ std::unique_ptr<Platform> makePlatform() {
                                                              QDBusConnection::sessionBus());
     platform->audioDevices = std::make_unique<PulseAudioDevices>();
     installWindowSensors(*platform, x11);
+    platform->installedApplications = std::make_unique<LinuxInstalledApplications>(
+        LinuxInstalledApplications::Surroundings::ofThisDesktop());
     platform->windowLayers = windowLayers(x11);
     platform->hotKeys = hotKeys(x11);
-    const ProgramFiles files = ProgramFiles::ofThisProgram();
-    platform->sounds = std::make_unique<EventSounds>(files);
-    platform->processes = std::make_unique<DetachedLauncher>(files);
+    platform->sounds = std::make_unique<EventSounds>(ProgramFiles::ofThisProgram());
     platform->loginItem = makeLoginItem();
     platform->appearance = std::make_unique<PortalAppearance>(QDBusConnection::sessionBus());
     platform->statusItem = statusItem(*platform->appearance, x11);
-    platform->http = std::make_unique<QtHttpClient>();
     return platform;
 }
 

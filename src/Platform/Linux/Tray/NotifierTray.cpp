@@ -18,11 +18,11 @@ const QString itemPath = QStringLiteral("/StatusNotifierItem");
 DBusPixmap busPixmap(const QImage &image) {
     const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
     DBusPixmap pixmap{argb.width(), argb.height(),
-                      QByteArray(argb.width() * argb.height() * 4, Qt::Uninitialized)};
+                      QByteArray(qsizetype{4} * argb.width() * argb.height(), Qt::Uninitialized)};
     char *out = pixmap.bytes.data();
     for (int y = 0; y < argb.height(); ++y) {
         qToBigEndian<quint32>(argb.constScanLine(y), argb.width(), out);
-        out += argb.width() * 4;
+        out += qsizetype{4} * argb.width();
     }
     return pixmap;
 }

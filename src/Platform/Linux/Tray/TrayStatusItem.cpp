@@ -60,6 +60,7 @@ QString TrayStatusItem::limitation() const {
 
 void TrayStatusItem::setIcon(const QString &name, const std::vector<QImage> &images) {
     std::vector<QImage> coloured;
+    coloured.reserve(images.size());
     for (const QImage &image : images)
         coloured.push_back(tinted(image, iconColour(appearance_.wishes().dark)));
     notifier_.setIcon(name, coloured);
