@@ -1,5 +1,6 @@
 #include "EndToEnd/Desktop.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
@@ -10,6 +11,18 @@
 #include <gtest/gtest.h>
 
 namespace pavonel::test {
+
+namespace {
+
+/// How many hours UTC is ahead of the zone in which it was two at night when the tests began.
+int hoursToUtc() {
+    constexpr int night = 2;
+    constexpr int farthest = 12;
+    static const int hours = QDateTime::currentDateTimeUtc().time().hour() - night;
+    return hours > farthest ? hours - 24 : hours;
+}
+
+} // namespace
 
 Desktop::Desktop(XServer::WindowManager manager)
     : server_(std::make_unique<XServer>(QSize(1280 * screens, 720))) {
@@ -47,6 +60,11 @@ QJsonObject Desktop::stored() const {
     return file.open(QFile::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
 }
 
+QDate Desktop::today() {
+    constexpr int hour = 3600; // seconds
+    return QDateTime::currentDateTimeUtc().addSecs(-hour * hoursToUtc()).date();
+}
+
 QJsonObject Desktop::statistics() const {
     const auto data = stored()[QStringLiteral("stats.days")][QStringLiteral("data")].toString();
     const auto days = QJsonDocument::fromJson(QByteArray::fromBase64(data.toLatin1())).object();
@@ -60,6 +78,7 @@ QProcessEnvironment Desktop::environmentAtHome() const {
         environment.insert(QString::fromLatin1(name), home_.filePath(folder));
     };
     environment.insert(QStringLiteral("PAVONEL_UPDATE_FEED"), QStringLiteral("http://127.0.0.1:1/nowhere"));
+    environment.insert(QStringLiteral("TZ"), QStringLiteral("NIGHT%1").arg(hoursToUtc()));
     environment.insert(QStringLiteral("HOME"), home_.path());
     insert("XDG_CONFIG_HOME", QStringLiteral(".config"));
     insert("XDG_DATA_HOME", QStringLiteral(".local/share"));

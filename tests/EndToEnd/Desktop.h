@@ -4,6 +4,7 @@
 #include "support/XServer.h"
 #include "support/waitUntil.h"
 
+#include <QDate>
 #include <QElapsedTimer>
 #include <QJsonObject>
 #include <QTemporaryDir>
@@ -14,7 +15,8 @@
 namespace pavonel::test {
 
 /// Three screens of 1280x720 side by side, a window manager, and the built program in a home of its own. It
-/// is driven and looked at from outside: the windows, the pixels, the keys, the store's file.
+/// is driven and looked at from outside: the windows, the pixels, the keys, the store's file. It is always
+/// night: midnight is over, and no planned break is near.
 class Desktop {
 public:
     explicit Desktop(XServer::WindowManager manager = XServer::WindowManager::openbox);
@@ -30,6 +32,9 @@ public:
     void store(const QJsonObject &members);
     QString storePath() const;
     QJsonObject stored() const;
+
+    /// The date where the program is.
+    static QDate today();
 
     /// Today's record of the statistics; empty when there is none.
     QJsonObject statistics() const;

@@ -1,6 +1,5 @@
 #include "EndToEnd/SettingsRoad.h"
 
-#include <QDate>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -21,7 +20,7 @@ QJsonObject planned(const QString &label, int hour, int minute, double duration,
 }
 
 QJsonObject today(const QJsonObject &counts) {
-    const QJsonObject days{{QDate::currentDate().toString(Qt::ISODate), counts}};
+    const QJsonObject days{{Desktop::today().toString(Qt::ISODate), counts}};
     const QByteArray data = QJsonDocument(days).toJson(QJsonDocument::Compact).toBase64();
     return {{u"data"_s, QString::fromLatin1(data)}};
 }
