@@ -61,10 +61,11 @@ struct Platform : HeadlessPlatform {
     static void install(std::unique_ptr<Platform> platform);
 };
 
-/// What of this system's answers needs an application object, but no display.
+/// What of this system's answers needs an application object, but no display. Beside a running Pavonel, whose
+/// store it then is, nothing is stored.
 HeadlessPlatform makeHeadlessPlatform();
 
-/// This system's answers, chosen by probing. Needs the application object.
+/// This system's answers, chosen by probing. Needs the application object, and that the store is ours.
 std::unique_ptr<Platform> makePlatform();
 
 } // namespace pavonel

@@ -6,6 +6,7 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QFile>
 
 #include <csignal>
 #include <optional>
@@ -74,6 +75,17 @@ TEST_F(OneProgram, a_break_is_taken_and_skipped_from_outside) {
     act("skip");
     EXPECT_EQ(program.end(SIGTERM), 0);
     EXPECT_EQ(program.storedToday(QStringLiteral("skipped")), 1);
+}
+
+TEST_F(OneProgram, an_update_from_the_command_line_beside_it_leaves_its_store_alone) {
+    QFile store(program.storePath());
+    ASSERT_TRUE(store.open(QFile::WriteOnly));
+    store.write(R"({"didOnboard": true, "autoUpdate": false})");
+    store.close();
+    startAndWaitForTheName();
+    EXPECT_EQ(program.run({QStringLiteral("--update-now")}).status, 1);
+    EXPECT_FALSE(program.stored().contains(u"lastUpdateCheck"));
+    EXPECT_EQ(program.end(SIGTERM), 0);
 }
 
 TEST_F(OneProgram, the_loss_of_the_session_bus_does_no_harm) {

@@ -18,6 +18,7 @@
 #include "Platform/Linux/X11/X11WindowLayers.h"
 #include "Platform/Linux/X11/X11Windows.h"
 #include "Platform/Platform.h"
+#include "Platform/Qt/BorrowedDefaults.h"
 #include "Platform/Qt/FileDefaults.h"
 #include "Platform/Qt/QtHttpClient.h"
 #include "Platform/Qt/QtMainLoop.h"
@@ -47,6 +48,15 @@ QString configFolder() {
     if (!QDir::isAbsolutePath(folder))
         folder = QDir::homePath() + QStringLiteral("/.config");
     return folder;
+}
+
+QString storePath() {
+    return configFolder() + QStringLiteral("/pavonel/defaults.json");
+}
+
+/// Held by the process to which the store belongs.
+QString lockPath() {
+    return configFolder() + QStringLiteral("/pavonel/lock");
 }
 
 QString cacheFolder() {
@@ -112,11 +122,21 @@ std::unique_ptr<StatusItem> statusItem(Appearance &appearance, const std::shared
                                             cacheFolder() + QStringLiteral("/menubar"), appearance, x);
 }
 
+HeadlessPlatform allButTheStore() {
+    const ProgramFiles files = ProgramFiles::ofThisProgram();
+    HeadlessPlatform platform;
+    platform.mainLoop = std::make_unique<QtMainLoop>();
+    platform.processes = std::make_unique<DetachedLauncher>(files);
+    platform.tools = std::make_unique<QtToolRunner>(files);
+    platform.installation = makeInstallation();
+    platform.http = std::make_unique<QtHttpClient>();
+    return platform;
+}
+
 } // namespace
 
 std::unique_ptr<SingleInstance> makeSingleInstance() {
-    return std::make_unique<BusSingleInstance>(QDBusConnection::sessionBus(),
-                                               configFolder() + QStringLiteral("/pavonel/lock"));
+    return std::make_unique<BusSingleInstance>(QDBusConnection::sessionBus(), lockPath());
 }
 
 std::unique_ptr<LoginItem> makeLoginItem() {
@@ -129,22 +149,16 @@ std::unique_ptr<Installation> makeInstallation() {
 }
 
 HeadlessPlatform makeHeadlessPlatform() {
-    const ProgramFiles files = ProgramFiles::ofThisProgram();
-    HeadlessPlatform platform;
-    platform.mainLoop = std::make_unique<QtMainLoop>();
-    platform.defaults = std::make_unique<FileDefaults>(
-        configFolder() + QStringLiteral("/pavonel/defaults.json"), *platform.mainLoop);
-    platform.processes = std::make_unique<DetachedLauncher>(files);
-    platform.tools = std::make_unique<QtToolRunner>(files);
-    platform.installation = makeInstallation();
-    platform.http = std::make_unique<QtHttpClient>();
+    HeadlessPlatform platform = allButTheStore();
+    platform.defaults = std::make_unique<BorrowedDefaults>(storePath(), lockPath(), *platform.mainLoop);
     return platform;
 }
 
 std::unique_ptr<Platform> makePlatform() {
     const auto x11 = x11Connection();
     auto platform = std::make_unique<Platform>();
-    static_cast<HeadlessPlatform &>(*platform) = makeHeadlessPlatform();
+    static_cast<HeadlessPlatform &>(*platform) = allButTheStore();
+    platform->defaults = std::make_unique<FileDefaults>(storePath(), *platform->mainLoop);
     platform->termination = std::make_unique<SignalTermination>();
     platform->power = std::make_unique<LogindPowerEvents>(QDBusConnection::systemBus());
     platform->screens = screens(x11);

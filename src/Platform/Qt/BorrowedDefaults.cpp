@@ -1,0 +1,41 @@
+#include "Platform/Qt/BorrowedDefaults.h"
+
+#include "Platform/Qt/FileDefaults.h"
+#include "Platform/Qt/FileLock.h"
+
+#include <utility>
+
+namespace pavonel {
+
+BorrowedDefaults::BorrowedDefaults(QString path, QString lockPath, MainLoop &loop)
+    : path_(std::move(path)), lockPath_(std::move(lockPath)), loop_(loop) {}
+
+template <class Use> void BorrowedDefaults::borrow(Use use) const {
+    const FileLock lock(lockPath_);
+    if (lock.state() == FileLock::State::takenByAnother)
+        return;
+    FileDefaults store(path_, loop_, std::launch::deferred);
+    use(store);
+    store.flush();
+}
+
+std::optional<StoredValue> BorrowedDefaults::value(const QString &key) const {
+    std::optional<StoredValue> found;
+    borrow([&](const UserDefaults &store) { found = store.value(key); });
+    return found;
+}
+
+void BorrowedDefaults::set(const QString &key, StoredValue value) {
+    borrow([&](UserDefaults &store) { store.set(key, std::move(value)); });
+}
+
+void BorrowedDefaults::setLazily(const QString &key, Encoder encode) {
+    if (auto value = encode())
+        set(key, std::move(*value));
+}
+
+void BorrowedDefaults::remove(const QString &key) {
+    borrow([&](UserDefaults &store) { store.remove(key); });
+}
+
+} // namespace pavonel
