@@ -63,8 +63,8 @@ void unregisterLoginItem() {
     printLine(failure.value_or(QStringLiteral("unregistered")));
 }
 
-/// Leaves at once, with nothing destroyed, because a tool may still be at work on another thread.
-int updateNow() {
+/// The end comes at once, with nothing destroyed, because a tool may still be at work on another thread.
+std::optional<int> updateNow() {
     std::setvbuf(stdout, nullptr, _IONBF, 0);
     const auto feed = Updater::feedAddress();
     if (!feed)
@@ -75,7 +75,8 @@ int updateNow() {
     update.start();
     const int status = QCoreApplication::exec();
     update.finish();
-    platform.defaults->flush();
+    if (update.isToStart())
+        return {};
     std::_Exit(status);
 }
 
@@ -95,11 +96,11 @@ CommandLine readCommandLine(const std::vector<std::string> &arguments) {
     return unknown.empty() ? CommandLine{} : CommandLine{Order::refuse, std::move(unknown)};
 }
 
-int obey(const CommandLine &commandLine, int &argc, char **argv) {
+std::optional<int> obey(const CommandLine &commandLine, int &argc, char **argv) {
     const QCoreApplication application(argc, argv);
     switch (commandLine.order) {
     case Order::start:
-        break;
+        return {};
     case Order::loginStatus:
         printLoginStatus();
         break;

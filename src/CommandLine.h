@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,9 @@ struct CommandLine {
 /// `arguments` come without the program's name.
 CommandLine readCommandLine(const std::vector<std::string> &arguments);
 
-/// Does an order other than `start` and gives the exit status. Needs no display and no message bus.
-int obey(const CommandLine &commandLine, int &argc, char **argv);
+/// Does an order other than `start` and gives the exit status; absent when a start is to follow. Needs no
+/// display and no message bus.
+std::optional<int> obey(const CommandLine &commandLine, int &argc, char **argv);
 
 /// Tells that the environment names no feed, and gives the exit status.
 int refuseFeedAddress();

@@ -98,5 +98,9 @@ int start(int &argc, char **argv) {
 
 int main(int argc, char **argv) {
     const CommandLine commandLine = readCommandLine({argv + std::min(argc, 1), argv + argc});
-    return commandLine.order == CommandLine::Order::start ? start(argc, argv) : obey(commandLine, argc, argv);
+    if (commandLine.order != CommandLine::Order::start) {
+        if (const auto status = obey(commandLine, argc, argv))
+            return *status;
+    }
+    return start(argc, argv);
 }

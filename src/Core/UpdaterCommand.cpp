@@ -63,10 +63,14 @@ void UpdaterCommand::look(const Updater::UpToDate &) {
     end(EXIT_SUCCESS);
 }
 
-/// The updater ends the program.
+/// The updater ends the program, unless the handing over fails.
 void UpdaterCommand::look(const Updater::ReadyToRestart &) {
     print(QStringLiteral("verified and staged; replacing on exit"));
     polling_.reset();
+    change_ = updater_.observe([this] {
+        isToStart_ = true;
+        loop_.quit(EXIT_SUCCESS);
+    });
 }
 
 void UpdaterCommand::print(const QString &line) const {

@@ -7,8 +7,8 @@
 
 namespace pavonel {
 
-/// Updates from the command line: checks, installs what is newer and tells of it line by line. The end of the
-/// main loop is its end.
+/// Updates from the command line: checks, installs what is newer and tells of it line by line. Its end is
+/// that of the main loop.
 class UpdaterCommand {
 public:
     using Print = std::function<void(const QString &line)>;
@@ -20,6 +20,10 @@ public:
 
     /// To be called after the main loop has ended: tells what came between the last look and the end.
     void finish();
+
+    /// Whether the program then starts as ever: the new version was told to be staged, but could not be
+    /// handed over to, so that nothing waits for our end.
+    bool isToStart() const { return isToStart_; }
 
 private:
     void poll();
@@ -37,6 +41,8 @@ private:
     Print print_;
     TimerHandle polling_; ///< Absent when there is nothing more to wait for.
     int polls_ = 0;
+    Observable::Observation change_; ///< Of the state, once staged.
+    bool isToStart_ = false;
 };
 
 } // namespace pavonel

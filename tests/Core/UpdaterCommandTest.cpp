@@ -114,6 +114,27 @@ TEST_F(UpdateNow, leaves_the_end_to_the_updater_once_the_new_version_is_staged) 
     expectNoEnd();
 }
 
+TEST_F(UpdateNow, when_the_handing_over_fails_after_that_the_program_starts_as_ever) {
+    feedSays(newer);
+    updater.state = Updater::ReadyToRestart{};
+    poll();
+    EXPECT_FALSE(command.isToStart());
+    updater.state = Updater::Failed{QStringLiteral("The disk is full.")};
+    expect({installing, staged});
+    expectEnd(0);
+    EXPECT_TRUE(command.isToStart());
+}
+
+TEST_F(UpdateNow, a_handing_over_that_failed_before_the_staging_was_told_is_a_failure) {
+    feedSays(newer);
+    updater.state = Updater::ReadyToRestart{};
+    updater.state = Updater::Failed{QStringLiteral("The disk is full.")};
+    poll();
+    expect({installing, QStringLiteral("failed: The disk is full.")});
+    expectEnd(1);
+    EXPECT_FALSE(command.isToStart());
+}
+
 TEST_F(UpdateNow, tells_of_the_staging_even_when_the_end_comes_before_the_next_look) {
     feedSays(newer);
     updater.state = Updater::ReadyToRestart{};

@@ -192,6 +192,30 @@ TEST_F(UpdateMishap, killed_while_the_copy_is_made_it_updates_the_next_time) {
     EXPECT_FALSE(exists("Applications/Pavonel.app/half"));
 }
 
+TEST_F(UpdateMishap, when_nothing_can_be_handed_over_to_the_old_version_starts) {
+    shell("mkdir -p cache/pavonel/tmp/pavonel-update.sh; cd \"$installed/libexec/pavonel\"; mv hdiutil real\n"
+          "printf '#!/bin/bash\\n[[ $1 == attach ]] || until [[ -e $HOME/told ]]; do sleep 0.1; done\\n"
+          "exec \"${0%%/*}/real\" \"$@\"\\n' >hdiutil; chmod +x hdiutil");
+    write("config/pavonel/defaults.json", R"({"didOnboard": true, "autoUpdate": false})");
+    before = fingerprint();
+    const auto program = startUpdate();
+    QByteArray said;
+    ASSERT_TRUE(waitUntil([&] {
+        said += program->process().readAllStandardOutput();
+        return said.contains("verified and staged") || !program->isRunning();
+    }));
+    write("told", "");
+    ASSERT_TRUE(waitUntil([&] {
+        return exists("config/autostart/pavonel.desktop") || !program->isRunning();
+    })) << "it does not start";
+    ASSERT_TRUE(program->isRunning());
+    program->process().terminate();
+    ASSERT_TRUE(waitUntil([&] { return !program->isRunning(); }));
+    EXPECT_EQ(program->process().exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(program->process().exitCode(), 0) << program->process().readAllStandardError().toStdString();
+    EXPECT_EQ(fingerprint(), before);
+}
+
 TEST_F(UpdateMishap, killed_after_the_handing_over_it_is_replaced_all_the_same) {
     const auto program = startUpdate();
     QByteArray said;
