@@ -87,6 +87,13 @@ QByteArray X11Connection::bytes(xcb_window_t window, const char *name) {
             xcb_get_property_value_length(reply.get())};
 }
 
+/// A manager that ended leaves its mark on the root window behind, but not on its own.
+xcb_window_t X11Connection::windowManager() {
+    constexpr char mark[] = "_NET_SUPPORTING_WM_CHECK";
+    const xcb_window_t window = number(root_, mark);
+    return window && number(window, mark) == window ? window : xcb_window_t{XCB_WINDOW_NONE};
+}
+
 template <class Value>
 X11Connection::SubscriptionHandle X11Connection::add(const std::shared_ptr<Registry<Value>> &registry,
                                                      Value value) {

@@ -60,6 +60,9 @@ public:
     /// A property of bytes, such as WM_CLASS; empty when it is missing or of another kind.
     QByteArray bytes(xcb_window_t window, const char *property);
 
+    /// The window by which the running window manager can be known; XCB_WINDOW_NONE where there is none.
+    xcb_window_t windowManager();
+
     /// Ends what it stands for when destroyed. It may outlive the connection.
     class Subscription {
     public:

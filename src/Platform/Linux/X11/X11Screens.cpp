@@ -1,48 +1,14 @@
 #include "Platform/Linux/X11/X11Screens.h"
 
+#include "Platform/Linux/X11/X11Points.h"
+
 #include <QGuiApplication>
 #include <QScreen>
-#include <qpa/qplatformscreen.h>
 
 #include <algorithm>
 #include <utility>
 
 namespace pavonel {
-
-namespace {
-
-QRect nativeFrame(const QScreen *screen) {
-    return screen->handle()->geometry();
-}
-
-qint64 area(const QRect &rect) {
-    return rect.isEmpty() ? 0 : qint64{rect.width()} * rect.height();
-}
-
-/// The screen that shows the most of a rectangle; null when none shows any.
-const QScreen *screenShowing(const QRect &native) {
-    const QScreen *best = nullptr;
-    qint64 most = 0;
-    const auto attached = QGuiApplication::screens();
-    for (const QScreen *screen : attached) {
-        const qint64 shown = area(nativeFrame(screen) & native);
-        if (shown > most) {
-            most = shown;
-            best = screen;
-        }
-    }
-    return best;
-}
-
-/// A part of a screen, from pixels to points.
-QRectF inPoints(const QRect &native, const QScreen *screen) {
-    const QPoint origin = nativeFrame(screen).topLeft();
-    const qreal scale = screen->devicePixelRatio();
-    const QRectF relative = QRectF(native.translated(-origin));
-    return {screen->geometry().topLeft() + relative.topLeft() / scale, relative.size() / scale};
-}
-
-} // namespace
 
 X11Screens::X11Screens(std::shared_ptr<X11Connection> connection)
     : connection_(std::move(connection)), struts_(connection_),
@@ -59,11 +25,11 @@ std::vector<Screen> X11Screens::all() {
     std::vector<Screen> screens;
     const auto attached = QGuiApplication::screens();
     for (const QScreen *screen : attached) {
-        const QRect native = nativeFrame(screen);
+        const QRect native = pixelsOf(screen);
         const QRect visible = struts_.visiblePart(native);
         const QRectF frame = screen->geometry();
-        screens.push_back(
-            {screen->name(), frame, visible == native ? frame : inPoints(visible, screen), screen == main});
+        screens.push_back({screen->name(), frame, visible == native ? frame : pointsOfPixels(visible, screen),
+                           screen == main});
     }
     return screens;
 }

@@ -1,9 +1,10 @@
 #include "Platform/Linux/X11/X11WindowLayers.h"
 
+#include "Platform/Linux/X11/X11Points.h"
+
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWindow>
-#include <qpa/qplatformscreen.h>
 
 #include <algorithm>
 #include <utility>
@@ -31,19 +32,12 @@ std::optional<QRect> coveringFrame(const QString &screenName) {
     for (const QScreen *screen : attached) {
         if (screen->name() != screenName)
             continue;
-        const QRect frame = screen->handle()->geometry();
+        const QRect frame = pixelsOf(screen);
         const qreal scale = screen->devicePixelRatio();
         return QRect(frame.topLeft(),
                      QSize(paintedLength(frame.width(), scale), paintedLength(frame.height(), scale)));
     }
     return std::nullopt;
-}
-
-/// A window that the window manager made. One that ended leaves its mark behind, but not on the window.
-xcb_window_t findManager(X11Connection &connection) {
-    constexpr char mark[] = "_NET_SUPPORTING_WM_CHECK";
-    const xcb_window_t window = connection.number(connection.root(), mark);
-    return window && connection.number(window, mark) == window ? window : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 QRect geometryIn(const xcb_configure_notify_event_t &event) {
@@ -105,7 +99,7 @@ void X11WindowLayers::followVisibility() {
     if (!rootWatch_) {
         rootWatch_ = connection_->watch(connection_->root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
         listening_ = connection_->listen([this](const xcb_generic_event_t &event) { notice(event); });
-        managersWindow_ = findManager(*connection_);
+        managersWindow_ = connection_->windowManager();
     }
     checkSoon();
 }

@@ -95,11 +95,7 @@ std::optional<FrontWindow> X11Windows::front() {
 }
 
 bool X11Windows::isManaged() {
-    if (!update())
-        return false;
-    // The window that the root names names itself; one left behind by a dead manager does not.
-    const xcb_window_t check = connection_->number(connection_->root(), "_NET_SUPPORTING_WM_CHECK");
-    return check != XCB_WINDOW_NONE && connection_->number(check, "_NET_SUPPORTING_WM_CHECK") == check;
+    return connection_->isAlive() && connection_->windowManager() != XCB_WINDOW_NONE;
 }
 
 bool X11Windows::update() {
