@@ -39,13 +39,20 @@ protected:
     /// A window of the player, in front.
     xcb_window_t open(const QRect &at, XClient::Kind kind = XClient::Kind::normal) {
         const xcb_window_t window = other->open(at, Qt::black, kind);
-        const auto process = static_cast<std::uint32_t>(player->process().processId());
-        xcb_change_property(other->xcb(), XCB_PROP_MODE_REPLACE, window, other->atom("_NET_WM_PID"),
-                            XCB_ATOM_CARDINAL, 32, 1, &process);
+        setProcess(window);
         setClass(window, QByteArrayLiteral("player\0Player\0"));
         other->activate(window);
         EXPECT_TRUE(waitUntil([&] { return other->activeWindow() == window; }));
         return window;
+    }
+    void setProcess(xcb_window_t window) {
+        const auto process = static_cast<std::uint32_t>(player->process().processId());
+        xcb_change_property(other->xcb(), XCB_PROP_MODE_REPLACE, window, other->atom("_NET_WM_PID"),
+                            XCB_ATOM_CARDINAL, 32, 1, &process);
+    }
+    void setMachine(xcb_window_t window, const QByteArray &name) {
+        xcb_change_property(other->xcb(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLIENT_MACHINE,
+                            XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(name.size()), name.constData());
     }
     void setClass(xcb_window_t window, const QByteArray &value) {
         xcb_change_property(other->xcb(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING,

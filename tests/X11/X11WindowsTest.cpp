@@ -191,15 +191,23 @@ TEST_F(X11WindowsTest, our_own_windows_never_count) {
 TEST_F(X11WindowsTest, a_window_of_another_machine_has_no_owner_here) {
     server().start(WindowManager::openbox);
     const xcb_window_t window = other->open({0, 0, 1920, 1080}, Qt::black, XClient::Kind::fullscreen);
-    const auto process = static_cast<std::uint32_t>(player->process().processId());
-    xcb_change_property(other->xcb(), XCB_PROP_MODE_REPLACE, window, other->atom("_NET_WM_PID"),
-                        XCB_ATOM_CARDINAL, 32, 1, &process);
-    xcb_change_property(other->xcb(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLIENT_MACHINE,
-                        XCB_ATOM_STRING, 8, 9, "elsewhere");
+    setProcess(window);
+    setMachine(window, "elsewhere");
     other->activate(window);
     ASSERT_TRUE(waitUntil([&] { return windows->front().has_value(); }));
     EXPECT_EQ(windows->front()->processId, 0);
     EXPECT_TRUE(windows->onScreen().empty());
+}
+
+TEST_F(X11WindowsTest, a_machine_that_is_renamed_keeps_its_windows_and_gets_new_ones) {
+    QByteArray name = "before";
+    X11Windows renamed(X11Connection::open(server().display()), [&] { return name; });
+    server().start(WindowManager::openbox);
+    setMachine(open({0, 0, 400, 300}), "before");
+    ASSERT_TRUE(waitUntil([&] { return renamed.onScreen().size() == 1; }));
+    name = "after";
+    setMachine(open({0, 0, 500, 300}), "after");
+    EXPECT_TRUE(waitUntil([&] { return renamed.onScreen().size() == 2; }));
 }
 
 TEST_F(X11WindowsTest, without_a_window_manager_nothing_is_in_front_and_the_reason_is_given) {

@@ -68,10 +68,14 @@ struct X11Windows::Question {
     }
 };
 
-X11Windows::X11Windows(std::shared_ptr<X11Connection> connection)
-    : connection_(std::move(connection)), machine_(QSysInfo::machineHostName().toLocal8Bit()) {}
+X11Windows::X11Windows(std::shared_ptr<X11Connection> connection, std::function<QByteArray()> machineName)
+    : connection_(std::move(connection)), machineName_(std::move(machineName)) {}
 
 X11Windows::~X11Windows() = default;
+
+QByteArray X11Windows::nameOfMachine() {
+    return QSysInfo::machineHostName().toLocal8Bit();
+}
 
 std::vector<OnScreenWindow> X11Windows::onScreen() {
     std::vector<OnScreenWindow> result;
@@ -180,6 +184,8 @@ void X11Windows::readWindows() {
         if (std::exchange(window.isStale, false))
             asked.emplace_back(&window, ask(id));
     }
+    if (!asked.empty())
+        machineNames_.insert(machineName_());
     for (const auto &[window, question] : asked)
         answer(*window, question);
 }
@@ -216,7 +222,7 @@ void X11Windows::answer(Window &window, const Question &question) {
     const auto states = numbersIn(question.property(question.states));
     const auto desktop = numbersIn(question.property(question.desktop));
 
-    const bool isLocal = machine.isEmpty() || machine == machine_;
+    const bool isLocal = machine.isEmpty() || machineNames_.contains(machine);
     window.owner = isLocal && !process.empty() ? static_cast<ProcessId>(process.front()) : 0;
     window.windowClass = className(bytesIn(question.property(question.windowClass)));
     window.layer.reset();

@@ -5,7 +5,9 @@
 #include "Platform/WindowList.h"
 
 #include <QRect>
+#include <QSet>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <span>
@@ -17,7 +19,9 @@ namespace pavonel {
 /// their changes; from then on a question asks the server only about what changed since the last one.
 class X11Windows {
 public:
-    explicit X11Windows(std::shared_ptr<X11Connection> connection);
+    /// `machineName` tells what this machine is called now; a network may rename it at any time.
+    explicit X11Windows(std::shared_ptr<X11Connection> connection,
+                        std::function<QByteArray()> machineName = nameOfMachine);
     X11Windows(const X11Windows &) = delete;
     X11Windows &operator=(const X11Windows &) = delete;
     ~X11Windows();
@@ -31,6 +35,8 @@ public:
 
     /// Whether the server is there and a window manager answers for its windows.
     bool isManaged();
+
+    static QByteArray nameOfMachine();
 
 private:
     struct Window {
@@ -63,7 +69,8 @@ private:
     std::map<xcb_window_t, Window> windows_;
     xcb_window_t active_ = XCB_WINDOW_NONE;
     std::uint32_t desktop_ = 0;
-    QByteArray machine_;
+    std::function<QByteArray()> machineName_;
+    QSet<QByteArray> machineNames_; ///< All so far: a window keeps the one of the time when it opened.
 };
 
 class X11WindowList final : public WindowList {
