@@ -210,6 +210,28 @@ TEST_F(X11WindowsTest, a_machine_that_is_renamed_keeps_its_windows_and_gets_new_
     EXPECT_TRUE(waitUntil([&] { return renamed.onScreen().size() == 2; }));
 }
 
+TEST_F(X11WindowsTest, a_window_under_the_number_of_a_closed_one_is_watched_as_well) {
+    server().start(WindowManager::openbox);
+    const auto isSeenAs = [this](QSizeF size) {
+        const auto seen = windows->onScreen();
+        return seen.size() == 1 && seen.front().bounds->size() == size / ratio();
+    };
+    const xcb_window_t number = open({100, 100, 800, 600});
+    ASSERT_TRUE(waitUntil([&] { return isSeenAs({800, 600}); }));
+    other->close(number);
+    const auto x = X11Connection::open(server().display());
+    ASSERT_TRUE(waitUntil([&] { return x->numbers(x->root(), "_NET_CLIENT_LIST").empty(); }));
+    xcb_create_window(other->xcb(), XCB_COPY_FROM_PARENT, number, other->root(), 100, 100, 500, 400, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    setProcess(number);
+    xcb_map_window(other->xcb(), number);
+    other->activate(number);
+    ASSERT_TRUE(waitUntil([&] { return other->activeWindow() == number && other->isViewable(number); }));
+    ASSERT_TRUE(waitUntil([&] { return isSeenAs({500, 400}); }));
+    other->move(number, {100, 100, 700, 300});
+    EXPECT_TRUE(waitUntil([&] { return isSeenAs({700, 300}); }));
+}
+
 TEST_F(X11WindowsTest, without_a_window_manager_nothing_is_in_front_and_the_reason_is_given) {
     other->open({0, 0, 5760, 1080}, Qt::black);
     EXPECT_EQ(settledReason(), std::nullopt);

@@ -82,7 +82,10 @@ std::vector<OnScreenWindow> X11Windows::onScreen() {
     if (!update())
         return result;
     for (const xcb_window_t id : stacking_) {
-        const Window &window = windows_[id];
+        const auto found = windows_.find(id);
+        if (found == windows_.end())
+            continue;
+        const Window &window = found->second;
         if (window.isOnScreen && window.layer && window.owner > 0 && window.owner != ::getpid())
             result.push_back({window.owner, window.layer, pointsOfPixels(window.geometry)});
     }
@@ -144,8 +147,8 @@ void X11Windows::notice(const xcb_generic_event_t &event) {
     case XCB_REPARENT_NOTIFY:
         makeStale(reinterpret_cast<const xcb_reparent_notify_event_t &>(event).window);
         break;
-    case XCB_DESTROY_NOTIFY:
-        makeStale(reinterpret_cast<const xcb_destroy_notify_event_t &>(event).window);
+    case XCB_DESTROY_NOTIFY: // its number may be given again, to a window that has to be watched anew
+        windows_.erase(reinterpret_cast<const xcb_destroy_notify_event_t &>(event).window);
         break;
     default:
         break;
