@@ -21,11 +21,8 @@ class LockAwareIdleTimeTest : public testing::Test {
 protected:
     LockAwareIdleTimeTest() {
         qunsetenv("XDG_SESSION_ID");
-        const QString manager = QStringLiteral("org.freedesktop.DBus.Mock");
-        tell(QStringLiteral("/org/freedesktop/login1"), manager, QStringLiteral("AddSession"),
-             {QStringLiteral("c7"), QStringLiteral("seat0"), ::getuid(), QStringLiteral("me"), true});
-        tell(QStringLiteral("/org/freedesktop/login1"), manager, QStringLiteral("AddSession"),
-             {QStringLiteral("c8"), QStringLiteral("seat0"), ::getuid() + 1, QStringLiteral("other"), true});
+        addSession("c7", ::getuid());
+        addSession("c8", ::getuid() + 1);
         auto input = std::make_unique<FakeIdleTime>();
         keyboard = input.get();
         idle = std::make_unique<LockAwareIdleTime>(std::move(input), logind.connection(), desktop);
@@ -42,6 +39,12 @@ protected:
         message.setArguments(what);
         const QDBusMessage reply = logind.connection().call(message);
         EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
+    }
+    void addSession(const char *session, uint user) {
+        tell(QStringLiteral("/org/freedesktop/login1"), QStringLiteral("org.freedesktop.DBus.Mock"),
+             QStringLiteral("AddSession"),
+             {QString::fromLatin1(session), QStringLiteral("seat0"), user, QStringLiteral("user%1").arg(user),
+              true});
     }
     void setLockedHint(const char *session, bool locked) {
         tell(QStringLiteral("/org/freedesktop/login1/session/") + QString::fromLatin1(session),
@@ -61,9 +64,9 @@ protected:
     }
 
     MockLogind logind;
-    MessageBus bus;
-    QDBusConnection desktop = QDBusConnection::connectToBus(bus.address(), QStringLiteral("desktop"));
-    QDBusConnection saver = QDBusConnection::connectToBus(bus.address(), QStringLiteral("saver"));
+    std::unique_ptr<MessageBus> bus = std::make_unique<MessageBus>();
+    QDBusConnection desktop = QDBusConnection::connectToBus(bus->address(), QStringLiteral("desktop"));
+    QDBusConnection saver = QDBusConnection::connectToBus(bus->address(), QStringLiteral("saver"));
     FakeIdleTime *keyboard = nullptr;
     std::unique_ptr<LockAwareIdleTime> idle;
 };
@@ -110,6 +113,26 @@ TEST_F(LockAwareIdleTimeTest, a_screen_saver_that_dies_is_no_lock_any_more) {
     saver = QDBusConnection(QStringLiteral("none"));
     QDBusConnection::disconnectFromBus(QStringLiteral("saver"));
     EXPECT_TRUE(followsInput());
+}
+
+TEST_F(LockAwareIdleTimeTest, a_session_bus_that_is_lost_holds_no_lock) {
+    announce("org.freedesktop.ScreenSaver", true);
+    EXPECT_TRUE(countsUp());
+    bus.reset();
+    EXPECT_TRUE(followsInput());
+}
+
+TEST_F(LockAwareIdleTimeTest, the_session_that_the_environment_names_is_ours_among_several) {
+    addSession("c9", ::getuid());
+    qputenv("XDG_SESSION_ID", "c9");
+    setLockedHint("c9", true);
+    LockAwareIdleTime named(std::make_unique<FakeIdleTime>(), logind.connection(), desktop);
+    EXPECT_TRUE(waitUntil([&] { return named.idleSeconds() > 0.2; }));
+    setLockedHint("c9", false);
+    setLockedHint("c7", true);
+    EXPECT_TRUE(waitUntil([&] { return named.idleSeconds() == 0; }));
+    EXPECT_TRUE(countsUp()) << "for one that was started without that name the other is its own";
+    EXPECT_EQ(named.idleSeconds(), 0);
 }
 
 TEST_F(LockAwareIdleTimeTest, a_login_manager_that_ends_holds_no_lock) {

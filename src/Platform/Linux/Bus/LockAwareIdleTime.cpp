@@ -95,6 +95,7 @@ LockAwareIdleTime::LockAwareIdleTime(std::unique_ptr<IdleTime> input, const QDBu
 }
 
 Seconds LockAwareIdleTime::idleSeconds() {
+    updateLock(); // the loss of a bus is told by nobody
     const Seconds sinceInput = input_->idleSeconds();
     return lockedAt_ ? std::max(sinceInput, secondsSinceBoot() - *lockedAt_) : sinceInput;
 }
@@ -154,7 +155,8 @@ void LockAwareIdleTime::screenSaverChanged(bool active, const QDBusMessage &mess
 }
 
 void LockAwareIdleTime::updateLock() {
-    const bool isLocked = hinted_ || !screenSavers_.watchedServices().isEmpty();
+    const bool isLocked = (hinted_ && system_.isConnected()) ||
+                          (!screenSavers_.watchedServices().isEmpty() && session_.isConnected());
     if (!isLocked)
         lockedAt_.reset();
     else if (!lockedAt_)
