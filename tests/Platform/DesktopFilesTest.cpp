@@ -135,6 +135,21 @@ TEST(DesktopFiles, folders_are_read_again_only_when_they_change) {
     EXPECT_EQ(catalogue.index().forProgram("b"), QStringLiteral("b"));
 }
 
+TEST(DesktopFiles, a_folder_that_comes_with_its_first_application_is_read) {
+    const QTemporaryDir home;
+    DesktopFileCatalogue catalogue({home.filePath(QStringLiteral("share/boxes/applications"))});
+    ASSERT_TRUE(catalogue.read(QDeadlineTimer::Forever));
+    write(home.filePath(QStringLiteral("notes")), "something else");
+    EXPECT_FALSE(waitUntil([&] { return catalogue.read(QDeadlineTimer::Forever); }, 300));
+    QDir(home.path()).mkdir(QStringLiteral("share"));
+    EXPECT_FALSE(waitUntil([&] { return catalogue.read(QDeadlineTimer::Forever); }, 300));
+    write(home.filePath(QStringLiteral("share/boxes/applications/a.desktop")), application("a"));
+    EXPECT_TRUE(waitUntil([&] {
+        catalogue.read(QDeadlineTimer::Forever);
+        return catalogue.index().forProgram("a") == u"a";
+    }));
+}
+
 TEST(DesktopFiles, many_files_are_read_in_slices) {
     const QTemporaryDir folder;
     for (int file = 0; file < 100; ++file)

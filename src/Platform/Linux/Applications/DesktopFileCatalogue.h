@@ -5,6 +5,7 @@
 
 #include <QDeadlineTimer>
 #include <QFileSystemWatcher>
+#include <QSet>
 #include <QStringList>
 
 #include <cstddef>
@@ -36,8 +37,11 @@ private:
     };
 
     Reading listFiles();
+    void notice(const QString &changed);
+    void await(const QString &folder);
 
     QStringList folders_;
+    QSet<QString> listed_; ///< Folders and subfolders that there were.
     DesktopFileIndex index_;
     bool stale_ = true;
     std::optional<Reading> reading_;
