@@ -14,6 +14,7 @@
 #include <ctime>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace pavonel::test {
@@ -21,6 +22,7 @@ namespace pavonel::test {
 namespace {
 
 const QString recording = QStringLiteral("com.apple.screencaptureui");
+const QString obsStudio = QStringLiteral("com.obsproject.obs-studio");
 const QString sharing = QStringLiteral("com.apple.ScreenSharing");
 
 /// Copies of real programs under other names, and a desktop file folder of the test's own.
@@ -38,14 +40,13 @@ protected:
         if (!applications_)
             applications_ = std::make_unique<LinuxApplications>(
                 nullptr, nullptr,
-                LinuxApplications::Folders{
-                    .processes = "/proc",
-                    .desktopFiles = {folder_.filePath(QStringLiteral("applications"))}});
+                LinuxApplications::Folders{.processes = "/proc", .desktopFiles = {desktopFiles()}});
         return *applications_;
     }
+    QString desktopFiles() const { return folder_.filePath(QStringLiteral("applications")); }
     void install(const QString &identifier, const QString &program) {
-        QDir(folder_.path()).mkpath(QStringLiteral("applications"));
-        QFile file(folder_.filePath(QStringLiteral("applications/%1.desktop").arg(identifier)));
+        QDir().mkpath(desktopFiles());
+        QFile file(desktopFiles() + QStringLiteral("/%1.desktop").arg(identifier));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write("[Desktop Entry]\nType=Application\nExec=" + program.toLocal8Bit() + " %U\n");
     }
@@ -160,6 +161,16 @@ TEST_F(LinuxApplicationsTest, a_unit_names_a_program_that_no_desktop_file_names)
         return identifiers(applications.running()) ==
                QStringList{QStringLiteral("org.example.Boxed"), QStringLiteral("org.example.Viewer")};
     }));
+}
+
+TEST_F(LinuxApplicationsTest, a_sandbox_with_a_pipe_in_place_of_its_description_holds_nobody_up) {
+    FakeProcesses processes;
+    processes.add(10, QStringLiteral("/usr/bin/obs"));
+    processes.add(20, QStringLiteral("/app/bin/z"));
+    QDir(processes.path(20, "")).mkpath(QStringLiteral("root"));
+    ASSERT_EQ(::mkfifo(processes.path(20, "root/.flatpak-info").toLocal8Bit().constData(), 0600), 0);
+    LinuxApplications applications(nullptr, nullptr, {.processes = processes.root(), .desktopFiles = {}});
+    EXPECT_TRUE(waitUntil([&] { return identifiers(applications.running()) == QStringList{obsStudio}; }));
 }
 
 TEST_F(LinuxApplicationsTest, two_thousand_processes_are_no_stall) {

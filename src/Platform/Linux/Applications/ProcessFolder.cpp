@@ -84,7 +84,8 @@ std::optional<QByteArray> ProcessFolder::executable() const {
 }
 
 QByteArray ProcessFolder::read(const char *file, qsizetype most) const {
-    const int descriptor = ::openat(root_, pathOf(file).data(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    constexpr int withoutWaiting = O_NONBLOCK | O_NOFOLLOW; // a sandbox may offer a pipe in place of a file
+    const int descriptor = ::openat(root_, pathOf(file).data(), O_RDONLY | O_CLOEXEC | withoutWaiting);
     if (descriptor < 0)
         return {};
     QByteArray contents;
