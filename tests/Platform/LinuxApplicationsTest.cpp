@@ -173,6 +173,47 @@ TEST_F(LinuxApplicationsTest, a_sandbox_with_a_pipe_in_place_of_its_description_
     EXPECT_TRUE(waitUntil([&] { return identifiers(applications.running()) == QStringList{obsStudio}; }));
 }
 
+TEST_F(LinuxApplicationsTest, a_live_screen_cast_is_reported_as_a_recording) {
+    struct Casts final : ScreenCasts {
+        bool live = false;
+        bool anyLive() override { return live; }
+    };
+    FakeProcesses none;
+    auto given = std::make_unique<Casts>();
+    Casts &casts = *given;
+    LinuxApplications applications(nullptr, std::move(given), {.processes = none.root(), .desktopFiles = {}});
+    EXPECT_EQ(identifiers(applications.running()), QStringList());
+    casts.live = true;
+    EXPECT_EQ(identifiers(applications.running()), QStringList{recording});
+}
+
+TEST_F(LinuxApplicationsTest, the_window_in_front_is_known_by_its_class_and_a_recorder_by_its_program) {
+    struct Front final : FrontWindowSource {
+        FrontWindow window;
+        std::optional<FrontWindow> frontWindow() override { return window; }
+        QString limitation() const override { return {}; }
+    };
+    FakeProcesses processes;
+    processes.add(10, QStringLiteral("/usr/bin/pavonel-test-office"));
+    processes.add(20, QStringLiteral("/usr/bin/obs"));
+    install(QStringLiteral("office"), QStringLiteral("pavonel-test-office"));
+    install(QStringLiteral("office-calc"), QStringLiteral("pavonel-test-office --calc"));
+    auto given = std::make_unique<Front>();
+    Front &front = *given;
+    LinuxApplications applications(std::move(given), nullptr,
+                                   {.processes = processes.root(), .desktopFiles = {desktopFiles()}});
+    const auto isFront = [&](ProcessId process, const char *windowClass, const QString &identifier) {
+        front.window = {1, process, QString::fromLatin1(windowClass)};
+        return waitUntil([&] { return applications.frontmost()->bundleIdentifier == identifier; });
+    };
+    EXPECT_TRUE(isFront(10, "Office", QStringLiteral("office")));
+    EXPECT_TRUE(isFront(10, "Office-Calc", QStringLiteral("office-calc")));
+    EXPECT_TRUE(isFront(10, "unknown", QStringLiteral("office")));
+    EXPECT_TRUE(isFront(0, "Office-Calc", QStringLiteral("office-calc"))) << "no process is told";
+    EXPECT_TRUE(isFront(20, "Office", obsStudio));
+    EXPECT_TRUE(isFront(0, "unknown", QString()));
+}
+
 TEST_F(LinuxApplicationsTest, two_thousand_processes_are_no_stall) {
     const QString crowd = QStringLiteral("for i in $(seq 2000); do sleep 40 & done; echo done; wait");
     ChildProcess processes(QStringLiteral("setsid"), {QStringLiteral("sh"), QStringLiteral("-c"), crowd});
