@@ -1,6 +1,6 @@
 #include "Platform/Linux/Audio/PulseAudioDevices.h"
 
-#include "support/LevelMeter.h"
+#include "support/RecordingStream.h"
 #include "support/SoundServer.h"
 #include "support/waitUntil.h"
 
@@ -92,7 +92,7 @@ TEST_P(SoundServerTest, our_own_sounds_do_not_count) {
 TEST_P(SoundServerTest, a_level_meter_is_no_recording) {
     server.start();
     input()();
-    const LevelMeter meter;
+    const RecordingStream meter(RecordingStream::Kind::levelMeter);
     ASSERT_TRUE(serverRuns("sources", "mic"));
     for (int tick = 0; tick < 3; ++tick) {
         EXPECT_FALSE(input()());
@@ -100,6 +100,18 @@ TEST_P(SoundServerTest, a_level_meter_is_no_recording) {
     }
     const auto recorder = server.record();
     EXPECT_TRUE(becomes(input(), true)) << "somebody records besides the meter";
+}
+
+TEST_P(SoundServerTest, a_stream_on_hold_is_no_recording) {
+    server.start();
+    input()();
+    const RecordingStream meter(RecordingStream::Kind::levelMeter); // or the device would not run at all
+    const RecordingStream held(RecordingStream::Kind::onHold);
+    ASSERT_TRUE(serverRuns("sources", "mic"));
+    for (int tick = 0; tick < 3; ++tick) {
+        EXPECT_FALSE(input()());
+        aSecondPasses();
+    }
 }
 
 TEST_P(SoundServerTest, recording_what_is_played_is_no_use_of_the_microphone) {

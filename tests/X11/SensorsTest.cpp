@@ -5,8 +5,8 @@
 #include "Platform/Linux/X11/X11Screens.h"
 #include "Platform/Linux/X11/X11Windows.h"
 #include "X11/OtherProgram.h"
-#include "support/LevelMeter.h"
 #include "support/RecorderTurn.h"
+#include "support/RecordingStream.h"
 #include "support/Scenario.h"
 #include "support/SoundServer.h"
 
@@ -111,7 +111,7 @@ TEST_P(SensorsTest, a_call_holds_with_microphone_within_two_ticks_and_lets_go_wi
 }
 
 TEST_P(SensorsTest, a_level_meter_does_not_hold) {
-    const LevelMeter meter;
+    const RecordingStream meter(RecordingStream::Kind::levelMeter);
     ASSERT_TRUE(serverRuns("sources", "mic"));
     EXPECT_TRUE(neverHolds());
 }

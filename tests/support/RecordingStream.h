@@ -7,26 +7,33 @@
 
 namespace pavonel::test {
 
-/// A mixer's level meter on the default source, in a thread of its own.
-class LevelMeter {
+/// A program that has a stream from the default source, in a thread of its own.
+class RecordingStream {
 public:
-    LevelMeter() {
+    enum class Kind {
+        levelMeter, ///< As a mixer shows it.
+        onHold,     ///< Open, but nothing flows.
+    };
+
+    explicit RecordingStream(Kind kind) {
         pa_threaded_mainloop_start(loop_);
         locked([&] {
-            context_ = pa_context_new(pa_threaded_mainloop_get_api(loop_), "mixer");
+            context_ = pa_context_new(pa_threaded_mainloop_get_api(loop_), "recorder");
             pa_context_connect(context_, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
         });
         const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, 25, 1};
-        const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_PEAK_DETECT | PA_STREAM_ADJUST_LATENCY);
+        const auto flags = static_cast<pa_stream_flags_t>(
+            PA_STREAM_ADJUST_LATENCY |
+            (kind == Kind::levelMeter ? PA_STREAM_PEAK_DETECT : PA_STREAM_START_CORKED));
         until([&] { return pa_context_get_state(context_) == PA_CONTEXT_READY; });
         locked([&] {
-            stream_ = pa_stream_new(context_, "level", &spec, nullptr);
+            stream_ = pa_stream_new(context_, "stream", &spec, nullptr);
             pa_stream_connect_record(stream_, nullptr, nullptr, flags);
         });
         until([&] { return pa_stream_get_state(stream_) == PA_STREAM_READY; });
     }
 
-    ~LevelMeter() {
+    ~RecordingStream() {
         locked([&] {
             pa_stream_disconnect(stream_);
             pa_stream_unref(stream_);
