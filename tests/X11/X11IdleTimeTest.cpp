@@ -16,8 +16,14 @@ TEST(X11IdleTime, a_spell_that_began_before_us_counts_from_its_beginning) {
     EXPECT_GE(idle->idleSeconds(), 5);
 }
 
-TEST(X11IdleTime, it_counts_from_the_last_input_whoever_got_it) {
-    const auto idle = x11::makeIdleTime(X11Connection::open(server().display()));
+/// Each way to learn of it.
+class X11IdleTimeTest : public testing::TestWithParam<decltype(&x11::makeIdleTime)> {};
+
+INSTANTIATE_TEST_SUITE_P(X11, X11IdleTimeTest, testing::Values(x11::makeIdleTime, x11::makeAskedIdleTime),
+                         [](const auto &way) { return way.index == 0 ? "told" : "asked"; });
+
+TEST_P(X11IdleTimeTest, counts_from_the_last_input_whoever_got_it) {
+    const auto idle = GetParam()(X11Connection::open(server().display()));
     ASSERT_TRUE(idle);
     EXPECT_TRUE(idle->limitation().isEmpty());
 
@@ -33,9 +39,9 @@ TEST(X11IdleTime, it_counts_from_the_last_input_whoever_got_it) {
     }
 }
 
-TEST(X11IdleTime, a_server_that_died_reads_as_an_active_user) {
+TEST_P(X11IdleTimeTest, a_server_that_died_reads_as_an_active_user) {
     auto dying = std::make_unique<XServer>();
-    const auto idle = x11::makeIdleTime(X11Connection::open(dying->display()));
+    const auto idle = GetParam()(X11Connection::open(dying->display()));
     ASSERT_TRUE(idle);
     ASSERT_TRUE(waitUntil([&] { return idle->idleSeconds() > 0.05; }));
 

@@ -138,6 +138,10 @@ private:
 std::unique_ptr<IdleTime> x11::makeIdleTime(std::shared_ptr<X11Connection> connection) {
     if (const auto counter = idleCounter(connection->xcb()))
         return std::make_unique<ToldIdleTime>(std::move(connection), counter);
+    return makeAskedIdleTime(std::move(connection));
+}
+
+std::unique_ptr<IdleTime> x11::makeAskedIdleTime(std::shared_ptr<X11Connection> connection) {
     const auto *extension = xcb_get_extension_data(connection->xcb(), &xcb_screensaver_id);
     if (!extension || !extension->present)
         return nullptr;
