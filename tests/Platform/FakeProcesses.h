@@ -24,8 +24,9 @@ public:
         QFile::link(executable, path(id, "exe"));
         write(path(id, "cmdline"), executable.toLocal8Bit() + '\0');
         if (!unit.isEmpty())
-            write(path(id, "cgroup"), "0::/user.slice/app.slice/" + unit + '\n');
+            writeGroups(id, "0::/user.slice/app.slice/" + unit + '\n');
     }
+    void writeGroups(int id, const QByteArray &groups) { write(path(id, "cgroup"), groups); }
     void remove(int id) { QDir(folder_.filePath(QString::number(id))).removeRecursively(); }
 
     /// Another process under the number of one that ended: its folder is another one.

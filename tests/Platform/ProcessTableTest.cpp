@@ -135,6 +135,15 @@ TEST(ProcessTable, the_newest_of_many_processes_come_first) {
     EXPECT_TRUE(std::is_sorted(order.rbegin(), order.rend()));
 }
 
+TEST(ProcessFolder, finds_the_unit_among_the_older_groups_as_well) {
+    FakeProcesses processes;
+    processes.add(10, QStringLiteral("/usr/bin/a"));
+    processes.writeGroups(10,
+                          "12:cpu:/user.slice\n1:name=systemd:/user.slice/app.slice/app-a-10.scope\n0::/\n");
+    const ProcessTable table(processes.root(), baseName, nobody);
+    EXPECT_EQ(table.folder(10).unit(), "app-a-10.scope");
+}
+
 /// A table over processes whose numbers the kernel tells.
 class NumberedProcesses : public ::testing::Test {
 protected:
