@@ -57,15 +57,19 @@ TEST(ActivityMonitor, the_controller_asks_nothing_with_every_switch_off) {
               0);
 }
 
-TEST(ActivityMonitor, each_tick_asks_each_question_once_at_the_most) {
+TEST(ActivityMonitor, a_tick_with_everything_on_asks_these_questions_and_no_more) {
     Scenario s;
     s.settings.pauseOnAudio = true;
+    s.settings.deepFocusApps = QStringList{QStringLiteral("other")};
+    s.platform.apps.front = Application{front, QStringLiteral("editor")};
+    s.platform.windows.windows.push_back({front, 0, QRectF(0, 0, 800, 600)});
     s.advance(100);
     EXPECT_EQ(s.platform.idle.queries, 100);
     EXPECT_EQ(s.platform.audio.queries, 200); // input and output
     EXPECT_EQ(s.platform.apps.runningQueries, 100);
-    EXPECT_EQ(s.platform.apps.frontmostQueries, 100);
-    EXPECT_EQ(s.platform.windows.queries, 0); // nothing is in front
+    EXPECT_EQ(s.platform.apps.frontmostQueries, 200); // for its windows and for its identifier
+    EXPECT_EQ(s.platform.windows.queries, 100);
+    EXPECT_EQ(s.platform.fakeScreens.queries, 100);
 }
 
 TEST(ActivityMonitor, a_question_whose_switch_is_off_is_never_asked) {
