@@ -1,3 +1,4 @@
+#include "Platform/Linux/Allocator.h"
 #include "Platform/Linux/Applications/LinuxApplications.h"
 #include "Platform/Linux/Applications/LinuxInstalledApplications.h"
 #include "Platform/Linux/Audio/EventSounds.h"
@@ -155,6 +156,7 @@ HeadlessPlatform makeHeadlessPlatform() {
 }
 
 std::unique_ptr<Platform> makePlatform() {
+    returnFreedMemory();
     const auto x11 = x11Connection();
     auto platform = std::make_unique<Platform>();
     static_cast<HeadlessPlatform &>(*platform) = allButTheStore();
