@@ -3,7 +3,6 @@
 #include <QByteArray>
 
 #include <gtest/gtest.h>
-
 #include <malloc.h>
 
 namespace pavonel::test {
