@@ -45,7 +45,7 @@ void AppDelegate::welcome() {
 }
 
 void AppDelegate::reopen() {
-    if (settingsWindow_)
+    if (!updater_.giveWay() && settingsWindow_)
         settingsWindow_->show();
 }
 

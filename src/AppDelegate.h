@@ -27,7 +27,7 @@ public:
 
     void setUp();
 
-    /// The user opened the program again.
+    /// The user opened the program again, perhaps another version of it that lies in its place now.
     void reopen();
 
     /// Does what was asked for from outside, as the hot keys and the menu do.

@@ -2,6 +2,7 @@
 
 #include "Platform/Platform.h"
 
+#include <QCoreApplication>
 #include <QFile>
 
 #include <utility>
@@ -134,6 +135,20 @@ void Updater::install() {
             if (failure)
                 post([this, failure] { state = Failed{failure->message}; });
         });
+}
+
+bool Updater::giveWay() {
+    const QString bundle = platform_.installation->bundle();
+    const auto version = platform_.installation->versionOf(bundle);
+    if (!version || *version == currentVersion())
+        return false;
+    const QStringList command{QStringLiteral("-c"), reopeningScript(QCoreApplication::applicationPid()),
+                              bundle};
+    if (!platform_.processes->launch(QStringLiteral("/bin/bash"), command,
+                                     ProcessLauncher::SearchPath::ownToolsFirst))
+        return false;
+    platform_.mainLoop->quit(0);
+    return true;
 }
 
 void Updater::quitSoon() {

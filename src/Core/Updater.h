@@ -87,6 +87,10 @@ public:
     /// does nothing. Once it is staged, the program quits and the new version starts in its place.
     void install();
 
+    /// Where another version was put in this copy's place meanwhile, by another process: ends the program,
+    /// and that version starts. False when there is nothing to give way to.
+    bool giveWay();
+
     static const QString automaticKey;
     static const QString lastCheckKey;
 

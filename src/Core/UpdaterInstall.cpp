@@ -62,6 +62,11 @@ qint64 sizeOf(const QString &folder) {
     return sum;
 }
 
+QString waitingForTheEndOf(qint64 pid) {
+    return QStringLiteral("while kill -0 ") + QString::number(pid) +
+           QStringLiteral(" 2>/dev/null; do sleep 0.3; done");
+}
+
 Outcome writeExecutable(const QString &path, const QByteArray &content) {
     constexpr auto permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadGroup |
                                  QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
@@ -98,8 +103,7 @@ QString replacementScript(qint64 pid, const QString &application, const QString 
     const QString copy = u'"' + staged + u'"';
     const QStringList lines{
         QStringLiteral("#!/bin/bash"),
-        QStringLiteral("while kill -0 ") + QString::number(pid) +
-            QStringLiteral(" 2>/dev/null; do sleep 0.3; done"),
+        waitingForTheEndOf(pid),
         QStringLiteral("rm -rf ") + app,
         QStringLiteral("cp -R ") + copy + u' ' + app,
         QStringLiteral("xattr -dr com.apple.quarantine ") + app + QStringLiteral(" 2>/dev/null"),
@@ -107,6 +111,10 @@ QString replacementScript(qint64 pid, const QString &application, const QString 
         QStringLiteral("open ") + app,
     };
     return lines.join(u'\n');
+}
+
+QString reopeningScript(qint64 pid) {
+    return waitingForTheEndOf(pid) + QStringLiteral("\nopen \"$0\"");
 }
 
 UpdaterInstall::UpdaterInstall(const HeadlessPlatform &platform, Release release, QString teamID)

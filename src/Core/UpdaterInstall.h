@@ -65,6 +65,10 @@ private:
 /// Both paths must be ones that `canBeQuoted` accepts.
 QString replacementScript(qint64 pid, const QString &application, const QString &staged);
 
+/// The script that waits for the end of process `pid` and then opens the application that is its first
+/// argument.
+QString reopeningScript(qint64 pid);
+
 /// Whether a path means itself between two double quotes in a shell, and on the shell's search path.
 bool canBeQuoted(const QString &path);
 

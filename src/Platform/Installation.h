@@ -19,7 +19,8 @@ public:
     /// The absolute path of the application bundle that the program runs from. Empty when it runs from none.
     virtual QString bundle() const = 0;
 
-    /// The short version text of another bundle of this program. Absent when it does not say.
+    /// The short version text of a bundle of this program as it lies on the disk now. Absent when it does not
+    /// say.
     virtual std::optional<QString> versionOf(const QString &bundle) const = 0;
 
     /// The folder for temporary files, which only this user can open; made when it is missing. Empty when it

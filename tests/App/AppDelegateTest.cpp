@@ -272,6 +272,15 @@ TEST_F(AppDelegateTest, opening_the_program_again_shows_the_settings) {
     EXPECT_EQ(shown(settingsTitle), 1);
 }
 
+TEST_F(AppDelegateTest, opened_again_with_another_version_in_its_place_it_gives_way) {
+    platform.fakeDefaults.values[QStringLiteral("didOnboard")] = true;
+    delegate.setUp();
+    platform.copy.versionInPlace = QStringLiteral("1.3.0");
+    delegate.reopen();
+    EXPECT_EQ(shown(settingsTitle), 0);
+    EXPECT_EQ(platform.loop.quits, std::vector<int>{0});
+}
+
 TEST_F(AppDelegateTest, the_menu_opens_the_settings) {
     platform.fakeDefaults.values[QStringLiteral("didOnboard")] = true;
     delegate.setUp();

@@ -1,3 +1,4 @@
+#include "EndToEnd/Remote.h"
 #include "EndToEnd/UpdateBench.h"
 #include "support/AccessibilityBus.h"
 #include "support/MessageBus.h"
@@ -68,6 +69,21 @@ TEST_F(UpdateInstall, the_new_version_comes_up_on_the_desktop) {
     ASSERT_TRUE(newVersionRuns("1.10.0"));
     EXPECT_TRUE(waitUntil([&] { return exists("break"); }))
         << "it does not count, or does not find its tools";
+    expectNewVersionEnds();
+}
+
+TEST_F(UpdateInstall, a_running_copy_gives_way_to_the_version_that_the_command_line_put_in_its_place) {
+    const MessageBus bus;
+    home.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address());
+    const Remote remote(home.environment());
+    ChildProcess old(installed() + QStringLiteral("/pavonel"), {}, home.environment());
+    ASSERT_TRUE(remote.waitForIt());
+    shell("make_release 1.10.0");
+    EXPECT_EQ(updateNow().lines, success);
+    ASSERT_TRUE(waitUntil([&] { return !old.isRunning(); }));
+    EXPECT_EQ(old.process().exitCode(), 0) << old.process().readAllStandardError().toStdString();
+    ASSERT_TRUE(remote.waitForIt());
+    ASSERT_TRUE(newVersionRuns("1.10.0"));
     expectNewVersionEnds();
 }
 

@@ -243,13 +243,16 @@ struct FakeInstallation final : Installation {
     QString reason;
     std::optional<QString> runningVersion = QStringLiteral("1.2.0");
     QString runningBundle = QStringLiteral("/home/user/Applications/Pavonel.app");
+    std::optional<QString> versionInPlace = runningVersion; ///< Of what lies in the bundle's place now.
     std::optional<QString> otherVersion = QStringLiteral("1.3.0"); ///< Of whichever other bundle.
     QString temporary;                                             ///< A test that writes there gives one.
 
     QString limitation() const override { return reason; }
     std::optional<QString> version() const override { return runningVersion; }
     QString bundle() const override { return runningBundle; }
-    std::optional<QString> versionOf(const QString &) const override { return otherVersion; }
+    std::optional<QString> versionOf(const QString &someBundle) const override {
+        return someBundle == runningBundle ? versionInPlace : otherVersion;
+    }
     QString temporaryFolder() override { return temporary; }
 };
 
