@@ -8,6 +8,8 @@
 #include <QDBusMessage>
 #include <QFile>
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <optional>
 
@@ -60,6 +62,27 @@ TEST_F(OneProgram, without_a_bus_a_second_launch_says_so_and_exits_0) {
     EXPECT_EQ(second.status, 0);
     EXPECT_EQ(second.errors, "pavonel: already running\n");
     EXPECT_EQ(program.end(SIGTERM), 0);
+}
+
+TEST_F(OneProgram, of_several_launched_at_the_same_moment_one_stays) {
+    for (const QString &address : {bus->address(), QStringLiteral("unix:path=/nonexistent")}) {
+        program.environment().insert(sessionBus, address);
+        std::array<std::unique_ptr<ChildProcess>, 4> launched;
+        for (auto &child : launched)
+            child = std::make_unique<ChildProcess>(QStringLiteral(PAVONEL_PROGRAM), QStringList(),
+                                                   program.environment());
+        const auto count = [&](auto condition) {
+            return std::count_if(launched.begin(), launched.end(),
+                                 [&](auto &child) { return condition(*child); });
+        };
+        EXPECT_TRUE(waitUntil([&] { return count([](auto &child) { return child.isRunning(); }) == 1; }));
+        EXPECT_EQ(count([](auto &child) {
+                      return !child.isRunning() && child.process().exitStatus() == QProcess::NormalExit &&
+                             child.process().exitCode() == 0;
+                  }),
+                  3);
+        EXPECT_EQ(program.run({}).status, 0) << "the one that stays does not guard the store";
+    }
 }
 
 TEST_F(OneProgram, after_one_was_killed_the_next_starts) {
