@@ -9,6 +9,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <chrono>
+#include <thread>
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -145,6 +148,17 @@ TEST_F(BusSingleInstanceTest, two_on_different_buses_never_run_together) {
 TEST_F(BusSingleInstanceTest, where_no_lock_can_be_made_the_program_runs_all_the_same) {
     ASSERT_TRUE(QFile(folder.filePath(QStringLiteral("config"))).open(QFile::WriteOnly));
     EXPECT_EQ(first->claim(), Role::first);
+}
+
+TEST_F(BusSingleInstanceTest, a_lock_that_is_held_for_a_moment_is_waited_for) {
+    std::optional<FileLock> borrowed(std::in_place, lock);
+    ASSERT_EQ(borrowed->state(), FileLock::State::held);
+    std::thread borrower([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        borrowed.reset();
+    });
+    EXPECT_EQ(first->claim(), Role::first);
+    borrower.join();
 }
 
 TEST_F(BusSingleInstanceTest, the_lock_of_a_process_that_died_is_free) {

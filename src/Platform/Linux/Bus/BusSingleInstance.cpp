@@ -17,8 +17,9 @@ const QString path = QStringLiteral("/org/pavonel/Pavonel");
 
 constexpr int patience = 5000; // milliseconds, for the other one's answer
 
-/// For one that is on its way out: its name and its lock go one after the other.
-constexpr int tries = 20;
+/// For one that is on its way out, whose name and lock go one after the other, and for one that only borrows
+/// the store: a disk takes its time.
+constexpr int tries = 60;
 constexpr unsigned long betweenTries = 50; // milliseconds
 
 QVariantMap platformData() {
