@@ -66,6 +66,17 @@ TEST_F(LogindPowerEventsTest, a_login_manager_that_restarts_is_asked_again) {
     EXPECT_EQ(power.limitation(), QString());
 }
 
+TEST_F(LogindPowerEventsTest,
+       after_a_login_manager_that_ended_in_the_middle_of_a_sleep_the_next_sleep_waits_too) {
+    LogindPowerEvents power(logind.connection());
+    ASSERT_TRUE(waitUntil([&] { return logind.locks() == ourLock; }));
+    logind.goToSleep();
+    ASSERT_TRUE(waitUntil([&] { return logind.locks().isEmpty(); }));
+    logind.stop();
+    logind.start();
+    EXPECT_TRUE(waitUntil([&] { return logind.locks() == ourLock; }));
+}
+
 TEST_F(LogindPowerEventsTest, sleep_that_nobody_listens_to_does_no_harm) {
     LogindPowerEvents power(logind.connection());
     ASSERT_TRUE(waitUntil([&] { return logind.locks() == ourLock; }));

@@ -23,7 +23,10 @@ LogindPowerEvents::LogindPowerEvents(const QDBusConnection &bus)
         return;
     bus_.connect(service, path, interface, QStringLiteral("PrepareForSleep"), this,
                  SLOT(prepareForSleep(bool)));
-    connect(&logind_, &QDBusServiceWatcher::serviceRegistered, this, &LogindPowerEvents::delaySleep);
+    connect(&logind_, &QDBusServiceWatcher::serviceRegistered, this, [this] {
+        isGoingToSleep_ = false; // the new one does not know of a sleep that its predecessor announced
+        delaySleep();
+    });
     delaySleep();
 }
 
