@@ -110,6 +110,14 @@ TEST_F(LinuxApplicationsTest, a_remote_desktop_counts_only_while_somebody_looks)
     EXPECT_TRUE(waitUntil([&] { return !isRunning(sharing); }));
 }
 
+TEST_F(LinuxApplicationsTest, a_remote_desktop_whose_viewers_cannot_be_told_does_not_count) {
+    FakeProcesses processes;
+    processes.add(10, QStringLiteral("/usr/bin/krfb"));
+    processes.add(20, QStringLiteral("/usr/bin/obs"));
+    LinuxApplications applications(nullptr, nullptr, {.processes = processes.root(), .desktopFiles = {}});
+    EXPECT_TRUE(waitUntil([&] { return identifiers(applications.running()) == QStringList{obsStudio}; }));
+}
+
 TEST_F(LinuxApplicationsTest, the_identifier_is_that_of_the_desktop_file) {
     const QString program = copyOf(sleepProgram, QStringLiteral("pavonel-test-editor"));
     install(QStringLiteral("org.example.Editor"), program);

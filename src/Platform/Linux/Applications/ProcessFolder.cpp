@@ -130,15 +130,12 @@ QByteArray ProcessFolder::unit() const {
     return {};
 }
 
-std::optional<std::vector<std::uint64_t>> ProcessFolder::sockets() const {
+std::vector<std::uint64_t> ProcessFolder::sockets() const {
     const int folder = ::openat(root_, pathOf("fd").data(), O_RDONLY | O_CLOEXEC | O_DIRECTORY);
-    if (folder < 0)
-        return {};
-    const std::unique_ptr<DIR, int (*)(DIR *)> entries(::fdopendir(folder), &::closedir);
-    if (!entries)
-        return {};
+    const std::unique_ptr<DIR, int (*)(DIR *)> entries(folder < 0 ? nullptr : ::fdopendir(folder),
+                                                       &::closedir);
     std::vector<std::uint64_t> inodes;
-    while (const dirent *entry = ::readdir(entries.get())) {
+    while (const dirent *entry = entries ? ::readdir(entries.get()) : nullptr) {
         std::array<char, 64> link{};
         const auto length = ::readlinkat(folder, entry->d_name, link.data(), link.size());
         if (const auto inode = socketInode(link, length))

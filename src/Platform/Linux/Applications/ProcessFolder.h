@@ -37,8 +37,8 @@ public:
     /// The name of the systemd unit that it belongs to, escaped as systemd does.
     QByteArray unit() const;
 
-    /// The inodes of its sockets; absent when they may not be known.
-    std::optional<std::vector<std::uint64_t>> sockets() const;
+    /// The inodes of its sockets; none when they may not be known.
+    std::vector<std::uint64_t> sockets() const;
 
     /// The contents of a file in the folder, only the beginning of one much longer than `most` bytes.
     QByteArray read(const char *file, qsizetype most = 8192) const;

@@ -23,8 +23,8 @@ bool hasConnection(const QByteArray &table, const std::vector<std::uint64_t> &in
 bool isViewed(const ProcessFolder &server) {
     constexpr qsizetype longest = 1 << 20; // bytes; some thousand connections
     const auto inodes = server.sockets();
-    return !inodes || hasConnection(server.read("net/tcp", longest), *inodes) ||
-           hasConnection(server.read("net/tcp6", longest), *inodes);
+    return hasConnection(server.read("net/tcp", longest), inodes) ||
+           hasConnection(server.read("net/tcp6", longest), inodes);
 }
 
 } // namespace

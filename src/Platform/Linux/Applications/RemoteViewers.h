@@ -10,7 +10,7 @@ namespace pavonel {
 /// Whether somebody is connected to a remote-desktop server. Such a server may run all day without a viewer.
 class RemoteViewers {
 public:
-    /// True as well when it cannot be told.
+    /// False as well when it cannot be told: no break would ever come again.
     bool anyAt(const ProcessFolder &server);
 
 private:
