@@ -33,6 +33,14 @@ TEST(X11Connection, a_virtual_server_is_no_wayland_session) {
     EXPECT_FALSE(X11Connection::open(server().display())->isInsideWayland());
 }
 
+TEST(X11Connection, a_session_that_names_a_wayland_display_is_one) {
+    const auto x = X11Connection::open(server().display());
+    qputenv("WAYLAND_DISPLAY", "wayland-0");
+    EXPECT_TRUE(x->isInsideWayland());
+    qunsetenv("WAYLAND_DISPLAY");
+    EXPECT_FALSE(x->isInsideWayland());
+}
+
 TEST(X11Connection, properties_are_read_by_name) {
     const auto x = X11Connection::open(server().display());
     const std::uint32_t numbers[] = {7, 8};
