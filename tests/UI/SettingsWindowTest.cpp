@@ -114,6 +114,23 @@ TEST_F(SettingsWindow, only_the_selected_page_exists_and_only_while_it_is_shown)
     EXPECT_LT(window->findChildren<QWidget *>().size(), all / 2);
 }
 
+TEST_F(SettingsWindow, no_page_opens_a_window_of_its_own_while_it_is_built) {
+    struct Watch : QObject {
+        QStringList opened;
+        bool eventFilter(QObject *watched, QEvent *event) override {
+            auto *widget = qobject_cast<QWidget *>(watched);
+            if (event->type() == QEvent::Show && widget && widget->isWindow())
+                opened.append(widget->windowTitle());
+            return false;
+        }
+    } watch;
+    qApp->installEventFilter(&watch);
+    open.settings.deepFocusApps = QStringList{u"org.example.quill"_s};
+    for (const PageEntry &entry : allPages())
+        open.show(entry.page);
+    EXPECT_EQ(watch.opened, QStringList{u"Pavonel"_s});
+}
+
 TEST_F(SettingsWindow, the_selection_can_be_changed_from_elsewhere) {
     open.show();
     open.controller.selection.page = Page::advanced;

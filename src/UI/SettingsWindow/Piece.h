@@ -12,8 +12,7 @@ class QWidget;
 namespace pavonel {
 
 /// Anything that can stand in the column of a page or of a card, described before it is built: one of the
-/// rows
-/// (`Rows.h`), a `Card`, or a function that makes a widget of one's own.
+/// rows (`Rows.h`), a `Card`, or a function that makes a widget of one's own.
 class Piece {
 public:
     template <class Description>
@@ -48,5 +47,9 @@ public:
 protected:
     ~Follower() = default;
 };
+
+/// Lets a widget be seen or not. One that has not come to its place yet is seen as soon as it is there; to
+/// show it before would open a window of its own.
+void letSee(QWidget &widget, bool seen);
 
 } // namespace pavonel

@@ -116,7 +116,7 @@ public:
 
     void readAgain() override {
         text_->setText(words_());
-        setVisible(!text_->text().isEmpty());
+        letSee(*this, !text_->text().isEmpty());
     }
 
 private:

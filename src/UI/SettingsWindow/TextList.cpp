@@ -42,7 +42,7 @@ public:
         const QStringList texts = list_.texts.get();
         rows_->setKeys(keysOf(texts));
         empty_->setVisible(texts.isEmpty() && !list_.whenEmpty.isEmpty());
-        setVisible(!texts.isEmpty() || !list_.whenEmpty.isEmpty());
+        letSee(*this, !texts.isEmpty() || !list_.whenEmpty.isEmpty());
     }
 
 private:
