@@ -3,11 +3,14 @@
 #include "UI/SettingsWindow/WeekFigures.h"
 #include "support/FakePlatform.h"
 #include "support/Printing.h"
+#include "support/waitUntil.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QHoverEvent>
 
 #include <limits>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -122,6 +125,41 @@ TEST_F(WeekChartTest, shows_the_figures_of_the_day_under_the_pointer) {
     QHoverEvent leave(QEvent::HoverLeave, QPointF(-1, -1), QPointF(-1, -1), within);
     QApplication::sendEvent(&chart, &leave);
     EXPECT_EQ(chart.grab().toImage(), before);
+}
+
+TEST_F(WeekChartTest, keeps_telling_of_the_day_under_the_pointer_while_time_is_counted) {
+    show({day(5 * hour, hour), day(3 * hour, hour)});
+    const QPointF within = chart.bar(1).screen.center();
+    QHoverEvent enter(QEvent::HoverMove, within, within, QPointF(-1, -1));
+    QApplication::sendEvent(&chart, &enter);
+    const QImage before = chart.grab().toImage();
+    show({day(5 * hour, hour), day(3 * hour + 1, hour)});
+    EXPECT_EQ(chart.grab().toImage(), before);
+    show({day(5 * hour, hour), day(3 * hour + 60, hour)});
+    EXPECT_NE(chart.grab().toImage(), before) << "a minute more is told";
+    show({day(5 * hour, hour)});
+    EXPECT_FALSE(chart.grab().isNull()) << "that day is no more";
+}
+
+TEST_F(WeekChartTest, is_not_painted_anew_for_what_cannot_be_seen) {
+    struct Paints : QObject {
+        int count = 0;
+        bool eventFilter(QObject *, QEvent *event) override {
+            count += event->type() == QEvent::Paint;
+            return false;
+        }
+    } paints;
+    chart.installEventFilter(&paints);
+    show({day(5 * hour, hour)});
+    chart.show();
+    int before = 0;
+    waitUntil([&] { return paints.count > 0 && std::exchange(before, paints.count) == paints.count; });
+    show({day(5 * hour + 1, hour)});
+    QApplication::processEvents();
+    EXPECT_EQ(paints.count, before);
+    show({day(5 * hour + 60, hour)});
+    QApplication::processEvents();
+    EXPECT_EQ(paints.count, before + 1);
 }
 
 TEST(WeekFigures, add_up_the_days_without_what_makes_no_sense) {

@@ -69,14 +69,16 @@ QString WeekChart::sentence(const LabelledDay &day) {
 }
 
 void WeekChart::setDays(std::vector<LabelledDay> days) {
-    if (days == days_)
-        return;
     days_ = std::move(days);
     QStringList sentences;
     for (const LabelledDay &day : days_)
         sentences.append(sentence(day));
-    setAccessibleDescription(sentences.join(u' '));
-    hovered_.reset();
+    const QString told = sentences.join(u' ');
+    if (told == accessibleDescription())
+        return; // a second more is not to be seen
+    setAccessibleDescription(told);
+    if (hovered_ >= days_.size())
+        hovered_.reset();
     update();
 }
 
