@@ -31,23 +31,6 @@ struct CardText {
     }
 };
 
-/// The one thing to do here.
-struct Action {
-    QString label;
-    std::function<void()> act;
-    Button::Role role = Button::Role::plain;
-
-    QWidget *make(Look &look) const {
-        auto *row = new QWidget;
-        auto *line = new QHBoxLayout(row);
-        line->setContentsMargins({});
-        auto *button = new Button(look, label, role);
-        line->addWidget(button, 0, Qt::AlignLeft);
-        QObject::connect(button, &Button::clicked, row, act, Qt::QueuedConnection);
-        return row;
-    }
-};
-
 struct Code {
     QString code;
 
@@ -80,8 +63,7 @@ Pieces unpairedParts(Phone &phone, const QString &failure) {
         u"A break on the Mac is only half a break if you pick up your phone. Pair the two and the same "
         "countdown appears there — on the Lock Screen and in the Dynamic Island — and clears when you end "
         "the break here.\n\nAway from the Mac, the app keeps its own hours: breaks as often and as long as "
-        "you "
-        "like. While this Mac is running Pavonel, this Mac decides."_s,
+        "you like. While this Mac is running Pavonel, this Mac decides."_s,
         Text::Style::label,
         {CardRow::margin, 14, CardRow::margin, 12}}};
     Pieces parts{[card = Card{{}, {}, card}](Look &look) {
@@ -90,9 +72,9 @@ Pieces unpairedParts(Phone &phone, const QString &failure) {
         return widget;
     }};
     if (!failure.isEmpty())
-        parts.push_back(CardText{failure, Text::Style::label, {2, 0, 2, 0}});
+        parts.push_back(CardText{failure, Text::Style::label, {FocusRing::room, 0, FocusRing::room, 0}});
     parts.push_back(
-        Action{u"Show pairing code"_s, [&phone] { phone.startPairing(); }, Button::Role::prominent});
+        ButtonRow{u"Show pairing code"_s, [&phone] { phone.startPairing(); }, {}, Button::Role::prominent});
     return parts;
 }
 
@@ -104,7 +86,7 @@ Pieces waitingParts(Phone &phone, const QString &code) {
                            Text::Style::secondary,
                            {CardRow::margin, 0, CardRow::margin, 2}},
                   CardText{u"Waiting for your phone…"_s, Text::Style::secondary}}},
-            Action{u"Cancel"_s, [&phone] { phone.unpair(); }}};
+            ButtonRow{u"Cancel"_s, [&phone] { phone.unpair(); }}};
 }
 
 Pieces pairedParts(Phone &phone) {

@@ -1,7 +1,6 @@
 #include "UI/SettingsWindow/Rows.h"
 
 #include "UI/ClockText.h"
-#include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/PopUpButton.h"
@@ -66,6 +65,8 @@ public:
     PickerRowWidget(Look &look, const PickerRow &row) : CardRow(look), selection_(row.selection) {
         addLabel(row.label);
         button_ = new PopUpButton(look, row.label, row.choices);
+        if (row.before)
+            add(row.before(look));
         add(button_);
         button_->onChoice = [this](const QString &choice) { selection_.set(choice); };
         PickerRowWidget::readAgain();
@@ -155,7 +156,7 @@ QWidget *ButtonRow::make(Look &look) const {
     auto *row = new QWidget;
     auto *line = new QHBoxLayout(row);
     line->setContentsMargins({});
-    auto *button = new Button(look, label, Button::Role::plain, symbol);
+    auto *button = new Button(look, label, role, symbol);
     line->addWidget(button);
     line->addStretch();
     QObject::connect(button, &Button::clicked, row, action, Qt::QueuedConnection);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "UI/Controls/Button.h"
 #include "UI/Controls/Stepper.h"
 #include "UI/SettingsWindow/Bound.h"
 #include "UI/SettingsWindow/Piece.h"
@@ -32,6 +33,7 @@ struct PickerRow {
     QString label;
     Bound<QString> selection;
     QStringList choices;
+    std::function<QWidget *(Look &)> before = {}; ///< What stands before the choice, where something does.
 
     QWidget *make(Look &look) const;
 };
@@ -80,6 +82,7 @@ struct ButtonRow {
     QString label;
     std::function<void()> action;
     QString symbol = {};
+    Button::Role role = Button::Role::plain;
 
     QWidget *make(Look &look) const;
 };

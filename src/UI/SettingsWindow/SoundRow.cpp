@@ -1,10 +1,7 @@
 #include "UI/SettingsWindow/SoundRow.h"
 
 #include "Core/SystemBits.h"
-#include "UI/Controls/Button.h"
-#include "UI/Controls/CardRow.h"
-#include "UI/Controls/PopUpButton.h"
-#include "UI/SettingsWindow/Piece.h"
+#include "UI/SettingsWindow/Rows.h"
 
 namespace pavonel {
 
@@ -12,40 +9,34 @@ namespace {
 
 const QString none = QStringLiteral("None");
 
-class SoundRowWidget final : public CardRow, public Follower {
+class ListenButton final : public Button, public Follower {
 public:
-    SoundRowWidget(Look &look, const SoundRow &row)
-        : CardRow(look), sound_(row.sound), sounds_(row.sounds),
-          listen_(Button::ofSymbol(look, QStringLiteral("speaker.wave.2"),
-                                   QStringLiteral("Listen to %1").arg(row.label))),
-          picker_(new PopUpButton(look, row.label, QStringList(none) + row.sounds.names())) {
-        addLabel(row.label);
-        add(listen_);
-        add(picker_);
-        picker_->onChoice = [this](const QString &choice) {
-            sound_.set(choice);
-            SoundPlayer::play(sounds_, choice);
-        };
-        connect(listen_, &Button::clicked, this, [this] { SoundPlayer::play(sounds_, sound_.get()); });
-        SoundRowWidget::readAgain();
+    ListenButton(Look &look, const SoundRow &row)
+        : Button(look, {}, Role::bare, QStringLiteral("speaker.wave.2")), sound_(row.sound) {
+        setAccessibleName(QStringLiteral("Listen to %1").arg(row.label));
+        connect(this, &Button::clicked, this,
+                [this, &sounds = row.sounds] { SoundPlayer::play(sounds, sound_.get()); });
+        ListenButton::readAgain();
     }
 
-    void readAgain() override {
-        picker_->setChoice(sound_.get());
-        listen_->setEnabled(sound_.get() != none);
-    }
+    void readAgain() override { setEnabled(sound_.get() != none); }
 
 private:
     Bound<QString> sound_;
-    Sounds &sounds_;
-    Button *listen_;
-    PopUpButton *picker_;
 };
 
 } // namespace
 
 QWidget *SoundRow::make(Look &look) const {
-    return new SoundRowWidget(look, *this);
+    const auto chooseAndPlay = [set = sound.set, &heard = sounds](const QString &choice) {
+        set(choice);
+        SoundPlayer::play(heard, choice);
+    };
+    return PickerRow{label,
+                     {sound.get, chooseAndPlay},
+                     QStringList(none) + sounds.names(),
+                     [row = *this](Look &shared) { return new ListenButton(shared, row); }}
+        .make(look);
 }
 
 } // namespace pavonel
