@@ -34,6 +34,38 @@ struct SettingsWindow : testing::Test {
     }
 };
 
+/// A desktop whose user has text of twice the ordinary size.
+class LargeText {
+public:
+    LargeText() : ordinary_(QApplication::font()) {
+        QFont large = ordinary_;
+        large.setPixelSize(30);
+        QApplication::setFont(large);
+    }
+    LargeText(const LargeText &) = delete;
+    LargeText &operator=(const LargeText &) = delete;
+    ~LargeText() { QApplication::setFont(ordinary_); }
+
+private:
+    QFont ordinary_;
+};
+
+/// Nothing is cut off at a side, squeezed, or has less room than its lines take.
+void expectAllInPlace(const QWidget &window) {
+    QApplication::processEvents();
+    for (const QWidget *widget : window.findChildren<QWidget *>()) {
+        if (!widget->isVisible())
+            continue;
+        const QByteArray name = widget->accessibleName().toUtf8();
+        const int right = widget->mapTo(&window, QPoint(widget->width(), 0)).x();
+        EXPECT_LE(right, window.width()) << name.constData();
+        EXPECT_GE(widget->width(), widget->minimumSizeHint().width()) << name.constData();
+        if (widget->hasHeightForWidth()) {
+            EXPECT_GE(widget->height(), widget->heightForWidth(widget->width())) << name.constData();
+        }
+    }
+}
+
 } // namespace
 
 TEST_F(SettingsWindow, is_made_when_it_is_first_shown) {
@@ -261,44 +293,55 @@ TEST_F(SettingsWindow, that_the_shortcuts_change_with_the_next_start_is_told) {
 }
 
 TEST_F(SettingsWindow, stays_laid_out_at_its_smallest_and_at_a_large_size) {
-    for (const QSize size : {QSize(620, 400), QSize(1900, 1000)}) {
-        for (const PageEntry &entry : allPages()) {
-            open.show(entry.page);
+    for (const PageEntry &entry : allPages()) {
+        open.show(entry.page);
+        for (const QSize size : {open.window()->minimumSize(), QSize(1900, 1000)}) {
             open.window()->resize(size);
-            QApplication::processEvents();
-            for (const QWidget *widget : open.window()->findChildren<QWidget *>()) {
-                if (!widget->isVisible() || widget->accessibleName().isEmpty() || !widget->parentWidget())
-                    continue;
-                EXPECT_LE(widget->geometry().right(), widget->parentWidget()->width())
-                    << qPrintable(widget->accessibleName());
-                if (widget->hasHeightForWidth()) {
-                    EXPECT_GE(widget->height(), widget->heightForWidth(widget->width()))
-                        << qPrintable(widget->accessibleName());
-                }
-            }
+            expectAllInPlace(*open.window());
         }
     }
 }
 
 /// Larger text in the desktop's settings makes everything that holds text larger.
 TEST_F(SettingsWindow, no_text_is_clipped_with_large_fonts) {
-    const QFont ordinary = QApplication::font();
-    QFont large = ordinary;
-    large.setPixelSize(30);
-    QApplication::setFont(large);
-    {
-        OpenSettings largeSettings;
-        for (const PageEntry &entry : allPages()) {
-            largeSettings.show(entry.page);
-            for (const QWidget *widget : largeSettings.window()->findChildren<QWidget *>()) {
-                if (widget->isVisible() && widget->hasHeightForWidth()) {
-                    EXPECT_GE(widget->height(), widget->heightForWidth(widget->width()))
-                        << qPrintable(widget->accessibleName());
-                }
-            }
-        }
+    const LargeText large;
+    OpenSettings settings;
+    for (const PageEntry &entry : allPages()) {
+        settings.show(entry.page);
+        settings.window()->resize(1150, 600); // what a small notebook's screen has to give
+        expectAllInPlace(*settings.window());
     }
-    QApplication::setFont(ordinary);
+}
+
+TEST_F(SettingsWindow, is_larger_with_large_fonts_as_far_as_the_screen_goes) {
+    const LargeText large;
+    OpenSettings settings;
+    settings.show();
+    const QSize screen = settings.window()->screen()->availableSize();
+    EXPECT_GT(settings.window()->height(), 560);
+    EXPECT_LT(settings.window()->height(), screen.height());
+    EXPECT_EQ(settings.window()->width(), 800) << "there is no more on the screen of the tests";
+}
+
+TEST_F(SettingsWindow, has_the_text_size_that_the_user_chose_since_it_was_closed) {
+    const auto sidebarWidth = [this] {
+        return open.widget<QWidget>(QAccessible::ListItem, u"Appearance"_s)->width();
+    };
+    open.show();
+    const int before = sidebarWidth();
+    open.window()->close();
+    {
+        const LargeText large;
+        open.show(Page::pausing);
+        open.window()->resize(1150, 600);
+        expectAllInPlace(*open.window());
+        EXPECT_GT(sidebarWidth(), before);
+        open.window()->close();
+    }
+    open.show();
+    open.settle();
+    EXPECT_EQ(sidebarWidth(), before);
+    EXPECT_TRUE(open.find(QAccessible::ListItem, u"Pausing"_s)->state().selected);
 }
 
 } // namespace pavonel::test

@@ -13,10 +13,15 @@ namespace pavonel {
 namespace {
 
 constexpr int bodyHeight = 28;
-constexpr int roundDiameter = 24;
-constexpr int symbolSide = 16;
 constexpr int padding = 14;
 constexpr int symbolGap = 6;
+
+int symbolSide(const Look &look) {
+    return look.length(16);
+}
+int roundDiameter(const Look &look) {
+    return look.length(24);
+}
 
 } // namespace
 
@@ -32,12 +37,16 @@ Button *Button::ofSymbol(Look &look, const QString &symbol, const QString &name)
     return button;
 }
 
+int Button::besideSymbol(const Look &look) {
+    return FocusRing::room + (roundDiameter(look) - symbolSide(look)) / 2;
+}
+
 QSize Button::sizeHint() const {
     const QSize room = QSize(2, 2) * FocusRing::room;
     if (text().isEmpty())
-        return QSize(roundDiameter, roundDiameter) + room;
+        return QSize(1, 1) * roundDiameter(look_) + room;
     const double textWidth = QFontMetricsF(font()).horizontalAdvance(text());
-    const int symbolWidth = symbol_.isEmpty() ? 0 : symbolSide + symbolGap;
+    const int symbolWidth = symbol_.isEmpty() ? 0 : symbolSide(look_) + symbolGap;
     return QSize(static_cast<int>(std::ceil(textWidth)) + symbolWidth + 2 * padding,
                  look_.lineHeight(bodyHeight)) +
            room;
@@ -81,17 +90,18 @@ void Button::paintEvent(QPaintEvent *) {
 
 void Button::drawContent(QPainter &painter, const QRectF &body, const QColor &ink) const {
     const double ratio = devicePixelRatioF();
-    const QImage drawing = Symbol::image(symbol_, symbolSide, ink, ratio);
-    const double top = body.top() + (body.height() - symbolSide) / 2;
+    const int side = symbolSide(look_);
+    const QImage drawing = Symbol::image(symbol_, side, ink, ratio);
+    const double top = body.top() + (body.height() - side) / 2;
     if (text().isEmpty()) {
-        painter.drawImage(QPointF(body.left() + (body.width() - symbolSide) / 2, top), drawing);
+        painter.drawImage(QPointF(body.left() + (body.width() - side) / 2, top), drawing);
         return;
     }
     QRectF place = body;
     if (!drawing.isNull()) {
         // The air within the drawing counts as padding.
         painter.drawImage(QPointF(body.left() + padding - 2, top), drawing);
-        place.setLeft(body.left() + symbolSide + symbolGap - 2);
+        place.setLeft(body.left() + side + symbolGap - 2);
     }
     painter.setPen(ink);
     painter.drawText(place, Qt::AlignCenter, text());

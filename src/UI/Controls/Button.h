@@ -19,6 +19,9 @@ public:
     /// A small round one without a text; `name` is what a screen reader says.
     static Button *ofSymbol(Look &look, const QString &symbol, const QString &name);
 
+    /// From the right edge of a round one to that of its symbol.
+    static int besideSymbol(const Look &look);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace pavonel {
 
@@ -27,7 +28,11 @@ Look::Look(Platform &platform)
 
 void Look::refresh() {
     palette_ = Palette(platform_.appearance->wishes());
-    textScale_ = wishedTextScale();
+}
+
+bool Look::refreshTextSize() {
+    const double before = std::exchange(textScale_, wishedTextScale());
+    return textScale_ != before;
 }
 
 QFont Look::font(int size, QFont::Weight weight) const {

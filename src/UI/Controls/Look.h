@@ -39,8 +39,12 @@ public:
     /// Whether rounded windows can leave their corners out by translucency.
     bool canBlend() const;
 
-    /// Reads the user's wishes again.
+    /// Reads the user's wishes for colours again.
     void refresh();
+
+    /// Reads the size of the user's text again; whether it is another one. What was built before then has to
+    /// be built anew.
+    bool refreshTextSize();
 
 private:
     Platform &platform_;

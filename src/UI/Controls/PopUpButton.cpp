@@ -17,16 +17,21 @@ namespace {
 
 constexpr int bodyHeight = 28;
 constexpr int padding = 12;
-constexpr int chevronRoom = 18;
 constexpr int widest = 260;
 constexpr double radius = 8;
 
+/// From the left edge of the chevrons' place to the padding.
+int chevronRoom(const Look &look) {
+    return look.length(18);
+}
+
 /// Two small ones, one up and one down, about this centre.
-void drawChevrons(QPainter &painter, const QPointF &centre, const QColor &ink) {
-    constexpr double half = 3;
-    constexpr double rise = 3;
-    constexpr double apart = 2.2;
-    painter.setPen(QPen(ink, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+void drawChevrons(QPainter &painter, const QPointF &centre, const Look &look) {
+    const double unit = look.length(30) / 30.0;
+    const double half = 3 * unit;
+    const double rise = 3 * unit;
+    const double apart = 2.2 * unit;
+    painter.setPen(QPen(look.palette().secondaryText, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     for (const double way : {-1.0, 1.0}) {
         const QPointF base = centre + QPointF(0, way * apart);
         const QPointF points[] = {base + QPointF(-half, 0), base + QPointF(0, way * rise),
@@ -123,7 +128,7 @@ QSize PopUpButton::sizeHint() const {
     double text = metrics.horizontalAdvance(choice_);
     for (const QString &choice : choices_)
         text = std::max(text, metrics.horizontalAdvance(choice));
-    const int width = static_cast<int>(std::ceil(text)) + 2 * padding + chevronRoom;
+    const int width = static_cast<int>(std::ceil(text)) + 2 * padding + chevronRoom(look_);
     return QSize(std::min(width, look_.length(widest)), look_.lineHeight(bodyHeight)) +
            QSize(2, 2) * FocusRing::room;
 }
@@ -144,12 +149,12 @@ void PopUpButton::paintEvent(QPaintEvent *) {
                         : underMouse()       ? colours.hovered
                                              : colours.fill;
     drawBody(painter, body, radius, fill, colours.outline);
-    const QRectF place = body.adjusted(padding, 0, -padding - chevronRoom + 6, 0);
+    const QRectF place = body.adjusted(padding, 0, 6 - padding - chevronRoom(look_), 0);
     painter.setPen(colours.ink);
     const QString text =
         QFontMetricsF(font(), this).elidedText(choice_.simplified(), Qt::ElideRight, place.width());
     painter.drawText(place, Qt::AlignVCenter | Qt::AlignLeft, text);
-    drawChevrons(painter, {body.right() - padding - 1, body.center().y()}, look_.palette().secondaryText);
+    drawChevrons(painter, {body.right() - padding - 1, body.center().y()}, look_);
     ring_.draw(painter, body, radius, look_.palette().accentText);
 }
 

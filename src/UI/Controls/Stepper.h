@@ -50,6 +50,7 @@ public:
     QString valueText() const { return wording_(value_); }
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
     QAccessibleInterface *makeAccessible() override;
 
 protected:

@@ -16,6 +16,7 @@ public:
     void setOn(bool on);
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
     QAccessibleInterface *makeAccessible() override;
 
 protected:

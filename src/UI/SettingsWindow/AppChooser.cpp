@@ -86,7 +86,7 @@ QWidget *AppChooser::list() {
     auto *lines = new QVBoxLayout(column);
     lines->setContentsMargins({});
     lines->setSpacing(0);
-    rows_ = new RowList(look_, look_.length(rowHeight), RowList::Lines::none,
+    rows_ = new RowList(look_, look_.lineHeight(rowHeight), RowList::Lines::none,
                         [this](const QString &identifier) { return row(identifier); });
     auto *empty = new QVBoxLayout;
     empty->setContentsMargins(padding, 8, padding, 8);

@@ -1,7 +1,8 @@
 #include "UI/SettingsWindow/AppRow.h"
 
+#include "UI/Controls/Keys.h"
+
 #include <QFontMetricsF>
-#include <QKeyEvent>
 #include <QPainter>
 
 namespace pavonel {
@@ -24,7 +25,7 @@ AppRow::AppRow(Look &look, const InstalledApplication &application, const QImage
 }
 
 QSize AppRow::sizeHint() const {
-    return {200, look_.length(40)};
+    return {200, look_.lineHeight(40)};
 }
 
 void AppRow::paintEvent(QPaintEvent *) {
@@ -54,13 +55,10 @@ void AppRow::paintEvent(QPaintEvent *) {
 }
 
 void AppRow::keyPressEvent(QKeyEvent *event) {
-    switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        return click();
-    default:
+    if (isReturn(*event))
+        click();
+    else
         QAbstractButton::keyPressEvent(event);
-    }
 }
 
 } // namespace pavonel

@@ -15,7 +15,7 @@ class BreakPreview : public QWidget, public AccessibleControl {
 public:
     BreakPreview(Look &look, Settings &settings);
 
-    QSize sizeHint() const override { return {240, 150}; }
+    QSize sizeHint() const override { return {look_.length(240), look_.length(150)}; }
     QAccessibleInterface *makeAccessible() override;
 
 protected:

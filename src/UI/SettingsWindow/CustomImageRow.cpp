@@ -82,7 +82,7 @@ private:
                            ? QStringLiteral("It cannot be read, so the style is shown.")
                            : QString());
         note_->setVisible(!note_->text().isEmpty());
-        setMinimumHeight(look().length(state == State::none ? plainHeight : withPicture));
+        setMinimumHeight(look().lineHeight(state == State::none ? plainHeight : withPicture));
         thumbnail_->setVisible(state != State::none);
         remove_->setVisible(state != State::none);
     }

@@ -16,7 +16,7 @@ namespace pavonel {
 const QString SettingsView::phonePageSeenKey = QStringLiteral("phonePageSeen");
 
 SettingsView::SettingsView(const PageContext &context, SettingsSelection &selection)
-    : context_(context), selection_(selection), look_(context.platform), sidebar_(new Sidebar(look_)),
+    : context_(context), selection_(selection), look_(context.platform),
       onSelection_(*context.platform.mainLoop, {&selection}, [this] { showSelected(); }),
       onSettings_(*context.platform.mainLoop, {&context.settings}, [this] {
           if (page_)
@@ -25,17 +25,27 @@ SettingsView::SettingsView(const PageContext &context, SettingsSelection &select
     auto *line = new QHBoxLayout(this);
     line->setContentsMargins({});
     line->setSpacing(0);
-    line->addWidget(sidebar_);
-    sidebar_->onSelect = [this](Page page) {
-        selection_.page = page;
-        showSelected();
-    };
+    makeSidebar();
     setPalette(look_.toolkitPalette());
     look_.appearance().onChange([this] { followLook(); });
 }
 
 SettingsView::~SettingsView() {
     look_.appearance().onChange({});
+}
+
+void SettingsView::makeSidebar() {
+    delete sidebar_;
+    sidebar_ = new Sidebar(look_);
+    sidebar_->onSelect = [this](Page page) {
+        selection_.page = page;
+        showSelected();
+    };
+    static_cast<QBoxLayout *>(layout())->insertWidget(0, sidebar_);
+}
+
+QSize SettingsView::grown(const QSize &points) const {
+    return {look_.length(points.width()), look_.length(points.height())};
 }
 
 void SettingsView::showSelected() {
@@ -64,8 +74,11 @@ void SettingsView::followLook() {
 }
 
 void SettingsView::showEvent(QShowEvent *event) {
-    if (!event->spontaneous())
-        showSelected();
+    if (event->spontaneous())
+        return;
+    if (look_.refreshTextSize())
+        makeSidebar();
+    showSelected();
 }
 
 void SettingsView::hideEvent(QHideEvent *event) {

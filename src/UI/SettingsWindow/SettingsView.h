@@ -23,6 +23,9 @@ public:
     /// Where it is kept that the user has seen the page of the phone.
     static const QString phonePageSeenKey;
 
+    /// These points at the ordinary text size, as larger as the user's text is.
+    QSize grown(const QSize &points) const;
+
     QAccessibleInterface *makeAccessible() override;
 
 protected:
@@ -31,6 +34,7 @@ protected:
     void hideEvent(QHideEvent *event) override;
 
 private:
+    void makeSidebar();
     void showSelected();
     void dropPage();
     void giveUpPixels();
@@ -39,7 +43,7 @@ private:
     PageContext context_;
     SettingsSelection &selection_;
     Look look_;
-    Sidebar *sidebar_;
+    Sidebar *sidebar_ = nullptr;
     PageView *page_ = nullptr;
     Page shown_ = Page::breaks; ///< What `page_` is.
     Refresher onSelection_;

@@ -12,14 +12,18 @@ namespace pavonel {
 namespace {
 
 constexpr QColor brandColour(0x16, 0x8F, 0x9A); // on light and on dark title bars
-constexpr QSize contentSize(800, 560);
-constexpr QSize smallest(620, 400);
 
-void centre(QWidget &window) {
-    if (const QScreen *screen = QGuiApplication::primaryScreen()) {
-        const QRect free = screen->availableGeometry();
-        window.setGeometry(QRect(free.center() - window.rect().center(), window.size()));
-    }
+/// Larger with a larger text, as far as the screen goes, and in its middle.
+void fit(SettingsView &window) {
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    const QRect free = screen ? screen->availableGeometry() : QRect();
+    const auto fitting = [&](const QSize &points) {
+        return window.grown(points).boundedTo(free.size() * 0.9).expandedTo(points);
+    };
+    window.setMinimumSize(fitting({640, 400}));
+    QRect place({}, fitting({800, 560}));
+    place.moveCenter(free.center());
+    window.setGeometry(place);
 }
 
 } // namespace
@@ -32,12 +36,11 @@ void SettingsWindowController::show(std::optional<Page> page) {
     if (page)
         selection.page = *page;
     if (!window_) {
-        window_ = std::make_unique<SettingsView>(context_, selection);
-        window_->setWindowTitle(QStringLiteral("Pavonel"));
-        window_->setWindowIcon(QPixmap::fromImage(Symbol::mark(brandColour, 2)));
-        window_->setMinimumSize(smallest);
-        window_->resize(contentSize);
-        centre(*window_);
+        auto window = std::make_unique<SettingsView>(context_, selection);
+        window->setWindowTitle(QStringLiteral("Pavonel"));
+        window->setWindowIcon(QPixmap::fromImage(Symbol::mark(brandColour, 2)));
+        fit(*window);
+        window_ = std::move(window);
     }
     window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
     window_->show();

@@ -17,6 +17,7 @@ public:
     void setValue(double value);
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
     QAccessibleInterface *makeAccessible() override;
 
 protected:

@@ -13,7 +13,6 @@ namespace pavonel {
 
 namespace {
 
-constexpr QSize swatchSize(76, 48);
 constexpr double radius = 7;
 constexpr int aboveName = 4;
 
@@ -28,12 +27,16 @@ StyleTile::StyleTile(Look &look, const Background &theme) : ControlButton(look),
 
 QSize StyleTile::sizeHint() const {
     constexpr int room = FocusRing::room;
-    return swatchSize + QSize(2 * room, 2 * room + aboveName + QFontMetrics(font()).height() - room);
+    return swatchSize() + QSize(2 * room, room + aboveName + QFontMetrics(font()).height());
+}
+
+QSize StyleTile::swatchSize() const {
+    return {look_.length(76), look_.length(48)};
 }
 
 QRectF StyleTile::swatch() const {
     constexpr int room = FocusRing::room;
-    return {QPointF(room, room), swatchSize};
+    return {QPointF(room, room), swatchSize()};
 }
 
 QAccessibleInterface *StyleTile::makeAccessible() {

@@ -15,12 +15,14 @@ public:
     StyleTile(Look &look, const Background &theme);
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
     QAccessibleInterface *makeAccessible() override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    QSize swatchSize() const;
     QRectF swatch() const;
 
     const Background &theme_;

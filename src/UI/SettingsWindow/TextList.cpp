@@ -32,7 +32,7 @@ public:
         empty_->add(new Text(look, list.whenEmpty, Text::Style::secondary));
         lines->addWidget(empty_);
         constexpr int rowHeight = 42;
-        rows_ = new RowList(look, look.length(rowHeight), RowList::Lines::first,
+        rows_ = new RowList(look, look.lineHeight(rowHeight), RowList::Lines::first,
                             [this, &look](const QString &key) { return row(look, key); });
         lines->addWidget(rows_);
         TextListWidget::readAgain();

@@ -6,6 +6,8 @@
 #include <QFontMetricsF>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace pavonel {
 
 namespace {
@@ -36,7 +38,7 @@ protected:
         const QFontMetricsF metrics(number, this);
         painter.setFont(number);
         painter.setPen(look_.palette().text);
-        fonts::drawTabular(painter, {padding, padding + metrics.ascent()}, tile_.value);
+        drawNumber(painter, padding + metrics.ascent(), fonts::tabularWidth(metrics, tile_.value));
         painter.setFont(captionFont());
         painter.setPen(look_.palette().secondaryText);
         const QRectF place(padding, padding + metrics.height() + between, width() - 2 * padding, height());
@@ -59,6 +61,16 @@ private:
     private:
         TileWidget &tile_;
     };
+
+    /// A long one gets smaller.
+    void drawNumber(QPainter &painter, double baseline, double numberWidth) const {
+        const double shrink = std::min(1.0, (width() - 2 * padding) / numberWidth);
+        painter.save();
+        painter.translate(padding, baseline);
+        painter.scale(shrink, shrink);
+        fonts::drawTabular(painter, {0, 0}, tile_.value);
+        painter.restore();
+    }
 
     QFont numberFont() const { return look_.font(24, QFont::Light); }
     QFont captionFont() const { return look_.font(11); }
