@@ -13,7 +13,6 @@ namespace {
 
 constexpr int lowest = 42;
 constexpr int gap = 12;
-constexpr int air = 7; // above and below a label that wraps
 
 } // namespace
 
@@ -36,7 +35,7 @@ void CardRow::addOutdented(QWidget *widget) {
 void CardRow::addLabel(const QString &label, const QString &note) {
     auto *lines = new QVBoxLayout;
     lines->setContentsMargins(0, air, 0, air);
-    lines->setSpacing(2);
+    lines->setSpacing(betweenLines);
     lines->addStretch();
     lines->addWidget(new Text(look_, label, Text::Style::label));
     if (!note.isEmpty())
@@ -49,7 +48,11 @@ void CardRow::paintEvent(QPaintEvent *) {
     if (y() == 0)
         return; // the card's own outline is there
     QPainter painter(this);
-    drawHairline(painter, {margin, 0}, {static_cast<double>(width() - margin), 0}, look_.palette().hairline);
+    drawLine(painter, look_, 0, width());
+}
+
+void CardRow::drawLine(QPainter &painter, const Look &look, double y, int width) {
+    drawHairline(painter, {margin, y}, {static_cast<double>(width - margin), y}, look.palette().hairline);
 }
 
 } // namespace pavonel

@@ -5,13 +5,16 @@
 #include <QWidget>
 
 class QHBoxLayout;
+class QPainter;
 
 namespace pavonel {
 
 /// One row of a card: what is added stands side by side, and a hairline sets the row off from what is above.
 class CardRow : public QWidget {
 public:
-    static constexpr int margin = 16; ///< Of the content, left and right, in points.
+    static constexpr int margin = 16;      ///< Of the content, left and right, in points.
+    static constexpr int air = 7;          ///< Above and below texts.
+    static constexpr int betweenLines = 2; ///< From a label to its note.
 
     explicit CardRow(Look &look);
 
@@ -23,6 +26,9 @@ public:
 
     /// A label with a note under it where there is one.
     void addLabel(const QString &label, const QString &note = {});
+
+    /// The hairline above a row that begins at `y` in something as wide as the card.
+    static void drawLine(QPainter &painter, const Look &look, double y, int width);
 
 protected:
     void paintEvent(QPaintEvent *event) override;

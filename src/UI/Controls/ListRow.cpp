@@ -1,7 +1,6 @@
 #include "UI/Controls/ListRow.h"
 
 #include "UI/Controls/Button.h"
-#include "UI/Controls/FocusRing.h"
 
 #include <QAccessibleWidget>
 #include <QFontMetricsF>
@@ -26,8 +25,8 @@ ListRow::ListRow(Look &look, const Entry &entry, std::function<void()> remove)
     : CardRow(look), entry_{onOneLine(entry.text), onOneLine(entry.detail), entry.picture},
       remove_(Button::ofSymbol(look, QStringLiteral("xmark.circle.fill"),
                                QStringLiteral("Remove ") + entry_.text)) {
-    constexpr int aroundSymbol = 4; // the symbol, not the room around it, ends where the other rows end
-    layout()->setContentsMargins(margin, 0, margin - FocusRing::room - aroundSymbol, 0);
+    // The symbol, not the room around it, ends where the other rows end.
+    layout()->setContentsMargins(margin, 0, margin - Button::besideSymbol(look), 0);
     static_cast<QHBoxLayout *>(layout())->addStretch();
     add(remove_);
     setAccessibleName(entry_.text);

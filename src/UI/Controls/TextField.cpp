@@ -87,6 +87,11 @@ void TextField::resizeEvent(QResizeEvent *) {
 void TextField::takeColours() {
     QPalette colours = look_.toolkitPalette();
     colours.setColor(QPalette::Base, Qt::transparent);
+    for (const auto ink : {QPalette::Text, QPalette::PlaceholderText}) {
+        QColor faint = colours.color(ink);
+        faint.setAlphaF(0.45F);
+        colours.setColor(QPalette::Disabled, ink, faint);
+    }
     edit_->setPalette(colours);
 }
 

@@ -16,7 +16,7 @@ public:
     AddFieldWidget(Look &look, const AddField &row)
         : CardRow(look), add_(row.add), field_(new TextField(look, row.prompt, row.prompt)),
           button_(Button::ofSymbol(look, QStringLiteral("plus"), row.button)) {
-        layout()->setContentsMargins(margin - FocusRing::room, 3, margin - FocusRing::room, 3);
+        layout()->setContentsMargins(margin - FocusRing::room, 3, margin - Button::besideSymbol(look), 3);
         if (row.before)
             CardRow::add(row.before(look));
         CardRow::add(field_);

@@ -39,7 +39,7 @@ PlannedRow::PlannedRow(Look &look, std::function<void(const Edit &)> change, std
     : change_(std::move(change)) {
     auto *lines = new QVBoxLayout(this);
     constexpr int room = FocusRing::room;
-    lines->setContentsMargins(CardRow::margin - room, air, CardRow::margin - room, air);
+    lines->setContentsMargins(CardRow::margin - room, air, 0, air);
     lines->setSpacing(0);
     lines->addWidget(firstLine(look));
     lines->addWidget(secondLine(look));
@@ -54,6 +54,7 @@ int PlannedRow::rowHeight(const Look &look) {
 QWidget *PlannedRow::firstLine(Look &look) {
     auto *place = new QWidget;
     auto *row = line(place);
+    row->setContentsMargins(0, 0, CardRow::margin - Button::besideSymbol(look), 0);
     label_ = new TextField(look, QStringLiteral("Label"), QStringLiteral("Label"));
     label_->onEdit = [this](const QString &text) {
         change_([&](PlannedBreak &planned) { planned.label = text; });
@@ -79,6 +80,7 @@ QWidget *PlannedRow::firstLine(Look &look) {
 QWidget *PlannedRow::secondLine(Look &look) {
     auto *place = new QWidget;
     auto *row = line(place);
+    row->setContentsMargins(0, 0, CardRow::margin - FocusRing::room, 0);
     for (const int weekday : WeekdayToggle::inOrder()) {
         auto *toggle = new WeekdayToggle(look, weekday);
         connect(toggle, &WeekdayToggle::clicked, this,

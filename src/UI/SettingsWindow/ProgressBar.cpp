@@ -3,6 +3,7 @@
 #include "UI/Controls/Pixels.h"
 
 #include <QAccessibleWidget>
+#include <QFontMetrics>
 #include <QPainter>
 
 #include <algorithm>
@@ -39,6 +40,10 @@ ProgressBar::ProgressBar(Look &look, const QString &name, double progress)
     : look_(look), progress_(std::isnan(progress) ? 0 : std::clamp(progress, 0.0, 1.0)) {
     setAccessibleName(name);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+QSize ProgressBar::sizeHint() const {
+    return {200, QFontMetrics(look_.font(11)).height()};
 }
 
 QAccessibleInterface *ProgressBar::makeAccessible() {

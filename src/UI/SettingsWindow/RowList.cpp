@@ -1,7 +1,6 @@
 #include "UI/SettingsWindow/RowList.h"
 
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/Pixels.h"
 
 #include <QAccessibleWidget>
 #include <QEvent>
@@ -163,8 +162,7 @@ void RowList::paintEvent(QPaintEvent *event) {
     for (std::size_t index = 0; index < lines; ++index) {
         const double y = static_cast<double>(index) * rowHeight_;
         if (event->rect().top() <= y && y <= event->rect().bottom())
-            drawHairline(painter, {CardRow::margin, y}, {width() - CardRow::margin - 1.0, y},
-                         look_.palette().hairline);
+            CardRow::drawLine(painter, look_, y, width());
     }
 }
 

@@ -148,8 +148,7 @@ QWidget *CardNote::make(Look &look) const {
 }
 
 QWidget *PageNote::make(Look &look) const {
-    return new WordsWidget(look, text, Text::Style::secondary,
-                           {FocusRing::room + 2, 0, FocusRing::room + 2, 0});
+    return new WordsWidget(look, text, Text::Style::secondary, {FocusRing::room, 0, FocusRing::room, 0});
 }
 
 QWidget *ButtonRow::make(Look &look) const {

@@ -31,6 +31,8 @@ QSize StepValue::sizeHint() const {
 
 void StepValue::paintEvent(QPaintEvent *) {
     QPainter painter(this);
+    if (!isEnabled())
+        painter.setOpacity(0.45);
     painter.setPen(look_.palette().text);
     const QFontMetricsF metrics(font(), this);
     const double base = std::floor((height() - std::ceil(metrics.height())) / 2) + metrics.ascent();

@@ -3,7 +3,7 @@
 #include "Core/Updater.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/Pixels.h"
+#include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Changing.h"
 #include "UI/SettingsWindow/ProgressBar.h"
@@ -49,8 +49,8 @@ class StatusRow final : public CardRow {
 public:
     StatusRow(Look &look, Updater &updater, MainLoop &loop) : CardRow(look), updater_(updater), loop_(loop) {
         auto *texts = new QVBoxLayout;
-        texts->setContentsMargins(0, 9, 0, 9);
-        texts->setSpacing(3);
+        texts->setContentsMargins(0, air, FocusRing::room, air);
+        texts->setSpacing(betweenLines);
         texts->addWidget(new Text(look, u"Version "_s + updater.currentVersion(), Text::Style::label));
         line_ = new Text(look, {}, Text::Style::note);
         texts->addWidget(line_);
@@ -67,7 +67,7 @@ protected:
     /// As the first in its part it would take itself for the first in the card.
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
-        drawHairline(painter, {margin, 0}, {width() - margin - 1.0, 0}, look().palette().hairline);
+        drawLine(painter, look(), 0, width());
     }
 
 private:
