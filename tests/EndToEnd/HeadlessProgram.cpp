@@ -87,14 +87,14 @@ int HeadlessProgram::end(int signal) {
     QProcess &process = program_->process();
     if (process.processId() > 0) // 0 would be everybody in the group of the test
         ::kill(static_cast<pid_t>(process.processId()), signal);
-    const bool ended = process.waitForFinished(30'000) && process.exitStatus() == QProcess::NormalExit;
+    const bool ended = process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit;
     EXPECT_TRUE(ended) << process.readAllStandardError().constData();
     return ended ? process.exitCode() : -1;
 }
 
 void HeadlessProgram::kill() {
     program_->process().kill();
-    EXPECT_TRUE(program_->process().waitForFinished(30'000));
+    EXPECT_TRUE(program_->process().waitForFinished(patience));
 }
 
 } // namespace pavonel::test

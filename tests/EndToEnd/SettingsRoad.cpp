@@ -61,10 +61,11 @@ void SettingsRoad::walk(const QString &script, const QStringList &arguments) {
     const QString path = QStringLiteral(PAVONEL_SOURCE_DIR "/tests/EndToEnd/settings-road/") + script;
     ChildProcess python(QStringLiteral("/usr/bin/python3"), QStringList{path} + arguments,
                         desktop.environment());
-    constexpr int long_ = 200'000; // milliseconds; every wait of the script has a limit of its own
-    waitUntil([&] { return !python.isRunning(); }, long_);
-    ASSERT_FALSE(python.isRunning()) << script.toStdString() << " does not end";
-    ASSERT_EQ(python.process().exitCode(), 0) << python.process().readAllStandardError().toStdString();
+    constexpr int long_ = 4 * patience; // every wait of the script has a limit of its own
+    const bool ended = waitUntil([&] { return !python.isRunning(); }, long_);
+    const std::string errors = python.process().readAllStandardError().toStdString();
+    ASSERT_TRUE(ended) << script.toStdString() << " does not end\n" << errors;
+    ASSERT_EQ(python.process().exitCode(), 0) << errors;
 }
 
 QJsonObject SettingsRoad::defaults() {

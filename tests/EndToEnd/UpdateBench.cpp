@@ -92,7 +92,7 @@ std::unique_ptr<ChildProcess> UpdateBench::startUpdate(const QByteArray &command
 
 UpdateBench::Update UpdateBench::updateNow(const QByteArray &commandsBefore) {
     const auto program = startUpdate(commandsBefore);
-    const bool ended = waitUntil([&] { return !program->isRunning(); }, 150'000);
+    const bool ended = waitUntil([&] { return !program->isRunning(); });
     EXPECT_TRUE(ended) << "the update neither succeeded nor failed";
     QProcess &process = program->process();
     QByteArrayList lines = process.readAllStandardOutput().split('\n');

@@ -104,7 +104,7 @@ TEST_F(UpdateInstall, the_update_card_installs_the_next_release_and_restarts) {
     const QString script = QStringLiteral(PAVONEL_SOURCE_DIR "/tests/EndToEnd/settings-road/install.py");
     ChildProcess user(QStringLiteral("/usr/bin/python3"),
                       {script, QStringLiteral("1.9.0"), QStringLiteral("1.10.0")}, environment);
-    ASSERT_TRUE(waitUntil([&] { return !user.isRunning(); }, 120'000));
+    ASSERT_TRUE(waitUntil([&] { return !user.isRunning(); }));
     ASSERT_EQ(user.process().exitCode(), 0) << user.process().readAllStandardError().toStdString();
     ASSERT_TRUE(newVersionRuns("1.10.0"));
     EXPECT_EQ(shell("unpack 1.10.0; diff -r image/Pavonel.app \"$installed\""), "");

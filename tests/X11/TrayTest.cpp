@@ -84,7 +84,7 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return item->limitation().isEmpty(); })) << "no host";
         const QImage before = server().picture();
         bool opened = false;
-        const QDeadlineTimer deadline(60'000);
+        const QDeadlineTimer deadline(patience);
         while (breaks == 0 && !deadline.hasExpired()) {
             server().xdotool({QStringLiteral("mousemove"), QString::number(place.x()),
                               QString::number(place.y()), QStringLiteral("click"), button});

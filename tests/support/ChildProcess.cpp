@@ -1,5 +1,7 @@
 #include "support/ChildProcess.h"
 
+#include "support/patience.h"
+
 #include <csignal>
 
 #include <gtest/gtest.h>
@@ -8,8 +10,6 @@
 namespace pavonel::test {
 
 namespace {
-
-constexpr int patience = 30'000; // milliseconds; for a busy machine
 
 void prepare(QProcess &process, const QProcessEnvironment &environment) {
     process.setProcessEnvironment(environment);

@@ -23,7 +23,7 @@ public:
     void end();
 
     struct Result {
-        int status; ///< -1 when it could not be started, was killed or did not end in 30 s.
+        int status; ///< -1 when it could not be started, was killed or did not end.
         QByteArray output;
         QByteArray errors;
     };

@@ -1,5 +1,7 @@
 #include "support/MessageBus.h"
 
+#include "support/patience.h"
+
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -32,7 +34,7 @@ MessageBus::MessageBus(const QString &services, const QProcessEnvironment &envir
               {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
                QStringLiteral("--config-file=") + configuration(folder_.path(), address_, services)},
               environment) {
-    if (!daemon_.process().waitForReadyRead(30'000)) // it names its address once it listens
+    if (!daemon_.process().waitForReadyRead(patience)) // it names its address once it listens
         ADD_FAILURE() << "No message bus: " << daemon_.process().readAllStandardError().toStdString();
 }
 

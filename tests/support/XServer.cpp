@@ -1,5 +1,7 @@
 #include "support/XServer.h"
 
+#include "support/patience.h"
+
 #include <QDeadlineTimer>
 #include <QThread>
 
@@ -17,7 +19,7 @@ namespace {
 
 /// Without an event loop, for the time before there is an application object.
 bool holdsSoon(const std::function<bool()> &condition) {
-    const QDeadlineTimer deadline(30'000);
+    const QDeadlineTimer deadline(patience);
     while (!condition()) {
         if (deadline.hasExpired())
             return false;
@@ -76,7 +78,7 @@ bool managesWindows(xcb_connection_t *connection) {
 
 /// The first line that a program writes to its standard output.
 QByteArray firstLine(QProcess &process) {
-    holdsSoon([&] { return process.canReadLine() || !process.waitForReadyRead(20'000); });
+    holdsSoon([&] { return process.canReadLine() || !process.waitForReadyRead(patience); });
     return process.readLine().trimmed();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/patience.h"
+
 #include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QTimer>
@@ -7,7 +9,7 @@
 namespace pavonel::test {
 
 /// Lets the main loop run until `condition` holds; false when it does not in this time.
-template <class Condition> bool waitUntil(Condition condition, int milliseconds = 30'000) {
+template <class Condition> bool waitUntil(Condition condition, int milliseconds = patience) {
     const QDeadlineTimer deadline(milliseconds);
     QTimer alarm; // wakes the loop, which truly sleeps in between as it does in the program
     alarm.start(5);
