@@ -27,6 +27,16 @@ constexpr int keyS = 39;
 constexpr int keyP = 33;
 constexpr int keyQ = 24;
 
+/// Keys that are held repeat, which they do not elsewhere in the tests.
+struct RepeatingKeys {
+    RepeatingKeys() { set(QStringLiteral("on")); }
+    ~RepeatingKeys() { set(QStringLiteral("off")); }
+    RepeatingKeys(const RepeatingKeys &) = delete;
+    RepeatingKeys &operator=(const RepeatingKeys &) = delete;
+
+    static void set(const QString &to) { server().run(QStringLiteral("xset"), {QStringLiteral("r"), to}); }
+};
+
 class X11HotKeysTest : public testing::Test {
 protected:
     X11HotKeysTest()
@@ -181,6 +191,7 @@ TEST_F(X11HotKeysTest, a_combination_of_our_own_is_not_given_twice) {
 }
 
 TEST_F(X11HotKeysTest, a_key_held_down_is_one_press) {
+    const RepeatingKeys repeating;
     const auto micro = keys->registerKey(macB, 0, 1);
     ASSERT_TRUE(micro);
     server().xdotool({QStringLiteral("keydown"), QString::number(keyQ)});

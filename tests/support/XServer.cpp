@@ -86,12 +86,13 @@ QByteArray firstLine(QProcess &process) {
 
 XServer::XServer(QSize size) {
     const QString screen = QStringLiteral("%1x%2x24").arg(size.width()).arg(size.height());
-    // -noreset: otherwise the monitors vanish with the last client.
-    server_ = std::make_unique<ChildProcess>(QStringLiteral("Xvfb"),
-                                             QStringList{QStringLiteral("-displayfd"), QStringLiteral("1"),
-                                                         QStringLiteral("-screen"), QStringLiteral("0"),
-                                                         screen, QStringLiteral("-noreset"),
-                                                         QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+    // -noreset: otherwise the monitors vanish with the last client. -r: a key that comes up late does not
+    // repeat.
+    server_ = std::make_unique<ChildProcess>(
+        QStringLiteral("Xvfb"),
+        QStringList{QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                    QStringLiteral("0"), screen, QStringLiteral("-noreset"), QStringLiteral("-r"),
+                    QStringLiteral("-nolisten"), QStringLiteral("tcp")});
     display_ = ':' + firstLine(server_->process());
     if (display_.size() < 2)
         ADD_FAILURE() << "The X server did not start: "
