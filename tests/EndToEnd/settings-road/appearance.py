@@ -2,7 +2,8 @@
 
 import sys
 
-from driver import BUTTON, RADIO_BUTTON, Window, keys, wait_for
+from accessible import BUTTON, RADIO_BUTTON, wait_for
+from driver import Window, keys
 
 picture = sys.argv[1]
 window = Window()
@@ -30,9 +31,9 @@ window.walk(
 
 screen = page.card("Break screen")
 styles = ["Night", "Dusk", "Forest", "Ocean", "Sand", "Plain black"]
-assert [tile.name for tile in screen.all(RADIO_BUTTON)] == styles
+wait_for("all styles", lambda: [tile.name for tile in screen.all(RADIO_BUTTON)] == styles)
 chosen = lambda: [tile.name for tile in screen.all(RADIO_BUTTON) if tile.is_on]
-assert chosen() == ["Night"]
+wait_for("Night", lambda: chosen() == ["Night"])
 screen.find(RADIO_BUTTON, "Night").focus()
 keys("Right")
 wait_for("Dusk by the arrow key", lambda: chosen() == ["Dusk"])

@@ -2,10 +2,12 @@
 
 import sys
 
-from driver import Window, wait_for
+from accessible import application, wait_for
+from driver import Window
 
 window = Window()
+old = wait_for("the old version", application)
 updates = window.page("Advanced").card("Updates")
 updates.reads(f"Version {sys.argv[1]}", f"Version {sys.argv[2]} is available")
 updates.press("Install and restart")
-wait_for("the end of the old version", lambda: Window.application() is None)
+wait_for("the end of the old version", lambda: application() != old)

@@ -1,6 +1,7 @@
 """Every setting of the Pausing page; adds focus applications by name and by identifier, and removes one."""
 
-from driver import BUTTON, DIALOG, Window, keys, wait_for
+from accessible import BUTTON, DIALOG, wait_for
+from driver import Window, keys
 
 window = Window()
 page = window.page("Pausing")
@@ -47,7 +48,7 @@ focus.press("Choose app…", "Return")
 chooser = window.dialog("Choose an application")
 keys("Escape")
 wait_for("the sheet gone", lambda: not window.all(DIALOG))
-wait_for("the keyboard back", lambda: window.focused()[0] == ("Focus apps", "Choose app…"))
+window.keyboard_at("Focus apps", "Choose app…")
 focus.press("Choose app…", "space")
 chooser = window.dialog("Choose an application")
 chooser.type("Search", "quill")

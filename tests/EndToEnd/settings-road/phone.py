@@ -1,4 +1,8 @@
-"""Pairs a phone: refused, given up, done, undone and done again. The service that answers goes along."""
+"""Pairs a phone: refused, given up, done, undone and done again. The argument is the host and port of the
+service that answers."""
+
+import sys
+from http.client import HTTPConnection
 
 from driver import Window
 
@@ -29,6 +33,12 @@ def see_a_code(code):
     page.card("Pavonel for iPhone")
 
 
+def type_it_into_the_phone():
+    service = HTTPConnection(sys.argv[1])
+    service.request("POST", "/typed")
+    service.getresponse()
+
+
 def see_the_phone():
     page.card("Paired").reads("Your phone is connected", "When a break starts here, it starts there too.")
 
@@ -37,8 +47,10 @@ ask_for_a_code("The pairing service said no (503).")
 see_a_code("111111")
 page.press("Cancel", "space")
 see_a_code("222222")
+type_it_into_the_phone()
 see_the_phone()
 window.walk("iPhone", ("Paired", "Disconnect"))
 page.press("Disconnect", "Return")
 see_a_code("333333")
+type_it_into_the_phone()
 see_the_phone()
