@@ -176,6 +176,18 @@ TEST_P(WindowsUnderEveryManager, a_program_with_several_faces_is_known_by_the_cl
     EXPECT_TRUE(isFront(QStringLiteral("office-calc")));
 }
 
+TEST_F(X11WindowsTest, two_sandboxed_programs_with_the_same_process_number_are_told_apart) {
+    setMonitors(twoMonitors);
+    server().start(WindowManager::openbox);
+    XClient film(server().display());
+    const xcb_window_t window = film.open({1920, 0, 1600, 900}, Qt::black, XClient::Kind::fullscreen);
+    setProcess(window);
+    open({0, 0, 800, 600});
+    EXPECT_EQ(settledReason(), std::nullopt) << "the film is not in front";
+    film.activate(window);
+    EXPECT_TRUE(becomes(PauseReason::fullscreen));
+}
+
 TEST_F(X11WindowsTest, our_own_windows_never_count) {
     server().start(WindowManager::openbox);
     QWidget ours;

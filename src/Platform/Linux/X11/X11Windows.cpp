@@ -86,10 +86,20 @@ std::vector<OnScreenWindow> X11Windows::onScreen() {
         if (found == windows_.end())
             continue;
         const Window &window = found->second;
-        if (window.isOnScreen && window.layer && window.owner > 0 && window.owner != ::getpid())
+        if (window.isOnScreen && window.layer && window.owner > 0 && window.owner != ::getpid() &&
+            !isNamesakeOfFront(*found))
             result.push_back({window.owner, window.layer, pointsOfPixels(window.geometry)});
     }
     return result;
+}
+
+/// Each sandbox counts its processes anew, so many programs give the same low number. But what belongs to one
+/// program comes over one connection to the server, which is part of a window's number.
+bool X11Windows::isNamesakeOfFront(const std::pair<const xcb_window_t, Window> &entry) const {
+    const auto front = windows_.find(active_);
+    const std::uint32_t connection = ~xcb_get_setup(connection_->xcb())->resource_id_mask;
+    return front != windows_.end() && front->second.owner == entry.second.owner &&
+           (active_ & connection) != (entry.first & connection);
 }
 
 std::optional<FrontWindow> X11Windows::front() {

@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace pavonel {
@@ -27,7 +28,8 @@ public:
     ~X11Windows();
 
     /// Those that can be seen, from bottom to top, in points. Our own are left out, and so are those of
-    /// which it is not known which program of this machine owns them.
+    /// which it is not known which program of this machine owns them, or which only give the process number
+    /// of the program in front.
     std::vector<OnScreenWindow> onScreen();
 
     /// Absent also for one of our own windows.
@@ -53,6 +55,7 @@ private:
     bool update();
     void subscribe();
     void notice(const xcb_generic_event_t &event);
+    bool isNamesakeOfFront(const std::pair<const xcb_window_t, Window> &entry) const;
     bool isOneOf(std::span<const char *const> names, xcb_atom_t property) const;
     void readRoot();
     void readWindows();
