@@ -2,6 +2,7 @@
 
 #include "Platform/Platform.h"
 
+#include <QBackingStore>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -38,12 +39,13 @@ void OverlayWindow::setView(std::unique_ptr<BreakOverlayView> view) {
     view_->show();
 }
 
-void OverlayWindow::orderFront(WindowLayers &layers, const Screen &screen) {
+void OverlayWindow::orderFront(WindowLayers &layers, const Screen &screen, double opacity) {
     setWindowFlags(layers.windowFlags(WindowLayer::overlay));
     setGeometry(screen.frame.toRect());
-    if (layers.canBlend())
-        setWindowOpacity(0);
+    setWindowOpacity(opacity);
     winId();
+    // Now, for while the server takes over another window's painting it lets us wait for the memory.
+    backingStore()->resize(size());
     layers.assign(*windowHandle(), WindowLayer::overlay, screen);
     show();
 }
@@ -59,13 +61,12 @@ void OverlayWindow::resizeEvent(QResizeEvent *event) {
 }
 
 OverlayManager::Set::Set(Platform &platform)
-    : fade(*platform.mainLoop, *platform.appearance,
-           [this, &layers = *platform.windowLayers](double opacity) {
-               if (!layers.canBlend())
-                   return;
-               for (const auto &window : windows)
-                   window->setWindowOpacity(opacity);
-           }) {}
+    : fade(*platform.mainLoop, *platform.appearance, [this](double opacity) {
+          if (!blends)
+              return;
+          for (const auto &window : windows)
+              window->setWindowOpacity(opacity);
+      }) {}
 
 OverlayManager::OverlayManager(Platform &platform, BreakController &controller, Settings &settings,
                                HotKeyManager &hotKeys)
@@ -85,6 +86,7 @@ OverlayManager::~OverlayManager() {
 void OverlayManager::show() {
     if (!windows().empty())
         return;
+    current_->blends = platform_.windowLayers->canBlend();
     for (const Screen &screen : platform_.screens->all())
         build(screen);
     takeKeyboard();
@@ -96,7 +98,7 @@ void OverlayManager::show() {
 void OverlayManager::build(const Screen &screen) {
     const auto role = screen.isMain ? BreakOverlayView::Role::primary : BreakOverlayView::Role::secondary;
     auto window = std::make_unique<OverlayWindow>(screen, makeView(role));
-    window->orderFront(*platform_.windowLayers, screen);
+    window->orderFront(*platform_.windowLayers, screen, current_->blends ? 0 : 1);
     // When a screen goes, others can move.
     connect(window->screen(), &QScreen::geometryChanged, window.get(), [this] { followScreens(); });
     current_->windows.push_back(std::move(window));
@@ -153,10 +155,9 @@ void OverlayManager::hide() {
         return;
     leaving_.push_back(std::exchange(current_, std::make_unique<Set>(platform_)));
     Set *leaving = leaving_.back().get();
-    for (const auto &window : leaving->windows) {
-        window->setEnabled(false); // a late click must not end the next break
+    for (const auto &window : leaving->windows)
         window->view().freeze();
-    }
+    leaving->blends = platform_.windowLayers->canBlend();
     leaving->fade.to(0, fadeOut, [this, leaving] { letGo(leaving); });
 }
 

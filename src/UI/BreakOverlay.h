@@ -22,8 +22,8 @@ public:
     BreakOverlayView &view() const { return *view_; }
     void setView(std::unique_ptr<BreakOverlayView> view);
 
-    /// Shows it above everything, invisible at first where the desktop can blend.
-    void orderFront(WindowLayers &layers, const Screen &screen);
+    /// Shows it above everything.
+    void orderFront(WindowLayers &layers, const Screen &screen, double opacity);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -60,6 +60,7 @@ private:
 
         Windows windows;
         Fade fade;
+        bool blends = false; ///< Asked when a fade begins: each frame's question would wait for the server.
     };
 
     void build(const Screen &screen);

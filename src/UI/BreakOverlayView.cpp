@@ -46,6 +46,8 @@ double BreakOverlayView::progress() const {
 void BreakOverlayView::freeze() {
     observations_.clear();
     refresh();
+    if (skip_)
+        skip_->setEnabled(false); // a late click must not end the next break
 }
 
 BreakOverlayView::Content BreakOverlayView::content() const {

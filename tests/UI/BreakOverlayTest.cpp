@@ -1,9 +1,11 @@
 #include "UI/BreakOverlay.h"
 
 #include "UI/SkipButton.h"
+#include "support/PaintSpy.h"
 #include "support/Scenario.h"
 #include "support/windows.h"
 
+#include <QBackingStore>
 #include <QKeyEvent>
 #include <QScreen>
 
@@ -272,6 +274,32 @@ TEST_F(Overlay, a_click_on_windows_that_fade_out_does_not_end_the_next_break) {
     startBreak();
     click(*old);
     EXPECT_TRUE(isBreaking());
+}
+
+TEST_F(Overlay, a_screen_without_text_is_not_painted_again_when_it_fades_out) {
+    useThreeScreens();
+    startBreak();
+    QApplication::processEvents();
+    PaintSpy left(windows().front()->view());
+    PaintSpy right(windows().back()->view());
+    scenario.controller.endBreak(BreakController::Ending::cutShort);
+    QApplication::processEvents();
+    EXPECT_EQ(left.paints + right.paints, 0);
+}
+
+TEST_F(Overlay, every_window_has_its_memory_before_the_first_one_is_painted) {
+    useThreeScreens();
+    startBreak();
+    for (const auto &window : windows())
+        EXPECT_EQ(window->backingStore()->size(), window->size());
+}
+
+TEST_F(Overlay, the_frames_of_a_fade_ask_the_desktop_nothing) {
+    startBreak();
+    const int asked = scenario.platform.layers.blendQuestions;
+    scenario.platform.loop.advance(0.45);
+    EXPECT_EQ(windows().front()->windowOpacity(), 1);
+    EXPECT_EQ(scenario.platform.layers.blendQuestions, asked);
 }
 
 TEST_F(Overlay, a_break_cannot_be_closed_away) {

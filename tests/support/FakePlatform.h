@@ -151,6 +151,7 @@ struct FakeWindowLayers final : Limited<WindowLayers> {
     int keyboardTaken = 0;
     int keyboardYielded = 0;
     bool blends = true;
+    mutable int blendQuestions = 0;
     QRegion lastCut;
 
     Qt::WindowFlags windowFlags(WindowLayer layer) const override {
@@ -160,7 +161,10 @@ struct FakeWindowLayers final : Limited<WindowLayers> {
     void assign(QWindow &window, WindowLayer layer, const Screen &screen) override {
         assignments.push_back({&window, layer, screen});
     }
-    bool canBlend() const override { return blends; }
+    bool canBlend() const override {
+        ++blendQuestions;
+        return blends;
+    }
     void cutTo(QWindow &, const QRegion &pixels) override { lastCut = pixels; }
     void takeKeyboard(QWindow &) override { ++keyboardTaken; }
     void yieldKeyboard() override { ++keyboardYielded; }
