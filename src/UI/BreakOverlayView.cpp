@@ -77,23 +77,25 @@ void BreakOverlayView::refreshSoon() {
 void BreakOverlayView::refresh() {
     refreshPending_ = false;
     const Content before = std::exchange(shown_, content());
+    if (shown_.time != before.time)
+        update(breakScreen::timeRect(layout_.ring).toAlignedRect());
+    if (shown_.still != before.still) {
+        arrange();
+        update();
+    }
     if (shown_.progress != before.progress) {
         constexpr double halfPixel = 0.5;
         glide_.setSmallestStep(halfPixel / (ring::circumference() * devicePixelRatioF()));
         glide_.glideTo(shown_.progress);
     }
-    if (shown_.time != before.time)
-        update(breakScreen::timeRect(layout_.ring).toAlignedRect());
-    if (shown_.still == before.still)
-        return;
-    arrange();
-    update();
 }
+
+/// At once: to ask for it would wake the loop a second time in each frame.
 
 void BreakOverlayView::updateArc() {
     const QRectF changed = ring::changed(layout_.ring, drawnProgress_, glide_.reached());
     drawnProgress_ = glide_.reached();
-    update(changed.toAlignedRect());
+    repaint(changed.toAlignedRect());
 }
 
 void BreakOverlayView::arrange() {
@@ -141,13 +143,12 @@ void BreakOverlayView::paintEvent(QPaintEvent *event) {
 void BreakOverlayView::paintBackground(QPainter &painter) {
     const double ratio = painter.deviceTransform().m11(); // of the image too, when it is drawn into one
     const QImage &image = backgrounds_.image(size() * ratio);
-    painter.save();
     painter.scale(1 / ratio, 1 / ratio);
     if (image.isNull())
         painter.fillRect(QRect(QPoint(0, 0), size() * ratio), Qt::black);
     else
         painter.drawImage(QPoint(0, 0), image);
-    painter.restore();
+    painter.resetTransform();
 }
 
 } // namespace pavonel

@@ -14,6 +14,7 @@ namespace {
 constexpr double trackOpacity = 0.12;
 constexpr double arcOpacity = 0.85;
 constexpr double radius = (side - lineWidth) / 2;
+constexpr double antialiasing = 1; // how far beyond its edge a line is seen
 constexpr double fullTurn = 360;
 constexpr double twelve = 90; // o'clock, in degrees that grow anticlockwise from three o'clock
 
@@ -30,6 +31,14 @@ QPointF endOfArc(const QRectF &square, double progress) {
 
 QPen pen(double opacity, Qt::PenCapStyle cap) {
     return {QColor::fromRgbF(1, 1, 1, static_cast<float>(opacity)), lineWidth, Qt::SolidLine, cap};
+}
+
+/// Whether nothing of the line can be seen in the rectangle.
+bool liesWithinTheHole(const QRectF &rect, const QRectF &square) {
+    const QPointF middle = square.center();
+    const double farthest = std::hypot(std::max(middle.x() - rect.left(), rect.right() - middle.x()),
+                                       std::max(middle.y() - rect.top(), rect.bottom() - middle.y()));
+    return farthest < radius - lineWidth / 2 - antialiasing;
 }
 
 /// A part of the circle, as shares of the way around.
@@ -66,17 +75,17 @@ double circumference() {
 }
 
 void paint(QPainter &painter, const QRectF &square, double progress, const QRectF &due) {
+    if (liesWithinTheHole(due, square))
+        return;
     const Span seen = touched(square, due);
-    painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     strokeArc(painter, square, seen, pen(trackOpacity, Qt::FlatCap));
     if (progress > seen.from)
         strokeArc(painter, square, {seen.from, std::min(progress, seen.to)}, pen(arcOpacity, Qt::RoundCap));
-    painter.restore();
+    painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
 QRectF changed(const QRectF &square, double from, double to) {
-    constexpr double antialiasing = 1;
     constexpr double shortMove = 1.0 / 16; // its bulge stays within the line's own width
     if (std::abs(to - from) > shortMove)
         return square.adjusted(-antialiasing, -antialiasing, antialiasing, antialiasing);

@@ -9,8 +9,9 @@ namespace pavonel {
 namespace {
 
 constexpr Seconds glide = 1;
-/// In a micro break the end moves by about a pixel a frame then. More frames cost twice as much, unseen.
-constexpr Seconds shortestFrame = 1.0 / 30;
+/// The eye gathers light for about as long. In a micro break of 20 s the end moves by a pixel and a half in
+/// it, a quarter of the line's width: steps that still run together.
+constexpr Seconds shortestFrame = 1.0 / 25;
 
 } // namespace
 

@@ -2,13 +2,15 @@
 
 #include "UI/BackgroundImage.h"
 #include "UI/Backgrounds.h"
+#include "UI/BreakScreenText.h"
 #include "UI/Ring.h"
 #include "UI/SkipButton.h"
 #include "UI/Theme.h"
+#include "support/PaintSpy.h"
 #include "support/Scenario.h"
 #include "support/windows.h"
 
-#include <QPaintEvent>
+#include <QPainter>
 
 #include <limits>
 
@@ -20,23 +22,6 @@ namespace {
 
 constexpr QSize screen(1920, 1080);
 constexpr int plainBlack = 5;
-
-/// Notes what is painted again.
-class PaintSpy final : public QObject {
-public:
-    explicit PaintSpy(QWidget &watched) { watched.installEventFilter(this); }
-
-    bool eventFilter(QObject *watched, QEvent *event) override {
-        if (event->type() == QEvent::Paint) {
-            region += static_cast<QPaintEvent *>(event)->region();
-            ++paints;
-        }
-        return QObject::eventFilter(watched, event);
-    }
-
-    QRegion region;
-    int paints = 0;
-};
 
 class BreakScreen : public ::testing::Test {
 protected:
@@ -177,10 +162,12 @@ TEST_F(BreakScreen, with_reduced_motion_the_arc_steps) {
     scenario.settings.backgroundStyle = plainBlack;
     startBreak(4);
     show();
-    scenario.advance(2);
-    PaintSpy spy(*view);
+    scenario.advance(1);
     paintDue();
-    EXPECT_EQ(spy.paints, 1);
+    PaintSpy spy(*view);
+    scenario.advance(1);
+    paintDue();
+    EXPECT_EQ(spy.paints, 1) << "the arc and the time together";
     scenario.platform.loop.advance(0.9);
     paintDue();
     EXPECT_EQ(spy.paints, 1);
@@ -200,6 +187,27 @@ TEST_F(BreakScreen, while_the_arc_glides_only_a_piece_of_the_ring_is_painted) {
     const QRectF ring = ringRect().adjusted(-1, -1, 1, 1);
     EXPECT_TRUE(ring.contains(spy.region.boundingRect()));
     EXPECT_LT(spy.region.boundingRect().width(), 50) << "the end of the arc, not the ring";
+}
+
+TEST_F(BreakScreen, a_frame_of_the_arc_is_painted_in_the_wake_up_that_brings_it) {
+    startBreak(20);
+    show();
+    scenario.advance(3);
+    paintDue();
+    PaintSpy spy(*view);
+    scenario.platform.loop.advance(0.1);
+    EXPECT_GT(spy.paints, 0);
+}
+
+TEST_F(BreakScreen, the_time_changes_without_the_ring_being_drawn) {
+    startBreak(20);
+    show();
+    QImage image(screen, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    const QImage untouched = image.copy();
+    QPainter painter(&image);
+    ring::paint(painter, ringRect(), 0.5, breakScreen::timeRect(ringRect()).toAlignedRect());
+    EXPECT_EQ(image, untouched);
 }
 
 TEST_F(BreakScreen, the_pieces_add_up_to_what_a_whole_painting_shows) {
