@@ -268,6 +268,74 @@ TEST_F(SettingsPopUp, is_operated_by_keys_alone) {
     EXPECT_EQ(chosen.back(), u"Submarine"_s);
 }
 
+TEST_F(SettingsPopUp, finds_a_choice_by_what_is_typed_in_one_go) {
+    PopUpButton minutes(look, u"Minute"_s, {u"00"_s, u"05"_s, u"10"_s, u"50"_s});
+    minutes.click();
+    QWidget *list = QApplication::activePopupWidget();
+    const auto lit = [&] { return dynamic_cast<PopUpItem *>(list->focusWidget())->text(); };
+    press(*list, Qt::Key_0, u"0"_s);
+    EXPECT_EQ(lit(), u"00"_s);
+    press(*list, Qt::Key_5, u"5"_s);
+    EXPECT_EQ(lit(), u"05"_s);
+    press(*list, Qt::Key_1, u"1"_s);
+    EXPECT_EQ(lit(), u"10"_s) << "nothing begins with all three";
+    platform.loop.advance(2);
+    press(*list, Qt::Key_0, u"0"_s);
+    EXPECT_EQ(lit(), u"00"_s) << "begun again after a pause";
+    list->close();
+}
+
+TEST_F(SettingsPopUp, opens_with_the_choice_that_holds_over_the_button) {
+    QStringList hours;
+    for (int hour = 0; hour < 24; ++hour)
+        hours.append(QString::number(hour));
+    PopUpButton many(look, u"Hour"_s, hours); // more than the list is high
+    many.resize(many.sizeHint());
+    const auto middle = [](const QWidget &widget) {
+        return widget.mapToGlobal(QPointF(0, widget.height() / 2.0)).y();
+    };
+    const auto expectOver = [&](PopUpButton &opened, const QString &choice) {
+        opened.move(300, 380); // in the middle of the screen
+        opened.show();
+        opened.setChoice(choice);
+        opened.click();
+        QWidget *list = QApplication::activePopupWidget();
+        ASSERT_NE(list, nullptr);
+        QApplication::processEvents();
+        EXPECT_NEAR(middle(*list->focusWidget()), middle(opened), 1) << qPrintable(choice);
+        list->close();
+    };
+    for (const auto &choice : {u"None"_s, u"Glass"_s, u"Submarine"_s})
+        expectOver(button, choice);
+    for (const auto &hour : {u"8"_s, u"12"_s, u"15"_s})
+        expectOver(many, hour);
+}
+
+TEST_F(SettingsPopUp, opens_on_the_screen_however_near_its_edge) {
+    const QRect screen = button.screen()->availableGeometry();
+    for (const QPoint place : {screen.topLeft(), screen.bottomRight()}) {
+        button.move(place - QPoint(4, 4));
+        button.click();
+        QWidget *list = QApplication::activePopupWidget();
+        ASSERT_NE(list, nullptr);
+        for (const PopUpItem *item : items())
+            EXPECT_TRUE(screen.contains(QRect(item->mapToGlobal(QPoint(0, 0)), item->size())));
+        list->close();
+    }
+}
+
+TEST_F(SettingsPopUp, lights_a_choice_below_a_pointer_that_moves_and_not_below_one_at_rest) {
+    button.click();
+    PopUpItem *other = items()[0];
+    QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), other->mapToGlobal(QPointF(5, 5)));
+    QApplication::sendEvent(other, &enter);
+    EXPECT_FALSE(other->hasFocus());
+    QMouseEvent moves(QEvent::MouseMove, QPointF(6, 5), other->mapToGlobal(QPointF(6, 5)), Qt::NoButton,
+                      Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(other, &moves);
+    EXPECT_EQ(QApplication::activePopupWidget()->focusWidget(), other);
+}
+
 TEST_F(SettingsPopUp, escape_leaves_the_choice_as_it_was) {
     button.click();
     press(*QApplication::activePopupWidget(), Qt::Key_Escape);

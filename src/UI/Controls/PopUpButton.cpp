@@ -119,8 +119,8 @@ void PopUpButton::open() {
     list_ = new PopUpList(look_, choices_, choice_, this);
     list_->setAccessibleName(accessibleName());
     list_->onChoice = [this](const QString &choice) { choose(choice); };
-    list_->openAt(QRect(mapToGlobal(QPoint(0, 0)), size())
-                      .marginsRemoved({FocusRing::room, FocusRing::room, FocusRing::room, FocusRing::room}));
+    constexpr int room = FocusRing::room;
+    list_->openOver(QRect(mapToGlobal(QPoint(room, room)), size() - QSize(2, 2) * room), padding);
 }
 
 QSize PopUpButton::sizeHint() const {

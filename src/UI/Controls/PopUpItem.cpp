@@ -12,7 +12,6 @@ namespace pavonel {
 namespace {
 
 constexpr int itemHeight = 28;
-constexpr int left = 28; // with the tick's room
 constexpr int right = 14;
 
 void drawTick(QPainter &painter, const QPointF &centre, const QColor &ink) {
@@ -28,12 +27,13 @@ PopUpItem::PopUpItem(Look &look, const QString &text, Mark mark) : look_(look), 
     setText(text);
     setFont(look.font(13));
     setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 QSize PopUpItem::sizeHint() const {
     const double text = QFontMetricsF(font()).horizontalAdvance(QAbstractButton::text());
-    return {static_cast<int>(std::ceil(text)) + left + right, look_.lineHeight(itemHeight)};
+    return {static_cast<int>(std::ceil(text)) + textInset + right, look_.lineHeight(itemHeight)};
 }
 
 void PopUpItem::paintEvent(QPaintEvent *) {
@@ -48,14 +48,16 @@ void PopUpItem::paintEvent(QPaintEvent *) {
         ink = palette.onAccent;
     }
     if (isCurrent())
-        drawTick(painter, {left / 2.0, height() / 2.0}, ink);
+        drawTick(painter, {textInset / 2.0, height() / 2.0}, ink);
     painter.setPen(ink);
-    painter.drawText(rect().adjusted(left, 0, -right, 0), Qt::AlignVCenter | Qt::AlignLeft, text());
+    painter.drawText(rect().adjusted(textInset, 0, -right, 0), Qt::AlignVCenter | Qt::AlignLeft, text());
 }
 
-void PopUpItem::enterEvent(QEnterEvent *event) {
-    setFocus(Qt::MouseFocusReason);
-    QAbstractButton::enterEvent(event);
+/// Not as the list opens or scrolls below a pointer at rest.
+void PopUpItem::mouseMoveEvent(QMouseEvent *event) {
+    if (!hasFocus())
+        setFocus(Qt::MouseFocusReason);
+    QAbstractButton::mouseMoveEvent(event);
 }
 
 QAccessibleInterface *PopUpItem::makeAccessible() {

@@ -7,10 +7,13 @@
 
 namespace pavonel {
 
-/// One choice of a pop-up list. The one that has the keyboard is lit, and the pointer gives it the keyboard.
+/// One choice of a pop-up list. The one that has the keyboard is lit, and a pointer that moves gives it the
+/// keyboard.
 class PopUpItem : public QAbstractButton, public AccessibleControl {
 public:
     enum class Mark { none, current };
+
+    static constexpr int textInset = 28; ///< With the tick's room.
 
     PopUpItem(Look &look, const QString &text, Mark mark);
 
@@ -21,7 +24,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
-    void enterEvent(QEnterEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
 
 private:
     Look &look_;

@@ -10,6 +10,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -19,10 +20,15 @@ namespace pavonel {
 namespace {
 
 constexpr int padding = 5;
-constexpr int distance = 4; // from the button
 constexpr int tallest = 440;
 constexpr int halo = 22; // the shadow around it, where windows are blended
 constexpr double radius = 10;
+constexpr Seconds pauseInTyping = 1;
+
+/// Where there is no such place, the first one.
+int within(int first, int last, int place) {
+    return std::max(first, std::min(last, place));
+}
 
 /// Soft, and a little below.
 void drawShadow(QPainter &painter, const QRectF &body) {
@@ -66,25 +72,27 @@ int PopUpList::edge() const {
     return testAttribute(Qt::WA_TranslucentBackground) ? halo : 0;
 }
 
-void PopUpList::openAt(const QRect &button) {
+void PopUpList::openOver(const QRect &button, int textInset) {
     const QRect screen = parentWidget()->screen()->availableGeometry();
-    const int below = screen.bottom() - button.bottom() - distance;
-    const int above = button.top() - screen.top() - distance;
-    const bool down = below >= height() || below >= above;
-    const int tall = std::min(height(), std::max(down ? below : above, 60));
-    const int wide = std::max(width(), button.width());
-    const int left = std::clamp(button.right() + 1 - wide, screen.left(),
-                                std::max(screen.left(), screen.right() + 1 - wide));
-    const QRect body(left, down ? button.bottom() + 1 + distance : button.top() - distance - tall, wide,
-                     tall);
-    setGeometry(body.adjusted(-edge(), -edge(), edge(), edge()));
-    show();
     const auto current =
         std::find_if(items_.begin(), items_.end(), [](auto *item) { return item->isCurrent(); });
+    const auto index = static_cast<int>(current == items_.end() ? 0 : current - items_.begin());
+    const int itemHeight = items_.empty() ? 0 : items_.front()->sizeHint().height();
+    const int aside = padding + PopUpItem::textInset - textInset;
+    const QSize size(std::max(width(), button.width() + aside), std::min(height(), screen.height()));
+    const int shown = size.height() - 2 * padding;
+    const int hidden = std::max(0, static_cast<int>(items_.size()) * itemHeight - shown);
+    const int scrolled = std::clamp(index * itemHeight + (itemHeight - shown) / 2, 0, hidden);
+    const int top =
+        button.top() + (button.height() - itemHeight) / 2 - (index * itemHeight - scrolled) - padding;
+    const QRect body(within(screen.left(), screen.right() + 1 - size.width(), button.left() - aside),
+                     within(screen.top(), screen.bottom() + 1 - size.height(), top), size.width(),
+                     size.height());
+    setGeometry(body.adjusted(-edge(), -edge(), edge(), edge()));
+    show();
     if (!items_.empty())
-        (current == items_.end() ? items_.front() : *current)->setFocus(Qt::PopupFocusReason);
-    if (QWidget *lit = focusWidget())
-        findChild<QScrollArea *>()->ensureWidgetVisible(lit, 0, 0);
+        items_[static_cast<std::size_t>(index)]->setFocus(Qt::PopupFocusReason);
+    findChild<QScrollArea *>()->verticalScrollBar()->setValue(scrolled);
 }
 
 void PopUpList::take(const QString &choice) {
@@ -105,11 +113,21 @@ void PopUpList::move(int by) {
     findChild<QScrollArea *>()->ensureWidgetVisible(focusWidget(), 0, 0);
 }
 
-void PopUpList::moveTo(const QString &beginning) {
-    for (PopUpItem *item : items_) {
-        if (item->text().startsWith(beginning, Qt::CaseInsensitive))
-            return item->setFocus(Qt::TabFocusReason);
-    }
+bool PopUpList::moveTo(const QString &beginning) {
+    const auto found = std::find_if(items_.begin(), items_.end(), [&](const PopUpItem *item) {
+        return item->text().startsWith(beginning, Qt::CaseInsensitive);
+    });
+    if (found == items_.end())
+        return false;
+    (*found)->setFocus(Qt::TabFocusReason);
+    return true;
+}
+
+void PopUpList::type(const QString &text) {
+    typed_ += text;
+    if (!moveTo(typed_))
+        moveTo(typed_ = text);
+    pause_ = look_.loop().after(pauseInTyping, [this] { typed_.clear(); });
 }
 
 void PopUpList::keyPressEvent(QKeyEvent *event) {
@@ -133,7 +151,7 @@ void PopUpList::keyPressEvent(QKeyEvent *event) {
         return;
     default:
         if (!event->text().trimmed().isEmpty())
-            moveTo(event->text());
+            type(event->text());
     }
 }
 

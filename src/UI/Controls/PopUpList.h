@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/MainLoop.h"
 #include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Look.h"
 
@@ -20,8 +21,9 @@ public:
 
     std::function<void(const QString &)> onChoice;
 
-    /// Below `button`, a rectangle on the desktop, or above it where there is more room.
-    void openAt(const QRect &button);
+    /// Over `button`, a rectangle on the desktop: the current item lies on it, with its text `textInset`
+    /// points from its left edge, as far as the screen goes.
+    void openOver(const QRect &button, int textInset);
 
     QAccessibleInterface *makeAccessible() override;
 
@@ -34,10 +36,13 @@ private:
     int edge() const; ///< Of the window around the list.
     void take(const QString &choice);
     void move(int by);
-    void moveTo(const QString &beginning);
+    bool moveTo(const QString &beginning);
+    void type(const QString &text);
 
     Look &look_;
     std::vector<PopUpItem *> items_;
+    QString typed_; ///< In one go.
+    TimerHandle pause_;
 };
 
 } // namespace pavonel
