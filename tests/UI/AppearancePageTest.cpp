@@ -96,6 +96,14 @@ TEST_F(AppearancePage, chooses_a_style_by_the_keyboard) {
     EXPECT_EQ(open.settings.backgroundStyle, 1);
 }
 
+TEST_F(AppearancePage, shows_which_style_has_the_keyboard_also_on_the_chosen_one) {
+    show();
+    const QImage chosen = style(u"Night"_s)->grab().toImage();
+    QFocusEvent focus(QEvent::FocusIn, Qt::TabFocusReason);
+    QApplication::sendEvent(style(u"Night"_s), &focus);
+    EXPECT_NE(style(u"Night"_s)->grab().toImage(), chosen);
+}
+
 TEST_F(AppearancePage, previews_the_break_screen_with_the_style) {
     show();
     auto *preview = open.widget<BreakPreview>(QAccessible::Graphic, u"Preview of the break screen"_s);

@@ -61,9 +61,22 @@ void StyleTile::paintEvent(QPaintEvent *) {
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(place.adjusted(-out, -out, out, out), radius + out, radius + out);
     }
+    paintName(painter, {0, place.bottom() + aboveName, static_cast<double>(width()),
+                        height() - place.bottom() - aboveName});
+}
+
+/// The chosen tile has a ring already: what tells that it has the keyboard is its name.
+void StyleTile::paintName(QPainter &painter, const QRectF &line) const {
+    const Palette &palette = look_.palette();
     painter.setPen(isChecked() || underMouse() ? palette.text : palette.secondaryText);
-    painter.drawText(QRectF(0, place.bottom() + aboveName, width(), height() - place.bottom() - aboveName),
-                     Qt::AlignHCenter | Qt::AlignTop, text());
+    if (ring_.isShown()) {
+        constexpr double around = 6;
+        const double half = QFontMetricsF(font()).horizontalAdvance(text()) / 2 + around;
+        drawBody(painter, {line.center().x() - half, line.top(), 2 * half, line.height()}, 4, palette.accent,
+                 Qt::transparent);
+        painter.setPen(palette.onAccent);
+    }
+    painter.drawText(line, Qt::AlignHCenter | Qt::AlignTop, text());
 }
 
 } // namespace pavonel

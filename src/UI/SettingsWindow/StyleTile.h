@@ -24,6 +24,7 @@ protected:
 private:
     QSize swatchSize() const;
     QRectF swatch() const;
+    void paintName(QPainter &painter, const QRectF &line) const;
 
     const Background &theme_;
     QImage gradient_;
