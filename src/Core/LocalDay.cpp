@@ -115,14 +115,6 @@ std::optional<double> ZonedDate::endOfGap(double wall) const {
     return {};
 }
 
-std::optional<Instant> startOfDay(QDate date, const QTimeZone &zone) {
-    return clockTimeOn(date, QTime(0, 0), zone);
-}
-
-std::optional<Instant> clockTimeOn(QDate date, QTime time, const QTimeZone &zone) {
-    return ZonedDate(date, zone).at(time);
-}
-
 LocalDay LocalDay::containing(Instant instant, const QTimeZone &zone) {
     const QDate date = dateOf(instant, zone);
     const double seconds = sinceEpoch(instant);

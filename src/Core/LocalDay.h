@@ -38,13 +38,6 @@ private:
     std::vector<Span> spans_; ///< Around this date, each up to the next one.
 };
 
-/// The first instant of a date. Where midnight does not exist that day, the first time that does. Absent for
-/// a date that a zone left out altogether.
-std::optional<Instant> startOfDay(QDate date, const QTimeZone &zone);
-
-/// See `ZonedDate::at`.
-std::optional<Instant> clockTimeOn(QDate date, QTime time, const QTimeZone &zone);
-
 /// A span of instants without a break that have the same date. It is the whole day, but for a day that begins
 /// twice because its first minutes are repeated.
 struct LocalDay {

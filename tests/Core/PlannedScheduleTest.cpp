@@ -47,7 +47,7 @@ private:
             const QDate date = dateOf(now, zone).addDays(offset);
             if (!record.weekdays.contains(date.dayOfWeek() % 7 + 1))
                 continue;
-            auto fires = clockTimeOn(date, QTime(record.hour, record.minute), zone);
+            auto fires = ZonedDate(date, zone).at(QTime(record.hour, record.minute));
             if (!fires)
                 continue;
             const auto handled = handled_.find(record.id);
@@ -254,7 +254,7 @@ TEST(PlannedSchedule, the_earlier_of_two_at_once_comes_first_whatever_became_of_
         record.weekdays = {1, 2, 3, 4, 5, 6, 7};
     PlannedSchedule schedule;
     const QTimeZone utc = QTimeZone::utc();
-    const Instant morning = startOfDay(QDate(2026, 3, 2), utc).value();
+    const Instant morning = ZonedDate(QDate(2026, 3, 2), utc).at(QTime(0, 0)).value();
     const LocalDay today = LocalDay::containing(morning, utc);
     EXPECT_EQ(schedule.upcoming(records, morning, today)->record.id, records[0].id);
     schedule.markHandled(records[0].id, schedule.upcoming(records, morning, today)->fires);

@@ -149,8 +149,7 @@ TEST_F(X11WindowLayersTest, a_monitor_may_go_during_a_break) {
 TEST_F(X11WindowLayersTest, windows_are_known_by_the_programs_name) {
     const auto overlays = showOverlays();
     ASSERT_TRUE(becomesTop(*overlays[0]));
-    EXPECT_EQ(X11Connection::open(server().display())->bytes(overlays[0]->id(), "WM_CLASS"),
-              QByteArray("pavonel\0pavonel\0", 16));
+    EXPECT_EQ(other.bytes(overlays[0]->id(), "WM_CLASS"), QByteArray("pavonel\0pavonel\0", 16));
 }
 
 TEST_F(X11WindowLayersTest, a_client_that_dies_during_a_break_does_no_harm) {

@@ -42,7 +42,7 @@ PlannedBreaks twentyRecords() {
 }
 
 Instant startOf(const NightShifts &shifts, int night, const QTimeZone &zone) {
-    return clockTimeOn(shifts.first.addDays(night), startOfShift, zone).value();
+    return ZonedDate(shifts.first.addDays(night), zone).at(startOfShift).value();
 }
 
 void add(Day &sum, const Day &day) {
@@ -73,7 +73,7 @@ public:
             const Instant start = startOf(shifts_, night, zone_);
             const QDate evening = shifts_.first.addDays(night);
             const QDate morning = evening.addDays(1);
-            const Instant midnight = startOfDay(morning, zone_).value();
+            const Instant midnight = ZonedDate(morning, zone_).at(QTime(0, 0)).value();
             for (int second = 1; second <= NightShifts::secondsOfShift; ++second) {
                 const Instant now = start + second;
                 today_ = now < midnight ? evening : morning;
@@ -94,7 +94,7 @@ private:
         const PlannedBreak &record = records_[index];
         if (!record.enabled || !record.weekdays.contains(date.dayOfWeek() % 7 + 1))
             return;
-        const auto fires = clockTimeOn(date, QTime(record.hour, record.minute), zone_);
+        const auto fires = ZonedDate(date, zone_).at(QTime(record.hour, record.minute));
         occurrences_.push_back({fires.value(), date, index});
     }
 

@@ -196,6 +196,16 @@ xcb_window_t XClient::activeWindow() {
     return *static_cast<const xcb_window_t *>(xcb_get_property_value(reply.get()));
 }
 
+QByteArray XClient::bytes(xcb_window_t window, const char *property) {
+    const auto cookie =
+        xcb_get_property(connection_, 0, window, atom(property), XCB_GET_PROPERTY_TYPE_ANY, 0, 1024);
+    const auto reply = owned(xcb_get_property_reply(connection_, cookie, nullptr));
+    if (!reply || reply->format != 8)
+        return {};
+    return {static_cast<const char *>(xcb_get_property_value(reply.get())),
+            xcb_get_property_value_length(reply.get())};
+}
+
 int XClient::keyPresses() {
     readEvents();
     return keyPresses_;

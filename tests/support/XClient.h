@@ -60,6 +60,9 @@ public:
     std::optional<QRect> geometry(xcb_window_t window);
     xcb_window_t activeWindow();
 
+    /// A property of bytes, such as WM_CLASS; empty when it is missing or of another kind.
+    QByteArray bytes(xcb_window_t window, const char *property);
+
     /// How often this client's windows saw a key go down, so far.
     int keyPresses();
 

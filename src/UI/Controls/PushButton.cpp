@@ -28,11 +28,6 @@ PushButton *PushButton::round(const QString &symbol, int diameter, const QString
     return button;
 }
 
-void PushButton::setColours(const ButtonColours &colours) {
-    colours_ = colours;
-    update();
-}
-
 QSize PushButton::sizeHint() const {
     if (!symbol_.isEmpty())
         return {shape_.height, shape_.height};

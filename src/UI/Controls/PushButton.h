@@ -24,8 +24,6 @@ public:
     static PushButton *round(const QString &symbol, int diameter, const QString &name,
                              const ButtonColours &colours, QWidget *parent);
 
-    void setColours(const ButtonColours &colours);
-
     QSize sizeHint() const override;
 
 protected:

@@ -37,12 +37,4 @@ const PageEntry &entryOf(Page page) {
     return found == pages.end() ? pages.front() : *found;
 }
 
-std::optional<Page> pageNamed(const QString &id) {
-    for (const PageEntry &entry : allPages()) {
-        if (entry.id == id)
-            return entry.page;
-    }
-    return {};
-}
-
 } // namespace pavonel

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-#include <optional>
+#include <vector>
 
 namespace pavonel {
 
@@ -27,8 +27,5 @@ struct PageEntry {
 const std::vector<PageEntry> &allPages();
 
 const PageEntry &entryOf(Page page);
-
-/// Exact match of a case's name; any other text yields nothing.
-std::optional<Page> pageNamed(const QString &id);
 
 } // namespace pavonel

@@ -2,7 +2,6 @@
 
 #include <QAbstractEventDispatcher>
 
-#include <algorithm>
 #include <utility>
 
 namespace pavonel {
@@ -59,32 +58,20 @@ xcb_atom_t X11Connection::atom(const char *name) {
     return reply->atom;
 }
 
-XReply<xcb_get_property_reply_t> X11Connection::property(xcb_window_t window, const char *name) {
+std::vector<std::uint32_t> X11Connection::numbers(xcb_window_t window, const char *property) {
     constexpr std::uint32_t longest = 1 << 16; // in items of four bytes: more windows than anybody opens
     const auto cookie =
-        xcb_get_property(connection_, 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, longest);
-    return XReply<xcb_get_property_reply_t>(xcb_get_property_reply(connection_, cookie, nullptr));
-}
-
-std::vector<std::uint32_t> X11Connection::numbers(xcb_window_t window, const char *name) {
-    const auto reply = property(window, name);
+        xcb_get_property(connection_, 0, window, atom(property), XCB_GET_PROPERTY_TYPE_ANY, 0, longest);
+    const XReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection_, cookie, nullptr));
     if (!reply || reply->format != 32)
         return {};
     const auto *items = static_cast<const std::uint32_t *>(xcb_get_property_value(reply.get()));
     return {items, items + xcb_get_property_value_length(reply.get()) / 4};
 }
 
-std::uint32_t X11Connection::number(xcb_window_t window, const char *name) {
-    const auto items = numbers(window, name);
+std::uint32_t X11Connection::number(xcb_window_t window, const char *property) {
+    const auto items = numbers(window, property);
     return items.empty() ? 0 : items.front();
-}
-
-QByteArray X11Connection::bytes(xcb_window_t window, const char *name) {
-    const auto reply = property(window, name);
-    if (!reply || reply->format != 8)
-        return {};
-    return {static_cast<const char *>(xcb_get_property_value(reply.get())),
-            xcb_get_property_value_length(reply.get())};
 }
 
 /// A manager that ended leaves its mark on the root window behind, but not on its own.
@@ -94,29 +81,13 @@ xcb_window_t X11Connection::windowManager() {
     return window && number(window, mark) == window ? window : xcb_window_t{XCB_WINDOW_NONE};
 }
 
-template <class Value>
-X11Connection::SubscriptionHandle X11Connection::add(const std::shared_ptr<Registry<Value>> &registry,
-                                                     Value value) {
-    const std::uint64_t id = ++registry->lastId;
-    registry->entries.emplace(id, std::make_shared<Value>(std::move(value)));
-    return std::make_unique<Subscription>([registry, id] { registry->entries.erase(id); });
-}
-
-/// A listener may end its own subscription, or another one, while it is called.
-template <class Value>
-std::vector<std::weak_ptr<Value>> X11Connection::current(const Registry<Value> &registry) {
-    std::vector<std::weak_ptr<Value>> values;
-    for (const auto &[id, value] : registry.entries)
-        values.push_back(value);
-    return values;
-}
-
 X11Connection::SubscriptionHandle X11Connection::listen(Listener listener) {
-    return add(listeners_, std::move(listener));
-}
-
-X11Connection::SubscriptionHandle X11Connection::onLost(std::function<void()> lost) {
-    return add(lossListeners_, std::move(lost));
+    auto entry = std::make_shared<Listener>(std::move(listener));
+    listeners_.push_back(entry);
+    return std::make_unique<Subscription>([weak = weak_from_this(), entry] {
+        if (const auto self = weak.lock())
+            std::erase(self->listeners_, entry);
+    });
 }
 
 X11Connection::SubscriptionHandle X11Connection::watch(xcb_window_t window, std::uint32_t mask) {
@@ -151,22 +122,16 @@ void X11Connection::dispatch(Poll poll) {
     while (const XReply<xcb_generic_event_t> event{poll(connection_)}) {
         if (event->response_type == 0)
             continue; // an error: some window went away under our hands
-        for (const auto &weak : current(*listeners_)) {
+        // A listener may end its own subscription, or another one, while it is called.
+        const std::vector<std::weak_ptr<Listener>> current(listeners_.begin(), listeners_.end());
+        for (const auto &weak : current) {
             if (const auto listener = weak.lock())
                 (*listener)(*event);
         }
     }
     xcb_flush(connection_);
     if (xcb_connection_has_error(connection_))
-        noticeLoss();
-}
-
-void X11Connection::noticeLoss() {
-    notifier_.setEnabled(false);
-    for (const auto &weak : current(*lossListeners_)) {
-        if (const auto lost = weak.lock())
-            (*lost)();
-    }
+        notifier_.setEnabled(false);
 }
 
 } // namespace pavonel

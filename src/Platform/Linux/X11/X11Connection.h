@@ -2,9 +2,7 @@
 
 #include <QByteArray>
 #include <QMetaObject>
-#include <QObject>
 #include <QSocketNotifier>
-#include <QString>
 
 #include <cstdint>
 #include <cstdlib>
@@ -57,9 +55,6 @@ public:
     /// The first item of such a property, 0 when there is none.
     std::uint32_t number(xcb_window_t window, const char *property);
 
-    /// A property of bytes, such as WM_CLASS; empty when it is missing or of another kind.
-    QByteArray bytes(xcb_window_t window, const char *property);
-
     /// The window by which the running window manager can be known; XCB_WINDOW_NONE where there is none.
     xcb_window_t windowManager();
 
@@ -83,31 +78,20 @@ public:
     /// Selects events of a window (a mask of XCB_EVENT_MASK_…) in addition to what others selected there.
     [[nodiscard]] SubscriptionHandle watch(xcb_window_t window, std::uint32_t mask);
 
-    /// `lost` runs once, on the main thread, when the server is gone.
-    [[nodiscard]] SubscriptionHandle onLost(std::function<void()> lost);
-
     /// Sends what was asked so far; done anyway before the main loop sleeps.
     void flush();
 
 private:
     X11Connection(xcb_connection_t *connection, int screenNumber);
 
-    XReply<xcb_get_property_reply_t> property(xcb_window_t window, const char *name);
     using Poll = xcb_generic_event_t *(*)(xcb_connection_t *);
     void dispatch(Poll poll);
     void select(xcb_window_t window);
-    void noticeLoss();
 
-    template <class Value> struct Registry {
-        std::map<std::uint64_t, std::shared_ptr<Value>> entries;
-        std::uint64_t lastId = 0;
-    };
     struct WatchedWindow {
         xcb_window_t window;
         std::uint32_t mask;
     };
-    template <class Value> static SubscriptionHandle add(const std::shared_ptr<Registry<Value>> &, Value);
-    template <class Value> static std::vector<std::weak_ptr<Value>> current(const Registry<Value> &);
 
     xcb_connection_t *connection_;
     int screenNumber_;
@@ -115,9 +99,7 @@ private:
     QSocketNotifier notifier_;
     QMetaObject::Connection beforeSleep_;
     std::map<QByteArray, xcb_atom_t> atoms_;
-    std::shared_ptr<Registry<Listener>> listeners_ = std::make_shared<Registry<Listener>>();
-    std::shared_ptr<Registry<std::function<void()>>> lossListeners_ =
-        std::make_shared<Registry<std::function<void()>>>();
+    std::vector<std::shared_ptr<Listener>> listeners_;
     std::vector<std::shared_ptr<WatchedWindow>> watched_;
 };
 
