@@ -3,8 +3,6 @@
 // A process of its own, because reaching a sound server can take long, can hang, and fills memory that a
 // program in the tray should not keep. Whatever goes wrong, nothing is heard and that is all.
 
-#include <csignal>
-
 #include <canberra.h>
 #include <semaphore.h>
 #include <unistd.h>

@@ -4,7 +4,6 @@
 
 #include <QJsonDocument>
 
-#include <cmath>
 #include <cstdlib>
 #include <utility>
 

@@ -1,7 +1,6 @@
 #include "Core/PlannedSchedule.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 
 namespace pavonel {

@@ -3,7 +3,6 @@
 #include <QRectF>
 #include <QString>
 
-#include <functional>
 #include <vector>
 
 namespace pavonel {

@@ -3,7 +3,6 @@
 #include "Platform/Service.h"
 
 #include <functional>
-#include <optional>
 #include <vector>
 
 class QImage;

@@ -1,7 +1,6 @@
 #include "UI/BackgroundImage.h"
 #include "UI/Theme.h"
 
-#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>

@@ -9,7 +9,6 @@
 #include <QDateTime>
 #include <QLocale>
 
-#include <cmath>
 #include <utility>
 
 namespace pavonel {

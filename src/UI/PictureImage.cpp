@@ -5,9 +5,6 @@
 #include <QImageReader>
 #include <QPainter>
 
-#include <algorithm>
-#include <cmath>
-
 namespace pavonel {
 
 namespace {

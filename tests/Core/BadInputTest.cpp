@@ -1,6 +1,5 @@
 #include "support/Scenario.h"
 
-#include <cmath>
 #include <limits>
 #include <random>
 

@@ -1,7 +1,5 @@
 #include "support/Scenario.h"
 
-#include <set>
-
 #include <gtest/gtest.h>
 
 namespace pavonel::test {

@@ -1,7 +1,5 @@
 #include "support/Scenario.h"
 
-#include <QDateTime>
-
 #include <gtest/gtest.h>
 
 namespace pavonel::test {

@@ -1,7 +1,5 @@
 #include "support/Scenario.h"
 
-#include <QDateTime>
-
 #include <algorithm>
 
 #include <gtest/gtest.h>

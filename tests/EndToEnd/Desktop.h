@@ -10,7 +10,6 @@
 #include <QTemporaryDir>
 
 #include <memory>
-#include <optional>
 
 namespace pavonel::test {
 

@@ -3,7 +3,6 @@
 #include "support/MessageBus.h"
 #include "support/waitUntil.h"
 
-#include <QDir>
 #include <QFile>
 
 #include <csignal>

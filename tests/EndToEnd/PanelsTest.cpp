@@ -1,5 +1,4 @@
 #include "EndToEnd/Desktop.h"
-#include "support/XClient.h"
 
 #include <gtest/gtest.h>
 

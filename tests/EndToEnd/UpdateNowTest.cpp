@@ -2,7 +2,6 @@
 #include "support/HttpServer.h"
 #include "support/waitUntil.h"
 
-#include <QDir>
 #include <QTcpSocket>
 
 #include <gtest/gtest.h>

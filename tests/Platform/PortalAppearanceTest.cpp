@@ -5,7 +5,6 @@
 
 #include <QDBusArgument>
 #include <QDBusContext>
-#include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QGuiApplication>

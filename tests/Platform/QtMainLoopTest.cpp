@@ -5,7 +5,6 @@
 
 #include <QElapsedTimer>
 
-#include <cmath>
 #include <limits>
 #include <thread>
 

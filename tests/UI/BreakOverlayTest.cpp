@@ -7,7 +7,6 @@
 
 #include <QBackingStore>
 #include <QKeyEvent>
-#include <QScreen>
 
 #include <gtest/gtest.h>
 

@@ -6,13 +6,9 @@
 #include "support/XClient.h"
 #include "support/waitUntil.h"
 
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QScreen>
 #include <QWidget>
-
-#include <cmath>
 
 #include <gtest/gtest.h>
 

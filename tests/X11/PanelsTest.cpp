@@ -13,7 +13,6 @@
 #include "support/windows.h"
 
 #include <QGuiApplication>
-#include <QScreen>
 
 #include <gtest/gtest.h>
 

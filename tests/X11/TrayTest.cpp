@@ -6,7 +6,6 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
-#include <QMenu>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>

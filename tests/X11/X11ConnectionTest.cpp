@@ -3,6 +3,8 @@
 #include "X11/server.h"
 #include "support/waitUntil.h"
 
+#include <QCoreApplication>
+
 #include <gtest/gtest.h>
 
 namespace pavonel::test {

@@ -7,8 +7,6 @@
 #include "support/XClient.h"
 #include "support/waitUntil.h"
 
-#include <string>
-
 #include <gtest/gtest.h>
 
 namespace pavonel::test {

@@ -4,11 +4,6 @@
 #include "support/XClient.h"
 #include "support/waitUntil.h"
 
-#include <QGuiApplication>
-#include <QScreen>
-
-#include <ostream>
-
 #include <gtest/gtest.h>
 
 namespace pavonel::test {

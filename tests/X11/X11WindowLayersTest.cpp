@@ -1,5 +1,7 @@
 #include "X11/LayeredWindows.h"
 
+#include <QCoreApplication>
+
 namespace pavonel::test {
 
 INSTANTIATE_TEST_SUITE_P(X11, UnderEveryManager,

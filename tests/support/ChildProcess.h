@@ -2,8 +2,6 @@
 
 #include <QProcess>
 
-#include <memory>
-
 namespace pavonel::test {
 
 /// A program that a test started. It is ended when this goes, and by the kernel if the test itself dies.

@@ -5,7 +5,6 @@
 
 #include <QHash>
 #include <QImage>
-#include <QPair>
 #include <QWindow>
 
 #include <utility>

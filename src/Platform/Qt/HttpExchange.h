@@ -5,8 +5,6 @@
 
 #include <QNetworkReply>
 
-#include <memory>
-
 class QNetworkAccessManager;
 
 namespace pavonel {

@@ -4,8 +4,6 @@
 
 #include <QFont>
 
-#include <memory>
-
 class QPalette;
 
 namespace pavonel {

@@ -10,8 +10,6 @@
 #include <QPainter>
 #include <QSignalBlocker>
 
-#include <memory>
-
 namespace pavonel {
 
 namespace {

@@ -1,7 +1,6 @@
 #include "UI/Panels/PanelShadow.h"
 
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
 #include <cmath>

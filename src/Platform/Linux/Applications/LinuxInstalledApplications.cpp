@@ -15,8 +15,6 @@
 #include <QStandardPaths>
 
 #include <algorithm>
-#include <optional>
-#include <utility>
 
 namespace pavonel {
 

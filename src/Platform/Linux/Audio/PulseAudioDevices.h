@@ -5,7 +5,6 @@
 #include "Platform/Linux/Audio/QtPulseLoop.h"
 
 #include <chrono>
-#include <memory>
 #include <optional>
 #include <set>
 

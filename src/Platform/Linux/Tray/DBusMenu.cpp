@@ -3,7 +3,6 @@
 #include <QDBusMetaType>
 #include <QGuiApplication>
 
-#include <algorithm>
 #include <utility>
 
 namespace pavonel {

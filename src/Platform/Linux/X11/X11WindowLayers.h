@@ -4,8 +4,6 @@
 #include "Platform/Linux/X11/X11KeyboardFocus.h"
 #include "Platform/WindowLayers.h"
 
-#include <QMetaObject>
-#include <QObject>
 #include <QPointer>
 #include <QRect>
 #include <QTimer>
