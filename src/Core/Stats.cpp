@@ -5,6 +5,7 @@
 
 #include <QByteArrayList>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QLocale>
 
 #include <cmath>

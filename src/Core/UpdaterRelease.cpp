@@ -3,6 +3,7 @@
 #include "Core/StrictJson.h"
 
 #include <QJsonDocument>
+#include <QJsonObject>
 
 #include <algorithm>
 #include <charconv>
