@@ -14,12 +14,8 @@
 
 namespace pavonel::test {
 
-using WindowManager = XServer::WindowManager;
-
 inline constexpr QColor ours(20, 40, 160);
 inline constexpr QColor theirs(200, 30, 30);
-inline const std::vector<QRect> threeMonitors = {
-    {0, 0, 1920, 1080}, {1920, 0, 1920, 1080}, {3840, 0, 1920, 1080}};
 
 /// A window made as the contract of WindowLayers says.
 class Layered final : public QWidget {
@@ -105,16 +101,5 @@ class UnderEveryManager : public X11WindowLayersTest, public testing::WithParamI
 protected:
     UnderEveryManager() { server().start(GetParam()); }
 };
-
-inline std::string managerName(const testing::TestParamInfo<WindowManager> &manager) {
-    switch (manager.param) {
-    case WindowManager::openbox:
-        return "openbox";
-    case WindowManager::xfwm4:
-        return "xfwm4";
-    default:
-        return "xfwm4WithCompositor";
-    }
-}
 
 } // namespace pavonel::test

@@ -20,10 +20,7 @@ namespace pavonel::test {
 
 namespace {
 
-using WindowManager = XServer::WindowManager;
-
 constexpr QColor theirs(30, 160, 60);
-const std::vector<QRect> threeMonitors = {{0, 0, 1920, 1080}, {1920, 0, 1920, 1080}, {3840, 0, 1920, 1080}};
 const QString posture = QStringLiteral("Check your posture — shoulders back, screen at eye level.");
 
 /// Real time, screens, pointer and windows; all else is fake.
@@ -99,19 +96,7 @@ protected:
     PanelsUnderEveryManager() { server().start(GetParam()); }
 };
 
-INSTANTIATE_TEST_SUITE_P(X11, PanelsUnderEveryManager,
-                         testing::Values(WindowManager::openbox, WindowManager::xfwm4,
-                                         WindowManager::xfwm4WithCompositor),
-                         [](const auto &manager) {
-                             switch (manager.param) {
-                             case WindowManager::openbox:
-                                 return "openbox";
-                             case WindowManager::xfwm4:
-                                 return "xfwm4";
-                             default:
-                                 return "xfwm4WithCompositor";
-                             }
-                         });
+INSTANTIATE_TEST_SUITE_P(X11, PanelsUnderEveryManager, everyManager, managerName);
 
 } // namespace
 

@@ -7,10 +7,7 @@ namespace {
 class X11KeyboardFocusTest : public X11WindowLayersTest {};
 class KeyboardUnderEveryManager : public UnderEveryManager {};
 
-INSTANTIATE_TEST_SUITE_P(X11, KeyboardUnderEveryManager,
-                         testing::Values(WindowManager::openbox, WindowManager::xfwm4,
-                                         WindowManager::xfwm4WithCompositor),
-                         managerName);
+INSTANTIATE_TEST_SUITE_P(X11, KeyboardUnderEveryManager, everyManager, managerName);
 
 } // namespace
 

@@ -10,8 +10,6 @@ namespace pavonel::test {
 
 namespace {
 
-const std::vector<QRect> threeMonitors = {{0, 0, 1920, 1080}, {1920, 0, 1920, 1080}, {3840, 0, 1920, 1080}};
-
 class X11ScreensTest : public testing::Test {
 protected:
     X11ScreensTest()

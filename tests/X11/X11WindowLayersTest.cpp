@@ -4,10 +4,7 @@
 
 namespace pavonel::test {
 
-INSTANTIATE_TEST_SUITE_P(X11, UnderEveryManager,
-                         testing::Values(WindowManager::openbox, WindowManager::xfwm4,
-                                         WindowManager::xfwm4WithCompositor),
-                         managerName);
+INSTANTIATE_TEST_SUITE_P(X11, UnderEveryManager, everyManager, managerName);
 
 TEST_P(UnderEveryManager, windows_blend_where_a_compositor_runs) {
     EXPECT_EQ(layers.canBlend(), GetParam() == WindowManager::xfwm4WithCompositor);

@@ -21,8 +21,6 @@ namespace pavonel::test {
 
 namespace {
 
-using WindowManager = XServer::WindowManager;
-
 const std::vector<QRect> twoMonitors = {{0, 0, 1920, 1080}, {1920, 0, 1600, 900}};
 
 /// The scheduler's questions over real windows, processes and screens, and another program with windows.
@@ -71,10 +69,7 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(X11, WindowsUnderEveryManager,
-                         testing::Values(WindowManager::openbox, WindowManager::xfwm4),
-                         [](const auto &manager) {
-                             return manager.param == WindowManager::openbox ? "openbox" : "xfwm4";
-                         });
+                         testing::Values(WindowManager::openbox, WindowManager::xfwm4), managerName);
 
 } // namespace
 
