@@ -194,7 +194,8 @@ TEST_F(UpdateMishap, killed_while_the_copy_is_made_it_updates_the_next_time) {
 
 TEST_F(UpdateMishap, when_nothing_can_be_handed_over_to_the_old_version_starts) {
     shell("mkdir -p cache/pavonel/tmp/pavonel-update.sh; cd \"$installed/libexec/pavonel\"; mv hdiutil real\n"
-          "printf '#!/bin/bash\\n[[ $1 == attach ]] || until [[ -e $HOME/told ]]; do sleep 0.1; done\\n"
+          "printf '#!/bin/bash\\n[[ $1 == attach ]] || until [[ -e $HOME/told || ! -d $HOME ]]; do sleep "
+          "0.1; done\\n"
           "exec \"${0%%/*}/real\" \"$@\"\\n' >hdiutil; chmod +x hdiutil");
     write("config/pavonel/defaults.json", R"({"didOnboard": true, "autoUpdate": false})");
     before = fingerprint();
