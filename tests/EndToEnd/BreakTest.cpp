@@ -94,7 +94,7 @@ TEST(Break, only_the_main_screen_has_the_text) {
 TEST(Break, escape_ends_it_and_counts_a_skip) {
     Desktop desktop;
     startAndWaitForBreak(desktop,
-                         {{QStringLiteral("microInterval"), 4}, {QStringLiteral("microDuration"), 600}});
+                         {{QStringLiteral("microInterval"), 10}, {QStringLiteral("microDuration"), 600}});
     waitForText(desktop);
 
     desktop.pressEscape();

@@ -1,8 +1,10 @@
 #include "EndToEnd/Desktop.h"
+#include "EndToEnd/HeadlessProgram.h"
 #include "EndToEnd/Remote.h"
 #include "support/MessageBus.h"
 #include "support/SessionManager.h"
 
+#include <algorithm>
 #include <csignal>
 
 #include <gtest/gtest.h>
@@ -28,6 +30,17 @@ const char *nameOf(Road road) {
         return "the_end_of_the_session";
     }
     return "";
+}
+
+/// Milliseconds that are a second on a quiet machine. On a busy one they are more: as often as it goes into a
+/// second there, the program tells its version and ends.
+qint64 aSecondHere() {
+    constexpr int times = 12;
+    const HeadlessProgram program;
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_EQ(program.run({QStringLiteral("--version")}).status, 0);
+    return std::max<qint64>(1000, times * clock.elapsed());
 }
 
 /// A desktop with a break that just began, to be left in the middle.
@@ -75,7 +88,8 @@ INSTANTIATE_TEST_SUITE_P(Roads, Leaving,
 /// A busy machine can be slow once; what waits for something is slow each time.
 TEST_P(Leaving, in_the_middle_of_a_break_takes_less_than_a_second_and_loses_nothing) {
     qint64 took = 0;
-    for (int attempts = 0; attempts < 5; ++attempts) {
+    bool quick = false;
+    for (int attempts = 0; attempts < 5 && !quick; ++attempts) {
         InABreak in;
         QElapsedTimer sinceAsked;
         sinceAsked.start();
@@ -85,10 +99,9 @@ TEST_P(Leaving, in_the_middle_of_a_break_takes_less_than_a_second_and_loses_noth
         EXPECT_TRUE(in.desktop.overlays().empty());
         EXPECT_EQ(in.desktop.statistics()[QStringLiteral("screenSeconds")].toDouble(), 3);
         EXPECT_EQ(in.desktop.statistics()[QStringLiteral("skipped")].toInt(), 0);
-        if (took < 1000)
-            break;
+        quick = took < aSecondHere();
     }
-    EXPECT_LT(took, 1000) << "milliseconds, in five attempts";
+    EXPECT_TRUE(quick) << took << " milliseconds, in the last of five attempts";
 }
 
 TEST(Ending, a_signal_after_a_break_loses_nothing) {
