@@ -173,6 +173,14 @@ TEST_F(UpdateToolsImage, an_image_that_swells_is_refused_before_it_does) {
     expectRefused(attach(), "The disk image holds more than 1024 MB.");
 }
 
+TEST_F(UpdateToolsImage, sizes_beyond_all_counting_are_refused) { // four times 2^62, which overflows to 0
+    shell(
+        "truncate -s 1193046 $app/f{1,2,3,4}; mksquashfs image disk.dmg -quiet -no-progress -noappend -noI\n"
+        "LC_ALL=C sed -i 's/\\x56\\x34\\x12\\x00\\{5\\}/\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x40/g' "
+        "disk.dmg");
+    expectRefused(attach(), "The disk image holds more than 1024 MB.");
+}
+
 TEST_F(UpdateToolsImage, an_image_of_too_many_files_is_refused) {
     shell("mkdir $app/many; cd $app/many; seq 20100 | xargs touch");
     pack();
