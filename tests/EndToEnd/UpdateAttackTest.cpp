@@ -79,6 +79,10 @@ const Attack attacks[] = {
     {"a_file_made_executable", "resign 1.1; chmod +x image/Pavonel.app/resources/sounds/Pop.wav" THEN_OFFER,
      changed},
     {"a_file_made_set_uid", "resign 1.1; chmod u+s image/Pavonel.app/pavonel" THEN_OFFER, odd},
+    {"a_folder_that_nobody_could_replace_again",
+     "resign 1.1; chmod 555 image/Pavonel.app/libexec/pavonel" THEN_OFFER "; chmod 755 "
+     "image/Pavonel.app/libexec/pavonel",
+     changed},
     {"a_device", "resign 1.1; mkfifo image/Pavonel.app/pipe" THEN_OFFER, odd},
     {"a_link_out_of_the_bundle",
      "resign 1.1; rm image/Pavonel.app/resources/sounds/Pop.wav; ln -s /etc/passwd "

@@ -99,6 +99,18 @@ TEST_P(UpdateToolsChange, is_refused) {
 INSTANTIATE_TEST_SUITE_P(Of, UpdateToolsChange, testing::ValuesIn(changes),
                          [](const auto &one) { return std::string(one.param.name); });
 
+// What cannot be removed is in the way of the next version.
+TEST_F(UpdateToolsSignature, a_folder_that_its_owner_cannot_empty_is_refused) {
+    for (const char *folder : {"$app/resources", "$app"}) {
+        for (const char *mode : {"555", "677", "377"}) {
+            shell("chmod " + QByteArray(mode) + " " + folder);
+            expectRefused(verify(), changed);
+            shell(QByteArray("chmod 755 ") + folder);
+        }
+    }
+    expectAccepted();
+}
+
 TEST_F(UpdateToolsSignature, an_unsigned_bundle_is_refused) {
     shell("rm $app/manifest.sig");
     expectRefused(verify(), unsigned_);
