@@ -232,12 +232,13 @@ UpdaterInstall::Outcome UpdaterInstall::verifyVersion(const QString &application
     return {};
 }
 
-/// Once this version is gone from its place there is no way back, so the new one must fit there.
-UpdaterInstall::Outcome UpdaterInstall::verifyRoomFor(const QString &application) const {
+/// Once this version is gone from its place there is no way back, so the new one must fit there: beside the
+/// staged copy and what is attached, which may all be on one disk.
+UpdaterInstall::Outcome UpdaterInstall::verifyRoomFor(const QString &staged) const {
     const QString installed = platform_.installation->bundle();
     const QString place = QFileInfo(installed).path();
     const QStorageInfo disk(place);
-    if (!disk.isValid() || disk.bytesAvailable() + sizeOf(installed) > sizeOf(application))
+    if (!disk.isValid() || disk.bytesAvailable() + sizeOf(installed) > sizeOf(staged))
         return {};
     return UpdateFailure{
         QStringLiteral("There is not enough room for the new version in %1. Nothing was installed.")
@@ -245,11 +246,14 @@ UpdaterInstall::Outcome UpdaterInstall::verifyRoomFor(const QString &application
 }
 
 UpdaterInstall::Outcome UpdaterInstall::stage(const QString &application, const QString &staged) const {
-    if (auto failure = verifyRoomFor(application))
-        return failure;
     if (auto failure = removeEntirely(staged)) // what is left of it would be installed as well
         return failure;
-    return run(QStringLiteral("/bin/cp"), {QStringLiteral("-R"), application, staged});
+    auto failure = run(QStringLiteral("/bin/cp"), {QStringLiteral("-R"), application, staged});
+    if (!failure)
+        failure = verifyRoomFor(staged);
+    if (failure)
+        removeEntirely(staged); // what fills a disk does not stay on it
+    return failure;
 }
 
 UpdaterInstall::Outcome UpdaterInstall::handOver(const QString &staged) const {

@@ -49,7 +49,7 @@ private:
     Outcome verifyChecksum(const QString &image) const;
     Outcome verifyApplication(const QString &application) const;
     Outcome verifyVersion(const QString &application) const;
-    Outcome verifyRoomFor(const QString &application) const;
+    Outcome verifyRoomFor(const QString &staged) const;
     Outcome stage(const QString &application, const QString &staged) const;
     Outcome handOver(const QString &staged) const;
     Outcome run(const QString &tool, const QStringList &arguments) const;

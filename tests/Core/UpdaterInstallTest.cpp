@@ -185,6 +185,19 @@ TEST_F(UpdaterInstalling, each_tool_that_refuses_ends_it_with_its_words_and_the_
     EXPECT_TRUE(platform.loop.quits.empty());
 }
 
+TEST_F(UpdaterInstalling, a_copy_that_was_not_finished_is_removed) {
+    platform.toolRunner.answer = [this, work = platform.toolRunner.answer](const QString &tool,
+                                                                           const QStringList &arguments) {
+        if (tool == u"/bin/cp")
+            write(QStringLiteral("Pavonel-staged-1.3.0.app/half"), "of it");
+        return work(tool, arguments);
+    };
+    letFail(QStringLiteral("cp"), "No space left on device");
+    installWhole({});
+    EXPECT_EQ(message(), QStringLiteral("cp refused the update: No space left on device"));
+    EXPECT_FALSE(exists(QStringLiteral("Pavonel-staged-1.3.0.app")));
+}
+
 TEST_F(UpdaterInstalling, a_tool_says_at_most_200_characters) {
     const QString long_ = QString(199, u'x') + QString::fromUtf8("\xf0\x9f\xa6\x9a") + QString(100, u'y');
     letFail(QStringLiteral("codesign"), "\n" + long_.toUtf8());
