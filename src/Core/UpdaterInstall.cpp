@@ -141,7 +141,23 @@ UpdaterInstall::Outcome UpdaterInstall::objection(const QUrl &feed) const {
     return {};
 }
 
+QString UpdaterInstall::script() const {
+    return folder_ + QStringLiteral("/pavonel-update.sh");
+}
+
+/// Two at once would exchange what the other has just verified, or replace this copy from under each other.
 UpdaterInstall::Outcome UpdaterInstall::installFrom(const QString &downloaded, const Notices &notices) const {
+    if (!platform_.installation->beginReplacing(script())) {
+        removeEntirely(downloaded);
+        return UpdateFailure{QStringLiteral("Another update of Pavonel is under way.")};
+    }
+    auto failure = takeOver(downloaded, notices);
+    if (failure)
+        platform_.installation->abandonReplacing();
+    return failure;
+}
+
+UpdaterInstall::Outcome UpdaterInstall::takeOver(const QString &downloaded, const Notices &notices) const {
     removeLeftovers();
     const QString image = folder_ + QStringLiteral("/Pavonel-") + release_.version + QStringLiteral(".dmg");
     removeEntirely(image); // where that fails, so does the moving
@@ -154,7 +170,7 @@ UpdaterInstall::Outcome UpdaterInstall::installFrom(const QString &downloaded, c
     return verifyAndInstall(image, notices);
 }
 
-/// Of attempts that are long over. Another process may be in the middle of one.
+/// Of attempts that are long over. Another process may be in the middle of a download.
 void UpdaterInstall::removeLeftovers() const {
     constexpr Seconds day = 86'400;
     const QStringList ours{QStringLiteral("download-*"), QStringLiteral("Pavonel-*.dmg"),
@@ -257,13 +273,12 @@ UpdaterInstall::Outcome UpdaterInstall::stage(const QString &application, const 
 }
 
 UpdaterInstall::Outcome UpdaterInstall::handOver(const QString &staged) const {
-    const QString path = folder_ + QStringLiteral("/pavonel-update.sh");
-    const QString script =
+    const QString text =
         replacementScript(QCoreApplication::applicationPid(), platform_.installation->bundle(), staged);
-    if (auto failure = writeExecutable(path, script.toUtf8()))
+    if (auto failure = writeExecutable(script(), text.toUtf8()))
         return failure;
     const auto shell = QStringLiteral("/bin/bash");
-    if (!platform_.processes->launch(shell, {path}, ProcessLauncher::SearchPath::ownToolsFirst))
+    if (!platform_.processes->launch(shell, {script()}, ProcessLauncher::SearchPath::ownToolsFirst))
         return UpdateFailure{QStringLiteral("The program %1 cannot be started.").arg(shell)};
     return {};
 }

@@ -44,6 +44,8 @@ public:
     Outcome installFrom(const QString &downloaded, const Notices &notices) const;
 
 private:
+    QString script() const;
+    Outcome takeOver(const QString &downloaded, const Notices &notices) const;
     void removeLeftovers() const;
     Outcome verifyAndInstall(const QString &image, const Notices &notices) const;
     Outcome verifyChecksum(const QString &image) const;

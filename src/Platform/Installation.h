@@ -26,6 +26,12 @@ public:
     /// The folder for temporary files, which only this user can open; made when it is missing. Empty when it
     /// cannot be had.
     virtual QString temporaryFolder() = 0;
+
+    /// Begins the replacing of this copy, which `script` is to end: the shell runs that when we are gone.
+    /// False while an earlier replacing goes on, by this process, by another, or by such a script. It goes on
+    /// until it is abandoned or this process ends. On any one thread.
+    virtual bool beginReplacing(const QString &script) = 0;
+    virtual void abandonReplacing() = 0;
 };
 
 /// This system's answer by itself. Needs the application object, but no display.

@@ -90,6 +90,30 @@ TEST_F(UpdaterRefusal, without_a_private_folder_nothing_is_downloaded) {
     expectNothingWasDone();
 }
 
+TEST_F(UpdaterRefusal, while_another_update_is_under_way_nothing_is_done) {
+    platform.copy.isBeingReplaced = true;
+    installWhole({});
+    EXPECT_EQ(message(), QStringLiteral("Another update of Pavonel is under way."));
+    EXPECT_EQ(platform.copy.replacingScript, path(QStringLiteral("pavonel-update.sh")));
+    EXPECT_TRUE(platform.copy.isBeingReplaced);
+    EXPECT_TRUE(platform.toolRunner.runs.empty());
+    EXPECT_TRUE(QDir(folder.path()).isEmpty());
+}
+
+TEST_F(UpdaterRefusal, an_update_is_under_way_from_its_first_step_until_it_fails_or_the_program_ends) {
+    letFail(QStringLiteral("codesign"), "no");
+    platform.toolRunner.answer = [this, work = platform.toolRunner.answer](const QString &tool,
+                                                                           const QStringList &arguments) {
+        EXPECT_TRUE(platform.copy.isBeingReplaced) << tool.toStdString();
+        return work(tool, arguments);
+    };
+    installWhole({});
+    EXPECT_FALSE(platform.copy.isBeingReplaced);
+    let(QStringLiteral("codesign"), ToolRunner::Ended{});
+    installWhole({});
+    EXPECT_TRUE(platform.copy.isBeingReplaced);
+}
+
 TEST_F(UpdaterRefusal, an_https_feed_does_not_hand_the_download_to_http) {
     installOffer({.url = QStringLiteral("HTTP://example.org/Pavonel.dmg")});
     EXPECT_EQ(message(),

@@ -117,6 +117,18 @@ TEST_F(UpdateMishap, a_tool_that_hangs_does_not_keep_the_program_from_ending) {
     EXPECT_EQ(fingerprint(), before);
 }
 
+TEST_F(UpdateMishap, a_second_updater_leaves_the_first_alone) {
+    letHang("codesign");
+    const auto first = startUpdate();
+    ASSERT_TRUE(waitUntil([&] { return exists("hangs"); }));
+    expectFailed(updateNow(), "Another update of Pavonel is under way.");
+    EXPECT_TRUE(first->isRunning());
+    first->process().terminate();
+    ASSERT_TRUE(waitUntil([&] { return !first->isRunning(); }));
+    mend("codesign");
+    expectUpdateSucceeds();
+}
+
 TEST_F(UpdateMishap, a_disk_that_is_almost_full_is_left_alone) {
     if (!mayMount())
         GTEST_SKIP() << "This machine does not let a test mount a small disk.";

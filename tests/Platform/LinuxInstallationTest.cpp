@@ -1,5 +1,6 @@
 #include "Platform/Linux/LinuxInstallation.h"
 
+#include "support/ChildProcess.h"
 #include "support/InChild.h"
 #include "support/Workshop.h"
 
@@ -97,6 +98,36 @@ TEST_F(LinuxInstallationTest, a_bundle_in_a_folder_that_cannot_be_written_says_s
                 .arg(where));
     });
     setMode(QString(), 0700);
+}
+
+TEST_F(LinuxInstallationTest, a_copy_is_replaced_by_one_process_at_a_time) {
+    const QString script = path(temporary + QStringLiteral("/script"));
+    LinuxInstallation one = inBundle();
+    LinuxInstallation other = inBundle();
+    EXPECT_TRUE(one.beginReplacing(script));
+    EXPECT_FALSE(one.beginReplacing(script));
+    EXPECT_FALSE(other.beginReplacing(script));
+    one.abandonReplacing();
+    EXPECT_TRUE(other.beginReplacing(script));
+    EXPECT_FALSE(one.beginReplacing(script));
+}
+
+TEST_F(LinuxInstallationTest, a_process_that_ends_replaces_nothing_more) {
+    const QString script = path(temporary + QStringLiteral("/script"));
+    LinuxInstallation installation = inBundle();
+    inChild([&] { EXPECT_TRUE(installation.beginReplacing(script)); });
+    EXPECT_TRUE(inBundle().beginReplacing(script));
+}
+
+TEST_F(LinuxInstallationTest, a_copy_is_being_replaced_as_long_as_the_script_runs) {
+    const QString script = addScript(QStringLiteral("script"), "touch runs; while :; do sleep 1; done");
+    {
+        const ChildProcess shell(QStringLiteral("/bin/bash"), {script});
+        ASSERT_TRUE(appears(QStringLiteral("runs")));
+        EXPECT_FALSE(inBundle().beginReplacing(script));
+        EXPECT_TRUE(inBundle().beginReplacing(script + QStringLiteral("-2")));
+    }
+    EXPECT_TRUE(inBundle().beginReplacing(script));
 }
 
 TEST_F(LinuxInstallationTest, the_temporary_folder_is_made_for_its_user_alone) {

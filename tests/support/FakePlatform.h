@@ -249,6 +249,8 @@ struct FakeInstallation final : Installation {
     std::optional<QString> versionInPlace = runningVersion; ///< Of what lies in the bundle's place now.
     std::optional<QString> otherVersion = QStringLiteral("1.3.0"); ///< Of whichever other bundle.
     QString temporary;                                             ///< A test that writes there gives one.
+    bool isBeingReplaced = false;
+    QString replacingScript;
 
     QString limitation() const override { return reason; }
     std::optional<QString> version() const override { return runningVersion; }
@@ -257,6 +259,11 @@ struct FakeInstallation final : Installation {
         return someBundle == runningBundle ? versionInPlace : otherVersion;
     }
     QString temporaryFolder() override { return temporary; }
+    bool beginReplacing(const QString &script) override {
+        replacingScript = script;
+        return !std::exchange(isBeingReplaced, true);
+    }
+    void abandonReplacing() override { isBeingReplaced = false; }
 };
 
 struct FakeLoginItem final : Limited<LoginItem> {

@@ -35,6 +35,17 @@ bool isWritable(const QString &folder) {
     return ::access(QFile::encodeName(folder).constData(), W_OK | X_OK) == 0;
 }
 
+/// Whether a shell runs the script.
+bool isAtWork(const QString &script) {
+    const QByteArray path = QFile::encodeName(script);
+    const QStringList processes =
+        QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")}, QDir::Dirs);
+    return std::any_of(processes.begin(), processes.end(), [&](const QString &process) {
+        QFile commandLine(QStringLiteral("/proc/%1/cmdline").arg(process));
+        return commandLine.open(QFile::ReadOnly) && commandLine.readAll().split('\0').value(1) == path;
+    });
+}
+
 bool isPrivateFolderOfOurs(const QString &path) {
     struct stat status {};
     return ::lstat(QFile::encodeName(path).constData(), &status) == 0 && S_ISDIR(status.st_mode) &&
@@ -79,6 +90,16 @@ std::optional<QString> LinuxInstallation::versionOf(const QString &bundle) const
 QString LinuxInstallation::temporaryFolder() {
     makePrivateFolder(temporaryFolder_);
     return isPrivateFolderOfOurs(temporaryFolder_) ? temporaryFolder_ : QString();
+}
+
+bool LinuxInstallation::beginReplacing(const QString &script) {
+    if (replacing_)
+        return false;
+    auto lock = std::make_unique<FileLock>(temporaryFolder_ + QStringLiteral("/lock"));
+    if (lock->state() == FileLock::State::takenByAnother || isAtWork(script))
+        return false;
+    replacing_ = std::move(lock);
+    return true;
 }
 
 } // namespace pavonel

@@ -1,7 +1,10 @@
 #pragma once
 
 #include "Platform/Installation.h"
+#include "Platform/Qt/FileLock.h"
 #include "Platform/Qt/ProgramFiles.h"
+
+#include <memory>
 
 namespace pavonel {
 
@@ -16,12 +19,15 @@ public:
     QString bundle() const override { return bundle_; }
     std::optional<QString> versionOf(const QString &bundle) const override;
     QString temporaryFolder() override;
+    bool beginReplacing(const QString &script) override;
+    void abandonReplacing() override { replacing_.reset(); }
 
 private:
     QString program_;
     QString bundle_;
     QString version_; ///< From before anything could take the bundle's place.
     QString temporaryFolder_;
+    std::unique_ptr<FileLock> replacing_;
 };
 
 } // namespace pavonel
