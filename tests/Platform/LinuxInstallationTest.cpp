@@ -130,6 +130,20 @@ TEST_F(LinuxInstallationTest, a_copy_is_being_replaced_as_long_as_the_script_run
     EXPECT_TRUE(inBundle().beginReplacing(script));
 }
 
+TEST_F(LinuxInstallationTest, another_user_who_names_the_script_holds_up_nobody) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "Only root can be another user.";
+    const QString script = path(QStringLiteral("script"));
+    ChildProcess other(QStringLiteral("setpriv"),
+                       {QStringLiteral("--reuid=1"), QStringLiteral("cat"), script, QStringLiteral("-")});
+    ASSERT_TRUE(waitUntil([&] {
+        QFile commandLine(QStringLiteral("/proc/%1/cmdline").arg(other.process().processId()));
+        return commandLine.open(QFile::ReadOnly) && commandLine.readAll().startsWith("cat");
+    }));
+    EXPECT_TRUE(inBundle().beginReplacing(script));
+    EXPECT_TRUE(other.isRunning());
+}
+
 TEST_F(LinuxInstallationTest, the_temporary_folder_is_made_for_its_user_alone) {
     EXPECT_EQ(inBundle().temporaryFolder(), path(temporary));
     EXPECT_EQ(modeOf(temporary), 0700U);

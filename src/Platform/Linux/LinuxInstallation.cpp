@@ -38,11 +38,12 @@ bool isWritable(const QString &folder) {
 /// Whether a shell runs the script.
 bool isAtWork(const QString &script) {
     const QByteArray path = QFile::encodeName(script);
-    const QStringList processes =
-        QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")}, QDir::Dirs);
-    return std::any_of(processes.begin(), processes.end(), [&](const QString &process) {
-        QFile commandLine(QStringLiteral("/proc/%1/cmdline").arg(process));
-        return commandLine.open(QFile::ReadOnly) && commandLine.readAll().split('\0').value(1) == path;
+    const QFileInfoList processes =
+        QDir(QStringLiteral("/proc")).entryInfoList({QStringLiteral("[0-9]*")}, QDir::Dirs);
+    return std::any_of(processes.begin(), processes.end(), [&](const QFileInfo &process) {
+        QFile commandLine(process.filePath() + QStringLiteral("/cmdline"));
+        return process.ownerId() == ::geteuid() && commandLine.open(QFile::ReadOnly) &&
+               commandLine.readAll().split('\0').value(1) == path;
     });
 }
 
