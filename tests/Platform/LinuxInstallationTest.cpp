@@ -165,4 +165,22 @@ TEST_F(LinuxInstallationTest, a_temporary_folder_that_is_something_else_is_none)
     EXPECT_EQ(inBundle().temporaryFolder(), QString()) << "a link, to who knows where";
 }
 
+TEST_F(LinuxInstallationTest, a_temporary_folder_that_others_could_exchange_is_none) {
+    QDir(folder()).mkpath(QStringLiteral("cache"));
+    setMode(QStringLiteral("cache"), 0777);
+    EXPECT_EQ(inBundle().temporaryFolder(), QString());
+    setMode(QStringLiteral("cache"), 01777);
+    EXPECT_EQ(inBundle().temporaryFolder(), path(temporary)) << "as in /tmp";
+    setMode(QStringLiteral("cache"), 0755);
+    if (::chown(QFile::encodeName(path(QStringLiteral("cache"))).constData(), 1, 1) != 0)
+        GTEST_SKIP() << "Only root can give folders away.";
+    EXPECT_EQ(inBundle().temporaryFolder(), QString()) << "its owner could";
+}
+
+TEST_F(LinuxInstallationTest, a_temporary_folder_behind_a_link_is_the_folder_itself) {
+    QDir(folder()).mkpath(QStringLiteral("real/pavonel/tmp"));
+    QFile::link(path(QStringLiteral("real")), path(QStringLiteral("cache")));
+    EXPECT_EQ(inBundle().temporaryFolder(), path(QStringLiteral("real/pavonel/tmp")));
+}
+
 } // namespace pavonel::test

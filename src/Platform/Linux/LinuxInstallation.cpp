@@ -53,6 +53,23 @@ bool isPrivateFolderOfOurs(const QString &path) {
            status.st_uid == ::geteuid() && (status.st_mode & 0777) == 0700;
 }
 
+/// Whether nobody but us and the system could put something else in its place.
+bool isSafelyReached(QString folder) {
+    constexpr uid_t unmapped = 65534; // how some containers show what is the system's
+    while (folder != u"/") {
+        folder = QFileInfo(folder).path();
+        struct stat status {};
+        if (::stat(QFile::encodeName(folder).constData(), &status) != 0)
+            return false;
+        const bool isOurs = status.st_uid == ::geteuid();
+        const bool isOfTheSystem = status.st_uid == 0 || status.st_uid == unmapped;
+        const bool isOpen = (status.st_mode & S_IWOTH) != 0 && (status.st_mode & S_ISVTX) == 0;
+        if ((!isOurs && !isOfTheSystem) || isOpen)
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 LinuxInstallation::LinuxInstallation(const ProgramFiles &files, QString temporaryFolder)
@@ -90,7 +107,9 @@ std::optional<QString> LinuxInstallation::versionOf(const QString &bundle) const
 
 QString LinuxInstallation::temporaryFolder() {
     makePrivateFolder(temporaryFolder_);
-    return isPrivateFolderOfOurs(temporaryFolder_) ? temporaryFolder_ : QString();
+    const QString folder =
+        QFileInfo(temporaryFolder_).canonicalFilePath(); // no link on the way is asked again
+    return isPrivateFolderOfOurs(temporaryFolder_) && isSafelyReached(folder) ? folder : QString();
 }
 
 bool LinuxInstallation::beginReplacing(const QString &script) {
