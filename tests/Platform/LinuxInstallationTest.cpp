@@ -100,6 +100,26 @@ TEST_F(LinuxInstallationTest, a_bundle_in_a_folder_that_cannot_be_written_says_s
     setMode(QString(), 0700);
 }
 
+TEST_F(LinuxInstallationTest, a_bundle_with_a_folder_that_cannot_be_emptied_says_so) {
+    for (const char *name : {"", "Pavonel.app", "Pavonel.app/libexec", "Pavonel.app/libexec/pavonel"})
+        giveToNobody(QFile::encodeName(path(QString::fromUtf8(name))).constData());
+    const auto inner = QStringLiteral("Pavonel.app/libexec");
+    const QString where = QFileInfo(path(inner)).canonicalFilePath();
+    inChild([&] {
+        becomeNobody();
+        EXPECT_EQ(inBundle().limitation(), QString());
+    });
+    setMode(inner, 0555);
+    inChild([&] {
+        becomeNobody();
+        EXPECT_EQ(
+            inBundle().limitation(),
+            QStringLiteral("You may not change the folder %1. Whoever installed Pavonel there updates it.")
+                .arg(where));
+    });
+    setMode(inner, 0755);
+}
+
 TEST_F(LinuxInstallationTest, a_copy_is_replaced_by_one_process_at_a_time) {
     const QString script = path(temporary + QStringLiteral("/script"));
     LinuxInstallation one = inBundle();

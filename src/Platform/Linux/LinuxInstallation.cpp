@@ -3,6 +3,7 @@
 #include "Platform/Qt/PrivateFolder.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
@@ -31,11 +32,20 @@ bool isPackaged(const QString &program) {
                        [&](const char *place) { return program.startsWith(QString::fromUtf8(place)); });
 }
 
-bool isWritable(const QString &folder) {
-    return ::access(QFile::encodeName(folder).constData(), W_OK | X_OK) == 0;
+bool mayBeEmptied(const QString &folder) {
+    return ::access(QFile::encodeName(folder).constData(), R_OK | W_OK | X_OK) == 0;
 }
 
-/// Whether a shell runs the script.
+/// All folders from which something goes when the bundle does.
+QStringList foldersAround(const QString &bundle) {
+    constexpr auto folders = QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot | QDir::NoSymLinks;
+    QStringList result{QFileInfo(bundle).path(), bundle};
+    for (QDirIterator within(bundle, folders, QDirIterator::Subdirectories); within.hasNext();)
+        result.append(within.next());
+    return result;
+}
+
+/// Whether a shell of this user runs the script.
 bool isAtWork(const QString &script) {
     const QByteArray path = QFile::encodeName(script);
     const QFileInfoList processes =
@@ -84,9 +94,8 @@ QString LinuxInstallation::limitation() const {
     if (bundle_.isEmpty())
         return QStringLiteral("This copy of Pavonel was not installed from a disk image. "
                               "Whoever built or installed it updates it.");
-    const QString parent = QFileInfo(bundle_).path();
-    for (const QString &folder : {parent, bundle_}) {
-        if (!isWritable(folder))
+    for (const QString &folder : foldersAround(bundle_)) {
+        if (!mayBeEmptied(folder))
             return QStringLiteral(
                        "You may not change the folder %1. Whoever installed Pavonel there updates it.")
                 .arg(folder);
