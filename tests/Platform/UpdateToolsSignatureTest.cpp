@@ -63,6 +63,8 @@ const Change changes[] = {
     {"a_program_made_data", "chmod -x $app/pavonel"},
     {"a_program_made_set_uid", "chmod u+s $app/pavonel"},
     {"a_folder_made_set_gid", "chmod g+s $app/resources"},
+    {"a_manifest_made_executable", "chmod +x $app/manifest"},
+    {"a_signature_made_executable", "chmod o+x $app/manifest.sig"},
     {"a_link_turned", "ln -sfn pavonel $app/link"},
     {"a_file_turned_into_a_link",
      "mv $app/resources/data elsewhere; ln -s \"$0/elsewhere\" $app/resources/data"},
@@ -123,6 +125,35 @@ TEST_F(UpdateToolsSignature, an_empty_or_broken_signature_is_refused) {
     expectRefused(verify(), notByTheTeam);
     shell("head -c 100000 /dev/urandom >$app/manifest.sig");
     expectRefused(verify(), notByTheTeam);
+}
+
+TEST_F(UpdateToolsSignature, a_signature_that_brings_something_else_along_is_refused) {
+    for (const char *commands :
+         {"echo more >>$app/manifest.sig", "printf '\\0more' >>$app/manifest.sig", "echo >>$app/manifest.sig",
+          "echo ----- >>$app/manifest.sig", "sed -i '2s/^/ /' $app/manifest.sig",
+          "sed -i '1s/$/\\n/' $app/manifest.sig"}) {
+        shell(QByteArray("sign TEAM1; ") + commands);
+        expectRefused(verify(), "Its signature holds something else as well.");
+    }
+}
+
+TEST_F(UpdateToolsSignature, what_the_environment_brings_decides_nothing) {
+    addScript(QStringLiteral("bin/cmp"), "touch evil");
+    addScript(QStringLiteral("startup"), "touch evil; cmp() { true; }");
+    shell("touch $app/more; cp bin/cmp bin/ssh-keygen; cp bin/cmp bin/dirname");
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("PATH"),
+                       path(QStringLiteral("bin")) + u':' + environment.value(QStringLiteral("PATH")));
+    environment.insert(QStringLiteral("BASH_ENV"), path(QStringLiteral("startup")));
+    environment.insert(QStringLiteral("ENV"), path(QStringLiteral("startup")));
+    environment.insert(QStringLiteral("BASH_FUNC_cmp%%"), QStringLiteral("() { true; }"));
+    environment.insert(QStringLiteral("SHELLOPTS"), QStringLiteral("noexec"));
+    environment.insert(QStringLiteral("CDPATH"), path(QStringLiteral("image")));
+    environment.insert(QStringLiteral("IFS"), QStringLiteral("/"));
+    environment.insert(QStringLiteral("POSIXLY_CORRECT"), QStringLiteral("1"));
+    expectRefused(ChildProcess::run(files().tool(QStringLiteral("codesign")), arguments(), environment),
+                  changed);
+    EXPECT_FALSE(exists(QStringLiteral("evil")));
 }
 
 TEST_F(UpdateToolsSignature, a_signature_that_lies_elsewhere_is_refused) {
