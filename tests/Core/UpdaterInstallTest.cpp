@@ -288,6 +288,16 @@ TEST_F(UpdaterInstalling, a_download_that_has_vanished_fails) {
     EXPECT_TRUE(platform.toolRunner.runs.empty());
 }
 
+TEST_F(UpdaterInstalling, a_download_that_cannot_be_read_fails) {
+    QDir().mkpath(path(QStringLiteral("download-1")));
+    installOffer({});
+    platform.web.downloads[0].answer(path(QStringLiteral("download-1")));
+    platform.loop.advance(0);
+    EXPECT_TRUE(message().startsWith(QStringLiteral("The download cannot be read (")))
+        << message().toStdString();
+    EXPECT_TRUE(platform.toolRunner.runs.empty());
+}
+
 TEST_F(UpdaterInstalling, hands_over_to_a_script_that_waits_and_quits_soon_after) {
     installWhole({});
     const QString script = path(QStringLiteral("pavonel-update.sh"));
