@@ -49,7 +49,8 @@ void UpdaterCommand::poll() {
 }
 
 void UpdaterCommand::look(const Updater::Available &offer) {
-    print(QStringLiteral("available: %1 — installing").arg(offer.version));
+    const QString version = QString(offer.version).replace(u'\n', u' '); // or it could pass for lines of ours
+    print(QStringLiteral("available: %1 — installing").arg(version));
     updater_.install();
 }
 

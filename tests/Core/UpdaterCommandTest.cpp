@@ -159,6 +159,11 @@ TEST_F(UpdateNow, an_offer_without_an_address_is_tried_until_time_is_up) {
     expectEnd(1);
 }
 
+TEST_F(UpdateNow, a_version_cannot_pass_for_a_line_of_its_own) {
+    feedSays(R"({"version":"2.\nup to date\r\nfailed: ","url":"https://e.org","sha256":"","notes":""})");
+    EXPECT_EQ(lines.last(), QStringLiteral("available: 2. up to date  failed:  — installing"));
+}
+
 TEST_F(UpdateNow, gives_a_terminal_nothing_to_obey) {
     feedSays("{\"version\":\"2.\\u001b[2J\\u0007\\u009b\",\"url\":\"https://e.org\",\"sha256\":\"\","
              "\"notes\":\"\"}");
