@@ -2,8 +2,11 @@
 #include "support/InChild.h"
 #include "support/waitUntil.h"
 
+#include <QDir>
+#include <QFile>
 #include <QTcpSocket>
 
+#include <algorithm>
 #include <csignal>
 
 namespace pavonel::test {
@@ -56,6 +59,16 @@ protected:
         program->process().kill();
         ASSERT_TRUE(waitUntil([&] { return !program->isRunning(); }));
         EXPECT_EQ(fingerprint(), before);
+    }
+
+    /// Its file is there a moment before.
+    bool isScriptAtWork() const {
+        const QByteArray script = QFile::encodeName(path("cache/pavonel/tmp/pavonel-update.sh"));
+        const QStringList processes = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
+        return std::any_of(processes.begin(), processes.end(), [&](const QString &process) {
+            QFile commandLine(QStringLiteral("/proc/%1/cmdline").arg(process));
+            return commandLine.open(QFile::ReadOnly) && commandLine.readAll().split('\0').value(1) == script;
+        });
     }
 
     /// With the folder for temporary files on a disk of this size.
@@ -234,7 +247,7 @@ TEST_F(UpdateMishap, killed_after_the_handing_over_it_is_replaced_all_the_same) 
     QByteArray said;
     ASSERT_TRUE(waitUntil([&] {
         said += program->process().readAllStandardOutput();
-        return said.contains("verified and staged") && exists("cache/pavonel/tmp/pavonel-update.sh");
+        return said.contains("verified and staged") && isScriptAtWork();
     }));
     program->process().kill();
     expectNewVersionRuns();
