@@ -151,6 +151,33 @@ TEST_F(UpdateToolsImage, a_name_that_cannot_be_read_is_refused) {
     expectRefused(attach(), odd);
 }
 
+// A file system that does not tell two names apart would write the file through the link.
+TEST_F(UpdateToolsImage, names_that_differ_by_their_case_alone_are_refused) {
+    for (const char *commands : {"ln -s x $app/A; touch $app/a", "ln -s x $app/D; mkdir $app/d",
+                                 "ln -s x \"$app/A -> b\"; touch \"$app/a -> b\""}) {
+        shell(commands);
+        pack();
+        expectRefused(attach(), odd);
+        shell("rm -r $app/[ADad]*; touch $app/data");
+    }
+}
+
+TEST_F(UpdateToolsImage, names_beyond_plain_letters_are_refused) {
+    for (const char *name : {"\xc3\xa9", "a\tb", "a\x1b[2J"}) {
+        shell(QByteArray("touch \"$app/") + name + '"');
+        pack();
+        expectRefused(attach(), odd);
+        shell(QByteArray("rm \"$app/") + name + '"');
+    }
+}
+
+TEST_F(UpdateToolsImage, names_with_blanks_and_arrows_are_accepted) {
+    shell("touch \"$app/x 12:34 a\" \"$app/y 12:34 a\" \"$app/c -> d\"; ln -s data \"$app/e -> f\"");
+    pack();
+    EXPECT_EQ(attach().status, 0);
+    EXPECT_TRUE(exists(QStringLiteral("point/Pavonel.app/x 12:34 a")));
+}
+
 TEST_F(UpdateToolsImage, names_that_lead_elsewhere_are_refused) {
     shell("touch $app/f1 $app/f2; mksquashfs image disk.dmg -quiet -no-progress -noappend -noI; mv disk.dmg "
           "good");
