@@ -68,12 +68,6 @@ ButtonColours Button::colours() const {
     return bare;
 }
 
-QColor Button::fill(const ButtonColours &colours) const {
-    if (isDown())
-        return colours.pressed;
-    return underMouse() && isEnabled() ? colours.hovered : colours.fill;
-}
-
 void Button::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -83,7 +77,7 @@ void Button::paintEvent(QPaintEvent *) {
     constexpr double room = FocusRing::room;
     const QRectF body = QRectF(rect()).adjusted(room, room, -room, -room);
     const double radius = text().isEmpty() ? body.height() / 2 : 8;
-    drawBody(painter, body, radius, fill(paint), paint.outline);
+    drawBody(painter, body, radius, paint, *this);
     drawContent(painter, body, paint.ink);
     ring_.draw(painter, body, radius, look_.palette().accentText);
 }

@@ -30,7 +30,6 @@ protected:
 
 private:
     ButtonColours colours() const;
-    QColor fill(const ButtonColours &colours) const;
     void drawContent(QPainter &painter, const QRectF &body, const QColor &ink) const;
 
     Role role_;

@@ -1,5 +1,8 @@
 #include "UI/Controls/Pixels.h"
 
+#include "UI/Palette.h"
+
+#include <QAbstractButton>
 #include <QPainter>
 
 #include <algorithm>
@@ -30,6 +33,16 @@ void drawBody(QPainter &painter, const QRectF &body, double radius, const QColor
         painter.drawRoundedRect(outlineOf(painter, body), radius, radius);
     }
     painter.restore();
+}
+
+void drawBody(QPainter &painter, const QRectF &body, double radius, const ButtonColours &colours,
+              const QAbstractButton &button) {
+    QColor fill = colours.fill;
+    if (button.isDown())
+        fill = colours.pressed;
+    else if (button.underMouse() && button.isEnabled())
+        fill = colours.hovered;
+    drawBody(painter, body, radius, fill, colours.outline);
 }
 
 void drawHairline(QPainter &painter, const QPointF &from, const QPointF &to, const QColor &colour) {

@@ -1,11 +1,14 @@
 #pragma once
 
+class QAbstractButton;
 class QColor;
 class QPainter;
 class QRectF;
 class QPointF;
 
 namespace pavonel {
+
+struct ButtonColours;
 
 /// `body`, moved to whole device pixels and then in by half a one, so that an outline of one device pixel
 /// comes out sharp at any ratio.
@@ -14,6 +17,10 @@ QRectF outlineOf(const QPainter &painter, const QRectF &body);
 /// A filled shape with round corners and an outline of one device pixel; a transparent `outline` for none.
 void drawBody(QPainter &painter, const QRectF &body, double radius, const QColor &fill,
               const QColor &outline);
+
+/// Such a shape of a button, with the fill for the pointer above it or holding it down.
+void drawBody(QPainter &painter, const QRectF &body, double radius, const ButtonColours &colours,
+              const QAbstractButton &button);
 
 /// A level or upright line, one device pixel thick.
 void drawHairline(QPainter &painter, const QPointF &from, const QPointF &to, const QColor &colour);

@@ -142,13 +142,12 @@ void PopUpButton::paintEvent(QPaintEvent *) {
     painter.setRenderHint(QPainter::Antialiasing);
     if (!isEnabled())
         painter.setOpacity(0.45);
-    const ButtonColours &colours = look_.palette().plainButton;
+    ButtonColours colours = look_.palette().plainButton;
+    if (isOpen())
+        colours.fill = colours.hovered = colours.pressed;
     constexpr double room = FocusRing::room;
     const QRectF body = QRectF(rect()).adjusted(room, room, -room, -room);
-    const QColor fill = isDown() || isOpen() ? colours.pressed
-                        : underMouse()       ? colours.hovered
-                                             : colours.fill;
-    drawBody(painter, body, radius, fill, colours.outline);
+    drawBody(painter, body, radius, colours, *this);
     const QRectF place = body.adjusted(padding, 0, 6 - padding - chevronRoom(look_), 0);
     painter.setPen(colours.ink);
     const QString text =

@@ -1,5 +1,6 @@
 #include "UI/Controls/PushButton.h"
 
+#include "UI/Controls/Pixels.h"
 #include "UI/Fonts.h"
 #include "UI/Symbol.h"
 
@@ -35,26 +36,14 @@ QSize PushButton::sizeHint() const {
     return {static_cast<int>(std::ceil(textWidth)) + 2 * shape_.padding, shape_.height};
 }
 
-QColor PushButton::fill() const {
-    if (isDown())
-        return colours_.pressed;
-    return underMouse() && isEnabled() ? colours_.hovered : colours_.fill;
-}
-
 void PushButton::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (!isEnabled())
         painter.setOpacity(0.45);
-    const double pixel = 1 / devicePixelRatioF();
-    const bool outlined = colours_.outline.alpha() > 0;
-    const QRectF body =
-        outlined ? QRectF(rect()).adjusted(pixel / 2, pixel / 2, -pixel / 2, -pixel / 2) : rect();
-    painter.setPen(outlined ? QPen(colours_.outline, pixel) : QPen(Qt::NoPen));
-    painter.setBrush(fill());
-    painter.drawRoundedRect(body, shape_.radius, shape_.radius);
+    drawBody(painter, rect(), shape_.radius, colours_, *this);
     if (hasFocus())
-        drawFocusRing(painter, body);
+        drawFocusRing(painter);
     if (symbol_.isEmpty()) {
         painter.setPen(colours_.ink);
         painter.drawText(rect(), Qt::AlignCenter, text());
@@ -67,12 +56,13 @@ void PushButton::paintEvent(QPaintEvent *) {
                       Symbol::image(symbol_, side, colours_.ink, devicePixelRatioF()));
 }
 
-void PushButton::drawFocusRing(QPainter &painter, const QRectF &body) const {
+void PushButton::drawFocusRing(QPainter &painter) const {
     QColor ring = colours_.ink;
     ring.setAlphaF(0.6F);
     painter.setPen(QPen(ring, 1.5));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(body.adjusted(1.5, 1.5, -1.5, -1.5), shape_.radius - 1.5, shape_.radius - 1.5);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(1.5, 1.5, -1.5, -1.5), shape_.radius - 1.5,
+                            shape_.radius - 1.5);
 }
 
 } // namespace pavonel

@@ -30,8 +30,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    QColor fill() const;
-    void drawFocusRing(QPainter &painter, const QRectF &body) const;
+    void drawFocusRing(QPainter &painter) const;
 
     ButtonColours colours_;
     Shape shape_;

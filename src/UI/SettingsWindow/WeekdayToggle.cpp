@@ -60,8 +60,7 @@ void WeekdayToggle::paintEvent(QPaintEvent *) {
     const QRectF body = QRectF(rect()).adjusted(room, room, -room, -room);
     const ButtonColours &colours =
         isChecked() ? look_.palette().prominentButton : look_.palette().plainButton;
-    const QColor fill = isDown() ? colours.pressed : underMouse() ? colours.hovered : colours.fill;
-    drawBody(painter, body, body.width() / 2, fill, colours.outline);
+    drawBody(painter, body, body.width() / 2, colours, *this);
     painter.setPen(isChecked() ? colours.ink : look_.palette().secondaryText);
     painter.drawText(rect(), Qt::AlignCenter, text());
     ring_.draw(painter, body, body.width() / 2, look_.palette().accentText);
