@@ -42,6 +42,12 @@ struct SettingsControls : testing::Test {
         QMouseEvent event(type, where, target.mapToGlobal(where), Qt::LeftButton, held, Qt::NoModifier);
         QApplication::sendEvent(&target, &event);
     }
+    /// By one notch, downwards.
+    static void turnWheel(ScrollArea &area) {
+        QWheelEvent event({10, 10}, area.mapToGlobal(QPointF(10, 10)), {}, {0, -120}, Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(area.viewport(), &event);
+    }
     static QAccessibleInterface *accessible(QWidget &widget) {
         return QAccessible::queryAccessibleInterface(&widget);
     }
@@ -429,12 +435,7 @@ TEST_F(SettingsControls, a_wheel_with_notches_scrolls_smoothly) {
     ScrollArea area(look, content);
     area.resize(300, 300);
     area.show();
-    const auto turn = [&] {
-        QWheelEvent event({10, 10}, area.mapToGlobal(QPointF(10, 10)), {}, {0, -120}, Qt::NoButton,
-                          Qt::NoModifier, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(area.viewport(), &event);
-    };
-    turn();
+    turnWheel(area);
     EXPECT_EQ(area.verticalScrollBar()->value(), 0);
     platform.loop.advance(0.03);
     const int soon = area.verticalScrollBar()->value();
@@ -443,7 +444,7 @@ TEST_F(SettingsControls, a_wheel_with_notches_scrolls_smoothly) {
     const int end = area.verticalScrollBar()->value();
     EXPECT_GT(end, soon);
     platform.look.current.reducedMotion = true;
-    turn();
+    turnWheel(area);
     EXPECT_EQ(area.verticalScrollBar()->value(), 2 * end);
 }
 
@@ -453,11 +454,8 @@ TEST_F(SettingsControls, scrolling_ends_at_the_end) {
     ScrollArea area(look, content);
     area.resize(300, 300);
     area.show();
-    for (int notch = 0; notch < 20; ++notch) {
-        QWheelEvent event({10, 10}, area.mapToGlobal(QPointF(10, 10)), {}, {0, -120}, Qt::NoButton,
-                          Qt::NoModifier, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(area.viewport(), &event);
-    }
+    for (int notch = 0; notch < 20; ++notch)
+        turnWheel(area);
     platform.loop.advance(3);
     EXPECT_EQ(area.verticalScrollBar()->value(), area.verticalScrollBar()->maximum());
     EXPECT_EQ(area.verticalScrollBar()->maximum(), 100);
