@@ -11,7 +11,6 @@ namespace pavonel {
 
 namespace {
 
-constexpr int pictureSide = 24;
 constexpr int gap = 10;
 
 QString onOneLine(const QString &text) {
@@ -39,23 +38,29 @@ void ListRow::paintEvent(QPaintEvent *event) {
     CardRow::paintEvent(event);
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    double left = margin;
-    const double right = remove_->x() - gap;
-    if (!entry_.picture.isNull()) {
-        painter.drawImage(QRectF(left, (height() - pictureSide) / 2.0, pictureSide, pictureSide),
-                          entry_.picture);
-        left += pictureSide + gap;
+    draw(painter, QRectF(margin, 0, remove_->x() - gap - margin, height()), entry_, look(),
+         look().palette().text, look().palette().secondaryText);
+}
+
+void ListRow::draw(QPainter &painter, const QRectF &place, const Entry &entry, const Look &look,
+                   const QColor &ink, const QColor &detailInk) {
+    QRectF room = place;
+    if (!entry.picture.isNull()) {
+        painter.drawImage(
+            QRectF(room.left(), room.center().y() - pictureSide / 2.0, pictureSide, pictureSide),
+            entry.picture);
+        room.setLeft(room.left() + pictureSide + gap);
     }
-    const auto draw = [&](const QString &text, const QFont &font, const QColor &ink) {
+    const auto write = [&](const QString &text, const QFont &font, const QColor &colour) {
         painter.setFont(font);
-        painter.setPen(ink);
-        const QFontMetricsF metrics(font, this);
-        const QString shown = metrics.elidedText(text, Qt::ElideRight, right - left);
-        painter.drawText(QRectF(left, 0, right - left, height()), Qt::AlignVCenter | Qt::AlignLeft, shown);
-        left += metrics.horizontalAdvance(shown) + gap;
+        painter.setPen(colour);
+        const QFontMetricsF metrics(font, painter.device());
+        const QString shown = metrics.elidedText(text, Qt::ElideRight, room.width());
+        painter.drawText(room, Qt::AlignVCenter | Qt::AlignLeft, shown);
+        room.setLeft(room.left() + metrics.horizontalAdvance(shown) + gap);
     };
-    draw(entry_.text, look().font(13), look().palette().text);
-    draw(entry_.detail, look().font(11), look().palette().secondaryText);
+    write(entry.text, look.font(13), ink);
+    write(entry.detail, look.font(11), detailInk);
 }
 
 QAccessibleInterface *ListRow::makeAccessible() {

@@ -21,6 +21,12 @@ public:
         QImage picture = {};
     };
 
+    static constexpr int pictureSide = 24;
+
+    /// In the middle of `place`, one behind the other; the detail gives way first.
+    static void draw(QPainter &painter, const QRectF &place, const Entry &entry, const Look &look,
+                     const QColor &ink, const QColor &detailInk);
+
     /// `remove` may destroy the row.
     ListRow(Look &look, const Entry &entry, std::function<void()> remove);
 

@@ -1,6 +1,7 @@
 #include "UI/SettingsWindow/AppChooser.h"
 
 #include "UI/Controls/Button.h"
+#include "UI/Controls/ListRow.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/ScrollArea.h"
 #include "UI/Controls/Text.h"
@@ -99,7 +100,8 @@ QWidget *AppChooser::list() {
 
 QWidget *AppChooser::row(const QString &identifier) {
     const InstalledApplication application = byIdentifier_.value(identifier);
-    auto *row = new AppRow(look_, application, appIcon(applications_, application, AppRow::iconSide, look_));
+    auto *row =
+        new AppRow(look_, application, appIcon(applications_, application, ListRow::pictureSide, look_));
     connect(row, &AppRow::clicked, this, [this, identifier] { take(identifier); });
     return row;
 }

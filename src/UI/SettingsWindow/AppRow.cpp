@@ -1,8 +1,8 @@
 #include "UI/SettingsWindow/AppRow.h"
 
 #include "UI/Controls/Keys.h"
+#include "UI/Controls/ListRow.h"
 
-#include <QFontMetricsF>
 #include <QPainter>
 
 namespace pavonel {
@@ -10,8 +10,6 @@ namespace pavonel {
 namespace {
 
 constexpr int inset = 6; // of the highlight
-constexpr int margin = 16;
-constexpr int gap = 10;
 
 } // namespace
 
@@ -38,20 +36,10 @@ void AppRow::paintEvent(QPaintEvent *) {
         painter.setBrush(hasFocus() ? palette.accent : palette.panelButton.fill);
         painter.drawRoundedRect(QRectF(rect()).adjusted(inset, 1, -inset, -1), 7, 7);
     }
-    painter.drawImage(QRectF(margin, (height() - iconSide) / 2.0, iconSide, iconSide), icon_);
-    double left = margin + iconSide + gap;
-    const auto write = [&](const QFont &font, const QString &text, const QColor &ink) {
-        painter.setFont(font);
-        painter.setPen(ink);
-        const QFontMetricsF metrics(font, this);
-        const double room = width() - margin - left;
-        const QString shown = metrics.elidedText(text, Qt::ElideRight, room);
-        painter.drawText(QRectF(left, 0, room, height()), Qt::AlignVCenter | Qt::AlignLeft, shown);
-        left += metrics.horizontalAdvance(shown) + gap;
-    };
-    write(look_.font(13), application_.name, hasFocus() ? palette.onAccent : palette.text);
-    write(look_.font(11), application_.bundleIdentifier,
-          hasFocus() ? palette.onAccent : palette.secondaryText);
+    ListRow::draw(painter, QRectF(rect()).adjusted(CardRow::margin, 0, -CardRow::margin, 0),
+                  {application_.name, application_.bundleIdentifier, icon_}, look_,
+                  hasFocus() ? palette.onAccent : palette.text,
+                  hasFocus() ? palette.onAccent : palette.secondaryText);
 }
 
 void AppRow::keyPressEvent(QKeyEvent *event) {

@@ -11,8 +11,6 @@ namespace pavonel {
 /// An application to choose: its icon, its name and, behind that, its identifier.
 class AppRow : public QAbstractButton {
 public:
-    static constexpr int iconSide = 24;
-
     AppRow(Look &look, const InstalledApplication &application, const QImage &icon);
 
     QSize sizeHint() const override;

@@ -3,10 +3,10 @@
 #include "Core/Settings.h"
 #include "Platform/InstalledApplications.h"
 #include "UI/Controls/Button.h"
+#include "UI/Controls/ListRow.h"
 #include "UI/SettingsWindow/AddField.h"
 #include "UI/SettingsWindow/AppChooser.h"
 #include "UI/SettingsWindow/AppIcon.h"
-#include "UI/SettingsWindow/AppRow.h"
 #include "UI/SettingsWindow/TextList.h"
 
 #include <optional>
@@ -40,7 +40,7 @@ ListRow::Entry entryOf(Names &names, const QString &identifier, const Look &look
     const InstalledApplication *known = names.find(identifier);
     const InstalledApplication shown = known ? *known : InstalledApplication{identifier, identifier};
     return {shown.name, known ? identifier : QString(),
-            appIcon(names.applications(), shown, AppRow::iconSide, look)};
+            appIcon(names.applications(), shown, ListRow::pictureSide, look)};
 }
 
 QWidget *chooseButton(Look &look, InstalledApplications &applications,
