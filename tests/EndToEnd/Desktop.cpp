@@ -1,5 +1,7 @@
 #include "EndToEnd/Desktop.h"
 
+#include "support/files.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -49,15 +51,11 @@ void Desktop::store(const QJsonObject &members) {
                     {QStringLiteral("longEnabled"), false}};
     for (auto member = members.begin(); member != members.end(); ++member)
         all[member.key()] = member.value();
-    QDir().mkpath(QFileInfo(storePath()).path());
-    QFile file(storePath());
-    ASSERT_TRUE(file.open(QFile::WriteOnly));
-    file.write(QJsonDocument(all).toJson());
+    writeFile(storePath(), QJsonDocument(all).toJson());
 }
 
 QJsonObject Desktop::stored() const {
-    QFile file(storePath());
-    return file.open(QFile::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+    return QJsonDocument::fromJson(readFile(storePath())).object();
 }
 
 QDate Desktop::today() {

@@ -1,6 +1,7 @@
 #include "EndToEnd/HeadlessProgram.h"
 #include "EndToEnd/Remote.h"
 #include "support/MessageBus.h"
+#include "support/files.h"
 #include "support/waitUntil.h"
 
 #include <QFile>
@@ -38,9 +39,7 @@ QString commandOf(const char *action) {
 struct DesktopEntry : testing::Test {
     DesktopEntry() {
         program.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address());
-        QFile store(program.storePath());
-        EXPECT_TRUE(store.open(QFile::WriteOnly));
-        store.write(R"({"didOnboard": true, "longDuration": 1})");
+        writeFile(program.storePath(), R"({"didOnboard": true, "longDuration": 1})");
     }
 
     void start() {
@@ -114,13 +113,11 @@ TEST_F(DesktopEntry, an_unknown_action_does_nothing) {
 
 TEST_F(DesktopEntry, where_the_program_does_not_run_the_bus_starts_it_and_the_action_is_done) {
     const QTemporaryDir services;
-    QFile service(services.filePath(QStringLiteral("org.pavonel.Pavonel.service")));
-    ASSERT_TRUE(service.open(QFile::WriteOnly));
-    QFile pattern(QStringLiteral(PAVONEL_SOURCE_DIR "/packaging/org.pavonel.Pavonel.service.in"));
-    ASSERT_TRUE(pattern.open(QFile::ReadOnly));
+    QByteArray service =
+        readFile(QStringLiteral(PAVONEL_SOURCE_DIR "/packaging/org.pavonel.Pavonel.service.in"));
     const QFileInfo built(QStringLiteral(PAVONEL_PROGRAM));
-    service.write(pattern.readAll().replace("@CMAKE_INSTALL_FULL_BINDIR@", built.path().toUtf8()));
-    service.close();
+    service.replace("@CMAKE_INSTALL_FULL_BINDIR@", built.path().toUtf8());
+    writeFile(services.filePath(QStringLiteral("org.pavonel.Pavonel.service")), service);
     const MessageBus starter(services.path(), program.environment());
     program.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), starter.address());
 

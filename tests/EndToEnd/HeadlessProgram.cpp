@@ -1,5 +1,6 @@
 #include "EndToEnd/HeadlessProgram.h"
 
+#include "support/files.h"
 #include "support/waitUntil.h"
 
 #include <QDir>
@@ -50,8 +51,7 @@ HeadlessProgram::HeadlessProgram() : executable_(QStringLiteral(PAVONEL_PROGRAM)
 }
 
 QJsonObject HeadlessProgram::stored() const {
-    QFile file(storePath());
-    return file.open(QFile::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+    return QJsonDocument::fromJson(readFile(storePath())).object();
 }
 
 double HeadlessProgram::storedToday(const QString &number) const {

@@ -1,5 +1,6 @@
 #include "EndToEnd/HeadlessProgram.h"
 #include "support/HttpServer.h"
+#include "support/files.h"
 #include "support/waitUntil.h"
 
 #include <QFile>
@@ -31,10 +32,7 @@ protected:
             {QStringLiteral("naturalBreakEnabled"), false},
             {QStringLiteral("onBreakStartScript"), QStringLiteral("date +%s >> '%1'").arg(breakTimes())},
             {QStringLiteral("soundEnabled"), false}};
-        QFile file(program.storePath());
-        ASSERT_TRUE(file.open(QFile::WriteOnly));
-        file.write(QJsonDocument(store).toJson());
-        file.close();
+        writeFile(program.storePath(), QJsonDocument(store).toJson());
         program.environment().insert(QStringLiteral("PAVONEL_PAIR_HOST"), service);
         program.start();
     }
@@ -44,9 +42,7 @@ protected:
     /// Whether one began soon after another, so far.
     bool breaksFollowEachOther() const {
         constexpr int soon = 15; // seconds; four on a quiet machine
-        QFile file(breakTimes());
-        const QByteArrayList times =
-            file.open(QFile::ReadOnly) ? file.readAll().trimmed().split('\n') : QByteArrayList();
+        const QByteArrayList times = readFile(breakTimes()).trimmed().split('\n');
         return std::ranges::adjacent_find(times, [](const QByteArray &one, const QByteArray &next) {
                    return next.toLongLong() - one.toLongLong() < soon;
                }) != times.end();

@@ -1,5 +1,7 @@
 #include "EndToEnd/SettingsRoad.h"
 
+#include "support/files.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -49,11 +51,8 @@ SettingsRoad::SettingsRoad() {
 
 void SettingsRoad::start(const QJsonObject &stored) {
     QFile::remove(desktop.storePath());
-    if (!stored.isEmpty()) {
-        QFile file(desktop.storePath());
-        ASSERT_TRUE(file.open(QFile::WriteOnly));
-        file.write(QJsonDocument(stored).toJson());
-    }
+    if (!stored.isEmpty())
+        writeFile(desktop.storePath(), QJsonDocument(stored).toJson());
     desktop.startProgram();
 }
 

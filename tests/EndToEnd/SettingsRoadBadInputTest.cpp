@@ -1,6 +1,6 @@
 #include "EndToEnd/SettingsRoad.h"
+#include "support/files.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QUuid>
@@ -51,10 +51,7 @@ TEST_F(SettingsRoad, texts_of_every_kind_are_taken_as_they_are) {
     const QJsonArray texts{u"🦚 Pfauenzeit 🧘‍♀️"_s, u"הפסקת צהריים"_s,     u"استراحة ١٢"_s,
                            u"<b>&amp;</b> %1 \\n"_s,           QString(10'000, u'w'), u"one\ntwo\r\nthree"_s};
     const QString path = desktop.environment().value(u"HOME"_s) + u"/texts.json"_s;
-    QFile file(path);
-    ASSERT_TRUE(file.open(QFile::WriteOnly));
-    file.write(QJsonDocument(texts).toJson());
-    file.close();
+    writeFile(path, QJsonDocument(texts).toJson());
     start();
     walk(u"texts.py"_s, {path});
 

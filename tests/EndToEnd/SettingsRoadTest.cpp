@@ -1,7 +1,7 @@
 #include "EndToEnd/SettingsRoad.h"
 
-#include <QDir>
-#include <QFile>
+#include "support/files.h"
+
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -26,10 +26,8 @@ QJsonObject today(const QJsonObject &counts) {
 }
 
 void installQuill(const QString &applications) {
-    QDir().mkpath(applications);
-    QFile entry(applications + u"/org.example.quill.desktop"_s);
-    ASSERT_TRUE(entry.open(QFile::WriteOnly));
-    entry.write("[Desktop Entry]\nType=Application\nName=Quill Writer\nExec=true\n");
+    writeFile(applications + u"/org.example.quill.desktop"_s,
+              "[Desktop Entry]\nType=Application\nName=Quill Writer\nExec=true\n");
 }
 
 } // namespace

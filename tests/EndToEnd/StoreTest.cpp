@@ -1,9 +1,9 @@
 #include "EndToEnd/HeadlessProgram.h"
 #include "support/InChild.h"
+#include "support/files.h"
 #include "support/waitUntil.h"
 
 #include <QDir>
-#include <QFile>
 
 #include <csignal>
 
@@ -17,17 +17,6 @@ struct Damage {
     const char *name;
     QByteArray (*content)();
 };
-
-void put(const QString &path, const QByteArray &content) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QFile::WriteOnly));
-    ASSERT_EQ(file.write(content), content.size());
-}
-
-QByteArray contentOf(const QString &path) {
-    QFile file(path);
-    return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 void let(int milliseconds) {
     bool passed = false;
@@ -79,19 +68,19 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_P(DamagedStore, is_set_aside_and_the_program_starts_all_the_same) {
     HeadlessProgram program;
     const QByteArray damaged = GetParam().content();
-    put(program.storePath(), damaged);
+    writeFile(program.storePath(), damaged);
 
     EXPECT_GE(screenSecondsOfARun(program, SIGTERM), 1);
 
     const QDir folder(program.storeFolder());
     const QStringList aside = folder.entryList({QStringLiteral("defaults.json.broken-*")});
     ASSERT_EQ(aside.size(), 1);
-    EXPECT_TRUE(contentOf(folder.filePath(aside.first())) == damaged) << "the old file was changed";
+    EXPECT_TRUE(readFile(folder.filePath(aside.first())) == damaged) << "the old file was changed";
 }
 
 class UnwritableStore : public testing::Test {
 protected:
-    UnwritableStore() { put(program.storePath(), stored); }
+    UnwritableStore() { writeFile(program.storePath(), stored); }
 
     void SetUp() override {
         if (!mayMount())
@@ -102,7 +91,7 @@ protected:
         let(2500);
         EXPECT_TRUE(program.isRunning());
         EXPECT_EQ(program.end(SIGTERM), 0);
-        EXPECT_EQ(contentOf(program.storePath()), stored);
+        EXPECT_EQ(readFile(program.storePath()), stored);
     }
 
     const QByteArray stored = R"({"microInterval": 900})";

@@ -1,5 +1,6 @@
 #include "EndToEnd/UpdateBench.h"
 
+#include "support/files.h"
 #include "support/waitUntil.h"
 
 #include <QDir>
@@ -56,15 +57,11 @@ bool UpdateBench::exists(const char *inHome) const {
 }
 
 QByteArray UpdateBench::read(const char *inHome) const {
-    QFile file(path(inHome));
-    return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+    return readFile(path(inHome));
 }
 
 void UpdateBench::write(const char *inHome, const QByteArray &content) const {
-    QFile file(path(inHome));
-    QDir().mkpath(QFileInfo(file).path());
-    ASSERT_TRUE(file.open(QFile::WriteOnly)) << inHome;
-    file.write(content);
+    writeFile(path(inHome), content);
 }
 
 std::vector<qint64> UpdateBench::processes() const {

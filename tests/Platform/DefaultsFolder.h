@@ -2,9 +2,9 @@
 
 #include "Platform/Qt/FileDefaults.h"
 #include "support/VirtualMainLoop.h"
+#include "support/files.h"
 
 #include <QDir>
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
@@ -32,17 +32,9 @@ struct DefaultsFolder : ::testing::Test {
         return open();
     }
 
-    void put(const QByteArray &content) const {
-        QDir().mkpath(folder);
-        QFile file(path);
-        ASSERT_TRUE(file.open(QFile::WriteOnly));
-        ASSERT_EQ(file.write(content), content.size());
-    }
+    void put(const QByteArray &content) const { writeFile(path, content); }
 
-    QByteArray content() const {
-        QFile file(path);
-        return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    QByteArray content() const { return readFile(path); }
 
     QJsonObject object() const { return QJsonDocument::fromJson(content()).object(); }
 

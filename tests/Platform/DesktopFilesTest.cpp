@@ -4,10 +4,10 @@
 #include "Platform/Linux/Applications/ProcessFolder.h"
 #include "Platform/Linux/Applications/ProgramName.h"
 #include "Platform/Linux/Applications/Recorders.h"
+#include "support/files.h"
 #include "support/waitUntil.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <random>
@@ -25,13 +25,6 @@ std::optional<DesktopFile> entry(const QByteArray &lines) {
 QByteArray programOf(const QByteArray &exec) {
     const auto file = entry("Exec=" + exec + '\n');
     return file ? file->program : "none";
-}
-
-void write(const QString &path, const QByteArray &contents) {
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(contents);
 }
 
 QByteArray application(const QByteArray &program) {
@@ -110,12 +103,12 @@ TEST(DesktopFiles, a_window_class_belongs_to_the_application_that_declares_it_or
 TEST(DesktopFiles, the_folder_of_the_user_outranks_those_of_the_system) {
     const QTemporaryDir user;
     const QTemporaryDir system;
-    write(system.filePath(QStringLiteral("a.desktop")), application("old"));
-    write(system.filePath(QStringLiteral("b.desktop")), application("hidden"));
-    write(system.filePath(QStringLiteral("sub/c.desktop")), application("nested"));
-    write(system.filePath(QStringLiteral("broken.desktop")), "\0\xff\xfe[[[=\n\"\\");
-    write(user.filePath(QStringLiteral("a.desktop")), application("new"));
-    write(user.filePath(QStringLiteral("b.desktop")), "[Desktop Entry]\nHidden=true\n");
+    writeFile(system.filePath(QStringLiteral("a.desktop")), application("old"));
+    writeFile(system.filePath(QStringLiteral("b.desktop")), application("hidden"));
+    writeFile(system.filePath(QStringLiteral("sub/c.desktop")), application("nested"));
+    writeFile(system.filePath(QStringLiteral("broken.desktop")), QByteArrayLiteral("\0\xff\xfe[[[=\n\"\\"));
+    writeFile(user.filePath(QStringLiteral("a.desktop")), application("new"));
+    writeFile(user.filePath(QStringLiteral("b.desktop")), "[Desktop Entry]\nHidden=true\n");
     DesktopFileCatalogue catalogue({user.path(), system.path(), QStringLiteral("/nonexistent/applications")});
     ASSERT_TRUE(catalogue.read(QDeadlineTimer::Forever));
     EXPECT_EQ(catalogue.index().forProgram("new"), QStringLiteral("a"));
@@ -126,11 +119,11 @@ TEST(DesktopFiles, the_folder_of_the_user_outranks_those_of_the_system) {
 
 TEST(DesktopFiles, folders_are_read_again_only_when_they_change) {
     const QTemporaryDir folder;
-    write(folder.filePath(QStringLiteral("a.desktop")), application("a"));
+    writeFile(folder.filePath(QStringLiteral("a.desktop")), application("a"));
     DesktopFileCatalogue catalogue({folder.path()});
     ASSERT_TRUE(catalogue.read(QDeadlineTimer::Forever));
     EXPECT_FALSE(catalogue.read(QDeadlineTimer::Forever));
-    write(folder.filePath(QStringLiteral("b.desktop")), application("b"));
+    writeFile(folder.filePath(QStringLiteral("b.desktop")), application("b"));
     EXPECT_TRUE(waitUntil([&] { return catalogue.read(QDeadlineTimer::Forever); }));
     EXPECT_EQ(catalogue.index().forProgram("b"), QStringLiteral("b"));
 }
@@ -139,11 +132,11 @@ TEST(DesktopFiles, a_folder_that_comes_with_its_first_application_is_read) {
     const QTemporaryDir home;
     DesktopFileCatalogue catalogue({home.filePath(QStringLiteral("share/boxes/applications"))});
     ASSERT_TRUE(catalogue.read(QDeadlineTimer::Forever));
-    write(home.filePath(QStringLiteral("notes")), "something else");
+    writeFile(home.filePath(QStringLiteral("notes")), "something else");
     EXPECT_FALSE(waitUntil([&] { return catalogue.read(QDeadlineTimer::Forever); }, 300));
     QDir(home.path()).mkdir(QStringLiteral("share"));
     EXPECT_FALSE(waitUntil([&] { return catalogue.read(QDeadlineTimer::Forever); }, 300));
-    write(home.filePath(QStringLiteral("share/boxes/applications/a.desktop")), application("a"));
+    writeFile(home.filePath(QStringLiteral("share/boxes/applications/a.desktop")), application("a"));
     EXPECT_TRUE(waitUntil([&] {
         catalogue.read(QDeadlineTimer::Forever);
         return catalogue.index().forProgram("a") == u"a";
@@ -153,7 +146,7 @@ TEST(DesktopFiles, a_folder_that_comes_with_its_first_application_is_read) {
 TEST(DesktopFiles, many_files_are_read_in_slices) {
     const QTemporaryDir folder;
     for (int file = 0; file < 100; ++file)
-        write(folder.filePath(QStringLiteral("%1.desktop").arg(file)), application("p"));
+        writeFile(folder.filePath(QStringLiteral("%1.desktop").arg(file)), application("p"));
     DesktopFileCatalogue catalogue({folder.path()});
     EXPECT_FALSE(catalogue.read(QDeadlineTimer(0)));
     EXPECT_FALSE(catalogue.read(QDeadlineTimer(0)));

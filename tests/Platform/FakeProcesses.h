@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Applications.h"
+#include "support/files.h"
 
 #include <QDir>
 #include <QFile>
@@ -22,11 +23,11 @@ public:
     void add(int id, const QString &executable, const QByteArray &unit = {}) {
         QDir(folder_.path()).mkdir(QString::number(id));
         QFile::link(executable, path(id, "exe"));
-        write(path(id, "cmdline"), executable.toLocal8Bit() + '\0');
+        writeFile(path(id, "cmdline"), executable.toLocal8Bit() + '\0');
         if (!unit.isEmpty())
             writeGroups(id, "0::/user.slice/app.slice/" + unit + '\n');
     }
-    void writeGroups(int id, const QByteArray &groups) { write(path(id, "cgroup"), groups); }
+    void writeGroups(int id, const QByteArray &groups) { writeFile(path(id, "cgroup"), groups); }
     void remove(int id) { QDir(folder_.filePath(QString::number(id))).removeRecursively(); }
 
     /// Another process under the number of one that ended: its folder is another one.
@@ -38,28 +39,22 @@ public:
     void run(int id, const QString &executable) {
         QFile::remove(path(id, "exe"));
         QFile::link(executable, path(id, "exe"));
-        write(path(id, "cmdline"), executable.toLocal8Bit() + '\0');
+        writeFile(path(id, "cmdline"), executable.toLocal8Bit() + '\0');
     }
     /// What the kernel says of the last number that it gave.
     void tellLast(int id) {
-        write(folder_.filePath(QStringLiteral("loadavg")),
-              "0.31 1.21 1.81 1/146 " + QByteArray::number(id) + '\n');
+        writeFile(folder_.filePath(QStringLiteral("loadavg")),
+                  "0.31 1.21 1.81 1/146 " + QByteArray::number(id) + '\n');
     }
     /// Gives the process the number of a thread of another one.
     void makeThread(int id, int process) {
-        write(path(id, "status"), "Name:\tx\nTgid:\t" + QByteArray::number(process) + "\nNgid:\t0\n");
+        writeFile(path(id, "status"), "Name:\tx\nTgid:\t" + QByteArray::number(process) + "\nNgid:\t0\n");
     }
     QString path(int id, const char *file) const {
         return folder_.filePath(QStringLiteral("%1/%2").arg(QString::number(id), QString::fromLatin1(file)));
     }
 
 private:
-    static void write(const QString &path, const QByteArray &contents) {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(contents);
-    }
-
     QTemporaryDir folder_;
 };
 

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Applications/LinuxInstalledApplications.h"
 #include "support/Printing.h"
+#include "support/files.h"
 
 #include <QDir>
 #include <QFile>
@@ -29,12 +30,7 @@ protected:
 
     QString path(const QString &name) const { return folder_.filePath(name); }
 
-    void write(const QString &name, const QByteArray &content) const {
-        QDir().mkpath(QFileInfo(path(name)).path());
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
+    void write(const QString &name, const QByteArray &content) const { writeFile(path(name), content); }
 
     void addApplication(const QString &name, const QByteArray &lines) const {
         write(name, "[Desktop Entry]\nType=Application\n" + lines);
@@ -123,7 +119,7 @@ TEST_F(TheInstalledApplications, have_names_of_one_line) {
 TEST_F(TheInstalledApplications, are_none_where_there_are_no_files_or_only_nonsense) {
     EXPECT_EQ(applications().all(), Apps{});
     write(QStringLiteral("system/empty.desktop"), {});
-    write(QStringLiteral("system/noise.desktop"), "\0\xff\xfe[[[=\n\"\\");
+    write(QStringLiteral("system/noise.desktop"), QByteArrayLiteral("\0\xff\xfe[[[=\n\"\\"));
     write(QStringLiteral("system/headless.desktop"), "Type=Application\nName=x\n");
     write(QStringLiteral("system/long.desktop"), QByteArray(1 << 20, '='));
     addApplication(QStringLiteral("system/nameless.desktop"), "Icon=x\n");

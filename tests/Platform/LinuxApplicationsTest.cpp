@@ -3,6 +3,7 @@
 #include "FakeProcesses.h"
 #include "support/ChildProcess.h"
 #include "support/RecorderTurn.h"
+#include "support/files.h"
 #include "support/waitUntil.h"
 
 #include <QDir>
@@ -45,10 +46,8 @@ protected:
     }
     QString desktopFiles() const { return folder_.filePath(QStringLiteral("applications")); }
     void install(const QString &identifier, const QString &program) {
-        QDir().mkpath(desktopFiles());
-        QFile file(desktopFiles() + QStringLiteral("/%1.desktop").arg(identifier));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("[Desktop Entry]\nType=Application\nExec=" + program.toLocal8Bit() + " %U\n");
+        writeFile(desktopFiles() + QStringLiteral("/%1.desktop").arg(identifier),
+                  "[Desktop Entry]\nType=Application\nExec=" + program.toLocal8Bit() + " %U\n");
     }
 
 private:
@@ -74,10 +73,7 @@ TEST_F(LinuxApplicationsTest, a_recorder_in_the_background_is_reported_while_it_
 TEST_F(LinuxApplicationsTest, a_recorder_that_is_a_script_is_reported_too) {
     const RecorderTurn turn;
     const QString script = copyOf(QStringLiteral("/dev/null"), QStringLiteral("kazam"));
-    QFile file(script);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("import time; time.sleep(300)");
-    file.close();
+    writeFile(script, "import time; time.sleep(300)");
     const ChildProcess recorder(python, {script});
     EXPECT_TRUE(waitUntil([&] { return isRunning(recording); }));
 }
@@ -153,16 +149,10 @@ TEST_F(LinuxApplicationsTest, a_unit_names_a_program_that_no_desktop_file_names)
     processes.add(10, QStringLiteral("/opt/x/bin"), "app-gnome-org.example.Viewer-10.scope");
     processes.add(20, QStringLiteral("/opt/y/bin"), "app-gnome-org.example.Unknown-20.scope");
     processes.add(30, QStringLiteral("/app/bin/z"));
-    QDir(processes.path(30, "")).mkpath(QStringLiteral("root"));
-    QFile info(processes.path(30, "root/.flatpak-info"));
-    ASSERT_TRUE(info.open(QIODevice::WriteOnly));
-    info.write("[Application]\nname=org.example.Boxed\nruntime=x\n");
-    info.close();
+    writeFile(processes.path(30, "root/.flatpak-info"), "[Application]\nname=org.example.Boxed\nruntime=x\n");
     const QTemporaryDir files;
-    QFile file(files.filePath(QStringLiteral("org.example.Viewer.desktop")));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("[Desktop Entry]\nType=Application\nExec=flatpak run x\n");
-    file.close();
+    writeFile(files.filePath(QStringLiteral("org.example.Viewer.desktop")),
+              "[Desktop Entry]\nType=Application\nExec=flatpak run x\n");
     LinuxApplications applications(nullptr, nullptr,
                                    {.processes = processes.root(), .desktopFiles = {files.path()}});
     EXPECT_TRUE(waitUntil([&] {

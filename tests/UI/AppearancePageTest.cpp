@@ -5,6 +5,7 @@
 #include "UI/SettingsWindow/StyleTile.h"
 #include "UI/Theme.h"
 #include "support/OpenSettings.h"
+#include "support/files.h"
 #include "support/waitUntil.h"
 #include "support/windows.h"
 
@@ -136,10 +137,7 @@ TEST_F(AppearancePage, shows_the_image_that_is_chosen_and_removes_it) {
 }
 
 TEST_F(AppearancePage, says_of_an_image_that_is_gone_or_none_that_the_style_is_shown) {
-    QFile broken(folder.filePath(u"broken.png"_s));
-    ASSERT_TRUE(broken.open(QFile::WriteOnly));
-    broken.write("no picture");
-    broken.close();
+    writeFile(folder.filePath(u"broken.png"_s), "no picture");
     for (const QString &name : {u"broken.png"_s, u"gone.png"_s}) {
         open.settings.customBackgroundPath = folder.filePath(name);
         show();

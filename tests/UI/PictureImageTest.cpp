@@ -1,4 +1,5 @@
 #include "UI/BackgroundImage.h"
+#include "support/files.h"
 
 #include <QDir>
 #include <QFile>
@@ -103,24 +104,18 @@ TEST_F(PictureImage, what_is_transparent_is_black) {
 }
 
 TEST_F(PictureImage, a_folder_a_missing_file_and_a_file_of_garbage_are_no_pictures) {
-    QFile garbage(path("garbage.jpg"));
-    ASSERT_TRUE(garbage.open(QFile::WriteOnly));
-    garbage.write(QByteArray(100'000, 'x'));
-    garbage.close();
-    EXPECT_TRUE(pictureImage(garbage.fileName(), screen).isNull());
+    writeFile(path("garbage.jpg"), QByteArray(100'000, 'x'));
+    EXPECT_TRUE(pictureImage(path("garbage.jpg"), screen).isNull());
     EXPECT_TRUE(pictureImage(QDir::tempPath(), screen).isNull());
     EXPECT_TRUE(pictureImage(path("missing.png"), screen).isNull());
     EXPECT_TRUE(pictureImage({}, screen).isNull());
 }
 
 TEST_F(PictureImage, a_truncated_file_is_no_picture_or_a_partial_one_but_never_a_crash) {
-    QFile whole(save(striped({800, 450}, Qt::Vertical), "whole.png"));
-    ASSERT_TRUE(whole.open(QFile::ReadOnly));
-    QFile part(path("part.png"));
-    ASSERT_TRUE(part.open(QFile::WriteOnly));
-    part.write(whole.read(whole.size() / 2));
-    part.close();
-    const QImage image = pictureImage(part.fileName(), screen);
+    const QByteArray whole = readFile(save(striped({800, 450}, Qt::Vertical), "whole.png"));
+    ASSERT_FALSE(whole.isEmpty());
+    writeFile(path("part.png"), whole.first(whole.size() / 2));
+    const QImage image = pictureImage(path("part.png"), screen);
     EXPECT_TRUE(image.isNull() || image.size() == screen);
 }
 

@@ -3,6 +3,7 @@
 #include "X11/server.h"
 #include "support/ChildProcess.h"
 #include "support/XClient.h"
+#include "support/files.h"
 #include "support/waitUntil.h"
 
 #include <QFile>
@@ -30,9 +31,8 @@ protected:
     }
 
     void install(const QString &identifier, const QByteArray &lines) {
-        QFile file(folder.filePath(identifier + QStringLiteral(".desktop")));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("[Desktop Entry]\nType=Application\n" + lines);
+        writeFile(folder.filePath(identifier + QStringLiteral(".desktop")),
+                  "[Desktop Entry]\nType=Application\n" + lines);
     }
 
     /// A window of the player, in front.

@@ -1,11 +1,10 @@
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 #include "X11/server.h"
 #include "support/FakePlatform.h"
+#include "support/files.h"
 #include "support/waitUntil.h"
 
 #include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -13,13 +12,6 @@
 namespace pavonel::test {
 
 namespace {
-
-void write(const QString &path, const QByteArray &text) {
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    file.write(text);
-}
 
 std::vector<QImage> icon() {
     QImage image(18, 18, QImage::Format_ARGB32_Premultiplied);
@@ -107,9 +99,10 @@ protected:
     }
 
     void startLxqt() {
-        write(config("lxqt/panel.conf"), "panels=panel1\n[panel1]\nalignment=-1\ndesktop=0\npanelSize=32\n"
-                                         "iconSize=22\nplugins=statusnotifier\nposition=Top\nwidth=100\n"
-                                         "width-percent=true\n[statusnotifier]\ntype=statusnotifier\n");
+        writeFile(config("lxqt/panel.conf"),
+                  "panels=panel1\n[panel1]\nalignment=-1\ndesktop=0\npanelSize=32\n"
+                  "iconSize=22\nplugins=statusnotifier\nposition=Top\nwidth=100\n"
+                  "width-percent=true\n[statusnotifier]\ntype=statusnotifier\n");
         host = server().launch(QStringLiteral("lxqt-panel"), {});
     }
 
@@ -159,8 +152,8 @@ TEST_F(Tray, in_lxqt_either_button_opens_the_menu) {
 }
 
 TEST_F(Tray, in_xfce_the_item_shows_and_its_menu_acts) {
-    write(config("xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"),
-          R"(<?xml version="1.0" encoding="UTF-8"?>
+    writeFile(config("xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"),
+              R"(<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-panel" version="1.0">
   <property name="configver" type="int" value="2"/>
   <property name="panels" type="array"><value type="int" value="1"/>

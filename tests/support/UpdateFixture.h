@@ -3,6 +3,7 @@
 #include "Core/Updater.h"
 #include "support/FakePlatform.h"
 #include "support/UpdaterStates.h"
+#include "support/files.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -39,16 +40,8 @@ protected:
 
     QString path(const QString &name) const { return folder.filePath(name); }
     bool exists(const QString &name) const { return QFile::exists(path(name)); }
-    QByteArray read(const QString &name) const {
-        QFile file(path(name));
-        return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
-    }
-    void write(const QString &name, const QByteArray &content) const {
-        QFile file(path(name));
-        QDir().mkpath(QFileInfo(file).path());
-        ASSERT_TRUE(file.open(QFile::WriteOnly)) << name.toStdString();
-        file.write(content);
-    }
+    QByteArray read(const QString &name) const { return readFile(path(name)); }
+    void write(const QString &name, const QByteArray &content) const { writeFile(path(name), content); }
 
     /// As if it had last been changed so many seconds ago.
     void age(const QString &name, Seconds seconds) const {

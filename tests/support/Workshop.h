@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Qt/ProgramFiles.h"
+#include "support/files.h"
 #include "support/waitUntil.h"
 
 #include <QDir>
@@ -31,7 +32,6 @@ protected:
     /// Writes an executable shell script whose working folder is the workshop.
     QString addScript(const QString &name, const QByteArray &commands) const {
         const QString script = path(name);
-        QDir().mkpath(QFileInfo(script).path());
         write(name, "#!/bin/sh\ncd '" + QFile::encodeName(folder()) + "' || exit\n" + commands + '\n');
         QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         return script;
@@ -40,16 +40,8 @@ protected:
         return addScript(QStringLiteral("program/libexec/pavonel/") + name, commands);
     }
 
-    void write(const QString &name, const QByteArray &content) const {
-        QFile file(path(name));
-        QDir().mkpath(QFileInfo(file).path());
-        ASSERT_TRUE(file.open(QFile::WriteOnly)) << name.toStdString();
-        file.write(content);
-    }
-    QByteArray read(const QString &name) const {
-        QFile file(path(name));
-        return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    void write(const QString &name, const QByteArray &content) const { writeFile(path(name), content); }
+    QByteArray read(const QString &name) const { return readFile(path(name)); }
     bool exists(const QString &name) const { return QFile::exists(path(name)); }
     bool appears(const QString &name) const {
         return waitUntil([&] { return exists(name); });
