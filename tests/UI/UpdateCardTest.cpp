@@ -124,7 +124,7 @@ TEST_F(UpdateCard, writes_at_once_whether_to_check_automatically) {
     EXPECT_TRUE(updater.automatic());
 }
 
-TEST_F(UpdateCard, shows_notes_of_any_kind_as_plain_text) {
+TEST_F(UpdateCard, shows_what_a_feed_says_of_any_kind_as_plain_text) {
     const QString markup = u"<h1>New</h1><img src='http://x'> & more\nsecond line 🎉"_s;
     enter(Updater::Available{u"1.3"_s, markup});
     EXPECT_EQ(texts().last(), markup);
@@ -132,6 +132,9 @@ TEST_F(UpdateCard, shows_notes_of_any_kind_as_plain_text) {
     enter(Updater::Available{u"1.3"_s, book});
     EXPECT_LT(texts().last().size(), 5000) << "nobody reads on";
     EXPECT_TRUE(book.startsWith(texts().last().chopped(1)));
+    EXPECT_FALSE(open.window()->grab().isNull());
+    enter(Updater::Available{u"1.3"_s.repeated(100000), u"Calmer fades."_s});
+    EXPECT_LT(texts().at(1).size(), 5000);
     EXPECT_FALSE(open.window()->grab().isNull());
     enter(Updater::Available{QString(), QString()});
     EXPECT_FALSE(open.window()->grab().isNull());

@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype longestNotes = 4000; // characters; nobody reads on
+constexpr qsizetype longest = 4000; // characters of what a feed says; nobody reads on
 
 /// The line under the version.
 struct StatusLine {
@@ -40,8 +40,8 @@ struct StatusLine {
     }
 };
 
-QString shortened(const QString &notes) {
-    return notes.size() <= longestNotes ? notes : notes.left(longestNotes) + u'…';
+QString shortened(const QString &text) {
+    return text.size() <= longest ? text : text.left(longest) + u'…';
 }
 
 /// Shows one state; made anew for the next.
@@ -103,7 +103,8 @@ private:
     }
 
     void describe() {
-        line_->setText(std::visit(StatusLine{updater_.lastCheck, loop_.now()}, updater_.state.get()));
+        const StatusLine line{updater_.lastCheck, loop_.now()};
+        line_->setText(shortened(std::visit(line, updater_.state.get())));
         line_->setVisible(!line_->text().isEmpty());
     }
 
