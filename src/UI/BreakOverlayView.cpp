@@ -91,7 +91,6 @@ void BreakOverlayView::refresh() {
 }
 
 /// At once: to ask for it would wake the loop a second time in each frame.
-
 void BreakOverlayView::updateArc() {
     const QRectF changed = ring::changed(layout_.ring, drawnProgress_, glide_.reached());
     drawnProgress_ = glide_.reached();
