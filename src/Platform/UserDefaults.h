@@ -39,7 +39,11 @@ public:
 
     virtual void remove(const QString &key) = 0;
 
-    /// Writes what is pending now. A write that fails stays pending and is tried again.
+    /// Begins to write what is pending, without waiting for the disk. A write that fails stays pending and is
+    /// tried again.
+    virtual void save() = 0;
+
+    /// Saves and waits until it is done, for the last moment before an end; after some seconds it gives up.
     virtual void flush() = 0;
 };
 

@@ -10,9 +10,12 @@ struct Background;
 /// diagonal, dithered so that a dark one shows no bands.
 QImage gradientImage(const Background &theme, QSize size);
 
-/// The picture in this file, filling the size in device pixels with its aspect kept and its middle shown, and
-/// dimmed so that white text stays legible on it. Null when there is no readable picture. Can take seconds
-/// for a huge file; may be called on any thread.
-QImage pictureImage(const QString &path, QSize size);
+/// Bytes: no picture is worth more memory on its way to the screen.
+constexpr qint64 largestPictureFile = qint64{1} << 28;
+
+/// The picture in the content of a file, filling the size in device pixels with its aspect kept and its
+/// middle shown, and dimmed so that white text stays legible on it. Null when there is no readable picture.
+/// Can take seconds for a huge one; may be called on any thread.
+QImage pictureImage(const QByteArray &file, QSize size);
 
 } // namespace pavonel

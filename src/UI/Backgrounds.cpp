@@ -1,78 +1,93 @@
 #include "UI/Backgrounds.h"
 
+#include "Platform/ForeignFile.h"
 #include "UI/BackgroundImage.h"
 #include "UI/Theme.h"
 
 #include <algorithm>
-#include <chrono>
-#include <future>
 
 namespace pavonel {
 
-struct Backgrounds::Loading {
-    QString path;
-    QSize size;
-    QImage picture;
-    std::promise<void> done;
-};
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+std::vector<QImage> loadPictures(const QString &path, const std::vector<QSize> &sizes) {
+    std::vector<QImage> pictures;
+    if (const auto file = readForeignFile(path, largestPictureFile)) {
+        for (const QSize size : sizes)
+            pictures.push_back(pictureImage(*file, size));
+    }
+    return pictures;
+}
+
+} // namespace
 
 Backgrounds::Backgrounds(const Settings &settings, MainLoop &loop) : settings_(settings), loop_(loop) {}
 
-Backgrounds::~Backgrounds() = default;
-
-const QImage &Backgrounds::image(QSize devicePixels) {
+void Backgrounds::prepare(const std::vector<QSize> &sizes) {
     if (style_ != settings_.backgroundStyle || path_ != settings_.customBackgroundPath.get())
         clear();
-    const auto known =
-        std::ranges::find_if(entries_, [&](const Entry &entry) { return entry.size == devicePixels; });
-    if (known != entries_.end())
-        return known->image;
-    if (entries_.empty()) {
-        style_ = settings_.backgroundStyle;
-        path_ = settings_.customBackgroundPath;
-        wanted_ = std::make_shared<bool>(true);
+    style_ = settings_.backgroundStyle;
+    path_ = settings_.customBackgroundPath;
+    std::vector<QSize> missing;
+    for (const QSize size : sizes) {
+        if (find(size))
+            continue;
+        entries_.push_back({size, {}, {}});
+        missing.push_back(size);
     }
-    entries_.push_back({devicePixels, gradientImage(Theme::gradient(style_), devicePixels)});
-    Entry &entry = entries_.back();
-    if (!path_.isEmpty())
-        load(entry);
-    return entry.image;
+    if (!path_.isEmpty() && !missing.empty())
+        load(missing);
+}
+
+void Backgrounds::load(const std::vector<QSize> &sizes) {
+    lastLoading_ = Clock::now();
+    loadings_.push_back(Errand::begin(loop_, [this, path = path_, sizes]() -> Errand::Action {
+        return [this, pictures = loadPictures(path, sizes)] { take(pictures); };
+    }));
+}
+
+void Backgrounds::awaitPictures() {
+    constexpr std::chrono::milliseconds patience{250};
+    const auto deadline = lastLoading_ + patience;
+    for (std::size_t i = 0; i < loadings_.size(); ++i) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        loadings_[i].await(std::max(left, std::chrono::milliseconds::zero()));
+    }
+}
+
+const QImage &Backgrounds::image(QSize devicePixels) {
+    prepare({devicePixels});
+    Entry &entry = *find(devicePixels);
+    if (!entry.picture.isNull())
+        return entry.picture;
+    if (entry.gradient.isNull())
+        entry.gradient = gradientImage(Theme::gradient(style_), devicePixels);
+    return entry.gradient;
 }
 
 void Backgrounds::clear() {
     entries_.clear();
-    wanted_.reset();
+    loadings_.clear();
 }
 
-void Backgrounds::load(Entry &entry) {
-    const auto loading = std::make_shared<Loading>();
-    loading->path = path_;
-    loading->size = entry.size;
-    const auto done = loading->done.get_future();
-    loaders_.start([this, loading, wanted = std::weak_ptr(wanted_), &loop = loop_] {
-        loading->picture = pictureImage(loading->path, loading->size);
-        loading->done.set_value();
-        loop.post([this, loading, wanted] {
-            if (wanted.lock())
-                take(*loading);
-        });
-    });
-    // Most pictures are there so soon that nobody needs to see the gradient first.
-    constexpr std::chrono::milliseconds patience{120};
-    if (done.wait_for(patience) == std::future_status::ready && !loading->picture.isNull())
-        entry.image = loading->picture;
+Backgrounds::Entry *Backgrounds::find(QSize size) {
+    const auto found = std::ranges::find(entries_, size, &Entry::size);
+    return found == entries_.end() ? nullptr : &*found;
 }
 
-void Backgrounds::take(const Loading &loading) {
-    if (loading.picture.isNull())
-        return;
-    for (Entry &entry : entries_) {
-        if (entry.size != loading.size || entry.image.cacheKey() == loading.picture.cacheKey())
+void Backgrounds::take(const std::vector<QImage> &pictures) {
+    bool isNew = false;
+    for (const QImage &picture : pictures) {
+        Entry *entry = find(picture.size());
+        if (!entry)
             continue;
-        entry.image = loading.picture;
-        if (onLoaded)
-            onLoaded();
+        *entry = {picture.size(), picture, {}};
+        isNew = true;
     }
+    if (isNew && onLoaded)
+        onLoaded();
 }
 
 } // namespace pavonel

@@ -1,13 +1,14 @@
 #pragma once
 
 #include "Core/Settings.h"
+#include "Platform/Errand.h"
 
 #include <QImage>
-#include <QThreadPool>
 
+#include <chrono>
 #include <functional>
 #include <list>
-#include <memory>
+#include <vector>
 
 namespace pavonel {
 
@@ -17,7 +18,14 @@ namespace pavonel {
 class Backgrounds {
 public:
     Backgrounds(const Settings &settings, MainLoop &loop);
-    ~Backgrounds();
+
+    /// Begins to load the user's picture for windows of these sizes in device pixels, unless that is under
+    /// way.
+    void prepare(const std::vector<QSize> &sizes);
+
+    /// Waits for pictures whose loading began just now: most are there so soon that nobody needs to see the
+    /// gradient first.
+    void awaitPictures();
 
     /// What to draw now in a window of this size in device pixels. Null when there is no memory for it. Valid
     /// until the next call.
@@ -31,20 +39,21 @@ public:
 private:
     struct Entry {
         QSize size;
-        QImage image;
+        QImage picture;
+        QImage gradient; ///< Made when it is needed.
     };
-    struct Loading;
 
-    void load(Entry &entry);
-    void take(const Loading &loading);
+    Entry *find(QSize size);
+    void load(const std::vector<QSize> &sizes);
+    void take(const std::vector<QImage> &pictures);
 
     const Settings &settings_;
     MainLoop &loop_;
     int style_ = 0; ///< What the entries were made for.
     QString path_;
     std::list<Entry> entries_;
-    std::shared_ptr<bool> wanted_; ///< Goes with the entries, so that a late picture finds nobody.
-    QThreadPool loaders_;          ///< Waits for its threads when it goes.
+    std::vector<Errand> loadings_;
+    std::chrono::steady_clock::time_point lastLoading_;
 };
 
 } // namespace pavonel

@@ -1,7 +1,7 @@
 #include "UI/BackgroundImage.h"
 
+#include <QBuffer>
 #include <QColor>
-#include <QFileInfo>
 #include <QImageReader>
 #include <QPainter>
 
@@ -40,10 +40,13 @@ QImage decode(QImageReader &reader, QSize size) {
 
 } // namespace
 
-QImage pictureImage(const QString &path, QSize size) {
-    if (size.isEmpty() || !QFileInfo(path).isFile()) // a pipe would never answer
+QImage pictureImage(const QByteArray &file, QSize size) {
+    if (size.isEmpty())
         return {};
-    QImageReader reader(path);
+    QBuffer content;
+    content.setData(file);
+    content.open(QIODevice::ReadOnly);
+    QImageReader reader(&content);
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     QImage picture = decode(reader, size);

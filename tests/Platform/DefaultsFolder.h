@@ -24,7 +24,7 @@ struct DefaultsFolder : ::testing::Test {
     std::optional<FileDefaults> store;
 
     /// Writes without a thread, so that what is due has been done when time has passed.
-    FileDefaults &open() { return store.emplace(path, loop, std::launch::deferred); }
+    FileDefaults &open() { return store.emplace(path, loop, FileDefaults::Writing::onTheCallersThread); }
 
     /// What the next start of the program finds.
     FileDefaults &reopen() {

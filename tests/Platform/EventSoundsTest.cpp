@@ -52,7 +52,7 @@ private:
 struct SoundingScenario : Scenario {
     SoundingScenario() {
         switchOffSensing(settings);
-        platform.sounds = std::make_unique<EventSounds>(builtFiles);
+        platform.sounds = std::make_unique<EventSounds>(builtFiles, platform.loop);
     }
     void completeBreak() {
         controller.startBreak(BreakKind::micro, BreakController::Initiator::user);
@@ -101,10 +101,15 @@ protected:
     QByteArrayList played(const QString &name) {
         addTool(QStringLiteral("play-sound"), recordArguments);
         sounds.play(name);
+        waitUntil([this] {
+            loop.advance(0);
+            return exists(QStringLiteral("arguments"));
+        });
         return recordedArguments();
     }
 
-    EventSounds sounds{files()};
+    VirtualMainLoop loop;
+    EventSounds sounds{files(), loop};
 };
 
 class OnSoundServer : public testing::TestWithParam<SoundServer::Kind> {};
@@ -139,10 +144,11 @@ TEST_P(OnSoundServer, without_sounds_enabled_none_is_heard) {
 }
 
 TEST_P(OnSoundServer, a_sound_plays_at_the_volume_of_events_under_our_name) {
+    VirtualMainLoop loop;
     SoundServer server(GetParam());
     server.start();
     Ear ear(server);
-    EventSounds(builtFiles).play(QStringLiteral("Submarine"));
+    EventSounds(builtFiles, loop).play(QStringLiteral("Submarine"));
     EXPECT_TRUE(ear.hears("Submarine.wav"));
     const QByteArray stream = ear.playing();
     EXPECT_TRUE(stream.contains("media.role = \"event\"")) << stream.constData();
@@ -172,10 +178,11 @@ TEST(EventSounds, a_break_cut_short_has_no_end_sound) {
 }
 
 TEST(EventSounds, none_and_an_unknown_name_are_silent) {
+    VirtualMainLoop loop;
     SoundServer server(SoundServer::Kind::pulseAudio);
     server.start();
     Ear ear(server);
-    EventSounds sounds(builtFiles);
+    EventSounds sounds(builtFiles, loop);
     for (const char *name : {"None", "", "Nonsense", "glass", "../sounds/Glass", "/dev/null"})
         sounds.play(QString::fromLatin1(name));
     sounds.play(QStringLiteral("Hero"));
@@ -185,8 +192,9 @@ TEST(EventSounds, none_and_an_unknown_name_are_silent) {
 }
 
 TEST(EventSounds, a_sound_finds_a_server_that_came_later) {
+    VirtualMainLoop loop;
     SoundServer server(SoundServer::Kind::pulseAudio);
-    EventSounds sounds(builtFiles);
+    EventSounds sounds(builtFiles, loop);
     sounds.play(QStringLiteral("Glass")); // nobody there to hear it
     server.start();
     Ear ear(server);
@@ -197,9 +205,10 @@ TEST(EventSounds, a_sound_finds_a_server_that_came_later) {
 }
 
 TEST(EventSounds, a_server_that_never_answers_holds_nobody_up) {
+    VirtualMainLoop loop;
     const QTemporaryDir folder;
     DeafServer server(folder.filePath(QStringLiteral("native")));
-    EventSounds(builtFiles).play(QStringLiteral("Glass"));
+    EventSounds(builtFiles, loop).play(QStringLiteral("Glass"));
     EXPECT_TRUE(waitUntil([&] { return server.isWaitedFor(); })) << "the player waits there, we do not";
 }
 

@@ -193,7 +193,8 @@ struct FileDefaultsRetry : FileDefaultsFailure {
         const QString blocked = other.filePath(QStringLiteral("pavonel"));
         QFile file(blocked);
         EXPECT_TRUE(file.open(QFile::WriteOnly));
-        FileDefaults tried(blocked + QStringLiteral("/defaults.json"), clock, std::launch::deferred);
+        FileDefaults tried(blocked + QStringLiteral("/defaults.json"), clock,
+                           FileDefaults::Writing::onTheCallersThread);
         tried.set(strictMode, true);
         for (Seconds passed = 0;; passed += 0.5) {
             if (passed >= repairAfter)

@@ -184,6 +184,20 @@ TEST_F(FileDefaultsTest, a_value_replaces_an_encoder_and_the_other_way_round) {
     EXPECT_EQ(get<QString>(reopen(), "key"), QStringLiteral("lazy"));
 }
 
+TEST_F(FileDefaultsTest, a_path_with_a_percent_sign_is_like_any_other) {
+    folder = home.filePath(QStringLiteral("50%1 %2"));
+    path = folder + QStringLiteral("/defaults.json");
+    for (int i = 0; i < 2; ++i) {
+        put("damaged");
+        reopen();
+    }
+    store->set(QStringLiteral("key"), true);
+    store->flush();
+    EXPECT_EQ(files(), QStringList({QStringLiteral("defaults.json"),
+                                    QStringLiteral("defaults.json.broken-20260302T090000Z"),
+                                    QStringLiteral("defaults.json.broken-20260302T090000Z-2")}));
+}
+
 TEST_F(FileDefaultsTest, flushing_writes_at_once) {
     open().setLazily(QStringLiteral("stats.days"), [] { return QByteArray("{}"); });
     store->flush();

@@ -98,16 +98,32 @@ TEST_F(FileDefaultsThread, a_write_that_failed_just_before_a_flush_is_made_up_fo
     EXPECT_TRUE(object().value(strictMode).toBool());
 }
 
-TEST_F(FileDefaultsThread, a_store_that_goes_lets_its_write_end) {
+TEST_F(FileDefaultsThread, flushing_gives_up_on_a_disk_that_stopped_answering) {
+    disk.hold();
+    store->set(number, qint64{1});
+    store->flush();
+    EXPECT_EQ(content(), "") << "the disk answered";
+    disk.release();
+    EXPECT_TRUE(passesUntil([&] { return numberOnDisk() == 1; }, 1)) << "what was given up is lost";
+}
+
+TEST_F(FileDefaultsThread, saving_does_not_wait_for_the_disk) {
+    disk.hold();
+    store->set(number, qint64{1});
+    store->save();
+    EXPECT_TRUE(disk.waitForWriter());
+    EXPECT_EQ(content(), "") << "the disk answered";
+}
+
+TEST_F(FileDefaultsThread, a_store_that_goes_does_not_wait_for_its_write_and_lets_it_end) {
     disk.hold();
     store->set(number, qint64{1});
     loop.advance(1);
     ASSERT_TRUE(disk.waitForWriter());
-    std::thread releaser([&] { disk.release(); });
     store.reset();
-    releaser.join();
+    disk.release();
+    EXPECT_TRUE(waitUntil([&] { return numberOnDisk() == 1; }));
     loop.advance(60); // news of the write may be waiting there
-    EXPECT_EQ(numberOnDisk(), 1);
 }
 
 TEST_F(FileDefaultsThread, nothing_is_left_to_do_after_a_write) {

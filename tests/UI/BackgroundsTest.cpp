@@ -3,6 +3,7 @@
 #include "UI/BackgroundImage.h"
 #include "UI/Theme.h"
 #include "support/FakePlatform.h"
+#include "support/files.h"
 #include "support/waitUntil.h"
 
 #include <QFile>
@@ -64,7 +65,7 @@ TEST_F(BackgroundsTest, another_theme_is_drawn_as_soon_as_it_is_set) {
 
 TEST_F(BackgroundsTest, the_users_picture_takes_the_place_of_the_theme) {
     settings.customBackgroundPath = savePicture();
-    EXPECT_TRUE(comesToShow(pictureImage(settings.customBackgroundPath, screen)));
+    EXPECT_TRUE(comesToShow(pictureImage(readFile(settings.customBackgroundPath), screen)));
 }
 
 TEST_F(BackgroundsTest, the_path_of_a_deleted_file_draws_the_theme) {
@@ -83,7 +84,7 @@ TEST_F(BackgroundsTest, a_folder_draws_the_theme) {
 
 TEST_F(BackgroundsTest, clearing_the_path_brings_the_theme_back) {
     settings.customBackgroundPath = savePicture();
-    EXPECT_TRUE(comesToShow(pictureImage(settings.customBackgroundPath, screen)));
+    EXPECT_TRUE(comesToShow(pictureImage(readFile(settings.customBackgroundPath), screen)));
     settings.customBackgroundPath = QString();
     EXPECT_EQ(backgrounds.image(screen), theme(0));
 }
@@ -92,9 +93,9 @@ TEST_F(BackgroundsTest, a_picture_that_comes_late_does_not_replace_a_newer_choic
     settings.customBackgroundPath = savePicture(Qt::red);
     backgrounds.image(screen);
     settings.customBackgroundPath = savePicture(Qt::blue);
-    EXPECT_TRUE(comesToShow(pictureImage(settings.customBackgroundPath, screen)));
+    EXPECT_TRUE(comesToShow(pictureImage(readFile(settings.customBackgroundPath), screen)));
     platform.loop.advance(1);
-    EXPECT_EQ(backgrounds.image(screen), pictureImage(settings.customBackgroundPath, screen));
+    EXPECT_EQ(backgrounds.image(screen), pictureImage(readFile(settings.customBackgroundPath), screen));
 }
 
 TEST_F(BackgroundsTest, going_while_a_picture_loads_is_harmless) {
@@ -104,6 +105,22 @@ TEST_F(BackgroundsTest, going_while_a_picture_loads_is_harmless) {
         passing.image({4000, 3000});
     }
     platform.loop.advance(1);
+}
+
+TEST_F(BackgroundsTest, pictures_of_all_sizes_come_together_from_one_reading) {
+    settings.customBackgroundPath = savePicture();
+    const QByteArray file = readFile(settings.customBackgroundPath);
+    int loadings = 0;
+    backgrounds.onLoaded = [&] { ++loadings; };
+    backgrounds.prepare({screen, {800, 600}, screen});
+    ASSERT_TRUE(waitUntil([&] {
+        platform.loop.advance(0);
+        return loadings > 0;
+    }));
+    EXPECT_EQ(backgrounds.image(screen), pictureImage(file, screen));
+    EXPECT_EQ(backgrounds.image({800, 600}), pictureImage(file, {800, 600}));
+    platform.loop.advance(1);
+    EXPECT_EQ(loadings, 1);
 }
 
 TEST_F(BackgroundsTest, nothing_is_kept_once_cleared) {

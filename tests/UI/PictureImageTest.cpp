@@ -1,3 +1,4 @@
+#include "Platform/ForeignFile.h"
 #include "UI/BackgroundImage.h"
 #include "support/files.h"
 
@@ -44,6 +45,11 @@ private:
     QTemporaryDir folder_;
 };
 
+QImage pictureIn(const QString &path, QSize size) {
+    const auto file = readForeignFile(path, largestPictureFile);
+    return file ? pictureImage(*file, size) : QImage();
+}
+
 bool isAbout(const QColor &seen, const QColor &wanted) {
     constexpr int tolerance = 4; // of a lossy format
     return std::abs(seen.red() - wanted.red()) <= tolerance &&
@@ -60,28 +66,28 @@ const QColor dimBlue = QColor::fromRgb(0, 0, int(255 * dimmed));
 TEST_F(PictureImage, is_dimmed_by_045_of_black) {
     QImage white(64, 36, QImage::Format_RGB32);
     white.fill(Qt::white);
-    const QImage image = pictureImage(save(white, "white.png"), screen);
+    const QImage image = pictureIn(save(white, "white.png"), screen);
     ASSERT_EQ(image.size(), screen);
     EXPECT_NEAR(qRed(image.pixel(800, 450)), 255 * dimmed, 1);
     EXPECT_EQ(image.pixel(0, 0), image.pixel(1599, 899));
 }
 
 TEST_F(PictureImage, a_portrait_picture_on_a_landscape_screen_fills_the_width_and_loses_top_and_bottom) {
-    const QImage image = pictureImage(save(striped({600, 1800}, Qt::Vertical), "portrait.png"), screen);
+    const QImage image = pictureIn(save(striped({600, 1800}, Qt::Vertical), "portrait.png"), screen);
     ASSERT_EQ(image.size(), screen);
     for (const QPoint corner : {QPoint(0, 0), QPoint(1599, 0), QPoint(0, 899), QPoint(1599, 899)})
         EXPECT_TRUE(isAbout(image.pixelColor(corner), dimGreen)) << corner.x() << ' ' << corner.y();
 }
 
 TEST_F(PictureImage, a_wide_picture_fills_the_height_and_loses_both_sides) {
-    const QImage image = pictureImage(save(striped({3000, 500}, Qt::Horizontal), "wide.jpg"), screen);
+    const QImage image = pictureIn(save(striped({3000, 500}, Qt::Horizontal), "wide.jpg"), screen);
     ASSERT_EQ(image.size(), screen);
     for (const QPoint corner : {QPoint(0, 0), QPoint(1599, 0), QPoint(0, 899), QPoint(1599, 899)})
         EXPECT_TRUE(isAbout(image.pixelColor(corner), dimGreen)) << corner.x() << ' ' << corner.y();
 }
 
 TEST_F(PictureImage, a_picture_of_the_screens_aspect_is_shown_whole) {
-    const QImage image = pictureImage(save(striped({800, 450}, Qt::Vertical), "same.png"), screen);
+    const QImage image = pictureIn(save(striped({800, 450}, Qt::Vertical), "same.png"), screen);
     EXPECT_TRUE(isAbout(image.pixelColor(800, 5), dimRed));
     EXPECT_TRUE(isAbout(image.pixelColor(800, 450), dimGreen));
     EXPECT_TRUE(isAbout(image.pixelColor(800, 894), dimBlue));
@@ -92,7 +98,7 @@ TEST_F(PictureImage, a_camera_held_upright_is_turned_upright) {
     QImageWriter writer(file);
     writer.setTransformation(QImageIOHandler::TransformationRotate90);
     ASSERT_TRUE(writer.write(striped({900, 1600}, Qt::Horizontal)));
-    const QImage image = pictureImage(file, screen);
+    const QImage image = pictureIn(file, screen);
     EXPECT_TRUE(isAbout(image.pixelColor(800, 5), dimRed)) << "the left edge as stored is the upper one";
     EXPECT_TRUE(isAbout(image.pixelColor(800, 894), dimBlue));
 }
@@ -100,34 +106,34 @@ TEST_F(PictureImage, a_camera_held_upright_is_turned_upright) {
 TEST_F(PictureImage, what_is_transparent_is_black) {
     QImage glass(32, 18, QImage::Format_ARGB32);
     glass.fill(Qt::transparent);
-    EXPECT_EQ(pictureImage(save(glass, "glass.png"), screen).pixel(10, 10), qRgb(0, 0, 0));
+    EXPECT_EQ(pictureIn(save(glass, "glass.png"), screen).pixel(10, 10), qRgb(0, 0, 0));
 }
 
 TEST_F(PictureImage, a_folder_a_missing_file_and_a_file_of_garbage_are_no_pictures) {
     writeFile(path("garbage.jpg"), QByteArray(100'000, 'x'));
-    EXPECT_TRUE(pictureImage(path("garbage.jpg"), screen).isNull());
-    EXPECT_TRUE(pictureImage(QDir::tempPath(), screen).isNull());
-    EXPECT_TRUE(pictureImage(path("missing.png"), screen).isNull());
-    EXPECT_TRUE(pictureImage({}, screen).isNull());
+    EXPECT_TRUE(pictureIn(path("garbage.jpg"), screen).isNull());
+    EXPECT_TRUE(pictureIn(QDir::tempPath(), screen).isNull());
+    EXPECT_TRUE(pictureIn(path("missing.png"), screen).isNull());
+    EXPECT_TRUE(pictureIn({}, screen).isNull());
 }
 
 TEST_F(PictureImage, a_truncated_file_is_no_picture_or_a_partial_one_but_never_a_crash) {
     const QByteArray whole = readFile(save(striped({800, 450}, Qt::Vertical), "whole.png"));
     ASSERT_FALSE(whole.isEmpty());
     writeFile(path("part.png"), whole.first(whole.size() / 2));
-    const QImage image = pictureImage(path("part.png"), screen);
+    const QImage image = pictureIn(path("part.png"), screen);
     EXPECT_TRUE(image.isNull() || image.size() == screen);
 }
 
 TEST_F(PictureImage, a_pipe_is_not_waited_for) {
     const QString pipe = path("pipe.png");
     ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    EXPECT_TRUE(pictureImage(pipe, screen).isNull());
+    EXPECT_TRUE(pictureIn(pipe, screen).isNull());
 }
 
 TEST_F(PictureImage, the_name_does_not_decide_the_format) {
     QFile::rename(save(striped({800, 450}, Qt::Vertical), "real.png"), path("named.jpg"));
-    EXPECT_FALSE(pictureImage(path("named.jpg"), screen).isNull());
+    EXPECT_FALSE(pictureIn(path("named.jpg"), screen).isNull());
 }
 
 TEST_F(PictureImage, a_picture_of_20000_pixels_is_shown_or_refused) {
@@ -135,7 +141,7 @@ TEST_F(PictureImage, a_picture_of_20000_pixels_is_shown_or_refused) {
     huge.fill(200);
     const QString file = save(huge, "huge.png");
     huge = {};
-    const QImage image = pictureImage(file, screen);
+    const QImage image = pictureIn(file, screen);
     EXPECT_TRUE(image.isNull() || image.size() == screen);
 }
 
@@ -144,7 +150,7 @@ TEST_F(PictureImage, a_huge_photograph_is_decoded_small) {
     huge.fill(QColor(200, 100, 50));
     const QString file = save(huge, "huge.jpg");
     huge = {};
-    const QImage image = pictureImage(file, screen);
+    const QImage image = pictureIn(file, screen);
     ASSERT_EQ(image.size(), screen);
     EXPECT_TRUE(isAbout(image.pixelColor(800, 450),
                         QColor::fromRgb(int(200 * dimmed), int(100 * dimmed), int(50 * dimmed))));
@@ -153,7 +159,7 @@ TEST_F(PictureImage, a_huge_photograph_is_decoded_small) {
 TEST_F(PictureImage, a_ribbon_one_pixel_wide_fills_the_screen_too) {
     QImage ribbon(1, 20'000, QImage::Format_RGB32);
     ribbon.fill(Qt::red);
-    const QImage image = pictureImage(save(ribbon, "ribbon.png"), screen);
+    const QImage image = pictureIn(save(ribbon, "ribbon.png"), screen);
     ASSERT_EQ(image.size(), screen);
     EXPECT_TRUE(isAbout(image.pixelColor(0, 0), dimRed));
 }

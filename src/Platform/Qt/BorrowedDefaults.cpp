@@ -14,7 +14,7 @@ template <class Use> void BorrowedDefaults::borrow(Use use) const {
     const FileLock lock(lockPath_);
     if (lock.state() == FileLock::State::takenByAnother)
         return;
-    FileDefaults store(path_, loop_, std::launch::deferred);
+    FileDefaults store(path_, loop_, FileDefaults::Writing::onTheCallersThread);
     use(store);
     store.flush();
 }

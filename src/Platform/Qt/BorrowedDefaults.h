@@ -16,7 +16,8 @@ public:
     void set(const QString &key, StoredValue value) override;
     void setLazily(const QString &key, Encoder encode) override;
     void remove(const QString &key) override;
-    void flush() override {} ///< Nothing is ever pending.
+    void save() override {} ///< Nothing is ever pending.
+    void flush() override {}
 
 private:
     template <class Use> void borrow(Use use) const;

@@ -2,8 +2,10 @@
 
 #include "Platform/Qt/PrivateFolder.h"
 #include "Platform/Qt/ReplaceFile.h"
+#include "Platform/Qt/StoreFile.h"
 
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QFileInfo>
 
@@ -25,10 +27,6 @@ constexpr Seconds convenientDelay = 55;
 constexpr Seconds firstRetryDelay = 5;
 constexpr Seconds longestRetryDelay = 600;
 
-/// A store of ours holds kilobytes. Anything of this size came about by accident, and to write it anew every
-/// minute would wear out the disk.
-constexpr qint64 largestUsableFile = 16'777'216;
-
 /// True for a dangling link too, and when nobody may tell.
 bool isAnythingAt(const QString &path) {
     struct stat status {};
@@ -45,7 +43,7 @@ bool setAside(const QString &path, Instant now) {
     const QString wanted = path + QStringLiteral(".broken-") + time;
     QString free = wanted;
     for (int number = 2; isAnythingAt(free); ++number)
-        free = QStringLiteral("%1-%2").arg(wanted).arg(number);
+        free = wanted + u'-' + QString::number(number);
     return ::rename(QFile::encodeName(path).data(), QFile::encodeName(free).data()) == 0;
 }
 
@@ -58,8 +56,8 @@ bool write(const QString &path, Found found, Instant now, const QByteArray &json
 
 } // namespace
 
-FileDefaults::FileDefaults(QString path, MainLoop &loop, std::launch threads)
-    : path_(std::move(path)), loop_(loop), threads_(threads), retryDelay_(firstRetryDelay) {
+FileDefaults::FileDefaults(QString path, MainLoop &loop, Writing writing)
+    : path_(std::move(path)), loop_(loop), writing_(writing), retryDelay_(firstRetryDelay) {
     makePrivateFolder(QFileInfo(path_).path());
     removeUnfinishedReplacements(path_);
     fileIsOurs_ = read();
@@ -102,18 +100,8 @@ void FileDefaults::remove(const QString &key) {
     schedule(Urgency::soon);
 }
 
-void FileDefaults::flush() {
-    finishWriting();
-    startWriting(std::launch::deferred);
-}
-
 bool FileDefaults::read() {
-    QFile file(path_);
-    // Opening anything else than a regular file could block for ever.
-    if (!QFileInfo(file).isFile() || file.size() > largestUsableFile || !file.open(QFile::ReadOnly))
-        return false;
-    const QByteArray json = file.readAll();
-    auto members = file.error() == QFile::NoError ? storedJson::readMembers(json) : std::nullopt;
+    auto members = readStoreFile(path_);
     if (members)
         members_ = std::move(*members);
     return members.has_value();
@@ -139,37 +127,30 @@ void FileDefaults::collectLazyValues() {
 
 void FileDefaults::save() {
     nextWrite_.reset();
-    if (write_.valid())
-        schedule(Urgency::soon); // the disk is slower than we change
-    else
-        startWriting(threads_);
-}
-
-void FileDefaults::startWriting(std::launch threads) {
-    nextWrite_.reset();
+    if (write_.isOut())
+        return schedule(Urgency::soon); // the disk is slower than we change
     collectLazyValues();
     if (!std::exchange(isChanged_, false))
         return;
-    writing_ = std::make_shared<bool>();
-    write_ = std::async(threads, [path = path_, found = fileIsOurs_ ? Found::ours : Found::anothers,
-                                  now = loop_.now(), json = storedJson::writeMembers(members_), &loop = loop_,
-                                  this, current = std::weak_ptr(writing_)] {
-        const bool isWritten = write(path, found, now, json);
-        loop.post([this, current] {
-            if (!current.expired())
-                finishWriting();
-        });
-        return isWritten;
-    });
-    if (write_.wait_for(std::chrono::seconds(0)) == std::future_status::deferred)
-        finishWriting();
+    const auto work = [this, path = path_, found = fileIsOurs_ ? Found::ours : Found::anothers,
+                       now = loop_.now(), json = storedJson::writeMembers(members_)]() -> Errand::Action {
+        return [this, isWritten = write(path, found, now, json)] { finishWriting(isWritten); };
+    };
+    if (writing_ == Writing::aside)
+        write_ = Errand::begin(loop_, work);
+    else
+        work()();
 }
 
-void FileDefaults::finishWriting() {
-    if (!write_.valid())
-        return;
-    const bool isWritten = write_.get();
-    writing_.reset();
+void FileDefaults::flush() {
+    constexpr std::chrono::milliseconds patience{3000}; // the session's end leaves little more
+    const QDeadlineTimer deadline(patience);
+    write_.await(patience);
+    save();
+    write_.await(std::chrono::milliseconds(deadline.remainingTime()));
+}
+
+void FileDefaults::finishWriting(bool isWritten) {
     if (isWritten) {
         fileIsOurs_ = true;
         retryDelay_ = firstRetryDelay;

@@ -1,10 +1,8 @@
 #pragma once
 
-#include "Platform/MainLoop.h"
+#include "Platform/Errand.h"
 #include "Platform/Qt/StoredJson.h"
 #include "Platform/UserDefaults.h"
-
-#include <future>
 
 namespace pavonel {
 
@@ -15,20 +13,22 @@ namespace pavonel {
 /// Where even the renaming fails, it is tried again before each write: what was never read is never
 /// overwritten.
 ///
-/// A disk can take its time, so writing goes on a thread of its own; one write ends before the next begins.
-/// Flushing waits for it.
+/// A disk can take its time or stop answering, so writing goes on a thread that nobody waits for; one write
+/// ends before the next begins. Flushing waits for it, but only for some seconds.
 ///
 /// Destroying the store writes nothing, because lazily set values may be gone by then: flush before.
 class FileDefaults final : public UserDefaults {
 public:
-    /// `threads` as for std::async: deferred keeps all of it on the caller's thread.
-    FileDefaults(QString path, MainLoop &loop,
-                 std::launch threads = std::launch::async | std::launch::deferred);
+    /// Where writing goes on.
+    enum class Writing { aside, onTheCallersThread };
+
+    FileDefaults(QString path, MainLoop &loop, Writing writing = Writing::aside);
 
     std::optional<StoredValue> value(const QString &key) const override;
     void set(const QString &key, StoredValue value) override;
     void setLazily(const QString &key, Encoder encode) override;
     void remove(const QString &key) override;
+    void save() override;
     void flush() override;
 
 private:
@@ -37,13 +37,11 @@ private:
     bool read();
     void schedule(Urgency urgency);
     void collectLazyValues();
-    void save();
-    void startWriting(std::launch threads);
-    void finishWriting();
+    void finishWriting(bool isWritten);
 
     QString path_;
     MainLoop &loop_;
-    std::launch threads_;
+    Writing writing_;
     storedJson::Members members_;
     std::map<QString, Encoder> encoders_;
     bool fileIsOurs_ = false; ///< What lies at the path was read or written by us.
@@ -51,8 +49,7 @@ private:
     TimerHandle nextWrite_;
     Urgency nextUrgency_ = Urgency::whenConvenient;
     Seconds retryDelay_;
-    std::future<bool> write_;       ///< Valid until its outcome was taken.
-    std::shared_ptr<bool> writing_; ///< Goes when its outcome was taken, so that late news of it are none.
+    Errand write_;
 };
 
 } // namespace pavonel

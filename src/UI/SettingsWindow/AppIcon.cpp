@@ -1,5 +1,6 @@
 #include "UI/SettingsWindow/AppIcon.h"
 
+#include "Core/Characters.h"
 #include "Platform/InstalledApplications.h"
 #include "UI/Controls/Look.h"
 
@@ -10,6 +11,8 @@ namespace pavonel {
 
 namespace {
 
+constexpr qsizetype longestCharacter = 16; // of those that are made of several
+
 void paintLetter(QPainter &painter, int side, const QString &name, const Look &look) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
@@ -17,7 +20,8 @@ void paintLetter(QPainter &painter, int side, const QString &name, const Look &l
     painter.drawRoundedRect(QRectF(1, 1, side - 2, side - 2), side * 0.22, side * 0.22);
     painter.setPen(look.palette().text);
     painter.setFont(look.font(side / 2, QFont::DemiBold));
-    painter.drawText(QRectF(0, 0, side, side), Qt::AlignCenter, name.left(1).toUpper());
+    painter.drawText(QRectF(0, 0, side, side), Qt::AlignCenter,
+                     charactersOf(beginning(name, longestCharacter)).value(0).toUpper());
 }
 
 } // namespace

@@ -26,13 +26,6 @@ QString pictureFilter() {
     return QStringLiteral("Images (%1)").arg(patterns.join(u' '));
 }
 
-QString whereToLook(const QString &path) {
-    const QFileInfo current(path);
-    return !path.isEmpty() && current.dir().exists()
-               ? current.path()
-               : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
-}
-
 class CustomImageWidget final : public CardRow, public Follower {
 public:
     CustomImageWidget(Look &look, Settings &settings)
@@ -87,9 +80,16 @@ private:
         remove_->setVisible(state != State::none);
     }
 
+    /// Beside the picture, unless its disk may hold up the dialog.
+    QString whereToLook() const {
+        return thumbnail_->state() == PictureThumbnail::State::shown
+                   ? QFileInfo(path_).path()
+                   : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    }
+
     void choose() {
         auto *dialog =
-            new QFileDialog(window(), QStringLiteral("Choose an image"), whereToLook(path_), pictureFilter());
+            new QFileDialog(window(), QStringLiteral("Choose an image"), whereToLook(), pictureFilter());
         dialog->setAttribute(Qt::WA_DeleteOnClose);
         dialog->setFileMode(QFileDialog::ExistingFile);
         connect(dialog, &QFileDialog::fileSelected, this,

@@ -1,6 +1,6 @@
 #include "UI/SettingsWindow/PictureThumbnail.h"
 
-#include "Platform/MainLoop.h"
+#include "Platform/ForeignFile.h"
 #include "UI/BackgroundImage.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/SettingsWindow/RoundedImage.h"
@@ -21,17 +21,15 @@ PictureThumbnail::PictureThumbnail(Look &look) : look_(look) {
 
 void PictureThumbnail::setPath(const QString &path) {
     picture_ = {};
-    wanted_ = std::make_shared<bool>(true);
+    loading_ = {};
     state_ = path.isEmpty() ? State::none : State::loading;
     update();
     if (path.isEmpty())
         return;
     const QSize pixels = (QSizeF(sizeHint()) * devicePixelRatioF()).toSize();
-    loaders_.start([this, path, pixels, wanted = std::weak_ptr(wanted_), &loop = look_.loop()] {
-        loop.post([this, wanted, picture = pictureImage(path, pixels)] {
-            if (wanted.lock())
-                take(picture);
-        });
+    loading_ = Errand::begin(look_.loop(), [this, path, pixels]() -> Errand::Action {
+        const auto file = readForeignFile(path, largestPictureFile);
+        return [this, picture = file ? pictureImage(*file, pixels) : QImage()] { take(picture); };
     });
 }
 

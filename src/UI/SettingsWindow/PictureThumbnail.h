@@ -1,13 +1,12 @@
 #pragma once
 
+#include "Platform/Errand.h"
 #include "UI/Controls/Look.h"
 
 #include <QImage>
-#include <QThreadPool>
 #include <QWidget>
 
 #include <functional>
-#include <memory>
 
 namespace pavonel {
 
@@ -35,8 +34,7 @@ private:
     Look &look_;
     State state_ = State::none;
     QImage picture_;
-    std::shared_ptr<bool> wanted_; ///< Goes with the next path, so that a late picture finds nobody.
-    QThreadPool loaders_;          ///< Waits for its threads when it goes.
+    Errand loading_;
 };
 
 } // namespace pavonel

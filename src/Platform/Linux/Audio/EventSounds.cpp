@@ -1,12 +1,16 @@
 #include "Platform/Linux/Audio/EventSounds.h"
 
+#include "Platform/Linux/DetachedLauncher.h"
+
 #include <QDir>
-#include <QMap>
 #include <QStandardPaths>
 
 namespace pavonel {
 
 namespace {
+
+/// For the names, before the settings show; disks that answer take much less.
+constexpr std::chrono::milliseconds patience{1000};
 
 using SoundFiles = QMap<QString, QString>; // from the sound's name to its path, in the order of names
 
@@ -47,22 +51,39 @@ QString player(const ProgramFiles &files) {
 } // namespace
 
 void EventSounds::play(const QString &name) {
-    QString file = ownSounds(files_).value(name);
-    if (file.isEmpty())
-        file = themeSounds().value(name);
+    if (const QString own = ownSounds(files_).value(name); !own.isEmpty())
+        return start(own);
+    if (search_.isOut())
+        return;
+    search_ = Errand::begin(loop_, [this, name]() -> Errand::Action {
+        return [this, file = themeSounds().value(name)] { start(file); };
+    });
+}
+
+/// To start a program takes its time, and a break that begins has screens to paint.
+void EventSounds::start(const QString &file) {
     const QString program = player(files_);
     if (file.isEmpty() || program.isEmpty())
         return;
-    // To start a program takes its time, and a break that begins has screens to paint.
-    playing_ = std::async([this, program, file] { launcher_.launch(program, {file}); });
-    if (playing_.wait_for(std::chrono::seconds(0)) == std::future_status::deferred)
-        playing_.get();
+    start_ = Errand::begin(loop_, [files = files_, program, file]() -> Errand::Action {
+        DetachedLauncher(files).launch(program, {file});
+        return {};
+    });
+}
+
+void EventSounds::searchThemes() {
+    if (search_.isOut())
+        return;
+    search_ = Errand::begin(
+        loop_, [this]() -> Errand::Action { return [this, found = themeSounds()] { themes_ = found; }; });
+    search_.await(patience);
 }
 
 QStringList EventSounds::names() {
     const SoundFiles own = ownSounds(files_);
+    searchThemes();
     QStringList names = own.keys();
-    for (const QString &name : themeSounds().keys()) {
+    for (const QString &name : themes_.keys()) {
         if (!own.contains(name))
             names.append(name);
     }

@@ -1,27 +1,34 @@
 #pragma once
 
-#include "Platform/Linux/DetachedLauncher.h"
+#include "Platform/Errand.h"
+#include "Platform/Qt/ProgramFiles.h"
 #include "Platform/Sounds.h"
 
-#include <future>
+#include <QMap>
 
 namespace pavonel {
 
 /// Our own sounds, then those of the installed sound themes. A small program of ours plays them through
 /// libcanberra and ends, so that neither a hanging sound server nor the memory of one is ours; and each
-/// sound finds a server that came, went or came back meanwhile.
+/// sound finds a server that came, went or came back meanwhile. The themes may lie on a disk that stopped
+/// answering: then they have no sounds.
 class EventSounds final : public Sounds {
 public:
-    explicit EventSounds(const ProgramFiles &files) : files_(files), launcher_(files) {}
+    EventSounds(ProgramFiles files, MainLoop &loop) : files_(std::move(files)), loop_(loop) {}
 
     void play(const QString &name) override;
     QStringList names() override;
     QString limitation() const override;
 
 private:
+    void searchThemes();
+    void start(const QString &file);
+
     ProgramFiles files_;
-    DetachedLauncher launcher_;
-    std::future<void> playing_; ///< The player has not been started yet while this is not ready.
+    MainLoop &loop_;
+    QMap<QString, QString> themes_; ///< From the names to the paths, as far as they are known.
+    Errand search_;
+    Errand start_;
 };
 
 } // namespace pavonel
