@@ -19,7 +19,7 @@ struct HttpRequest {
     QUrl url;
     QList<QPair<QByteArray, QByteArray>> headers;
     std::optional<QByteArray> body;
-    Seconds timeout = 20;                      ///< Without a byte in either direction.
+    Seconds timeout = 20;                      ///< From the beginning to the end.
     qint64 largestReply = qint64{1024} * 1024; ///< In bytes; a longer reply counts as none.
 };
 
@@ -32,17 +32,17 @@ struct HttpResponse {
 struct HttpDownload {
     QUrl url;
     QString folder;                                  ///< Where the file is put; it must exist.
-    Seconds timeout = 60;                            ///< Without a byte in either direction.
+    Seconds timeout = 60;                            ///< With next to nothing coming.
     Seconds longest = 6 * 3600.0;                    ///< From the beginning to the end.
     qint64 largest = qint64{1024} * 1024 * 1024;     ///< In bytes.
     qint64 spaceToLeave = qint64{256} * 1024 * 1024; ///< In bytes, on the disk of the folder.
 };
 
-/// The process-wide HTTP client. Certificates are always verified. Redirects are followed, never from HTTPS
-/// to HTTP and never to anything else, and credentials never travel to another server.
+/// The process-wide HTTP client. Certificates are always verified. Redirects are followed, but not from HTTPS
+/// to anything else, and credentials never to another server. What a server does costs no more than allowed.
 class HttpClient : public Service {
 public:
-    /// Nothing when there was no complete response: no network, no such host, no trust, a broken-off reply.
+    /// Nothing when there was no whole response, or the request has a header with control characters in it.
     using Completion = std::function<void(std::optional<HttpResponse> response)>;
 
     /// The path of a new file with the whole body of the response, whatever its status; the file is the

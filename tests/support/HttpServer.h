@@ -30,7 +30,7 @@ public:
     enum class Transport {
         plain,
         tls,       ///< Under a certificate that nobody trusts.
-        trustedTls ///< Under one that this process trusts from then on.
+        trustedTls ///< Under one that whatever this process starts trusts from then on.
     };
 
     /// On a free port of the loopback address.

@@ -4,28 +4,16 @@
 
 namespace pavonel {
 
-bool HttpBodyInMemory::restart() {
-    data_.clear();
-    size_ = 0;
-    return true;
-}
-
 bool HttpBodyInMemory::take(const QByteArray &piece) {
-    if (piece.size() > largest_ - size_)
+    if (piece.size() > largest_ - data_.size())
         return false;
     data_ += piece;
-    size_ += piece.size();
     return true;
 }
 
 HttpBodyInFile::HttpBodyInFile(const QString &folder, qint64 largest, qint64 spaceToLeave)
     : file_(folder + QStringLiteral("/download-XXXXXX")), largest_(largest), spaceToLeave_(spaceToLeave) {
     file_.open(); // where that fails, so will the writing
-}
-
-bool HttpBodyInFile::restart() {
-    size_ = 0;
-    return file_.seek(0) && file_.resize(0);
 }
 
 bool HttpBodyInFile::take(const QByteArray &piece) {

@@ -13,16 +13,8 @@ public:
     HttpBody &operator=(const HttpBody &) = delete;
     virtual ~HttpBody() = default;
 
-    /// What came so far belonged to a redirect. False when it cannot be dropped.
-    virtual bool restart() = 0;
-
     /// False when there is no room for it.
     virtual bool take(const QByteArray &piece) = 0;
-
-    qint64 size() const { return size_; }
-
-protected:
-    qint64 size_ = 0;
 };
 
 /// In memory, up to a limit.
@@ -30,7 +22,6 @@ class HttpBodyInMemory final : public HttpBody {
 public:
     explicit HttpBodyInMemory(qint64 largest) : largest_(largest) {}
 
-    bool restart() override;
     bool take(const QByteArray &piece) override;
     const QByteArray &data() const { return data_; }
 
@@ -45,7 +36,6 @@ class HttpBodyInFile final : public HttpBody {
 public:
     HttpBodyInFile(const QString &folder, qint64 largest, qint64 spaceToLeave);
 
-    bool restart() override;
     bool take(const QByteArray &piece) override;
 
     /// The path of the file, complete and from now on the caller's; empty when not everything could be
@@ -58,6 +48,7 @@ private:
     QTemporaryFile file_;
     qint64 largest_;
     qint64 spaceToLeave_;
+    qint64 size_ = 0;
     qint64 known_ = 0; ///< As many bytes more were free when last asked.
 };
 

@@ -1,4 +1,4 @@
-#include "Platform/Qt/QtHttpClient.h"
+#include "Platform/Linux/Fetch/FetchClient.h"
 #include "support/HttpServer.h"
 #include "support/answerOf.h"
 #include "support/waitUntil.h"
@@ -19,10 +19,10 @@ namespace {
 
 using File = std::optional<QString>;
 
-class HttpDownloadTest : public ::testing::Test {
+class FetchDownloadTest : public ::testing::Test {
 protected:
     QTemporaryDir folder;
-    std::unique_ptr<QtHttpClient> client = std::make_unique<QtHttpClient>();
+    std::unique_ptr<FetchClient> client = std::make_unique<FetchClient>(ProgramFiles::ofThisProgram());
 
     HttpDownload request(const QUrl &url) const {
         HttpDownload download;
@@ -65,7 +65,7 @@ protected:
 
 } // namespace
 
-TEST_F(HttpDownloadTest, the_body_arrives_whole_in_a_file_of_its_own) {
+TEST_F(FetchDownloadTest, the_body_arrives_whole_in_a_file_of_its_own) {
     QByteArray body(5'000'000, 'x');
     for (qsizetype i = 0; i < body.size(); ++i)
         body[i] = static_cast<char>(i * 31 + i / 253);
@@ -80,19 +80,19 @@ TEST_F(HttpDownloadTest, the_body_arrives_whole_in_a_file_of_its_own) {
     EXPECT_EQ(QFile::permissions(first.value_or(QString())) & 0x77, 0) << "for the user's eyes only";
 }
 
-TEST_F(HttpDownloadTest, an_empty_body_is_an_empty_file) {
+TEST_F(FetchDownloadTest, an_empty_body_is_an_empty_file) {
     const HttpServer server(HttpServer::respond(200));
     const File file = fetch(server.url());
     ASSERT_TRUE(file);
     EXPECT_EQ(QFileInfo(*file).size(), 0);
 }
 
-TEST_F(HttpDownloadTest, a_refusal_brings_its_page) {
+TEST_F(FetchDownloadTest, a_refusal_brings_its_page) {
     const HttpServer server(HttpServer::respond(404, "not here"));
     EXPECT_EQ(read(fetch(server.url())), "not here");
 }
 
-TEST_F(HttpDownloadTest, a_redirect_is_followed_and_its_own_body_left_behind) {
+TEST_F(FetchDownloadTest, a_redirect_is_followed_and_its_own_body_left_behind) {
     const HttpServer server([](const HttpServer::Request &seen, QTcpSocket &connection) {
         if (seen.line().contains("/there"))
             HttpServer::respond(200, "arrived")(seen, connection);
@@ -102,7 +102,7 @@ TEST_F(HttpDownloadTest, a_redirect_is_followed_and_its_own_body_left_behind) {
     EXPECT_EQ(read(fetch(server.url("/here"))), "arrived");
 }
 
-TEST_F(HttpDownloadTest, nothing_but_the_web_is_fetched) {
+TEST_F(FetchDownloadTest, nothing_but_the_web_is_fetched) {
     expectNothing(request(QUrl(QStringLiteral("file:///etc/passwd"))));
     expectNothing(request(QUrl(QStringLiteral("data:,text"))));
     expectNothing(request(QUrl(QStringLiteral("qrc:/menubar.svg"))));
@@ -112,18 +112,18 @@ TEST_F(HttpDownloadTest, nothing_but_the_web_is_fetched) {
     expectNothing(request(QUrl(QStringLiteral("http://127.0.0.1:1/"))));
 }
 
-TEST_F(HttpDownloadTest, a_certificate_that_nobody_trusts_brings_nothing) {
+TEST_F(FetchDownloadTest, a_certificate_that_nobody_trusts_brings_nothing) {
     const HttpServer server(HttpServer::respond(200, "image"), HttpServer::Transport::tls);
     expectNothing(request(server.url()));
     EXPECT_TRUE(server.requests().empty());
 }
 
-TEST_F(HttpDownloadTest, a_trusted_server_is_fetched_from_over_https) {
+TEST_F(FetchDownloadTest, a_trusted_server_is_fetched_from_over_https) {
     const HttpServer server(HttpServer::respond(200, "image"), HttpServer::Transport::trustedTls);
     EXPECT_EQ(read(fetch(server.url())), "image");
 }
 
-TEST_F(HttpDownloadTest, no_redirect_leads_from_https_to_http) {
+TEST_F(FetchDownloadTest, no_redirect_leads_from_https_to_http) {
     const HttpServer plain(HttpServer::respond(200, "image"));
     const HttpServer server(
         HttpServer::respond(302, "", "Location: " + plain.url("/Pavonel.dmg").toEncoded() + "\r\n"),
@@ -133,7 +133,7 @@ TEST_F(HttpDownloadTest, no_redirect_leads_from_https_to_http) {
     EXPECT_TRUE(plain.requests().empty());
 }
 
-TEST_F(HttpDownloadTest, a_network_that_goes_in_the_middle_leaves_no_file) {
+TEST_F(FetchDownloadTest, a_network_that_goes_in_the_middle_leaves_no_file) {
     const HttpServer server([](const auto &, QTcpSocket &connection) {
         connection.write("HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n" + QByteArray(500'000, 'x'));
         connection.disconnectFromHost();
@@ -141,7 +141,7 @@ TEST_F(HttpDownloadTest, a_network_that_goes_in_the_middle_leaves_no_file) {
     expectNothing(request(server.url()));
 }
 
-TEST_F(HttpDownloadTest, a_download_that_stalls_ends) {
+TEST_F(FetchDownloadTest, a_download_that_stalls_ends) {
     const HttpServer server([](const auto &, QTcpSocket &connection) {
         connection.write("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\nbeginning");
     });
@@ -150,7 +150,7 @@ TEST_F(HttpDownloadTest, a_download_that_stalls_ends) {
     expectNothing(download);
 }
 
-TEST_F(HttpDownloadTest, a_download_that_trickles_without_end_ends) {
+TEST_F(FetchDownloadTest, a_download_that_trickles_without_end_ends) {
     const HttpServer server([](const auto &, QTcpSocket &connection) {
         connection.write("HTTP/1.1 200 OK\r\n\r\n");
         auto *trickle = new QTimer(&connection);
@@ -162,7 +162,7 @@ TEST_F(HttpDownloadTest, a_download_that_trickles_without_end_ends) {
     expectNothing(download);
 }
 
-TEST_F(HttpDownloadTest, a_file_that_grows_too_large_is_given_up) {
+TEST_F(FetchDownloadTest, a_file_that_grows_too_large_is_given_up) {
     constexpr qint64 flood = 100 * 1024 * 1024;
     std::atomic<qint64> written = 0;
     const HttpServer server(pour(flood, written));
@@ -172,7 +172,7 @@ TEST_F(HttpDownloadTest, a_file_that_grows_too_large_is_given_up) {
     EXPECT_LT(written, flood / 2) << "it went on reading";
 }
 
-TEST_F(HttpDownloadTest, the_disk_is_not_filled) {
+TEST_F(FetchDownloadTest, the_disk_is_not_filled) {
     constexpr qint64 flood = 100 * 1024 * 1024;
     constexpr qint64 room = 20 * 1024 * 1024;
     std::atomic<qint64> written = 0;
@@ -183,14 +183,14 @@ TEST_F(HttpDownloadTest, the_disk_is_not_filled) {
     EXPECT_LT(written, flood) << "it went on reading";
 }
 
-TEST_F(HttpDownloadTest, without_its_folder_there_is_nothing) {
+TEST_F(FetchDownloadTest, without_its_folder_there_is_nothing) {
     const HttpServer server(HttpServer::respond(200, "image"));
     HttpDownload download = request(server.url());
     download.folder += QStringLiteral("/missing");
     expectNothing(download);
 }
 
-TEST_F(HttpDownloadTest, whoever_takes_his_time_with_a_file_holds_up_no_request) {
+TEST_F(FetchDownloadTest, whoever_takes_his_time_with_a_file_holds_up_no_request) {
     const HttpServer server(HttpServer::respond(200, "image"));
     std::atomic<bool> mayEnd = false;
     std::atomic<bool> hasFile = false;
@@ -210,7 +210,7 @@ TEST_F(HttpDownloadTest, whoever_takes_his_time_with_a_file_holds_up_no_request)
     client.reset();
 }
 
-TEST_F(HttpDownloadTest, nothing_is_answered_or_left_once_the_client_is_gone) {
+TEST_F(FetchDownloadTest, nothing_is_answered_or_left_once_the_client_is_gone) {
     const HttpServer server([](const auto &, QTcpSocket &connection) {
         connection.write("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\nbeginning");
     });

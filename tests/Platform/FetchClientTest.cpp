@@ -1,9 +1,9 @@
-#include "Platform/Qt/QtHttpClient.h"
+#include "Platform/Linux/Fetch/FetchClient.h"
 
 #include "Core/Phone.h"
 #include "Platform/Qt/QtMainLoop.h"
 #include "support/FakePlatform.h"
-#include "support/HttpServer.h"
+#include "support/HostileAnswers.h"
 #include "support/answerOf.h"
 #include "support/waitUntil.h"
 
@@ -19,9 +19,9 @@ namespace {
 
 using Response = std::optional<HttpResponse>;
 
-class HttpClientTest : public ::testing::Test {
+class FetchClientTest : public ::testing::Test {
 protected:
-    std::unique_ptr<QtHttpClient> client = std::make_unique<QtHttpClient>();
+    std::unique_ptr<FetchClient> client = std::make_unique<FetchClient>(ProgramFiles::ofThisProgram());
 
     HttpRequest request(const char *method, const QUrl &url) {
         HttpRequest made;
@@ -39,7 +39,7 @@ protected:
 
 } // namespace
 
-TEST_F(HttpClientTest, a_request_reaches_the_server_to_the_letter) {
+TEST_F(FetchClientTest, a_request_reaches_the_server_to_the_letter) {
     const HttpServer server(HttpServer::respond(200, "hello"));
     HttpRequest post = request("POST", server.url("/base/break"));
     post.headers = {{"Authorization", "Bearer secret"}, {"Content-Type", "application/json"}};
@@ -56,7 +56,7 @@ TEST_F(HttpClientTest, a_request_reaches_the_server_to_the_letter) {
     EXPECT_EQ(seen.body, R"({"seconds":20})");
 }
 
-TEST_F(HttpClientTest, every_method_goes_out_under_its_name_and_without_a_body_that_was_not_given) {
+TEST_F(FetchClientTest, every_method_goes_out_under_its_name_and_without_a_body_that_was_not_given) {
     const HttpServer server(HttpServer::respond(204));
     for (const char *method : {"GET", "POST", "DELETE"})
         EXPECT_TRUE(send(request(method, server.url("/pair"))));
@@ -70,7 +70,7 @@ TEST_F(HttpClientTest, every_method_goes_out_under_its_name_and_without_a_body_t
     }
 }
 
-TEST_F(HttpClientTest, a_refusal_is_a_response_with_its_data) {
+TEST_F(FetchClientTest, a_refusal_is_a_response_with_its_data) {
     for (const int status : {300, 304, 400, 401, 403, 404, 407, 410, 418, 429, 500, 503, 599}) {
         const HttpServer server(HttpServer::respond(status, status == 304 ? "" : "why"));
         const Response response = get(server);
@@ -79,7 +79,7 @@ TEST_F(HttpClientTest, a_refusal_is_a_response_with_its_data) {
     }
 }
 
-TEST_F(HttpClientTest, a_reply_that_is_cut_off_is_none) {
+TEST_F(FetchClientTest, a_reply_that_is_cut_off_is_none) {
     for (const int status : {200, 404}) {
         const HttpServer server([status](const auto &, QTcpSocket &connection) {
             connection.write("HTTP/1.1 " + QByteArray::number(status) +
@@ -90,7 +90,7 @@ TEST_F(HttpClientTest, a_reply_that_is_cut_off_is_none) {
     }
 }
 
-TEST_F(HttpClientTest, a_server_that_speaks_something_else_gives_no_response) {
+TEST_F(FetchClientTest, a_server_that_speaks_something_else_gives_no_response) {
     const HttpServer server([](const auto &, QTcpSocket &connection) {
         connection.write("220 mail.example ready\r\n");
         connection.disconnectFromHost();
@@ -98,19 +98,19 @@ TEST_F(HttpClientTest, a_server_that_speaks_something_else_gives_no_response) {
     EXPECT_FALSE(get(server));
 }
 
-TEST_F(HttpClientTest, a_server_that_never_answers_is_given_up_after_the_time_out) {
+TEST_F(FetchClientTest, a_server_that_never_answers_is_given_up_after_the_time_out) {
     const HttpServer server([](const auto &, QTcpSocket &) {});
     HttpRequest impatient = request("GET", server.url());
     impatient.timeout = 0.3;
     EXPECT_FALSE(send(impatient));
 }
 
-TEST_F(HttpClientTest, no_server_gives_no_response) {
+TEST_F(FetchClientTest, no_server_gives_no_response) {
     EXPECT_FALSE(send(request("GET", QUrl(QStringLiteral("http://127.0.0.1:1/")))));
     EXPECT_FALSE(send(request("GET", QUrl(QStringLiteral("nonsense")))));
 }
 
-TEST_F(HttpClientTest, a_flood_of_data_is_not_taken_in) {
+TEST_F(FetchClientTest, a_flood_of_data_is_not_taken_in) {
     std::atomic<qint64> written = 0;
     const HttpServer server([&](const auto &, QTcpSocket &connection) {
         constexpr qint64 flood = 100 * 1024 * 1024;
@@ -126,7 +126,7 @@ TEST_F(HttpClientTest, a_flood_of_data_is_not_taken_in) {
     EXPECT_LT(written, 50 * 1024 * 1024) << "it went on reading";
 }
 
-TEST_F(HttpClientTest, a_certificate_that_nobody_trusts_ends_it_before_a_byte_is_sent) {
+TEST_F(FetchClientTest, a_certificate_that_nobody_trusts_ends_it_before_a_byte_is_sent) {
     const HttpServer server(HttpServer::respond(200, "{}"), HttpServer::Transport::tls);
     HttpRequest secret = request("GET", server.url("/pair/status"));
     secret.headers = {{"Authorization", "Bearer secret"}};
@@ -134,7 +134,7 @@ TEST_F(HttpClientTest, a_certificate_that_nobody_trusts_ends_it_before_a_byte_is
     EXPECT_TRUE(server.requests().empty());
 }
 
-TEST_F(HttpClientTest, redirects_are_followed_with_the_method_that_their_status_means) {
+TEST_F(FetchClientTest, redirects_are_followed_with_the_method_that_their_status_means) {
     const struct {
         int status;
         const char *method;
@@ -165,7 +165,7 @@ TEST_F(HttpClientTest, redirects_are_followed_with_the_method_that_their_status_
     }
 }
 
-TEST_F(HttpClientTest, credentials_do_not_follow_to_another_server) {
+TEST_F(FetchClientTest, credentials_do_not_follow_to_another_server) {
     const HttpServer other(HttpServer::respond(200, "arrived"));
     const HttpServer server(
         HttpServer::respond(302, "", "Location: " + other.url("/x").toEncoded() + "\r\n"));
@@ -177,7 +177,7 @@ TEST_F(HttpClientTest, credentials_do_not_follow_to_another_server) {
     EXPECT_EQ(other.requests()[0].header("X-Other"), "stays");
 }
 
-TEST_F(HttpClientTest, redirects_in_a_circle_or_to_elsewhere_end) {
+TEST_F(FetchClientTest, redirects_in_a_circle_or_to_elsewhere_end) {
     const HttpServer circle(HttpServer::respond(302, "", "Location: /again\r\n"));
     EXPECT_FALSE(get(circle));
     EXPECT_LT(circle.requests().size(), 30U);
@@ -185,7 +185,7 @@ TEST_F(HttpClientTest, redirects_in_a_circle_or_to_elsewhere_end) {
     EXPECT_FALSE(get(file));
 }
 
-TEST_F(HttpClientTest, no_redirect_leads_from_https_to_http) {
+TEST_F(FetchClientTest, no_redirect_leads_from_https_to_http) {
     const HttpServer plain(HttpServer::respond(200, "{}"));
     const HttpServer server(
         HttpServer::respond(302, "", "Location: " + plain.url("/pair").toEncoded() + "\r\n"),
@@ -195,7 +195,7 @@ TEST_F(HttpClientTest, no_redirect_leads_from_https_to_http) {
     EXPECT_TRUE(plain.requests().empty());
 }
 
-TEST_F(HttpClientTest, nothing_is_answered_once_the_client_is_gone) {
+TEST_F(FetchClientTest, nothing_is_answered_once_the_client_is_gone) {
     const HttpServer server([](const auto &, QTcpSocket &) {});
     std::atomic<bool> answered = false;
     client->send(request("GET", server.url()), [&](const Response &) { answered = true; });
@@ -211,7 +211,7 @@ struct RealPhone {
     explicit RealPhone(const QUrl &base) {
         platform.mainLoop = std::make_unique<QtMainLoop>();
         platform.defaults = std::make_unique<FakeDefaults>();
-        platform.http = std::make_unique<QtHttpClient>();
+        platform.http = std::make_unique<FetchClient>(ProgramFiles::ofThisProgram());
         phone.emplace(platform, base);
     }
 
@@ -265,6 +265,17 @@ TEST(PhoneOverHttp, each_reply_to_the_code_request_has_its_sentence) {
         RealPhone real(server.url());
         real.phone->startPairing();
         EXPECT_TRUE(real.becomes(row.state)) << std::get<Phone::Failed>(row.state).message.toStdString();
+    }
+}
+
+TEST(PhoneOverHttp, a_service_that_floods_is_one_that_is_not_reached) {
+    qint64 written = 0;
+    for (const Flood &flood : floods) {
+        const HttpServer server(pour(flood.beginning, flood.piece, written));
+        RealPhone real(server.url());
+        real.phone->startPairing();
+        EXPECT_TRUE(real.becomes(Phone::Failed{QStringLiteral("Could not reach the pairing service.")}))
+            << flood.name;
     }
 }
 
