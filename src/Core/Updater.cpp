@@ -19,6 +19,7 @@ constexpr Seconds timeToQuit = 0.4;
 
 const QString Updater::automaticKey = QStringLiteral("autoUpdate");
 const QString Updater::lastCheckKey = QStringLiteral("lastUpdateCheck");
+const QString Updater::signedImagesKey = QStringLiteral("updateImagesAreSigned");
 const QString Updater::teamID = QStringLiteral("PAVONELORG");
 
 std::optional<QUrl> Updater::feedAddress() {
@@ -45,6 +46,12 @@ bool Updater::automatic() const {
     const auto stored = platform_.defaults->value(automaticKey);
     const auto *wanted = stored ? std::get_if<bool>(&*stored) : nullptr;
     return !wanted || *wanted;
+}
+
+bool Updater::wasImageEverSigned() const {
+    const auto stored = platform_.defaults->value(signedImagesKey);
+    const auto *wasSigned = stored ? std::get_if<bool>(&*stored) : nullptr;
+    return wasSigned && *wasSigned;
 }
 
 QString Updater::currentVersion() const {
@@ -112,7 +119,9 @@ void Updater::install() {
     const QUrl image(release_->url, QUrl::StrictMode);
     if (!image.isValid())
         return;
-    const UpdaterInstall install(platform_, *release_, teamID);
+    using ImageSignature = UpdaterInstall::ImageSignature;
+    const UpdaterInstall install(platform_, *release_, teamID,
+                                 wasImageEverSigned() ? ImageSignature::required : ImageSignature::welcome);
     if (const auto objection = install.objection(manifest_)) {
         state = Failed{objection->message};
         return;
@@ -128,7 +137,8 @@ void Updater::install() {
                     QFile::remove(*file);
                 return;
             }
-            const UpdaterInstall::Notices notices{[&] { post([this] { state = ReadyToRestart{}; }); },
+            const UpdaterInstall::Notices notices{[&] { post([this] { keepThatImagesAreSigned(); }); },
+                                                  [&] { post([this] { state = ReadyToRestart{}; }); },
                                                   [&] { post([this] { quitSoon(); }); }};
             const auto failure = file ? install.installFrom(*file, notices)
                                       : Failure{QStringLiteral("The download did not finish.")};
@@ -137,18 +147,27 @@ void Updater::install() {
         });
 }
 
-bool Updater::giveWay() {
-    const QString bundle = platform_.installation->bundle();
-    const auto version = platform_.installation->versionOf(bundle);
-    if (!version || *version == currentVersion())
+bool Updater::isReplaced() const {
+    return !platform_.installation->successor().isEmpty();
+}
+
+bool Updater::giveWay(Opening opening) {
+    if (!isReplaced())
         return false;
-    const QStringList command{QStringLiteral("-c"), reopeningScript(QCoreApplication::applicationPid()),
-                              bundle};
+    const QStringList command{QStringLiteral("-c"),
+                              reopeningScript(QCoreApplication::applicationPid(), opening),
+                              platform_.installation->successor()};
     if (!platform_.processes->launch(QStringLiteral("/bin/bash"), command,
                                      ProcessLauncher::SearchPath::ownToolsFirst))
         return false;
     platform_.mainLoop->quit(0);
     return true;
+}
+
+/// At once, because the program is about to end.
+void Updater::keepThatImagesAreSigned() {
+    platform_.defaults->set(signedImagesKey, true);
+    platform_.defaults->flush();
 }
 
 void Updater::quitSoon() {

@@ -87,12 +87,18 @@ public:
     /// does nothing. Once it is staged, the program quits and the new version starts in its place.
     void install();
 
-    /// Where another version was put in this copy's place meanwhile, by another process: ends the program,
-    /// and that version starts. False when there is nothing to give way to.
-    bool giveWay();
+    /// Whether another process put something else in this copy's place meanwhile.
+    bool isReplaced() const;
+
+    /// To what is there in this copy's place: ends the program, and that starts. False when there is nothing
+    /// to give way to.
+    bool giveWay(Opening opening);
 
     static const QString automaticKey;
     static const QString lastCheckKey;
+
+    /// Whether a release came whose feed entry held a good signature of the image. From then on each must.
+    static const QString signedImagesKey;
 
     /// The team that signs our releases.
     static const QString teamID;
@@ -104,6 +110,8 @@ private:
     Poster poster() const;
     void receive(CheckKind kind, const std::optional<HttpResponse> &response);
     State outcome(CheckKind kind, const std::optional<Release> &offered) const;
+    bool wasImageEverSigned() const;
+    void keepThatImagesAreSigned();
     void quitSoon();
 
     const HeadlessPlatform &platform_;

@@ -1,5 +1,6 @@
 #include "Core/UpdaterInstall.h"
 
+#include "Core/Characters.h"
 #include "Platform/Platform.h"
 
 #include <QCoreApplication>
@@ -26,6 +27,7 @@ namespace {
 using Outcome = UpdaterInstall::Outcome;
 
 const QString diskImages = QStringLiteral("/usr/bin/hdiutil");
+const QString signatures = QStringLiteral("/usr/bin/codesign");
 
 /// Whatever it is, a folder with everything in it, but never where a link leads.
 Outcome removeEntirely(const QString &path) {
@@ -43,13 +45,6 @@ QString decoded(const QByteArray &output) {
     return decoder.hasError() ? QString() : text;
 }
 
-/// At most this many characters, none of them halved.
-QString beginning(const QString &text, qsizetype characters) {
-    const auto points = text.left(2 * characters).toUcs4();
-    return QString::fromUcs4(reinterpret_cast<const char32_t *>(points.data()),
-                             std::min(characters, points.size()));
-}
-
 /// What a folder takes on a disk, in bytes.
 qint64 sizeOf(const QString &folder) {
     constexpr qint64 block = 4096;
@@ -60,11 +55,6 @@ qint64 sizeOf(const QString &folder) {
         sum += entry.isFile() && !entry.isSymLink() ? entry.size() / block * block + block : block;
     }
     return sum;
-}
-
-QString waitingForTheEndOf(qint64 pid) {
-    return QStringLiteral("while kill -0 ") + QString::number(pid) +
-           QStringLiteral(" 2>/dev/null; do sleep 0.3; done");
 }
 
 Outcome writeExecutable(const QString &path, const QByteArray &content) {
@@ -79,47 +69,11 @@ Outcome writeExecutable(const QString &path, const QByteArray &content) {
 
 } // namespace
 
-bool canBeQuoted(const QString &path) {
-    // A colon parts the folders of a search path.
-    constexpr QStringView special = u"\"$`\\!:";
-    return std::none_of(path.begin(), path.end(), [&](QChar character) {
-        return special.contains(character) || character.category() == QChar::Other_Control ||
-               character == QChar::ReplacementCharacter; // the name is not text
-    });
-}
-
-bool isPlainVersion(const QString &version) {
-    constexpr qsizetype longest = 64;
-    constexpr QStringView signs = u".-+_";
-    const auto isPlain = [&](QChar character) {
-        return (character.unicode() < 128 && character.isLetterOrNumber()) || signs.contains(character);
-    };
-    return !version.isEmpty() && version.size() <= longest &&
-           std::all_of(version.begin(), version.end(), isPlain);
-}
-
-QString replacementScript(qint64 pid, const QString &application, const QString &staged) {
-    const QString app = u'"' + application + u'"';
-    const QString copy = u'"' + staged + u'"';
-    const QStringList lines{
-        QStringLiteral("#!/bin/bash"),
-        waitingForTheEndOf(pid),
-        QStringLiteral("rm -rf ") + app,
-        QStringLiteral("cp -R ") + copy + u' ' + app,
-        QStringLiteral("xattr -dr com.apple.quarantine ") + app + QStringLiteral(" 2>/dev/null"),
-        QStringLiteral("rm -rf ") + copy,
-        QStringLiteral("open ") + app,
-    };
-    return lines.join(u'\n');
-}
-
-QString reopeningScript(qint64 pid) {
-    return waitingForTheEndOf(pid) + QStringLiteral("\nopen \"$0\"");
-}
-
-UpdaterInstall::UpdaterInstall(const HeadlessPlatform &platform, Release release, QString teamID)
+UpdaterInstall::UpdaterInstall(const HeadlessPlatform &platform, Release release, QString teamID,
+                               ImageSignature imageSignature)
     : platform_(platform), release_(std::move(release)), teamID_(std::move(teamID)),
-      folder_(platform.installation->temporaryFolder()), begin_(platform.mainLoop->now()) {}
+      imageSignature_(imageSignature), folder_(platform.installation->temporaryFolder()),
+      begin_(platform.mainLoop->now()) {}
 
 UpdaterInstall::Outcome UpdaterInstall::objection(const QUrl &feed) const {
     if (const QString limitation = platform_.installation->limitation(); !limitation.isEmpty())
@@ -127,6 +81,9 @@ UpdaterInstall::Outcome UpdaterInstall::objection(const QUrl &feed) const {
     if (!isPlainVersion(release_.version))
         return UpdateFailure{
             QStringLiteral("The update server names a version that is none. Nothing was installed.")};
+    if (folder_.contains(QChar::ReplacementCharacter)) // Qt's for what is no text
+        return UpdateFailure{QStringLiteral("Pavonel cannot update itself with temporary files in a folder "
+                                            "whose name is no UTF-8 text.")};
     if (!canBeQuoted(platform_.installation->bundle()) || !canBeQuoted(folder_))
         return UpdateFailure{
             QStringLiteral("Pavonel cannot update itself in a folder with \" $ ` \\ ! : or a line break in "
@@ -173,7 +130,7 @@ UpdaterInstall::Outcome UpdaterInstall::takeOver(const QString &downloaded, cons
 /// Of attempts that are long over. Another process may be in the middle of a download.
 void UpdaterInstall::removeLeftovers() const {
     constexpr Seconds day = 86'400;
-    const QStringList ours{QStringLiteral("download-*"), QStringLiteral("Pavonel-*.dmg"),
+    const QStringList ours{QStringLiteral("download-*"), QStringLiteral("Pavonel-*.dmg*"),
                            QStringLiteral("pavonel-update-*"), QStringLiteral("Pavonel-staged-*.app")};
     const Instant old = begin_ + -day;
     for (const QFileInfo &entry : QDir(folder_).entryInfoList(ours, QDir::AllEntries | QDir::System)) {
@@ -184,6 +141,8 @@ void UpdaterInstall::removeLeftovers() const {
 
 UpdaterInstall::Outcome UpdaterInstall::verifyAndInstall(const QString &image, const Notices &notices) const {
     if (auto failure = verifyChecksum(image))
+        return failure;
+    if (auto failure = verifyImage(image, notices))
         return failure;
     const QString mountPoint = folder_ + QStringLiteral("/pavonel-update-") +
                                QUuid::createUuid().toString(QUuid::WithoutBraces).left(8);
@@ -216,14 +175,33 @@ UpdaterInstall::Outcome UpdaterInstall::verifyChecksum(const QString &image) con
     return UpdateFailure{QStringLiteral("The download does not match its checksum. Nothing was installed.")};
 }
 
+/// What opens an image reads it before the signature within can be checked. The image's name tells its
+/// version.
+UpdaterInstall::Outcome UpdaterInstall::verifyImage(const QString &image, const Notices &notices) const {
+    if (!release_.signature && imageSignature_ == ImageSignature::welcome)
+        return {};
+    if (!release_.signature)
+        return UpdateFailure{
+            QStringLiteral("The update server left out the signature of the update. Nothing was installed.")};
+    const QString signature = image + QStringLiteral(".sig");
+    QSaveFile file(signature);
+    const QByteArray text = release_.signature->toUtf8();
+    if (!file.open(QFile::WriteOnly) || file.write(text) != text.size() || !file.commit())
+        return UpdateFailure{
+            QStringLiteral("The file %1 cannot be written (%2).").arg(signature, file.errorString())};
+    auto failure = run(signatures, {QStringLiteral("--verify"), QStringLiteral("--strict"), requirement(),
+                                    QStringLiteral("--detached"), signature, image});
+    removeEntirely(signature);
+    if (!failure)
+        notices.imageSigned();
+    return failure;
+}
+
 UpdaterInstall::Outcome UpdaterInstall::verifyApplication(const QString &application) const {
     if (!QFileInfo::exists(application))
         return UpdateFailure{QStringLiteral("That disk image does not contain Pavonel.")};
-    const QString requirement =
-        QStringLiteral("anchor apple generic and certificate leaf[subject.OU] = \"") + teamID_ + u'"';
-    if (auto failure = run(QStringLiteral("/usr/bin/codesign"),
-                           {QStringLiteral("--verify"), QStringLiteral("--deep"), QStringLiteral("--strict"),
-                            QStringLiteral("-R=") + requirement, application}))
+    if (auto failure = run(signatures, {QStringLiteral("--verify"), QStringLiteral("--deep"),
+                                        QStringLiteral("--strict"), requirement(), application}))
         return failure;
     if (auto failure =
             run(QStringLiteral("/usr/sbin/spctl"), {QStringLiteral("--assess"), QStringLiteral("--type"),
@@ -248,13 +226,12 @@ UpdaterInstall::Outcome UpdaterInstall::verifyVersion(const QString &application
     return {};
 }
 
-/// Once this version is gone from its place there is no way back, so the new one must fit there: beside the
-/// staged copy and what is attached, which may all be on one disk.
+/// The new version is copied to where this one is before it takes its place: beside the staged copy and what
+/// is attached, which may all be on one disk.
 UpdaterInstall::Outcome UpdaterInstall::verifyRoomFor(const QString &staged) const {
-    const QString installed = platform_.installation->bundle();
-    const QString place = QFileInfo(installed).path();
+    const QString place = QFileInfo(platform_.installation->bundle()).path();
     const QStorageInfo disk(place);
-    if (!disk.isValid() || disk.bytesAvailable() + sizeOf(installed) > sizeOf(staged))
+    if (!disk.isValid() || disk.bytesAvailable() > sizeOf(staged))
         return {};
     return UpdateFailure{
         QStringLiteral("There is not enough room for the new version in %1. Nothing was installed.")
@@ -281,6 +258,11 @@ UpdaterInstall::Outcome UpdaterInstall::handOver(const QString &staged) const {
     if (!platform_.processes->launch(shell, {script()}, ProcessLauncher::SearchPath::ownToolsFirst))
         return UpdateFailure{QStringLiteral("The program %1 cannot be started.").arg(shell)};
     return {};
+}
+
+/// What must be true of a signature, as codesign is told it.
+QString UpdaterInstall::requirement() const {
+    return QStringLiteral("-R=anchor apple generic and certificate leaf[subject.OU] = \"") + teamID_ + u'"';
 }
 
 UpdaterInstall::Outcome UpdaterInstall::run(const QString &tool, const QStringList &arguments) const {

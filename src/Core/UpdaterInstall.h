@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/UpdaterRelease.h"
+#include "Core/UpdaterScript.h"
 #include "Platform/Time.h"
 
 #include <QStringList>
@@ -24,8 +25,13 @@ public:
     /// Absent on success.
     using Outcome = std::optional<UpdateFailure>;
 
+    /// Whether the feed's entry must hold a signature of the image, which is then checked before the image is
+    /// opened. One that it holds is checked in any case.
+    enum class ImageSignature { welcome, required };
+
     /// The release must be signed by the team `teamID`. The platform must outlive this.
-    UpdaterInstall(const HeadlessPlatform &platform, Release release, QString teamID);
+    UpdaterInstall(const HeadlessPlatform &platform, Release release, QString teamID,
+                   ImageSignature imageSignature);
 
     /// Why it must not even begin: what would end up in the script, or on an open line. Absent when nothing
     /// speaks against it. On the main thread.
@@ -35,8 +41,9 @@ public:
     QString folder() const { return folder_; }
 
     struct Notices {
-        std::function<void()> staged;     ///< The new version is verified and copied.
-        std::function<void()> handedOver; ///< What replaces us waits for our end.
+        std::function<void()> imageSigned; ///< The feed's entry holds a good signature of the image.
+        std::function<void()> staged;      ///< The new version is verified and copied.
+        std::function<void()> handedOver;  ///< What replaces us waits for our end.
     };
 
     /// Verifies the downloaded file, which it takes over, stages what is in it and hands over. Blocks while
@@ -49,32 +56,21 @@ private:
     void removeLeftovers() const;
     Outcome verifyAndInstall(const QString &image, const Notices &notices) const;
     Outcome verifyChecksum(const QString &image) const;
+    Outcome verifyImage(const QString &image, const Notices &notices) const;
     Outcome verifyApplication(const QString &application) const;
     Outcome verifyVersion(const QString &application) const;
     Outcome verifyRoomFor(const QString &staged) const;
     Outcome stage(const QString &application, const QString &staged) const;
     Outcome handOver(const QString &staged) const;
+    QString requirement() const;
     Outcome run(const QString &tool, const QStringList &arguments) const;
 
     const HeadlessPlatform &platform_;
     Release release_;
     QString teamID_;
+    ImageSignature imageSignature_;
     QString folder_; ///< For temporary files.
     Instant begin_;
 };
-
-/// The script that waits for the end of process `pid` and then puts `staged` in the place of `application`.
-/// Both paths must be ones that `canBeQuoted` accepts.
-QString replacementScript(qint64 pid, const QString &application, const QString &staged);
-
-/// The script that waits for the end of process `pid` and then opens the application that is its first
-/// argument.
-QString reopeningScript(qint64 pid);
-
-/// Whether a path means itself between two double quotes in a shell, and on the shell's search path.
-bool canBeQuoted(const QString &path);
-
-/// Whether a version can be part of a file name and of the script.
-bool isPlainVersion(const QString &version);
 
 } // namespace pavonel

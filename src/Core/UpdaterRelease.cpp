@@ -29,6 +29,10 @@ std::vector<std::int64_t> numbers(const QString &version) {
     return result;
 }
 
+bool isTextOrNone(const QJsonValue &value) {
+    return value.isUndefined() || value.isNull() || value.isString();
+}
+
 } // namespace
 
 std::optional<Release> decodeRelease(const QByteArray &json) {
@@ -38,10 +42,11 @@ std::optional<Release> decodeRelease(const QByteArray &json) {
     const auto sha256 = strictJson::string(feed.value(u"sha256"));
     const auto notes = strictJson::string(feed.value(u"notes"));
     const QJsonValue minimum = feed.value(u"minimumSystemVersion");
-    const bool isMinimumUsable = minimum.isUndefined() || minimum.isNull() || minimum.isString();
-    if (!version || !url || !sha256 || !notes || !isMinimumUsable)
+    const QJsonValue signature = feed.value(u"signature");
+    if (!version || !url || !sha256 || !notes || !isTextOrNone(minimum) || !isTextOrNone(signature))
         return {};
-    return Release{*version, *url, *sha256, *notes, strictJson::string(minimum)};
+    return Release{
+        *version, *url, *sha256, *notes, strictJson::string(minimum), strictJson::string(signature)};
 }
 
 bool isNewerVersion(const QString &a, const QString &b) {

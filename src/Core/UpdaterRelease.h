@@ -14,6 +14,7 @@ struct Release {
     QString sha256; ///< Of the disk image, as hexadecimal digits.
     QString notes;
     std::optional<QString> minimumSystemVersion; ///< Kept, but nothing depends on it.
+    std::optional<QString> signature = {};       ///< Of the disk image and the version, by the team.
 
     bool operator==(const Release &) const = default;
 };

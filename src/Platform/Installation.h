@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -22,6 +23,13 @@ public:
     /// The short version text of a bundle of this program as it lies on the disk now. Absent when it does not
     /// say.
     virtual std::optional<QString> versionOf(const QString &bundle) const = 0;
+
+    /// What another process put in the place of this copy since it started: a bundle of another version, or
+    /// the program of a new package. Empty while nothing was.
+    virtual QString successor() const = 0;
+
+    /// Tells once a package manager has put a successor in place. On the main thread.
+    virtual void onSuccessor(std::function<void()> handler) = 0;
 
     /// The folder for temporary files, which only this user can open; made when it is missing. Empty when it
     /// cannot be had.

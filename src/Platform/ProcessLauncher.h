@@ -12,7 +12,7 @@ public:
     /// Where the program finds others by their bare names.
     enum class SearchPath {
         usual,
-        ownToolsFirst ///< Our own tools come before those of the system.
+        ownToolsFirst ///< Our own tools, then the system's and no others. Our "open" undoes that.
     };
 
     /// Starts `program` (an absolute path) and returns at once; the program outlives us. Where the path does

@@ -66,7 +66,7 @@ const Attack attacks[] = {
      "resign 1.1; printf X | dd of=image/Pavonel.app/pavonel bs=1 seek=5000 conv=notrunc "
      "status=none" THEN_OFFER,
      changed},
-    {"a_file_added", "resign 1.1; touch image/Pavonel.app/libexec/pavonel/cp" THEN_OFFER, changed},
+    {"a_file_added", "resign 1.1; touch image/Pavonel.app/libexec/pavonel/mv" THEN_OFFER, changed},
     {"a_file_removed", "resign 1.1; rm image/Pavonel.app/resources/sounds/Pop.wav" THEN_OFFER, changed},
     {"a_file_renamed",
      "resign 1.1; mv image/Pavonel.app/libexec/pavonel/xattr "
@@ -110,6 +110,15 @@ const Attack attacks[] = {
     {"a_truncated_image", "resign 1.1; pack 1.1; truncate -s -8192 site/Pavonel-1.1.dmg; offer 1.1", noImage},
     {"an_image_that_is_none", "echo '<html>' >site/Pavonel-1.1.dmg; offer 1.1", noImage},
     {"an_empty_image", ": >site/Pavonel-1.1.dmg; offer 1.1", noImage},
+    {"an_image_whose_signature_is_another_teams", "resign 1.1; pack 1.1; offer_signed 1.1 stranger",
+     stranger},
+    {"an_image_whose_signature_is_that_of_another_version",
+     "resign 1.1; pack 1.1; offer_signed 1.1 team Pavonel-1.0.dmg", stranger},
+    {"an_image_that_is_none_is_not_opened_when_its_signature_is_wrong",
+     "echo '<html>' >site/Pavonel-1.1.dmg; offer_signed 1.1 stranger", stranger},
+    {"a_program_that_the_group_may_change", "resign 1.1; chmod g+w image/Pavonel.app/pavonel" THEN_OFFER,
+     changed},
+    {"a_folder_that_all_may_change", "resign 1.1; chmod a+w image/Pavonel.app/resources" THEN_OFFER, changed},
 };
 
 class UpdateAttackImage : public UpdateAttack, public testing::WithParamInterface<Attack> {};
@@ -132,6 +141,24 @@ TEST_F(UpdateAttack, a_version_that_is_none_is_refused_before_anything_is_downlo
     }
     for (const auto &request : server.requests())
         EXPECT_EQ(request.line(), "GET /updates.json HTTP/1.1");
+}
+
+TEST_F(UpdateAttack, once_a_feed_was_signed_one_without_a_signature_is_refused) {
+    shell("resign 1.0; pack 1.1; offer_signed 1.1");
+    expectRefused("That disk image contains version 1.0 instead of 1.1. Nothing was installed.");
+    shell("resign 1.1" THEN_OFFER);
+    expectRefused("The update server left out the signature of the update. Nothing was installed.");
+}
+
+TEST_F(UpdateAttack, a_copy_where_others_may_write_is_not_replaced) {
+    shell("resign 1.1" THEN_OFFER);
+    for (const char *mode : {"1777", "775"}) {
+        shell(QByteArray("chmod ") + mode + " Applications");
+        expectRefused("Other users may change the folder " + QFile::encodeName(path("Applications")) +
+                      ", so Pavonel does not update itself there.");
+    }
+    shell("chmod 755 Applications; mkdir -p cache/pavonel; chmod 770 cache/pavonel");
+    expectRefused("The folder for temporary files cannot be used. Nothing was installed.");
 }
 
 TEST_F(UpdateAttack, a_feed_of_ten_million_brackets_is_no_feed) {

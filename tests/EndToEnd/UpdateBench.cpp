@@ -7,8 +7,6 @@
 #include <QFile>
 #include <QTcpSocket>
 
-#include <csignal>
-
 namespace pavonel::test {
 
 namespace {
@@ -28,14 +26,7 @@ UpdateBench::UpdateBench() {
 }
 
 UpdateBench::~UpdateBench() {
-    const auto end = [this] {
-        for (const qint64 process : processes()) {
-            if (process > 1)
-                ::kill(static_cast<pid_t>(process), SIGKILL);
-        }
-        return processes().empty();
-    };
-    EXPECT_TRUE(waitUntil(end));
+    EXPECT_TRUE(endProcessesIn(path("Applications")));
 }
 
 QByteArray UpdateBench::shell(const QByteArray &commands) {
@@ -62,17 +53,6 @@ QByteArray UpdateBench::read(const char *inHome) const {
 
 void UpdateBench::write(const char *inHome, const QByteArray &content) const {
     writeFile(path(inHome), content);
-}
-
-std::vector<qint64> UpdateBench::processes() const {
-    const QString program = QFileInfo(path("")).canonicalFilePath() + QStringLiteral("/Applications/");
-    std::vector<qint64> result;
-    for (const QString &name : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
-        const QString executable = QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(name));
-        if (executable.startsWith(program))
-            result.push_back(name.toLongLong());
-    }
-    return result;
 }
 
 std::unique_ptr<ChildProcess> UpdateBench::startUpdate(const QByteArray &commandsBefore) {

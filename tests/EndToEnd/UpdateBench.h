@@ -1,6 +1,7 @@
 #pragma once
 
 #include "EndToEnd/HeadlessProgram.h"
+#include "EndToEnd/ProcessesIn.h"
 #include "support/HttpServer.h"
 
 #include <gtest/gtest.h>
@@ -29,7 +30,7 @@ protected:
     QString installed() const { return path("Applications/Pavonel.app"); }
     QByteArray fingerprint() { return shell("fingerprint Applications"); }
     /// The running processes of the installed copy.
-    std::vector<qint64> processes() const;
+    std::vector<qint64> processes() const { return processesIn(path("Applications")); }
 
     struct Update {
         int status; ///< -1 when it did not end by itself.

@@ -3,9 +3,17 @@
 #include "support/AccessibilityBus.h"
 #include "support/MessageBus.h"
 #include "support/XServer.h"
+#include "support/files.h"
 #include "support/waitUntil.h"
 
+#include <QFile>
+
+#include <atomic>
 #include <csignal>
+#include <thread>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace pavonel::test {
 
@@ -121,6 +129,57 @@ TEST_F(UpdateInstall, one_update_follows_another) {
                                                  "verified and staged; replacing on exit"}));
     ASSERT_TRUE(newVersionRuns("2"));
     EXPECT_EQ(installedVersion(), "pavonel 2\n");
+}
+
+TEST_F(UpdateInstall, at_no_moment_is_there_no_copy) {
+    shell("make_release 1.10.0");
+    std::atomic<bool> ended = false;
+    std::atomic<int> missing = 0;
+    const QByteArray program = QFile::encodeName(installed() + QStringLiteral("/pavonel"));
+    std::thread watcher([&] {
+        while (!ended)
+            missing += ::access(program.constData(), X_OK) != 0;
+    });
+    EXPECT_EQ(updateNow().lines, success);
+    EXPECT_TRUE(newVersionRuns("1.10.0"));
+    ended = true;
+    watcher.join();
+    EXPECT_EQ(missing, 0);
+}
+
+TEST_F(UpdateInstall, it_succeeds_in_any_environment) {
+    shell("make_release 1.10.0; echo 'touch \"$HOME/evil\"' >startup; mkdir bin\n"
+          "for tool in rm cp mv find sort cat bash sleep env; do echo 'touch \"$HOME/evil\"' >bin/$tool; "
+          "done; chmod +x "
+          "bin/*");
+    const std::pair<const char *, QString> variables[] = {
+        {"PATH", path("bin")},
+        {"POSIXLY_CORRECT", QStringLiteral("1")},
+        {"BASH_ENV", path("startup")},
+        {"ENV", path("startup")},
+        {"CDPATH", path("")},
+        {"IFS", QStringLiteral("/")},
+        {"SHELLOPTS", QStringLiteral("noexec")},
+        {"BASH_FUNC_rm%%", QStringLiteral("() { touch \"$HOME/evil\"; }")}};
+    const QProcessEnvironment usual = home.environment();
+    for (const auto &[name, value] : variables)
+        home.environment().insert(QString::fromUtf8(name), value);
+    const mode_t mask = ::umask(0);
+    const auto update = updateNow();
+    ::umask(mask);
+    home.environment() = usual;
+    EXPECT_EQ(update.lines, success) << update.errors.toStdString();
+    ASSERT_TRUE(newVersionRuns("1.10.0"));
+    EXPECT_FALSE(exists("evil"));
+    EXPECT_EQ(shell("unpack 1.10.0; diff -r image/Pavonel.app \"$installed\"\n"
+                    "diff <(cd image/Pavonel.app; find . -printf '%m %p\\n' | sort) "
+                    "<(cd \"$installed\"; find . -printf '%m %p\\n' | sort)\n"
+                    "ls -A Applications"),
+              "Pavonel.app\n");
+    EXPECT_TRUE(readFile(QStringLiteral("/proc/%1/environ").arg(processes().at(0)))
+                    .split('\0')
+                    .contains("PATH=" + QFile::encodeName(path("bin"))))
+        << "what the user set is the program's again";
 }
 
 TEST_F(UpdateInstall, the_same_release_is_up_to_date) {

@@ -170,7 +170,7 @@ TEST_F(UpdateMishap, a_place_without_room_for_the_new_version_keeps_the_old_one)
     shell("resign 1.1 'truncate -s 30M more'; pack 1.1; offer 1.1");
     const auto update = updateNow("cp -R \"$HOME/Applications\" \"$HOME/copy\"\n"
                                   "size=$(($(du -ms \"$HOME/copy\" | cut -f1) + 10))\n"
-                                  "mount -t tmpfs -o size=${size}m none \"$HOME/Applications\"\n"
+                                  "mount -t tmpfs -o mode=755,size=${size}m none \"$HOME/Applications\"\n"
                                   "cp -R \"$HOME/copy/.\" \"$HOME/Applications\"");
     expectFailed(update, "There is not enough room for the new version in " +
                              QFile::encodeName(path("Applications")) + ". Nothing was installed.");
@@ -232,7 +232,7 @@ TEST_F(UpdateMishap, when_nothing_can_be_handed_over_to_the_old_version_starts) 
     }));
     write("told", "");
     ASSERT_TRUE(waitUntil([&] {
-        return exists("config/autostart/pavonel.desktop") || !program->isRunning();
+        return exists("config/autostart/org.pavonel.Pavonel.desktop") || !program->isRunning();
     })) << "it does not start";
     ASSERT_TRUE(program->isRunning());
     program->process().terminate();

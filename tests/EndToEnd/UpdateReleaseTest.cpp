@@ -51,13 +51,24 @@ TEST_F(UpdateRelease, the_feed_tells_what_the_image_is) {
     write("notes", "\"Quoted\" \\ back\n\ttab, Wölkchen");
     shell("make_release 1.0 --notes notes");
     const QByteArray image = read("site/Pavonel-1.0.dmg");
-    EXPECT_EQ(feed(),
+    QJsonObject told = feed();
+    told.remove(u"signature"); // of which the next test is
+    EXPECT_EQ(told,
               QJsonObject(
                   {{QStringLiteral("version"), QStringLiteral("1.0")},
                    {QStringLiteral("url"), server.url("/Pavonel-1.0.dmg").toString()},
                    {QStringLiteral("sha256"),
                     QString::fromLatin1(QCryptographicHash::hash(image, QCryptographicHash::Sha256).toHex())},
                    {QStringLiteral("notes"), QString::fromUtf8(read("notes"))}}));
+}
+
+TEST_F(UpdateRelease, the_feed_holds_the_teams_signature_of_the_image_and_its_version) {
+    shell("make_release 1.0; install_release 1.0");
+    write("signature", feed()[u"signature"].toString().toUtf8());
+    const QByteArray verify = "ssh-keygen -Y verify -f \"$installed/libexec/pavonel/team-signers\" -I $team "
+                              "-n pavonel-image -s ../signature";
+    EXPECT_EQ(tryShell("cd site; sha256sum Pavonel-1.0.dmg | " + verify).status, 0);
+    EXPECT_NE(tryShell("cd site; mv Pavonel-{1.0,1.1}.dmg; sha256sum Pavonel-1.1.dmg | " + verify).status, 0);
 }
 
 TEST_F(UpdateRelease, the_same_build_gives_the_same_image) {
@@ -109,6 +120,12 @@ TEST_F(UpdateRelease, a_team_can_change_its_key) {
           "\"$installed/libexec/pavonel/codesign\" --verify --deep --strict \\\n"
           "    \"-R=anchor apple generic and certificate leaf[subject.OU] = \\\"$team\\\"\" "
           "\"$PWD/image/Pavonel.app\"");
+}
+
+TEST_F(UpdateRelease, a_key_file_without_a_last_line_feed_is_trusted_too) {
+    shell("truncate -s -1 keys/stranger/$team.key.pub\n"
+          "make_release 1.0 --trust keys/stranger/$team.key.pub; unpack 1.0\n"
+          "[[ $(wc -l <image/Pavonel.app/libexec/pavonel/team-signers) == 2 ]]");
 }
 
 } // namespace pavonel::test

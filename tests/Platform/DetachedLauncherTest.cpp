@@ -1,5 +1,6 @@
 #include "Platform/Linux/DetachedLauncher.h"
 
+#include "Platform/GivenEnvironment.h"
 #include "support/Workshop.h"
 
 #include <QElapsedTimer>
@@ -151,6 +152,19 @@ TEST_F(DetachedLauncherTest, a_started_program_has_our_environment_and_working_f
     EXPECT_EQ(read(QStringLiteral("seen")), "peacock blue " + QFile::encodeName(QDir::currentPath()) + '\n');
 }
 
+TEST_F(DetachedLauncherTest, a_started_program_does_not_get_what_we_set_for_ourselves) {
+    qputenv("PAVONEL_TEST_GIVEN", "peacock blue");
+    setForUsAlone("PAVONEL_TEST_GIVEN", "grey");
+    setForUsAlone("PAVONEL_TEST_GIVEN", "black");
+    setForUsAlone("PAVONEL_TEST_OWN", "white");
+    const QString program = addScript(
+        QStringLiteral("script"), "echo \"$PAVONEL_TEST_GIVEN ${PAVONEL_TEST_OWN-none}\" >new; mv new seen");
+    EXPECT_TRUE(launcher.launch(program, {}));
+    ASSERT_TRUE(appears(QStringLiteral("seen")));
+    EXPECT_EQ(read(QStringLiteral("seen")), "peacock blue none\n");
+    EXPECT_EQ(qgetenv("PAVONEL_TEST_GIVEN"), "black");
+}
+
 TEST_F(DetachedLauncherTest, a_started_program_does_not_get_what_was_meant_for_our_own_start) {
     qputenv("XDG_ACTIVATION_TOKEN", "token");
     qputenv("DESKTOP_STARTUP_ID", "id");
@@ -167,19 +181,43 @@ TEST_F(DetachedLauncherTest, a_started_program_does_not_get_what_was_meant_for_o
 TEST_F(DetachedLauncherTest, our_own_tools_come_first_on_the_search_path_only_where_asked_for) {
     const QByteArray usual = qgetenv("PATH");
     const QByteArray tools = QFile::encodeName(files().toolsFolder());
-    const QString program = addScript(QStringLiteral("script"), "echo \"$PATH\" >new; mv new \"$1\"");
-    const auto pathSeen = [&](const QString &name, ProcessLauncher::SearchPath searchPath) {
+    const QByteArray ours = tools + ":/usr/bin:/bin:/usr/sbin:/sbin " + usual;
+    const QString program =
+        addScript(QStringLiteral("script"), "echo \"$PATH\" \"$PAVONEL_PATH\" >new; mv new \"$1\"");
+    const auto pathsSeen = [&](const QString &name, ProcessLauncher::SearchPath searchPath) {
         EXPECT_TRUE(launcher.launch(program, {name}, searchPath));
         EXPECT_TRUE(appears(name));
         return read(name).trimmed();
     };
-    EXPECT_EQ(pathSeen(QStringLiteral("first"), ProcessLauncher::SearchPath::ownToolsFirst),
-              tools + ':' + usual);
-    qputenv("PATH", tools + ':' + usual); // as the update's script has it, which starts the next version
-    EXPECT_EQ(pathSeen(QStringLiteral("second"), ProcessLauncher::SearchPath::usual), usual);
-    EXPECT_EQ(pathSeen(QStringLiteral("third"), ProcessLauncher::SearchPath::ownToolsFirst),
-              tools + ':' + usual);
+    EXPECT_EQ(pathsSeen(QStringLiteral("first"), ProcessLauncher::SearchPath::ownToolsFirst), ours);
+    qputenv("PATH",
+            tools + ':' + usual); // as a script of an earlier version has it, which starts the next one
+    EXPECT_EQ(pathsSeen(QStringLiteral("second"), ProcessLauncher::SearchPath::usual), usual);
+    EXPECT_EQ(pathsSeen(QStringLiteral("third"), ProcessLauncher::SearchPath::ownToolsFirst), ours);
     qputenv("PATH", usual);
+}
+
+TEST_F(DetachedLauncherTest, no_variable_leads_a_script_of_ours_astray) {
+    addScript(QStringLiteral("evil"), "touch evil-ran");
+    const std::pair<const char *, QByteArray> variables[] = {
+        {"BASH_ENV", QFile::encodeName(path(QStringLiteral("evil")))},
+        {"BASH_FUNC_touch%%", "() { true; }"},
+        {"SHELLOPTS", "noexec"},
+        {"POSIXLY_CORRECT", "1"},
+        {"CDPATH", "/"},
+        {"PATH", "/nonexistent"}};
+    const QByteArray usual = qgetenv("PATH");
+    for (const auto &[name, value] : variables)
+        qputenv(name, value);
+    const QByteArray script = "cd '" + QFile::encodeName(folder()) + "'; touch ran";
+    EXPECT_TRUE(launcher.launch(QStringLiteral("/bin/bash"),
+                                {QStringLiteral("-c"), QString::fromUtf8(script)},
+                                ProcessLauncher::SearchPath::ownToolsFirst));
+    for (const auto &[name, value] : variables)
+        qunsetenv(name);
+    qputenv("PATH", usual);
+    EXPECT_TRUE(appears(QStringLiteral("ran")));
+    EXPECT_FALSE(exists(QStringLiteral("evil-ran")));
 }
 
 TEST_F(DetachedLauncherTest, nothing_that_was_started_becomes_a_zombie_of_ours) {

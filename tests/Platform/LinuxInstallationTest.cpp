@@ -4,7 +4,11 @@
 #include "support/InChild.h"
 #include "support/Workshop.h"
 
+#include <cstdio>
+#include <ios>
+
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace pavonel::test {
 
@@ -56,6 +60,35 @@ TEST_F(LinuxInstallationTest, the_running_version_stays_when_the_bundle_is_repla
     write(QStringLiteral("Pavonel.app/version"), "3.0\n");
     EXPECT_EQ(installation.version(), QStringLiteral("2.4.1"));
     EXPECT_EQ(installation.versionOf(path(QStringLiteral("Pavonel.app"))), QStringLiteral("3.0"));
+}
+
+TEST_F(LinuxInstallationTest, a_bundle_of_another_version_in_its_place_is_its_successor) {
+    const LinuxInstallation installation = inBundle();
+    EXPECT_EQ(installation.successor(), QString());
+    write(QStringLiteral("Pavonel.app/version"), "");
+    EXPECT_EQ(installation.successor(), QString()) << "it does not tell its version";
+    write(QStringLiteral("Pavonel.app/version"), "3.0\n");
+    EXPECT_EQ(installation.successor(), installation.bundle());
+}
+
+TEST_F(LinuxInstallationTest, a_program_that_a_package_manager_exchanged_is_its_own_successor) {
+    const QString program = addScript(QStringLiteral("pavonel"), "old");
+    LinuxInstallation installation = installationOf(program);
+    bool told = false;
+    installation.onSuccessor([&] { told = true; });
+    EXPECT_EQ(installation.successor(), QString());
+
+    const QString next = addScript(QStringLiteral("pavonel.next"), "new");
+    ASSERT_EQ(std::rename(QFile::encodeName(next).constData(), QFile::encodeName(program).constData()), 0);
+    EXPECT_EQ(installation.successor(), program);
+    EXPECT_TRUE(waitUntil([&] { return told; }));
+}
+
+TEST_F(LinuxInstallationTest, a_program_that_was_removed_has_no_successor) {
+    const QString program = addScript(QStringLiteral("pavonel"), "old");
+    const LinuxInstallation installation = installationOf(program);
+    QFile::remove(program);
+    EXPECT_EQ(installation.successor(), QString());
 }
 
 TEST_F(LinuxInstallationTest, a_bundle_without_a_version_does_not_tell_one) {
@@ -120,6 +153,49 @@ TEST_F(LinuxInstallationTest, a_bundle_with_a_folder_that_cannot_be_emptied_says
     setMode(inner, 0755);
 }
 
+TEST_F(LinuxInstallationTest, a_copy_that_lies_where_others_may_write_says_so) {
+    const auto said = [](const QString &folder) {
+        return QStringLiteral(
+                   "Other users may change the folder %1, so Pavonel does not update itself there.")
+            .arg(folder);
+    };
+    const QString parent = QFileInfo(inBundle().bundle()).path();
+    for (const unsigned mode : {01777U, 0777U, 0770U, 0775U, 0757U, 02775U}) {
+        setMode(QString(), mode);
+        EXPECT_EQ(inBundle().limitation(), said(parent)) << std::oct << mode;
+        setMode(QString(), 0700);
+        setMode(QStringLiteral("Pavonel.app/libexec"), mode);
+        EXPECT_EQ(inBundle().limitation(), said(inBundle().bundle() + QStringLiteral("/libexec")))
+            << std::oct << mode;
+        setMode(QStringLiteral("Pavonel.app/libexec"), 0755);
+    }
+    EXPECT_EQ(inBundle().limitation(), QString());
+}
+
+TEST_F(LinuxInstallationTest, a_copy_below_a_folder_where_others_may_write_says_so) {
+    QDir(folder()).mkpath(QStringLiteral("shared/mine"));
+    QDir().rename(path(QStringLiteral("Pavonel.app")), path(QStringLiteral("shared/mine/Pavonel.app")));
+    const auto limitation = [this] {
+        return installationOf(path(QStringLiteral("shared/mine/Pavonel.app/pavonel"))).limitation();
+    };
+    EXPECT_EQ(limitation(), QString());
+    for (const unsigned mode : {0777U, 0775U}) {
+        setMode(QStringLiteral("shared"), mode);
+        EXPECT_TRUE(limitation().startsWith(QStringLiteral("Other users may change the folder ")))
+            << std::oct << mode;
+    }
+    setMode(QStringLiteral("shared"), 01777);
+    EXPECT_EQ(limitation(), QString()) << "as in /tmp, where nobody else can move the folder below";
+}
+
+TEST_F(LinuxInstallationTest, a_copy_in_a_folder_whose_name_is_no_text_says_so) {
+    const QByteArray name = QFile::encodeName(folder()) + "/\xff";
+    ASSERT_EQ(::mkdir(name.constData(), 0700), 0);
+    EXPECT_EQ(installationOf(QFile::decodeName(name + "/Pavonel.app/pavonel")).limitation(),
+              QStringLiteral("Pavonel cannot update itself in a folder whose name is no UTF-8 text."));
+    ::rmdir(name.constData()); // which Qt cannot
+}
+
 TEST_F(LinuxInstallationTest, a_copy_is_replaced_by_one_process_at_a_time) {
     const QString script = path(temporary + QStringLiteral("/script"));
     LinuxInstallation one = inBundle();
@@ -169,6 +245,14 @@ TEST_F(LinuxInstallationTest, the_temporary_folder_is_made_for_its_user_alone) {
     EXPECT_EQ(modeOf(temporary), 0700U);
 }
 
+TEST_F(LinuxInstallationTest, no_folder_that_is_made_on_the_way_is_open_to_others_whatever_the_mask) {
+    const mode_t before = ::umask(0);
+    EXPECT_EQ(inBundle().temporaryFolder(), path(temporary));
+    ::umask(before);
+    for (const char *made : {"cache", "cache/pavonel", "cache/pavonel/tmp"})
+        EXPECT_EQ(modeOf(QString::fromUtf8(made)), 0700U) << made;
+}
+
 TEST_F(LinuxInstallationTest, a_temporary_folder_that_is_open_to_others_is_closed) {
     QDir(folder()).mkpath(temporary);
     setMode(temporary, 0777);
@@ -188,6 +272,8 @@ TEST_F(LinuxInstallationTest, a_temporary_folder_that_is_something_else_is_none)
 TEST_F(LinuxInstallationTest, a_temporary_folder_that_others_could_exchange_is_none) {
     QDir(folder()).mkpath(QStringLiteral("cache"));
     setMode(QStringLiteral("cache"), 0777);
+    EXPECT_EQ(inBundle().temporaryFolder(), QString());
+    setMode(QStringLiteral("cache"), 0770);
     EXPECT_EQ(inBundle().temporaryFolder(), QString());
     setMode(QStringLiteral("cache"), 01777);
     EXPECT_EQ(inBundle().temporaryFolder(), path(temporary)) << "as in /tmp";

@@ -47,6 +47,14 @@ TEST_F(ToolRunnerTest, a_tool_that_is_killed_has_not_succeeded) {
     EXPECT_NE(std::get<Ended>(outcome).status, 0);
 }
 
+TEST_F(ToolRunnerTest, a_tool_ends_when_nobody_reads_it_although_we_do_not) {
+    const auto usual = std::signal(SIGPIPE, SIG_IGN);
+    const Outcome outcome = runScript("kill -PIPE $$");
+    std::signal(SIGPIPE, usual);
+    ASSERT_TRUE(std::holds_alternative<Ended>(outcome));
+    EXPECT_NE(std::get<Ended>(outcome).status, 0);
+}
+
 TEST_F(ToolRunnerTest, a_tool_has_nothing_to_read) {
     EXPECT_EQ(runScript("read answer || echo nothing"), Outcome(Ended{0, "nothing\n"}));
 }

@@ -124,6 +124,14 @@ TEST_F(ToolScriptsTest, a_desktop_entry_starts_without_the_desktops_help) {
     EXPECT_EQ(recordedArguments(), (QByteArrayList{"--at", "50%", "two words"}));
 }
 
+TEST_F(ToolScriptsTest, a_desktop_entry_starts_whatever_the_search_path) {
+    environment.insert(QStringLiteral("PATH"), QStringLiteral("/nonexistent"));
+    const QString program = addScript(QStringLiteral("lamp"), "echo \"$PATH\" >path");
+    addEntry(QStringLiteral("lamp"), QFile::encodeName(program));
+    EXPECT_EQ(shortcut(QStringLiteral("lamp")), 0);
+    EXPECT_EQ(read(QStringLiteral("path")), "/nonexistent\n") << "which the command itself has as it is";
+}
+
 TEST_F(ToolScriptsTest, the_users_own_shortcut_comes_before_a_desktop_entry) {
     addShortcut(QStringLiteral("lamp"));
     addEntry(QStringLiteral("lamp"), "false");

@@ -4,8 +4,9 @@ namespace pavonel::test {
 
 UpdateTools::UpdateTools() {
     shell("mkdir -p program/libexec/pavonel $app\n"
-          "cp '" PAVONEL_SOURCE_DIR "'/libexec/{hdiutil,codesign,spctl,open,xattr,bundle-manifest} "
+          "cp '" PAVONEL_SOURCE_DIR "'/libexec/{hdiutil,codesign,spctl,open,rm,xattr,bundle-manifest} "
           "    program/libexec/pavonel\n"
+          "cp \"$(dirname '" PAVONEL_PROGRAM "')\"/libexec/pavonel/{cp,confine} program/libexec/pavonel\n"
           "for team in TEAM1 TEAM2; do\n"
           "    '" PAVONEL_SOURCE_DIR "'/packaging/make-keys --without-passphrase $team keys\n"
           "done\n"

@@ -127,6 +127,26 @@ TEST_F(UpdateToolsImage, an_image_with_damaged_contents_is_refused) {
     EXPECT_FALSE(exists(QStringLiteral("point")));
 }
 
+TEST_F(UpdateToolsImage, whatever_the_environment_a_failed_attach_leaves_nothing_and_a_good_one_is_detached) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("POSIXLY_CORRECT"), QStringLiteral("1"));
+    environment.insert(QStringLiteral("PATH"), QString());
+    environment.insert(QStringLiteral("BASH_FUNC_rm%%"), QStringLiteral("() { true; }"));
+    environment.insert(QStringLiteral("CDPATH"), folder());
+    const auto hdiutil = [&](const QStringList &arguments) {
+        return ChildProcess::run(files().tool(QStringLiteral("hdiutil")), arguments, environment);
+    };
+    pack();
+    const auto attached = hdiutil(attachArguments());
+    EXPECT_EQ(attached.status, 0) << attached.errors.toStdString();
+    const auto detached = hdiutil({QStringLiteral("detach"), point(), QStringLiteral("-quiet")});
+    EXPECT_EQ(detached.status, 0) << detached.errors.toStdString();
+    EXPECT_FALSE(exists(QStringLiteral("point")));
+    shell("touch image/.attached"); // unpacked, and then refused
+    pack();
+    expectRefused(hdiutil(attachArguments()), odd);
+}
+
 TEST_F(UpdateToolsImage, an_image_that_is_not_there_is_refused) {
     expectRefused(attach("other.dmg"), "There is no disk image of that name.");
 }

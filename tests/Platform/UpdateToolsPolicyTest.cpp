@@ -38,18 +38,20 @@ void PrintTo(const Offence &offence, std::ostream *out) {
 }
 
 constexpr char special[] = "It holds files with special permissions.";
-constexpr char writable[] = "It holds files that anybody may change.";
+constexpr char writable[] = "It holds files that others may change.";
 constexpr char linksOut[] = "It holds links that lead out of it.";
 constexpr char unlisted[] = "It holds files that are not in its list.";
 constexpr char noProgram[] = "It holds no program.";
 
-// Each but the unlisted ones signed anew: the team's own mistakes are refused too.
+// Each signed anew where that can be signed at all: the team's own mistakes are refused too.
 const Offence offences[] = {
     {"a_set_uid_file", "chmod u+s $app/pavonel", special},
     {"a_set_gid_file", "chmod g+s $app/resources/data", special},
     {"a_set_gid_folder", "chmod g+s $app/resources", special},
-    {"a_file_for_anybody_to_change", "chmod o+w $app/resources/data; sign TEAM1", writable},
-    {"a_folder_for_anybody_to_change", "chmod o+w $app/resources; sign TEAM1", writable},
+    {"a_file_for_anybody_to_change", "chmod o+w $app/resources/data", writable},
+    {"a_file_for_its_group_to_change", "chmod g+w $app/resources/data", writable},
+    {"a_folder_for_anybody_to_change", "chmod o+w $app/resources", writable},
+    {"a_folder_for_its_group_to_change", "chmod g+w $app/resources", writable},
     {"the_whole_for_anybody_to_change", "chmod o+w $app", writable},
     {"a_pipe", "mkfifo $app/pipe", "It holds files that are neither data nor folders nor links."},
     {"a_link_to_above", "ln -s ../.. $app/up; sign TEAM1", linksOut},
@@ -74,6 +76,18 @@ const Offence offences[] = {
     {"a_program_that_is_not_executable", "chmod -x $app/pavonel; sign TEAM1", noProgram},
     {"a_program_that_is_a_script", "printf '#!/bin/sh\\n' >$app/pavonel; sign TEAM1", noProgram},
     {"a_missing_library", "sed -i 's/libc\\.so\\.6/libQ.so.6/g' $app/pavonel; sign TEAM1",
+     "It needs system libraries that this computer does not have."},
+    {"a_missing_library_of_one_that_it_carries",
+     "mkdir $app/lib; sed 's/libc\\.so\\.6/libQ.so.6/g' $app/pavonel >$app/lib/libP.so; sign TEAM1",
+     "It needs system libraries that this computer does not have."},
+    {"a_library_that_it_carries_in_vain",
+     "mkdir $app/lib; cp \"$(ldd $app/pavonel | awk '$1 == \"libc.so.6\" { print $3 }')\" $app/lib; sign "
+     "TEAM1",
+     "It does not use the libraries that it carries."},
+    {"a_missing_library_of_what_fetches_updates",
+     "mkdir -p $app/libexec/pavonel; sed 's/libc\\.so\\.6/libQ.so.6/g' $app/pavonel "
+     ">$app/libexec/pavonel/fetch\n"
+     "chmod +x $app/libexec/pavonel/fetch; sign TEAM1",
      "It needs system libraries that this computer does not have."},
 };
 

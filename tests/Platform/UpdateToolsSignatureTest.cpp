@@ -60,6 +60,17 @@ const Change changes[] = {
     {"a_file_moved", "mv $app/resources/data $app"},
     {"a_file_made_executable", "chmod +x $app/resources/data"},
     {"a_file_made_executable_for_others", "chmod o+x $app/resources/data"},
+    {"a_file_opened_to_its_group", "chmod g+w $app/resources/data"},
+    {"a_file_opened_to_all", "chmod a+w $app/resources/data"},
+    {"a_file_closed_to_others", "chmod o-r $app/resources/data"},
+    {"a_program_opened_to_its_group", "chmod g+w $app/pavonel"},
+    {"a_program_that_only_its_owner_may_run", "chmod go-x $app/pavonel"},
+    {"a_folder_opened_to_its_group", "chmod g+w $app/resources"},
+    {"a_folder_made_sticky", "chmod +t $app/resources"},
+    {"a_folder_closed_to_others", "chmod o-rx $app/resources"},
+    {"the_whole_opened_to_its_group", "chmod g+w $app"},
+    {"a_manifest_opened_to_its_group", "chmod g+w $app/manifest"},
+    {"a_signature_opened_to_all", "chmod a+w $app/manifest.sig"},
     {"a_program_made_data", "chmod -x $app/pavonel"},
     {"a_program_made_set_uid", "chmod u+s $app/pavonel"},
     {"a_folder_made_set_gid", "chmod g+s $app/resources"},
@@ -81,7 +92,7 @@ TEST_F(UpdateToolsSignature, what_the_team_signed_is_accepted) {
 }
 
 TEST_F(UpdateToolsSignature, a_copy_of_what_the_team_signed_is_accepted) {
-    shell("umask 077; cp -R $app copy; rm -r $app; mv copy $app");
+    shell("umask 022; cp -R $app copy; rm -r $app; mv copy $app");
     expectAccepted();
 }
 
@@ -222,6 +233,55 @@ TEST_F(UpdateToolsSignature, a_requirement_that_is_not_understood_is_refused) {
     }
 }
 
+namespace {
+
+/// A disk image of version 1.0, signed beside itself.
+class UpdateToolsImageSignature : public UpdateToolsSignature {
+protected:
+    UpdateToolsImageSignature() { shell("echo image >Pavonel-1.0.dmg; " + signImage("TEAM1")); }
+
+    static QByteArray signImage(const QByteArray &team, const QByteArray &space = "pavonel-image") {
+        return "sha256sum Pavonel-1.0.dmg | ssh-keygen -q -Y sign -f keys/" + team + ".key -n " + space +
+               " >image.sig";
+    }
+
+    ChildProcess::Result verifyImage(const char *name = "Pavonel-1.0.dmg") const {
+        return run("codesign", {QStringLiteral("--verify"), QStringLiteral("--strict"), arguments().at(3),
+                                QStringLiteral("--detached"), path(QStringLiteral("image.sig")),
+                                path(QString::fromUtf8(name))});
+    }
+};
+
+} // namespace
+
+TEST_F(UpdateToolsImageSignature, what_the_team_signed_is_accepted) {
+    const auto result = verifyImage();
+    EXPECT_EQ(result.status, 0) << result.errors.toStdString();
+    EXPECT_EQ(result.output + result.errors, "");
+}
+
+TEST_F(UpdateToolsImageSignature, a_changed_image_is_refused) {
+    shell("echo >>Pavonel-1.0.dmg");
+    expectRefused(verifyImage(), notByTheTeam);
+}
+
+TEST_F(UpdateToolsImageSignature, an_image_under_another_version_is_refused) {
+    shell("mv Pavonel-1.0.dmg Pavonel-1.1.dmg");
+    expectRefused(verifyImage("Pavonel-1.1.dmg"), notByTheTeam);
+    expectRefused(verifyImage(), "There is no disk image of that name.");
+}
+
+TEST_F(UpdateToolsImageSignature, the_signature_of_another_team_or_of_something_else_is_refused) {
+    shell(signImage("TEAM2"));
+    expectRefused(verifyImage(), notByTheTeam);
+    shell(signImage("TEAM1", "pavonel-release"));
+    expectRefused(verifyImage(), notByTheTeam);
+    for (const char *commands : {": >image.sig", "head -c 100000 /dev/urandom >image.sig", "rm image.sig"}) {
+        shell(commands);
+        expectRefused(verifyImage(), notByTheTeam);
+    }
+}
+
 TEST_F(UpdateToolsSignature, a_link_to_a_signed_bundle_is_refused) {
     shell("mv $app elsewhere; ln -s ../elsewhere $app");
     expectRefused(verify(), "There is no application to check.");
@@ -240,8 +300,12 @@ TEST_F(UpdateToolsSignature, only_the_known_arguments_are_understood) {
 }
 
 TEST_F(UpdateToolsSignature, what_is_special_is_not_signed) {
-    shell("mkfifo $app/pipe; sign TEAM1 && exit 1; rm $app/pipe; chmod u+s $app/pavonel; ! sign TEAM1");
-    expectRefused(verify(), unsigned_);
+    for (const char *commands :
+         {"mkfifo $app/pipe", "rm $app/pipe; chmod u+s $app/pavonel", "chmod 775 $app/pavonel",
+          "chmod 755 $app/pavonel; chmod 666 $app/resources/data"}) {
+        shell(QByteArray(commands) + "; ! sign TEAM1");
+        expectRefused(verify(), unsigned_);
+    }
 }
 
 } // namespace pavonel::test

@@ -39,6 +39,11 @@ TEST_F(UpdateToolsStart, open_takes_any_name_of_a_bundle) {
     EXPECT_TRUE(appears(QStringLiteral("started")));
 }
 
+TEST_F(UpdateToolsStart, open_starts_a_program_without_a_bundle) {
+    EXPECT_EQ(run("open", {addScript(QStringLiteral("elsewhere/program"), "touch started")}).status, 0);
+    EXPECT_TRUE(appears(QStringLiteral("started")));
+}
+
 TEST_F(UpdateToolsStart, open_fails_without_a_program) {
     EXPECT_EQ(run("open", {bundle()}).status, 1);
     write(QStringLiteral("image/Pavonel.app/pavonel"), "not executable");

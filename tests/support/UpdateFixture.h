@@ -56,15 +56,18 @@ protected:
         QString version = QStringLiteral("1.3.0");
         QString url = QStringLiteral("https://example.org/Pavonel.dmg");
         QString sha256 = {};
+        QJsonValue signature = QJsonValue::Undefined; ///< No member when undefined.
     };
     /// With the right checksum unless the offer has one.
     void checkAndFind(const Offer &offer) {
         const QByteArray sum = QCryptographicHash::hash(image, QCryptographicHash::Sha256).toHex();
-        const QJsonObject feed{
+        QJsonObject feed{
             {QStringLiteral("version"), offer.version},
             {QStringLiteral("url"), offer.url},
             {QStringLiteral("sha256"), offer.sha256.isEmpty() ? QString::fromLatin1(sum) : offer.sha256},
             {QStringLiteral("notes"), QStringLiteral("Calmer.")}};
+        if (!offer.signature.isUndefined())
+            feed.insert(QStringLiteral("signature"), offer.signature);
         updater->check(Updater::CheckKind::interactive);
         platform.web.exchanges.back().answer(HttpResponse{200, QJsonDocument(feed).toJson()});
         platform.loop.advance(0);
@@ -86,7 +89,8 @@ protected:
         platform.loop.advance(0);
     }
 
-    /// Lets a tool answer so, whatever it is asked. By its name, or "attach" and "detach".
+    /// Lets a tool answer so, whatever it is asked. By its name, or "attach", "detach" and "codesign of the
+    /// image".
     void let(const QString &tool, const ToolRunner::Outcome &outcome) { outcomes_[tool] = outcome; }
     void letFail(const QString &tool, const QByteArray &output) { let(tool, ToolRunner::Ended{1, output}); }
 
@@ -107,6 +111,8 @@ protected:
 private:
     static QString shortName(const QString &tool, const QStringList &arguments) {
         const QString name = QFileInfo(tool).fileName();
+        if (name == u"codesign" && arguments.contains(QStringLiteral("--detached")))
+            return QStringLiteral("codesign of the image");
         return name == u"hdiutil" ? arguments.value(0) : name;
     }
 

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include <sys/stat.h>
@@ -63,27 +64,44 @@ bool isPrivateFolderOfOurs(const QString &path) {
            status.st_uid == ::geteuid() && (status.st_mode & 0777) == 0700;
 }
 
-/// Whether nobody but us and the system could put something else in its place.
-bool isSafelyReached(QString folder) {
+/// Who else than the owner may put something in a folder.
+enum class Openness { closed, sticky, open };
+
+Openness opennessOf(const QString &folder) {
     constexpr uid_t unmapped = 65534; // how some containers show what is the system's
+    struct stat status {};
+    if (::stat(QFile::encodeName(folder).constData(), &status) != 0)
+        return Openness::open;
+    if (status.st_uid != ::geteuid() && status.st_uid != 0 && status.st_uid != unmapped)
+        return Openness::open;
+    if ((status.st_mode & (S_IWGRP | S_IWOTH)) == 0)
+        return Openness::closed;
+    return (status.st_mode & S_ISVTX) != 0 ? Openness::sticky : Openness::open;
+}
+
+bool isOpenToOthers(const QString &folder) {
+    return opennessOf(folder) != Openness::closed;
+}
+
+/// The first folder, from the one around `path` up to the root, in which others could put something in the
+/// place of what leads there; empty when there is none. Nobody can move our folder, or the system's, out of a
+/// sticky one.
+QString folderOpenToOthers(const QString &path) {
+    QString folder = QFileInfo(path).path();
+    if (isOpenToOthers(folder))
+        return folder;
     while (folder != u"/") {
         folder = QFileInfo(folder).path();
-        struct stat status {};
-        if (::stat(QFile::encodeName(folder).constData(), &status) != 0)
-            return false;
-        const bool isOurs = status.st_uid == ::geteuid();
-        const bool isOfTheSystem = status.st_uid == 0 || status.st_uid == unmapped;
-        const bool isOpen = (status.st_mode & S_IWOTH) != 0 && (status.st_mode & S_ISVTX) == 0;
-        if ((!isOurs && !isOfTheSystem) || isOpen)
-            return false;
+        if (opennessOf(folder) == Openness::open)
+            return folder;
     }
-    return true;
+    return {};
 }
 
 } // namespace
 
 LinuxInstallation::LinuxInstallation(const ProgramFiles &files, QString temporaryFolder)
-    : program_(files.program()), bundle_(bundleOf(program_)),
+    : program_(files.program()), identity_(identityOf(program_)), bundle_(bundleOf(program_)),
       version_(versionOf(bundle_).value_or(QStringLiteral(PAVONEL_VERSION))),
       temporaryFolder_(std::move(temporaryFolder)) {}
 
@@ -91,6 +109,8 @@ QString LinuxInstallation::limitation() const {
     if (isPackaged(program_))
         return QStringLiteral("This copy of Pavonel was installed by the system's package manager, "
                               "which also updates it.");
+    if (program_.contains(QChar::ReplacementCharacter))
+        return QStringLiteral("Pavonel cannot update itself in a folder whose name is no UTF-8 text.");
     if (bundle_.isEmpty())
         return QStringLiteral("This copy of Pavonel was not installed from a disk image. "
                               "Whoever built or installed it updates it.");
@@ -100,7 +120,18 @@ QString LinuxInstallation::limitation() const {
                        "You may not change the folder %1. Whoever installed Pavonel there updates it.")
                 .arg(folder);
     }
-    return {};
+    const QString open = firstFolderOpenToOthers();
+    return open.isEmpty() ? QString()
+                          : QStringLiteral("Other users may change the folder %1, so Pavonel does not update "
+                                           "itself there.")
+                                .arg(open);
+}
+
+/// Of the bundle's own and of those that lead to it.
+QString LinuxInstallation::firstFolderOpenToOthers() const {
+    const QStringList around = foldersAround(bundle_);
+    const auto open = std::find_if(around.begin(), around.end(), isOpenToOthers);
+    return open == around.end() ? folderOpenToOthers(bundle_) : *open;
 }
 
 std::optional<QString> LinuxInstallation::versionOf(const QString &bundle) const {
@@ -114,11 +145,45 @@ std::optional<QString> LinuxInstallation::versionOf(const QString &bundle) const
     return text.isEmpty() ? std::nullopt : std::optional(text);
 }
 
+std::optional<LinuxInstallation::Identity> LinuxInstallation::identityOf(const QString &program) {
+    struct stat status {};
+    const QByteArray path = QFile::encodeName(program);
+    if (::stat(path.constData(), &status) != 0 || ::access(path.constData(), X_OK) != 0)
+        return {};
+    return Identity(status.st_dev, status.st_ino);
+}
+
+QString LinuxInstallation::successor() const {
+    if (!bundle_.isEmpty()) {
+        const auto version = versionOf(bundle_);
+        return version && *version != version_ ? bundle_ : QString();
+    }
+    const auto identity = identityOf(program_);
+    return identity_ && identity && *identity != *identity_ ? program_ : QString();
+}
+
+/// A package manager exchanges one file after the other, so what is new has to lie still for a while.
+void LinuxInstallation::onSuccessor(std::function<void()> handler) {
+    constexpr auto untilAllIsThere = std::chrono::seconds(10);
+    if (!bundle_.isEmpty())
+        return;
+    watcher_ = std::make_unique<QFileSystemWatcher>(QStringList(program_));
+    settled_.setSingleShot(true);
+    settled_.setInterval(untilAllIsThere);
+    settled_.callOnTimeout([this, tell = std::move(handler)] {
+        if (!successor().isEmpty())
+            tell();
+    });
+    QObject::connect(watcher_.get(), &QFileSystemWatcher::fileChanged, &settled_,
+                     [this] { settled_.start(); });
+}
+
 QString LinuxInstallation::temporaryFolder() {
     makePrivateFolder(temporaryFolder_);
     const QString folder =
         QFileInfo(temporaryFolder_).canonicalFilePath(); // no link on the way is asked again
-    return isPrivateFolderOfOurs(temporaryFolder_) && isSafelyReached(folder) ? folder : QString();
+    return isPrivateFolderOfOurs(temporaryFolder_) && folderOpenToOthers(folder).isEmpty() ? folder
+                                                                                           : QString();
 }
 
 bool LinuxInstallation::beginReplacing(const QString &script) {

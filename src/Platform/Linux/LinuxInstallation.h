@@ -4,7 +4,13 @@
 #include "Platform/Qt/FileLock.h"
 #include "Platform/Qt/ProgramFiles.h"
 
+#include <QFileSystemWatcher>
+#include <QTimer>
+
 #include <memory>
+#include <utility>
+
+#include <sys/types.h>
 
 namespace pavonel {
 
@@ -18,16 +24,26 @@ public:
     std::optional<QString> version() const override { return version_; }
     QString bundle() const override { return bundle_; }
     std::optional<QString> versionOf(const QString &bundle) const override;
+    QString successor() const override;
+    void onSuccessor(std::function<void()> handler) override;
     QString temporaryFolder() override;
     bool beginReplacing(const QString &script) override;
     void abandonReplacing() override { replacing_.reset(); }
 
 private:
+    /// Which file lies under a name; another one after it was exchanged.
+    using Identity = std::pair<dev_t, ino_t>;
+    static std::optional<Identity> identityOf(const QString &program);
+    QString firstFolderOpenToOthers() const;
+
     QString program_;
+    std::optional<Identity> identity_;
     QString bundle_;
     QString version_; ///< From before anything could take the bundle's place.
     QString temporaryFolder_;
     std::unique_ptr<FileLock> replacing_;
+    std::unique_ptr<QFileSystemWatcher> watcher_;
+    QTimer settled_;
 };
 
 } // namespace pavonel

@@ -2,12 +2,15 @@
 
 #include <QProcess>
 
+#include <sys/stat.h>
+
 namespace pavonel {
 
 namespace {
 
 constexpr int withoutLimit = -1;
 constexpr int statusOfAKilledTool = 128;
+constexpr mode_t usualMask = 022;
 
 } // namespace
 
@@ -18,6 +21,7 @@ ToolRunner::Outcome QtToolRunner::run(const QString &tool, const QStringList &ar
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.setStandardInputFile(QProcess::nullDevice());
+    process.setChildProcessModifier([] { ::umask(usualMask); }); // what tools copy keeps its permissions
     process.start(executable, arguments);
     if (!process.waitForStarted(withoutLimit))
         return NotStarted{
