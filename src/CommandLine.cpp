@@ -1,5 +1,8 @@
 #include "CommandLine.h"
 
+#include "Core/Stats.h"
+#include "Core/StatsExport.h"
+#include "Core/StatusCommand.h"
 #include "Core/SystemBits.h"
 #include "Core/Updater.h"
 #include "Core/UpdaterCommand.h"
@@ -7,6 +10,7 @@
 #include "Platform/Platform.h"
 
 #include <QCoreApplication>
+#include <QSocketNotifier>
 
 #include <algorithm>
 #include <cstdio>
@@ -17,15 +21,12 @@ namespace pavonel {
 
 namespace {
 
-using Order = CommandLine::Order;
-
 constexpr std::pair<const char *, Order> switches[] = {
     {"--login-status", Order::loginStatus}, {"--unregister-login-item", Order::unregisterLoginItem},
     {"--update-now", Order::updateNow},     {"--help", Order::help},
-    {"--version", Order::version},
+    {"--version", Order::version},          {"--status", Order::status},
+    {"--export-stats", Order::exportStats},
 };
-
-constexpr int badUsage = 2;
 
 constexpr char helpText[] =
     "Usage: pavonel [OPTION]\n"
@@ -34,24 +35,22 @@ constexpr char helpText[] =
     "  --login-status           tell whether Pavonel starts at login: enabled or disabled\n"
     "  --unregister-login-item  do not start at login any more\n"
     "  --update-now             look for a newer version and install it\n"
+    "  --status                 tell what the Pavonel that runs is about; status 3 without one\n"
+    "  --status --json          the same for programs; with --follow, a line at each change\n"
+    "  --export-stats           print the statistics of all kept days as CSV; with --json, as JSON\n"
     "  --help                   show this\n"
     "  --version                show the version\n";
 
-/// Session managers add it to the command of a program that they restore; Qt takes it.
-constexpr char session[] = "-session";
-
-std::string firstUnknown(const std::vector<std::string> &arguments) {
-    for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
-        if (*argument != session)
-            return *argument;
-        if (++argument == arguments.end())
-            break;
-    }
-    return {};
+bool write(const QByteArray &text) {
+    return std::fputs(text.constData(), stdout) >= 0 && std::fflush(stdout) == 0;
 }
 
-void printLine(const QString &line) {
-    std::fputs((line + u'\n').toLocal8Bit().constData(), stdout);
+bool printLine(const QString &line) {
+    return write((line + u'\n').toLocal8Bit());
+}
+
+bool complain(const QString &what) {
+    return std::fputs(("pavonel: " + what.toLocal8Bit() + '\n').constData(), stderr) >= 0;
 }
 
 void printLoginStatus() {
@@ -80,6 +79,30 @@ std::optional<int> updateNow() {
     std::_Exit(status);
 }
 
+int tellStatus(const CommandLine &commandLine) {
+    const HeadlessPlatform platform = makeHeadlessPlatform();
+    const auto running = findRunningPavonel();
+    const auto form = commandLine.isJson ? StatusCommand::Form::json : StatusCommand::Form::line;
+    StatusCommand command(*platform.mainLoop, *running, form, printLine, complain);
+    if (!commandLine.follows)
+        return command.tell();
+    const QSocketNotifier nobodyReads(fileno(stdout), QSocketNotifier::Exception);
+    QObject::connect(&nobodyReads, &QSocketNotifier::activated, [] { QCoreApplication::exit(); });
+    command.follow();
+    return QCoreApplication::exec();
+}
+
+int exportStats(const CommandLine &commandLine) {
+    const auto format = commandLine.isJson ? StatsExport::Format::json : StatsExport::Format::csv;
+    const StatsExport made = StatsExport::of(lookIntoStore(Stats::key), format);
+    for (const QString &complaint : made.complaints)
+        complain(complaint);
+    const bool isWritten = write(made.text);
+    if (!isWritten)
+        complain(QStringLiteral("the statistics cannot be written"));
+    return isWritten && made.complaints.isEmpty() ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
 } // namespace
 
 int refuseFeedAddress() {
@@ -88,12 +111,15 @@ int refuseFeedAddress() {
 }
 
 CommandLine readCommandLine(const std::vector<std::string> &arguments) {
-    for (const auto &[name, order] : switches) {
-        if (std::find(arguments.begin(), arguments.end(), name) != arguments.end())
-            return {order, {}};
-    }
-    std::string unknown = firstUnknown(arguments);
-    return unknown.empty() ? CommandLine{} : CommandLine{Order::refuse, std::move(unknown)};
+    const auto has = [&](const char *name) {
+        return std::find(arguments.begin(), arguments.end(), name) != arguments.end();
+    };
+    CommandLine read{Order::start, has("--json"), has("--follow")};
+    const auto *const found = std::find_if(std::begin(switches), std::end(switches),
+                                           [&](const auto &entry) { return has(entry.first); });
+    if (found != std::end(switches))
+        read.order = found->second;
+    return read;
 }
 
 std::optional<int> obey(const CommandLine &commandLine, int &argc, char **argv) {
@@ -115,10 +141,10 @@ std::optional<int> obey(const CommandLine &commandLine, int &argc, char **argv) 
     case Order::version:
         printLine(QStringLiteral("pavonel ") + makeInstallation()->version().value_or(QStringLiteral("0")));
         break;
-    case Order::refuse:
-        std::fprintf(stderr, "pavonel: unknown option \"%s\"; see pavonel --help\n",
-                     commandLine.unknown.c_str());
-        return badUsage;
+    case Order::status:
+        return tellStatus(commandLine);
+    case Order::exportStats:
+        return exportStats(commandLine);
     }
     return EXIT_SUCCESS;
 }

@@ -7,6 +7,8 @@
 
 namespace pavonel {
 
+class StatusPublisher;
+
 /// What other programs can have this one do.
 enum class OutsideAction { takeMicroBreak, takeLongBreak, skip, togglePause };
 
@@ -26,6 +28,9 @@ public:
     /// The user opened the program again.
     virtual void onReopen(std::function<void()> reopen) = 0;
     virtual void onAction(std::function<void(OutsideAction)> act) = 0;
+
+    /// Where others learn what goes on here. It goes with this object.
+    virtual StatusPublisher &publisher() = 0;
 };
 
 /// This system's answer. Needs the application object.

@@ -1,4 +1,5 @@
 #include "EndToEnd/HeadlessProgram.h"
+#include "support/files.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,6 +18,8 @@ const QString updateNow = QStringLiteral("--update-now");
 const QString help = QStringLiteral("--help");
 const QString version = QStringLiteral("--version");
 
+constexpr char noDisplay[] = "pavonel: no display can be opened; start it from within a desktop session\n";
+
 /// As over a remote shell: no display, no message bus.
 struct CommandLineTest : testing::Test {
     CommandLineTest() { program.environment().remove(QStringLiteral("QT_QPA_PLATFORM")); }
@@ -28,12 +31,22 @@ struct CommandLineTest : testing::Test {
         EXPECT_EQ(result.errors, "");
     }
 
-    void expectRefusal(const QStringList &arguments, int status) const {
+    /// The one line of a start that fails.
+    QByteArray refusal(const QStringList &arguments) const {
         const auto result = program.run(arguments);
-        EXPECT_EQ(result.status, status);
+        EXPECT_EQ(result.status, 1);
         EXPECT_EQ(result.output, "");
         EXPECT_EQ(result.errors.count('\n'), 1) << result.errors.toStdString();
         EXPECT_TRUE(result.errors.startsWith("pavonel: ")) << result.errors.toStdString();
+        return result.errors;
+    }
+
+    void expectNoStart(const QByteArray &complaint, const QStringList &arguments = {}) const {
+        EXPECT_EQ(refusal(arguments), complaint);
+    }
+
+    void choosePlatform(const char *name) {
+        program.environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QString::fromUtf8(name));
     }
 
     void startOnceSoThatItRegisters() {
@@ -61,7 +74,7 @@ TEST_F(CommandLineTest, the_first_start_enables_the_login_item_and_unregistering
 }
 
 TEST_F(CommandLineTest, unregistering_that_fails_prints_why_and_exits_0) {
-    const QString entry = program.path(QStringLiteral("config/autostart/pavonel.desktop"));
+    const QString entry = program.path(QStringLiteral("config/autostart/org.pavonel.Pavonel.desktop"));
     ASSERT_TRUE(QDir().mkpath(entry)); // a folder cannot be removed as a file
     const auto result = program.run({unregisterLoginItem});
     EXPECT_EQ(result.status, 0);
@@ -90,33 +103,63 @@ TEST_F(CommandLineTest, the_version_is_told) {
     expect({version}, "pavonel " PAVONEL_VERSION "\n");
 }
 
-TEST_F(CommandLineTest, an_unknown_option_gets_one_line_and_status_2) {
-    expectRefusal({QStringLiteral("--nonsense")}, 2);
-    expectRefusal({QStringLiteral("--help=me")}, 2);
-    expectRefusal({QStringLiteral("nonsense")}, 2);
+TEST_F(CommandLineTest, an_argument_that_is_no_switch_starts_the_application) {
+    program.environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    for (const char *argument : {"--nonsense", "--help=me", "-version", "nonsense", "", "--", "-session"}) {
+        program.startWith({QString::fromUtf8(argument)});
+        EXPECT_EQ(program.end(SIGTERM), 0) << argument;
+    }
+}
+
+TEST_F(CommandLineTest, the_arguments_of_qt_are_left_to_qt) {
+    program.startWith({QStringLiteral("-platform"), QStringLiteral("offscreen"), QStringLiteral("-session"),
+                       QStringLiteral("restored")});
+    EXPECT_EQ(program.end(SIGTERM), 0);
 }
 
 TEST_F(CommandLineTest, switches_leave_the_store_alone) {
-    for (const QString &name :
-         {loginStatus, unregisterLoginItem, help, version, QStringLiteral("--nonsense")})
+    for (const QString &name : {loginStatus, unregisterLoginItem, help, version})
         program.run({name});
     EXPECT_EQ(QDir(program.storeFolder()).entryList(QDir::Files | QDir::Hidden), QStringList());
 }
 
-TEST_F(CommandLineTest, a_start_without_a_display_gets_one_line_and_status_1) {
-    expectRefusal({}, 1);
+TEST_F(CommandLineTest, a_start_without_a_display_says_so) {
+    expectNoStart(noDisplay);
 }
 
-TEST_F(CommandLineTest, a_start_on_a_display_that_does_not_answer_gets_one_line_and_status_1) {
+TEST_F(CommandLineTest, a_start_on_a_display_that_does_not_answer_says_so) {
     program.environment().insert(QStringLiteral("DISPLAY"), QStringLiteral(":60123"));
-    expectRefusal({}, 1);
+    expectNoStart(noDisplay);
     program.environment().insert(QStringLiteral("WAYLAND_DISPLAY"), QStringLiteral("nowhere"));
-    expectRefusal({}, 1);
+    expectNoStart(noDisplay);
+    choosePlatform("nonsense;xcb");
+    expectNoStart(noDisplay);
 }
 
-TEST_F(CommandLineTest, a_start_on_a_platform_that_qt_does_not_have_gets_one_line_and_status_1) {
-    program.environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("nonsense"));
-    expectRefusal({}, 1);
+TEST_F(CommandLineTest, a_start_on_a_platform_that_qt_does_not_have_names_it) {
+    const QByteArray complaint = "pavonel: Qt has no platform plugin \"nonsense\" here; QT_QPA_PLATFORM or "
+                                 "-platform chooses one\n";
+    expectNoStart(complaint, {QStringLiteral("-platform"), QStringLiteral("nonsense")});
+    choosePlatform("nonsense");
+    expectNoStart(complaint);
+    choosePlatform("nonsense:option=1;mist");
+    expectNoStart(complaint);
+}
+
+TEST_F(CommandLineTest, a_platform_plugin_that_cannot_be_loaded_is_told_with_the_reason) {
+    writeFile(program.path(QStringLiteral("libraries/libQt6XcbQpa.so.6")), "no library");
+    program.environment().insert(QStringLiteral("LD_LIBRARY_PATH"),
+                                 program.path(QStringLiteral("libraries")));
+    const QByteArray complaint = refusal({});
+    EXPECT_TRUE(complaint.contains("libqxcb.so")) << complaint.constData();
+    EXPECT_TRUE(complaint.contains("libQt6XcbQpa.so.6")) << complaint.constData();
+}
+
+TEST_F(CommandLineTest, what_a_platform_plugin_complains_of_itself_is_told) {
+    choosePlatform("eglfs"); // for a screen without a window system
+    program.environment().insert(QStringLiteral("QT_QPA_EGLFS_INTEGRATION"), QStringLiteral("none"));
+    program.environment().insert(QStringLiteral("__EGL_VENDOR_LIBRARY_DIRS"), QStringLiteral("/nonexistent"));
+    EXPECT_TRUE(refusal({}).contains("EGLFS"));
 }
 
 } // namespace pavonel::test

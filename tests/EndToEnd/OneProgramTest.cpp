@@ -1,17 +1,12 @@
-#include "EndToEnd/HeadlessProgram.h"
-#include "support/MessageBus.h"
+#include "EndToEnd/ProgramOnABus.h"
 #include "support/MockLogind.h"
-#include "support/waitUntil.h"
+#include "support/files.h"
 
-#include <QDBusConnection>
-#include <QDBusConnectionInterface>
-#include <QDBusMessage>
 #include <QFile>
 
 #include <algorithm>
 #include <array>
 #include <csignal>
-#include <optional>
 
 #include <gtest/gtest.h>
 
@@ -19,29 +14,12 @@ namespace pavonel::test {
 
 namespace {
 
-const QString service = QStringLiteral("org.pavonel.Pavonel");
-
-struct OneProgram : testing::Test {
-    OneProgram() { program.environment().insert(sessionBus, bus->address()); }
-    ~OneProgram() override { QDBusConnection::disconnectFromBus(QStringLiteral("outsider")); }
-
-    void startAndWaitForTheName() {
-        program.start();
-        ASSERT_TRUE(waitUntil([this] { return outsider.interface()->isServiceRegistered(service).value(); }));
-    }
-
+struct OneProgram : ProgramOnABus {
     void act(const char *action) {
-        QDBusMessage message = QDBusMessage::createMethodCall(service, QStringLiteral("/org/pavonel/Pavonel"),
-                                                              QStringLiteral("org.freedesktop.Application"),
-                                                              QStringLiteral("ActivateAction"));
-        message << QString::fromUtf8(action) << QVariantList() << QVariantMap();
-        EXPECT_EQ(outsider.call(message).type(), QDBusMessage::ReplyMessage);
+        const auto reply = call(QStringLiteral("org.freedesktop.Application"), "ActivateAction",
+                                {QString::fromUtf8(action), QVariantList(), QVariantMap()});
+        EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage);
     }
-
-    const QString sessionBus = QStringLiteral("DBUS_SESSION_BUS_ADDRESS");
-    std::optional<MessageBus> bus{std::in_place};
-    QDBusConnection outsider = QDBusConnection::connectToBus(bus->address(), QStringLiteral("outsider"));
-    HeadlessProgram program;
 };
 
 } // namespace
@@ -100,11 +78,28 @@ TEST_F(OneProgram, a_break_is_taken_and_skipped_from_outside) {
     EXPECT_EQ(program.storedToday(QStringLiteral("skipped")), 1);
 }
 
+TEST_F(OneProgram, a_script_has_the_environment_that_the_program_was_started_with) {
+    program.environment().insert(QStringLiteral("PAVONEL_TEST_MARK"), QStringLiteral("peacock blue"));
+    writeFile(program.storePath(),
+              R"({"soundEnabled": false, "onBreakStartScript": "env >$HOME/new; mv $HOME/new $HOME/seen"})");
+    startAndWaitForTheName();
+    act("take-micro-break");
+    const QString seen = program.path(QStringLiteral("seen"));
+    ASSERT_TRUE(waitUntil([&] { return QFile::exists(seen); }));
+    QStringList variables = QString::fromLocal8Bit(readFile(seen)).split(u'\n', Qt::SkipEmptyParts);
+    variables.removeIf([](const QString &variable) { // the shell's own
+        return variable.startsWith(u"PWD=") || variable.startsWith(u"OLDPWD=") ||
+               variable.startsWith(u"SHLVL=") || variable.startsWith(u"_=");
+    });
+    variables.sort();
+    QStringList given = program.environment().toStringList();
+    given.sort();
+    EXPECT_EQ(variables, given);
+    EXPECT_EQ(program.end(SIGTERM), 0);
+}
+
 TEST_F(OneProgram, an_update_from_the_command_line_beside_it_leaves_its_store_alone) {
-    QFile store(program.storePath());
-    ASSERT_TRUE(store.open(QFile::WriteOnly));
-    store.write(R"({"didOnboard": true, "autoUpdate": false})");
-    store.close();
+    writeFile(program.storePath(), R"({"didOnboard": true, "autoUpdate": false})");
     startAndWaitForTheName();
     EXPECT_EQ(program.run({QStringLiteral("--update-now")}).status, 1);
     EXPECT_FALSE(program.stored().contains(u"lastUpdateCheck"));

@@ -117,6 +117,19 @@ TEST_F(BusSingleInstanceTest, the_token_of_an_activation_is_kept_for_the_window)
     qunsetenv("XDG_ACTIVATION_TOKEN");
 }
 
+TEST_F(BusSingleInstanceTest, a_token_longer_than_any_real_one_is_dropped) {
+    ASSERT_EQ(first->claim(), Role::first);
+    std::vector<QByteArray> tokens;
+    first->onReopen([&] { tokens.push_back(qgetenv("XDG_ACTIVATION_TOKEN")); });
+    for (const qsizetype length : {4096, 4097})
+        call(QStringLiteral("Activate"),
+             {QVariantMap{{QStringLiteral("activation-token"), QString(length, u't')}}});
+    EXPECT_TRUE(waitUntil([&] { return tokens.size() == 2; }));
+    const QByteArray longest(4096, 't');
+    EXPECT_EQ(tokens, std::vector<QByteArray>({longest, longest}));
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+}
+
 TEST_F(BusSingleInstanceTest, when_the_first_one_is_gone_the_next_is_the_first) {
     ASSERT_EQ(first->claim(), Role::first);
     first.reset();

@@ -50,11 +50,27 @@ protected:
         tell(QStringLiteral("/org/freedesktop/login1/session/") + QString::fromLatin1(session),
              login + QStringLiteral(".Session"), QStringLiteral("SetLockedHint"), {locked});
     }
+    /// As the screen saver of that kind.
     void announce(const char *interface, bool active) {
+        EXPECT_TRUE(saver.registerService(QString::fromLatin1(interface)) ||
+                    saver.interface()->serviceOwner(QString::fromLatin1(interface)).value() ==
+                        saver.baseService());
+        say(saver, interface, active);
+    }
+    static void say(QDBusConnection &speaker, const char *interface, bool active) {
         auto signal = QDBusMessage::createSignal(
             QStringLiteral("/ScreenSaver"), QString::fromLatin1(interface), QStringLiteral("ActiveChanged"));
         signal << active;
-        EXPECT_TRUE(saver.send(signal));
+        EXPECT_TRUE(speaker.send(signal));
+    }
+    /// Until all that was said to the session bus so far has been heard.
+    void letSink() {
+        for (int i = 0; i < 2; ++i) {
+            const QDBusPendingCall ping = desktop.asyncCall(QDBusMessage::createMethodCall(
+                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping")));
+            EXPECT_TRUE(waitUntil([&] { return ping.isFinished(); }));
+        }
     }
     bool countsUp() {
         return waitUntil([this] { return idle->idleSeconds() > 0.2; });
@@ -112,6 +128,45 @@ TEST_F(LockAwareIdleTimeTest, a_screen_saver_that_dies_is_no_lock_any_more) {
     EXPECT_TRUE(countsUp());
     saver = QDBusConnection(QStringLiteral("none"));
     QDBusConnection::disconnectFromBus(QStringLiteral("saver"));
+    EXPECT_TRUE(followsInput());
+}
+
+TEST_F(LockAwareIdleTimeTest, one_that_left_before_it_was_heard_holds_no_lock) {
+    const QString name = QStringLiteral("liar");
+    for (int i = 0; i < 20; ++i) {
+        {
+            QDBusConnection liar = QDBusConnection::connectToBus(bus->address(), name);
+            EXPECT_TRUE(liar.registerService(QStringLiteral("org.gnome.ScreenSaver")));
+            say(liar, "org.gnome.ScreenSaver", true);
+        }
+        QDBusConnection::disconnectFromBus(name);
+    }
+    letSink();
+    EXPECT_TRUE(followsInput());
+}
+
+TEST_F(LockAwareIdleTimeTest, who_is_no_screen_saver_locks_nothing) {
+    say(saver, "org.gnome.ScreenSaver", true);
+    saver.interface()->registeredServiceNames(); // the bus has had it
+    letSink();
+    EXPECT_EQ(idle->idleSeconds(), 0);
+}
+
+TEST_F(LockAwareIdleTimeTest, the_end_of_a_lock_may_be_told_by_another_of_its_kind) {
+    announce("org.gnome.ScreenSaver", true);
+    EXPECT_TRUE(countsUp());
+    say(desktop, "org.gnome.ScreenSaver", false);
+    EXPECT_TRUE(followsInput());
+}
+
+TEST_F(LockAwareIdleTimeTest, a_login_manager_that_keeps_its_hint_outweighs_a_screen_saver) {
+    EXPECT_TRUE(waitUntil([this] {
+        setLockedHint("c7", true);
+        return idle->idleSeconds() > 0;
+    }));
+    announce("org.gnome.ScreenSaver", true);
+    letSink();
+    setLockedHint("c7", false);
     EXPECT_TRUE(followsInput());
 }
 

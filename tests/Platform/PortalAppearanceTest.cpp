@@ -99,7 +99,7 @@ protected:
     std::unique_ptr<PortalAppearance> makeAppearance() {
         auto appearance = std::make_unique<PortalAppearance>(
             QDBusConnection::connectToBus(bus.address(), QStringLiteral("appearance")));
-        appearance->onChange([this] { ++changes; });
+        listening = appearance->onChange([this] { ++changes; });
         return appearance;
     }
     /// With a portal that has answered.
@@ -127,6 +127,7 @@ protected:
 
     MessageBus bus;
     Portal portal{bus.address()};
+    Appearance::Listening listening;
     int changes = 0;
 };
 

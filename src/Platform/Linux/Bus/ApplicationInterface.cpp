@@ -1,5 +1,6 @@
 #include "Platform/Linux/Bus/ApplicationInterface.h"
 
+#include "Platform/GivenEnvironment.h"
 #include "Platform/Linux/Bus/BusSingleInstance.h"
 
 #include <utility>
@@ -11,8 +12,9 @@ namespace {
 /// With it a Wayland compositor lets our window come to the front; Qt looks for it there.
 void takeActivationToken(const QVariantMap &platformData) {
     const QByteArray token = platformData.value(QStringLiteral("activation-token")).toString().toUtf8();
-    if (!token.isEmpty())
-        qputenv("XDG_ACTIVATION_TOKEN", token);
+    constexpr qsizetype longest = 4096; // bytes; a real one has dozens
+    if (!token.isEmpty() && token.size() <= longest)
+        setForUsAlone("XDG_ACTIVATION_TOKEN", token);
 }
 
 constexpr std::pair<const char *, OutsideAction> actions[] = {

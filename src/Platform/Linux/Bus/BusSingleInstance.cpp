@@ -1,6 +1,8 @@
 #include "Platform/Linux/Bus/BusSingleInstance.h"
 
 #include "Platform/Linux/Bus/ApplicationInterface.h"
+#include "Platform/Linux/Bus/OurName.h"
+#include "Platform/Linux/Bus/StatusInterface.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -12,8 +14,7 @@ namespace pavonel {
 
 namespace {
 
-const QString service = QStringLiteral("org.pavonel.Pavonel");
-const QString path = QStringLiteral("/org/pavonel/Pavonel");
+using namespace ourName;
 
 constexpr int patience = 5000; // milliseconds, for the other one's answer
 
@@ -35,6 +36,7 @@ QVariantMap platformData() {
 BusSingleInstance::BusSingleInstance(const QDBusConnection &bus, QString lockPath)
     : bus_(bus), lockPath_(std::move(lockPath)) {
     new ApplicationInterface(&exported_, *this);
+    publisher_ = new StatusInterface(&exported_, bus_, path);
 }
 
 BusSingleInstance::~BusSingleInstance() {
@@ -70,6 +72,10 @@ void BusSingleInstance::onAction(std::function<void(OutsideAction)> act) {
     act_ = std::move(act);
     for (const OutsideAction action : std::exchange(waiting_, {}))
         act_(action);
+}
+
+StatusPublisher &BusSingleInstance::publisher() {
+    return *publisher_;
 }
 
 void BusSingleInstance::reopen() {

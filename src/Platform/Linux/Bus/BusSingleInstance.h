@@ -11,6 +11,8 @@
 
 namespace pavonel {
 
+class StatusInterface;
+
 /// Our name on the session bus, by which later ones and the desktop reach us, and a lock beside the store for
 /// when the other one is not on this bus or there is none.
 class BusSingleInstance final : public SingleInstance {
@@ -22,6 +24,7 @@ public:
     Role claim() override;
     void onReopen(std::function<void()> reopen) override;
     void onAction(std::function<void(OutsideAction)> act) override;
+    StatusPublisher &publisher() override;
 
     void reopen();
     void act(OutsideAction action);
@@ -38,6 +41,7 @@ private:
     QString lockPath_;
     std::unique_ptr<FileLock> lock_;
     QObject exported_;
+    StatusInterface *publisher_; ///< Goes with what is exported.
     bool hasName_ = false;
     std::function<void()> reopen_;
     std::function<void(OutsideAction)> act_;

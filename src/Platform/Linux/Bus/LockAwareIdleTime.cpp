@@ -76,18 +76,18 @@ LockAwareIdleTime::LockAwareIdleTime(std::unique_ptr<IdleTime> input, const QDBu
                                      const QDBusConnection &session)
     : input_(std::move(input)), system_(system), session_(session),
       logind_(logindService, system_, QDBusServiceWatcher::WatchForOwnerChange) {
+    screenSavers_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
     screenSavers_.setConnection(session_);
-    screenSavers_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
-    connect(&screenSavers_, &QDBusServiceWatcher::serviceUnregistered, this, [this](const QString &service) {
-        screenSavers_.removeWatchedService(service);
-        updateLock();
-    });
-    if (session_.isConnected()) {
-        for (const char *saver : {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver",
-                                  "org.cinnamon.ScreenSaver", "org.mate.ScreenSaver", "org.xfce.ScreenSaver"})
-            session_.connect(QString(), QString(), QString::fromLatin1(saver),
-                             QStringLiteral("ActiveChanged"), this,
-                             SLOT(screenSaverChanged(bool, QDBusMessage)));
+    connect(&screenSavers_, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString &screenSaver) { doubt(screenSaver); });
+    for (const char *kind : {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver",
+                             "org.cinnamon.ScreenSaver", "org.mate.ScreenSaver", "org.xfce.ScreenSaver"}) {
+        if (!session_.isConnected())
+            break;
+        const QString screenSaver = QString::fromLatin1(kind);
+        screenSavers_.addWatchedService(screenSaver);
+        session_.connect(QString(), QString(), screenSaver, QStringLiteral("ActiveChanged"), this,
+                         SLOT(screenSaverChanged(bool, QDBusMessage)));
     }
     connect(&logind_, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { findSession(); });
     findSession();
@@ -133,7 +133,7 @@ void LockAwareIdleTime::forgetSession() {
                            QStringLiteral("PropertiesChanged"), this,
                            SLOT(sessionChanged(QString, QVariantMap)));
     sessionPath_.clear();
-    hinted_ = false;
+    hinted_ = isHintKept_ = false;
     updateLock();
 }
 
@@ -142,20 +142,42 @@ void LockAwareIdleTime::sessionChanged(const QString &interface, const QVariantM
     if (interface != sessionInterface || hint == changed.constEnd())
         return;
     hinted_ = hint->toBool();
+    isHintKept_ = isHintKept_ || hinted_;
     updateLock();
 }
 
 void LockAwareIdleTime::screenSaverChanged(bool active, const QDBusMessage &message) {
     if (active)
-        screenSavers_.addWatchedService(message.service());
+        believe(message.interface(), message.service());
     else
-        screenSavers_.removeWatchedService(message.service());
+        doubt(message.interface());
+}
+
+/// The sender may have left since, or never have been a screen saver.
+void LockAwareIdleTime::believe(const QString &screenSaver, const QString &sender) {
+    claims_[screenSaver] = sender;
+    auto question = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
+    question << screenSaver;
+    ask(session_, question, this, [this, screenSaver, sender](const QDBusMessage &reply) {
+        if (reply.arguments().value(0).toString() != sender || claims_.value(screenSaver) != sender)
+            return;
+        active_.insert(screenSaver);
+        updateLock();
+    });
+}
+
+void LockAwareIdleTime::doubt(const QString &screenSaver) {
+    claims_.remove(screenSaver);
+    active_.remove(screenSaver);
     updateLock();
 }
 
 void LockAwareIdleTime::updateLock() {
-    const bool isLocked = (hinted_ && system_.isConnected()) ||
-                          (!screenSavers_.watchedServices().isEmpty() && session_.isConnected());
+    const bool isHinted = hinted_ && system_.isConnected();
+    const bool isDenied = isHintKept_ && !isHinted && system_.isConnected();
+    const bool isLocked = isHinted || (!isDenied && !active_.isEmpty() && session_.isConnected());
     if (!isLocked)
         lockedAt_.reset();
     else if (!lockedAt_)

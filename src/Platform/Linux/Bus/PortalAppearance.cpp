@@ -91,9 +91,7 @@ void PortalAppearance::ask() {
 
 void PortalAppearance::takeAnswer(const QDBusPendingCallWatcher &call) {
     const QDBusPendingReply<DesktopSettings> reply = call;
-    if (reply.isError())
-        return;
-    settings_ = reply.value();
+    settings_ = reply.isError() ? DesktopSettings() : reply.value();
     for (auto space = toldSince_.cbegin(); space != toldSince_.cend(); ++space)
         settings_[space.key()].insert(space.value());
     update();
@@ -124,8 +122,7 @@ void PortalAppearance::update() {
     if (wishes == wishes_)
         return;
     wishes_ = wishes;
-    if (changed_)
-        changed_();
+    tellChange();
 }
 
 } // namespace pavonel

@@ -25,7 +25,6 @@ public:
     explicit PortalAppearance(const QDBusConnection &bus);
 
     AppearanceWishes wishes() override { return wishes_; }
-    void onChange(std::function<void()> changed) override { changed_ = std::move(changed); }
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -40,7 +39,6 @@ private:
     DesktopSettings settings_;
     DesktopSettings toldSince_; ///< What signals said since the question; its answer can be older.
     AppearanceWishes wishes_;
-    std::function<void()> changed_;
 };
 
 } // namespace pavonel

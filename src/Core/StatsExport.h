@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Platform/StoredLook.h"
+
+#include <QByteArray>
+#include <QStringList>
+
+namespace pavonel {
+
+/// The statistics for other programs to read.
+struct StatsExport {
+    enum class Format { csv, json };
+
+    /// The days in their order. What is damaged is left out and complained of, a sentence each.
+    static StatsExport of(const StoredLook &stored, Format format);
+
+    QByteArray text;
+    QStringList complaints;
+};
+
+} // namespace pavonel
