@@ -1,3 +1,4 @@
+#include "EndToEnd/Desktop.h"
 #include "EndToEnd/HeadlessProgram.h"
 #include "EndToEnd/Remote.h"
 #include "support/MessageBus.h"
@@ -14,7 +15,7 @@ namespace pavonel::test {
 
 namespace {
 
-const QString entryPath = QStringLiteral(PAVONEL_SOURCE_DIR "/packaging/pavonel.desktop");
+const QString entryPath = QStringLiteral(PAVONEL_SOURCE_DIR "/packaging/org.pavonel.Pavonel.desktop");
 
 /// A value of the entry; null when it is not there.
 QString valueOf(const QString &group, const QString &key) {
@@ -33,6 +34,15 @@ QString valueOf(const QString &group, const QString &key) {
 
 QString commandOf(const char *action) {
     return valueOf(QStringLiteral("Desktop Action ") + QString::fromUtf8(action), QStringLiteral("Exec"));
+}
+
+/// The service by which a bus starts the built program.
+void installService(const QTemporaryDir &services) {
+    QByteArray service =
+        readFile(QStringLiteral(PAVONEL_SOURCE_DIR "/packaging/org.pavonel.Pavonel.service.in"));
+    const QFileInfo built(QStringLiteral(PAVONEL_PROGRAM));
+    service.replace("@CMAKE_INSTALL_FULL_BINDIR@", built.path().toUtf8());
+    writeFile(services.filePath(QStringLiteral("org.pavonel.Pavonel.service")), service);
 }
 
 /// The program, and what a launcher can do to it by the commands of the entry.
@@ -113,11 +123,7 @@ TEST_F(DesktopEntry, an_unknown_action_does_nothing) {
 
 TEST_F(DesktopEntry, where_the_program_does_not_run_the_bus_starts_it_and_the_action_is_done) {
     const QTemporaryDir services;
-    QByteArray service =
-        readFile(QStringLiteral(PAVONEL_SOURCE_DIR "/packaging/org.pavonel.Pavonel.service.in"));
-    const QFileInfo built(QStringLiteral(PAVONEL_PROGRAM));
-    service.replace("@CMAKE_INSTALL_FULL_BINDIR@", built.path().toUtf8());
-    writeFile(services.filePath(QStringLiteral("org.pavonel.Pavonel.service")), service);
+    installService(services);
     const MessageBus starter(services.path(), program.environment());
     program.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), starter.address());
 
@@ -127,6 +133,25 @@ TEST_F(DesktopEntry, where_the_program_does_not_run_the_bus_starts_it_and_the_ac
     EXPECT_TRUE(says(QStringLiteral("Micro break:")));
     remote().choose(QStringLiteral("Quit Pavonel"));
     EXPECT_TRUE(waitUntil([&] { return program.storedToday(QStringLiteral("skipped")) == 1; }));
+}
+
+/// The entry promises DBusActivatable: a menu then calls Activate and nothing else.
+TEST(DesktopEntryOnScreen, a_menu_starts_the_program_silently_and_then_shows_its_settings) {
+    Desktop desktop;
+    const QTemporaryDir services;
+    installService(services);
+    const MessageBus starter(services.path(), desktop.environment());
+    desktop.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), starter.address());
+    const Remote menu(desktop.environment());
+
+    EXPECT_EQ(menu.run(QStringLiteral("gapplication launch org.pavonel.Pavonel")), 0);
+    EXPECT_EQ(menu.run(QStringLiteral("gapplication action org.pavonel.Pavonel take-micro-break")), 0);
+    EXPECT_TRUE(waitUntil([&] { return desktop.overlays().size() == Desktop::screens; }));
+    EXPECT_FALSE(desktop.shows("Pavonel"));
+    EXPECT_EQ(menu.run(QStringLiteral("gapplication launch org.pavonel.Pavonel")), 0);
+    EXPECT_TRUE(waitUntil([&] { return desktop.shows("Pavonel"); }));
+    menu.choose(QStringLiteral("Quit Pavonel"));
+    EXPECT_TRUE(waitUntil([&] { return desktop.overlays().empty(); }));
 }
 
 } // namespace pavonel::test

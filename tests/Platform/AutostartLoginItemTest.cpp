@@ -6,11 +6,13 @@
 
 #include <QStandardPaths>
 
+#include <sys/stat.h>
+
 namespace pavonel::test {
 
 namespace {
 
-const auto entryName = QStringLiteral("config/autostart/pavonel.desktop");
+const auto entryName = QStringLiteral("config/autostart/org.pavonel.Pavonel.desktop");
 
 /// It is no program for users, and each distribution has another folder for those.
 QString starter() {
@@ -125,8 +127,47 @@ TEST_F(LoginItemTest, a_new_entry_says_what_it_is) {
     auto item = itemOf(QStringLiteral("pavonel"));
     item.setEnabled(true);
     EXPECT_EQ(entry(), "[Desktop Entry]\nType=Application\nName=Pavonel\nComment=Reminds you to take breaks\n"
-                       "Icon=pavonel\nTerminal=false\nExec=" +
+                       "Icon=org.pavonel.Pavonel\nTerminal=false\nExec=" +
                            program() + "\nTryExec=" + program() + '\n');
+}
+
+TEST_F(LoginItemTest, the_entry_of_an_earlier_version_is_taken_over_as_it_is) {
+    const auto earlierName = QStringLiteral("config/autostart/pavonel.desktop");
+    const auto item = itemOf(QStringLiteral("pavonel"));
+    const QByteArray own = "[Desktop Entry]\nType=Application\nName=Breaks\nExec=true\nHidden=true\n";
+    write(earlierName, own);
+    item.takeOverEarlierEntry();
+    EXPECT_EQ(entry(), own);
+    EXPECT_FALSE(QFile::exists(path(earlierName)));
+}
+
+TEST_F(LoginItemTest, an_entry_of_today_counts_and_not_the_earlier_one) {
+    const auto earlierName = QStringLiteral("config/autostart/pavonel.desktop");
+    auto item = itemOf(QStringLiteral("pavonel"));
+    item.setEnabled(true);
+    write(earlierName, "[Desktop Entry]\nType=Application\nExec=true\n");
+    item.takeOverEarlierEntry();
+    EXPECT_TRUE(item.isEnabled());
+    EXPECT_FALSE(QFile::exists(path(earlierName)));
+}
+
+TEST_F(LoginItemTest, without_an_earlier_entry_nothing_is_taken_over) {
+    itemOf(QStringLiteral("pavonel")).takeOverEarlierEntry();
+    EXPECT_FALSE(QFile::exists(path(QStringLiteral("config/autostart"))));
+}
+
+TEST_F(LoginItemTest, an_entry_can_be_read_by_all_and_written_by_its_owner_under_any_umask) {
+    for (const mode_t mask : {0000, 0022, 0077, 0777}) {
+        AutostartLoginItem item = itemOf(QStringLiteral("pavonel"));
+        QFile::remove(path(entryName));
+        QDir().mkpath(path(QStringLiteral("config/autostart")));
+        const mode_t before = ::umask(mask);
+        EXPECT_FALSE(item.setEnabled(true));
+        ::umask(before);
+        struct stat status {};
+        ASSERT_EQ(::stat(QFile::encodeName(path(entryName)).data(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777, 0644U) << std::oct << mask;
+    }
 }
 
 TEST_F(LoginItemTest, what_the_user_wrote_into_the_entry_stays) {

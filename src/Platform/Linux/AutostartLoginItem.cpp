@@ -64,14 +64,21 @@ void describe(DesktopEntry &entry) {
         return;
     entry.setText("Name", QStringLiteral("Pavonel"));
     entry.setText("Comment", QStringLiteral("Reminds you to take breaks"));
-    entry.setText("Icon", QStringLiteral("pavonel"));
+    entry.setText("Icon", QStringLiteral("org.pavonel.Pavonel"));
     entry.setText("Terminal", QStringLiteral("false"));
 }
 
 } // namespace
 
 AutostartLoginItem::AutostartLoginItem(QString program, const QString &configFolder)
-    : program_(std::move(program)), path_(configFolder + QStringLiteral("/autostart/pavonel.desktop")) {}
+    : program_(std::move(program)), folder_(configFolder + QStringLiteral("/autostart")),
+      path_(folder_ + QStringLiteral("/org.pavonel.Pavonel.desktop")) {}
+
+void AutostartLoginItem::takeOverEarlierEntry() const {
+    QFile earlier(folder_ + QStringLiteral("/pavonel.desktop"));
+    if (!earlier.rename(path_))
+        earlier.remove();
+}
 
 /// Behind a wrapper such as "env" or "nice" the program is one of the arguments.
 bool AutostartLoginItem::startsUs(const DesktopEntry &entry) const {
@@ -107,12 +114,12 @@ std::optional<QString> AutostartLoginItem::setEnabled(bool enabled) {
 }
 
 std::optional<QString> AutostartLoginItem::write(const DesktopEntry &entry) const {
-    const QString folder = QFileInfo(path_).path();
-    if (!QDir().mkpath(folder))
+    if (!QDir().mkpath(folder_))
         return QStringLiteral("Pavonel cannot start at login, because the folder %1 cannot be made.")
-            .arg(folder);
+            .arg(folder_);
     QSaveFile file(path_);
     if (file.open(QFile::WriteOnly)) {
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
         file.write(entry.content());
         if (file.commit())
             return {};

@@ -12,6 +12,10 @@ public:
     /// `program` is the absolute path of the executable, `configFolder` the user's folder of settings.
     AutostartLoginItem(QString program, const QString &configFolder);
 
+    /// Gives the entry that earlier versions kept under another name the name of today, and leaves what is in
+    /// it as it is. Where there is one of today's name already, that one counts.
+    void takeOverEarlierEntry() const;
+
     /// Whether this desktop would start this very program; another copy of it elsewhere does not count.
     bool isEnabled() override;
 
@@ -24,6 +28,7 @@ private:
     std::optional<QString> write(const DesktopEntry &entry) const;
 
     QString program_;
+    QString folder_;
     QString path_;
 };
 
