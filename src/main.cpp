@@ -3,47 +3,39 @@
 #include "Core/HotKeys.h"
 #include "Core/Phone.h"
 #include "Core/Updater.h"
+#include "Platform/Errand.h"
+#include "Platform/GivenEnvironment.h"
 #include "Platform/Platform.h"
 #include "Platform/SingleInstance.h"
-
-#include <QApplication>
+#include "Platform/WindowSystem.h"
+#include "UI/Style.h"
+#include "makeApplication.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
-#include <string>
+#include <utility>
 
 namespace {
 
 using namespace pavonel;
 
-std::string heldMessages;
-
-/// Qt ends the process with several lines and an abort where it finds no display; a person needs one line.
-void refuseWithoutDisplay(QtMsgType type, const QMessageLogContext &context, const QString &text) {
-    if (type == QtFatalMsg) {
-        std::fputs("pavonel: no display can be opened; start it from within a desktop session\n", stderr);
-        std::_Exit(EXIT_FAILURE);
-    }
-    heldMessages += qFormatLogMessage(type, context, text).toLocal8Bit().toStdString() + '\n';
-}
-
-void makeApplication(std::optional<QApplication> &application, int &argc, char **argv) {
-    qInstallMessageHandler(refuseWithoutDisplay);
-    QApplication::setStyle(
-        QStringLiteral("Fusion")); // our windows draw themselves; no desktop's style is loaded
-    application.emplace(argc, argv);
-    qInstallMessageHandler(nullptr);
-    std::fputs(heldMessages.c_str(), stderr);
-    QApplication::setApplicationName(QStringLiteral("pavonel"));
-    QApplication::setApplicationVersion(QStringLiteral(PAVONEL_VERSION));
-    QApplication::setQuitOnLastWindowClosed(false);
-}
-
 void save() {
     Settings::shared().saveNow();
     Platform::current().defaults->flush();
+}
+
+/// Leaving destroys what a thread that nobody waits for may be using, now or when its disk comes back.
+void endAtOnceIfAnybodyIsAtWork(int status) {
+    if (Errand::anyAtWork())
+        std::_Exit(status);
+}
+
+void saveAtExit() {
+    save();
+    endAtOnceIfAnybodyIsAtWork(EXIT_FAILURE); // where the end is ours, this was asked before
 }
 
 /// Every road out leads through the end of the event loop: the menu, signals, the end of the session. Only
@@ -56,10 +48,19 @@ int runUntilQuit(SingleInstance &instance) {
     platform.power->onSleep(save);
     AppDelegate delegate(platform, Settings::shared(), Stats::shared(), HotKeyManager::shared(),
                          Phone::shared(), Updater::shared());
-    std::atexit(save);
+    std::atexit(saveAtExit);
     delegate.setUp();
-    instance.onReopen([&delegate] { delegate.reopen(); });
-    instance.onAction([&delegate](OutsideAction action) { delegate.act(action); });
+    // The call for which the bus started us is no second launch.
+    bool isFirstCall = QCoreApplication::arguments().contains(QStringLiteral("--gapplication-service"));
+    instance.onReopen([&] {
+        if (!std::exchange(isFirstCall, false))
+            delegate.reopen();
+    });
+    instance.onAction([&](OutsideAction action) {
+        isFirstCall = false;
+        delegate.act(action);
+    });
+    delegate.publishTo(instance.publisher());
     return QApplication::exec();
 }
 
@@ -68,7 +69,12 @@ int runUntilQuit(SingleInstance &instance) {
 void surviveTheLossOfABus() {
     constexpr const char *variable = "DBUS_FATAL_WARNINGS";
     if (!qEnvironmentVariableIsSet(variable))
-        qputenv(variable, "0");
+        setForUsAlone(variable, "0");
+}
+
+/// Whoever reads what we write may leave: that must not end us in the middle of anything.
+void surviveTheLossOfAReader() {
+    std::signal(SIGPIPE, SIG_IGN);
 }
 
 int start(int &argc, char **argv) {
@@ -79,6 +85,7 @@ int start(int &argc, char **argv) {
     }
     if (!Updater::feedAddress())
         return refuseFeedAddress();
+    chooseWindowSystem();
     std::optional<QApplication> application;
     makeApplication(application, argc, argv);
     const auto instance = makeSingleInstance();
@@ -89,16 +96,19 @@ int start(int &argc, char **argv) {
         return EXIT_SUCCESS;
 
     Platform::install(makePlatform());
+    QApplication::setStyle(new Style(Platform::current()));
     const int status = runUntilQuit(*instance);
     save(); // with the timers stopped and the windows gone
+    endAtOnceIfAnybodyIsAtWork(status);
     return status;
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
+    surviveTheLossOfAReader();
     const CommandLine commandLine = readCommandLine({argv + std::min(argc, 1), argv + argc});
-    if (commandLine.order != CommandLine::Order::start) {
+    if (commandLine.order != Order::start) {
         if (const auto status = obey(commandLine, argc, argv))
             return *status;
     }

@@ -21,26 +21,31 @@ enum class WindowLayer {
 ///   1. `widget.setWindowFlags(layers.windowFlags(layer))`, and `Qt::WA_TranslucentBackground` if wanted;
 ///   2. `widget.setGeometry(…)`: the screen's frame for an overlay, anywhere on that screen for a panel;
 ///   3. `widget.winId()`, which makes the native window and so `widget.windowHandle()`;
-///   4. `layers.assign(*widget.windowHandle(), layer, screen)`;
-///   5. `widget.show()`;
-///   6. for the one overlay that is to get the keys, `layers.takeKeyboard(*widget.windowHandle())`.
-/// A window that was hidden goes through 4 to 6 again. Moving a visible panel needs nothing more than
-/// `widget.move`. Before the last overlay goes, `yieldKeyboard`.
+///   4. `layers.show(*widget.windowHandle(), layer, screen)`;
+///   5. for the one overlay that is to get the keys, `layers.takeKeyboard(*widget.windowHandle())`.
+/// Moving a visible panel needs nothing more than `widget.move`; hiding a window destroys it. Before the last
+/// overlay goes, `yieldKeyboard`.
 class WindowLayers : public Service {
 public:
     /// All the flags that a window of this layer needs before its native window is made; frameless ones.
     virtual Qt::WindowFlags windowFlags(WindowLayer layer) const = 0;
 
-    /// Prepares a window that has its native window and is not visible. It stays in its layer while it is
-    /// visible, above windows that open later too, and is forgotten when it is destroyed.
-    virtual void assign(QWindow &window, WindowLayer layer, const Screen &screen) = 0;
+    /// Shows a window that has its native window and is not visible: at once, or as soon as the desktop
+    /// agrees to it. It stays in its layer while it is visible, above windows that open later too. A desktop
+    /// that knows better than we where the user works may choose another screen for a panel than the main
+    /// one.
+    virtual void show(QWindow &window, WindowLayer layer, const Screen &screen) = 0;
 
     /// Whether a window's translucent parts are blended with what lies below it, at this moment. Where they
-    /// are not, they come out black, and `QWidget::setWindowOpacity` does nothing.
+    /// are not, they come out black.
     virtual bool canBlend() const = 0;
 
-    /// Cuts a window to this shape, for where nothing is blended. In device pixels, from the window's left
-    /// upper corner; the window has its native window and keeps the shape until it is destroyed.
+    /// Whether `QWidget::setWindowOpacity` has an effect, at this moment.
+    virtual bool canFade() const = 0;
+
+    /// Cuts a window to this shape: clicks beside it reach what lies below, and where nothing is blended only
+    /// the shape is seen. In device pixels, from the window's left upper corner; the window has its native
+    /// window and keeps the shape until it is destroyed.
     virtual void cutTo(QWindow &window, const QRegion &pixels) = 0;
 
     /// Gives the keyboard to a visible overlay. Where the desktop decides by itself, nothing happens.

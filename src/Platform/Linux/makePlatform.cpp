@@ -4,14 +4,17 @@
 #include "Platform/Linux/Audio/EventSounds.h"
 #include "Platform/Linux/Audio/PulseAudioDevices.h"
 #include "Platform/Linux/AutostartLoginItem.h"
+#include "Platform/Linux/Bus/BusRunningPavonel.h"
 #include "Platform/Linux/Bus/BusSingleInstance.h"
 #include "Platform/Linux/Bus/LockAwareIdleTime.h"
 #include "Platform/Linux/Bus/LogindPowerEvents.h"
 #include "Platform/Linux/Bus/PortalAppearance.h"
 #include "Platform/Linux/DetachedLauncher.h"
+#include "Platform/Linux/Fetch/FetchClient.h"
 #include "Platform/Linux/LinuxInstallation.h"
 #include "Platform/Linux/PipeWire/PipeWireScreenCasts.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
+#include "Platform/Linux/Wayland/WaylandWindowLayers.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11HotKeys.h"
 #include "Platform/Linux/X11/X11IdleTime.h"
@@ -21,13 +24,13 @@
 #include "Platform/Platform.h"
 #include "Platform/Qt/BorrowedDefaults.h"
 #include "Platform/Qt/FileDefaults.h"
-#include "Platform/Qt/QtHttpClient.h"
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/Qt/QtPointer.h"
 #include "Platform/Qt/QtScreens.h"
 #include "Platform/Qt/QtToolRunner.h"
 #include "Platform/Qt/QtWindowLayers.h"
 #include "Platform/Qt/SignalTermination.h"
+#include "Platform/Qt/StoreFile.h"
 #include "Platform/Qt/Unavailable.h"
 
 #include <QDBusConnection>
@@ -75,10 +78,18 @@ bool seesAllInput(const std::shared_ptr<X11Connection> &x) {
     return x && !x->isInsideWayland();
 }
 
-std::unique_ptr<Screens> screens(const std::shared_ptr<X11Connection> &x) {
+std::unique_ptr<Screens> screens(const std::shared_ptr<X11Connection> &x,
+                                 const std::shared_ptr<WorkedOn> &workedOn) {
     if (x)
         return std::make_unique<X11Screens>(x);
-    return std::make_unique<QtScreens>();
+    return std::make_unique<QtScreens>(workedOn);
+}
+
+std::unique_ptr<Pointer> pointer(const std::shared_ptr<X11Connection> &x) {
+    if (seesAllInput(x))
+        return std::make_unique<QtPointer>();
+    return none<unavailable::Pointer>(
+        "This desktop does not tell where the pointer is, so the countdown stays in a corner.");
 }
 
 std::unique_ptr<IdleTime> idleTime(const std::shared_ptr<X11Connection> &x) {
@@ -100,13 +111,17 @@ void installWindowSensors(Platform &platform, const std::shared_ptr<X11Connectio
         platform.windowList =
             none<unavailable::WindowList>("This desktop does not tell about fullscreen windows.");
     }
-    platform.applications = std::make_unique<LinuxApplications>(
-        std::move(front), std::make_unique<PipeWireScreenCasts>(), LinuxApplications::Folders());
+    platform.applications =
+        std::make_unique<LinuxApplications>(std::move(front), std::make_unique<PipeWireScreenCasts>(),
+                                            LinuxApplications::Folders(), *platform.mainLoop);
 }
 
-std::unique_ptr<WindowLayers> windowLayers(const std::shared_ptr<X11Connection> &x) {
+std::unique_ptr<WindowLayers> windowLayers(const std::shared_ptr<X11Connection> &x,
+                                           const std::shared_ptr<WorkedOn> &workedOn) {
     if (x)
         return std::make_unique<X11WindowLayers>(x);
+    if (auto layers = WaylandWindowLayers::make(workedOn))
+        return layers;
     return std::make_unique<QtWindowLayers>();
 }
 
@@ -130,7 +145,7 @@ HeadlessPlatform allButTheStore() {
     platform.processes = std::make_unique<DetachedLauncher>(files);
     platform.tools = std::make_unique<QtToolRunner>(files);
     platform.installation = makeInstallation();
-    platform.http = std::make_unique<QtHttpClient>();
+    platform.http = std::make_unique<FetchClient>(files);
     return platform;
 }
 
@@ -140,13 +155,23 @@ std::unique_ptr<SingleInstance> makeSingleInstance() {
     return std::make_unique<BusSingleInstance>(QDBusConnection::sessionBus(), lockPath());
 }
 
+std::unique_ptr<RunningPavonel> findRunningPavonel() {
+    return std::make_unique<BusRunningPavonel>(QDBusConnection::sessionBus());
+}
+
 std::unique_ptr<LoginItem> makeLoginItem() {
-    return std::make_unique<AutostartLoginItem>(ProgramFiles::ofThisProgram().program(), configFolder());
+    auto item = std::make_unique<AutostartLoginItem>(ProgramFiles::ofThisProgram().program(), configFolder());
+    item->takeOverEarlierEntry();
+    return item;
 }
 
 std::unique_ptr<Installation> makeInstallation() {
     return std::make_unique<LinuxInstallation>(ProgramFiles::ofThisProgram(),
                                                cacheFolder() + QStringLiteral("/tmp"));
+}
+
+StoredLook lookIntoStore(const QString &key) {
+    return lookIntoStoreFile(storePath(), key);
 }
 
 HeadlessPlatform makeHeadlessPlatform() {
@@ -163,17 +188,18 @@ std::unique_ptr<Platform> makePlatform() {
     platform->defaults = std::make_unique<FileDefaults>(storePath(), *platform->mainLoop);
     platform->termination = std::make_unique<SignalTermination>();
     platform->power = std::make_unique<LogindPowerEvents>(QDBusConnection::systemBus());
-    platform->screens = screens(x11);
-    platform->pointer = std::make_unique<QtPointer>();
+    const auto workedOn = std::make_shared<WorkedOn>();
+    platform->screens = screens(x11, workedOn);
+    platform->pointer = pointer(x11);
     platform->idleTime = std::make_unique<LockAwareIdleTime>(idleTime(x11), QDBusConnection::systemBus(),
                                                              QDBusConnection::sessionBus());
     platform->audioDevices = std::make_unique<PulseAudioDevices>();
     installWindowSensors(*platform, x11);
     platform->installedApplications = std::make_unique<LinuxInstalledApplications>(
-        LinuxInstalledApplications::Surroundings::ofThisDesktop());
-    platform->windowLayers = windowLayers(x11);
+        LinuxInstalledApplications::Surroundings::ofThisDesktop(), *platform->mainLoop);
+    platform->windowLayers = windowLayers(x11, workedOn);
     platform->hotKeys = hotKeys(x11);
-    platform->sounds = std::make_unique<EventSounds>(ProgramFiles::ofThisProgram());
+    platform->sounds = std::make_unique<EventSounds>(ProgramFiles::ofThisProgram(), *platform->mainLoop);
     platform->loginItem = makeLoginItem();
     platform->appearance = std::make_unique<PortalAppearance>(QDBusConnection::sessionBus());
     platform->statusItem = statusItem(*platform->appearance, x11);

@@ -1,8 +1,11 @@
 #include "Platform/Qt/QtWindowLayers.h"
 
 #include <QGuiApplication>
+#include <QScreen>
 #include <QTransform>
 #include <QWindow>
+
+#include <algorithm>
 
 namespace pavonel {
 
@@ -15,7 +18,18 @@ Qt::WindowFlags QtWindowLayers::windowFlags(WindowLayer layer) const {
     return layer == WindowLayer::panel ? flags | Qt::WindowDoesNotAcceptFocus : flags;
 }
 
-void QtWindowLayers::assign(QWindow &, WindowLayer, const Screen &) {}
+/// Fullscreen, a window is bound to its screen, and the desktop puts it above its bars.
+void QtWindowLayers::show(QWindow &window, WindowLayer layer, const Screen &screen) {
+    if (layer == WindowLayer::panel) {
+        window.show();
+        return;
+    }
+    const auto attached = QGuiApplication::screens();
+    const auto wanted = std::ranges::find(attached, screen.name, &QScreen::name);
+    if (wanted != attached.end())
+        window.setScreen(*wanted);
+    window.showFullScreen();
+}
 
 bool QtWindowLayers::canBlend() const {
     return QGuiApplication::platformName().startsWith(u"wayland"); // every compositor there does

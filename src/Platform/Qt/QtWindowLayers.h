@@ -9,8 +9,9 @@ class QtWindowLayers final : public WindowLayers {
 public:
     QString limitation() const override;
     Qt::WindowFlags windowFlags(WindowLayer layer) const override;
-    void assign(QWindow &window, WindowLayer layer, const Screen &screen) override;
+    void show(QWindow &window, WindowLayer layer, const Screen &screen) override;
     bool canBlend() const override;
+    bool canFade() const override { return false; }
     void cutTo(QWindow &window, const QRegion &pixels) override;
     void takeKeyboard(QWindow &window) override;
     void yieldKeyboard() override {}

@@ -1,0 +1,50 @@
+#include "Platform/GivenEnvironment.h"
+#include "Platform/Linux/Wayland/LayerShellOffer.h"
+#include "Platform/WindowSystem.h"
+
+#include <QLoggingCategory>
+
+#include <memory>
+
+#include <xcb/xcb.h>
+
+namespace pavonel {
+
+namespace {
+
+bool xServerAnswers() {
+    const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection(
+        xcb_connect(nullptr, nullptr), &xcb_disconnect);
+    return xcb_connection_has_error(connection.get()) == 0;
+}
+
+/// With these Qt leaves the windows of the break and the panels to us, believes where we move them to, and
+/// draws without OpenGL, which would cost half of our memory.
+void prepareQtForLayerShell() {
+    setForUsAlone("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
+    setForUsAlone("QT_WAYLAND_DISABLE_FIXED_POSITIONS", "1");
+    setForUsAlone("QT_WAYLAND_CLIENT_BUFFER_INTEGRATION", "none");
+    // Qt says in two lines that there is no OpenGL integration of this name.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.wayland.warning=false"));
+}
+
+/// The X server of a Wayland session can put windows above all others where the compositor cannot.
+QByteArray preferred(bool layerShell) {
+    if (layerShell)
+        return "wayland;xcb";
+    return xServerAnswers() ? "xcb;wayland" : "wayland";
+}
+
+} // namespace
+
+void chooseWindowSystem() {
+    if (!wayland::isOffered())
+        return; // Qt finds an X server by itself
+    const bool layerShell = wayland::offersLayerShell();
+    if (layerShell)
+        prepareQtForLayerShell();
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        setForUsAlone("QT_QPA_PLATFORM", preferred(layerShell));
+}
+
+} // namespace pavonel

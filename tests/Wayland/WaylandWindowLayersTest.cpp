@@ -1,0 +1,165 @@
+#include "Platform/Linux/Wayland/WaylandWindowLayers.h"
+
+#include "Wayland/compositor.h"
+#include "support/OtherWindow.h"
+#include "support/VirtualInput.h"
+#include "support/waitUntil.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWidget>
+#include <QWindow>
+
+#include <gtest/gtest.h>
+
+namespace pavonel::test {
+
+namespace {
+
+constexpr QColor green(20, 160, 40);
+constexpr QColor blue(20, 40, 160);
+const QByteArray keyA = "key " + QByteArray::number(Qt::Key_A);
+
+/// A window made as the contract of WindowLayers says.
+class Layered final : public QWidget {
+public:
+    Layered(WindowLayers &layers, WindowLayer layer, const Screen &screen, const QRect &at,
+            const QColor &colour, Qt::WindowFlags more = {})
+        : colour_(colour) {
+        setWindowFlags(layers.windowFlags(layer) | more);
+        setAttribute(Qt::WA_ShowWithoutActivating, layer == WindowLayer::panel);
+        setGeometry(at);
+        winId();
+        layers.show(*windowHandle(), layer, screen);
+    }
+
+    int keyPresses = 0;
+    int clicks = 0;
+
+private:
+    void keyPressEvent(QKeyEvent *) override { ++keyPresses; }
+    void mousePressEvent(QMouseEvent *) override { ++clicks; }
+    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), colour_); }
+
+    QColor colour_;
+};
+
+class WaylandWindowLayersTest : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_NE(layers, nullptr); }
+
+    std::unique_ptr<Layered> overlay(int index) {
+        const Screen screen = screens.all()[static_cast<std::size_t>(index)];
+        return std::make_unique<Layered>(*layers, WindowLayer::overlay, screen, screen.frame.toRect(), blue);
+    }
+    std::unique_ptr<Layered> panel(const QRect &at, Qt::WindowFlags more = {}) {
+        return std::make_unique<Layered>(*layers, WindowLayer::panel, screens.all().front(), at, green, more);
+    }
+    static bool becomes(QPoint point, const QColor &colour) {
+        return waitUntil([&] { return compositor().picture().pixelColor(point) == colour; });
+    }
+
+    std::shared_ptr<WorkedOn> workedOn = std::make_shared<WorkedOn>();
+    QtScreens screens{workedOn};
+    std::unique_ptr<WaylandWindowLayers> layers = WaylandWindowLayers::make(workedOn);
+};
+
+TEST_F(WaylandWindowLayersTest, overlays_cover_their_outputs_and_have_the_keyboard) {
+    const auto first = overlay(0);
+    const auto second = overlay(1);
+    EXPECT_TRUE(becomes({1, 1}, blue));
+    EXPECT_TRUE(becomes({2047, 767}, blue));
+    compositor().input().press(VirtualInput::a);
+    EXPECT_TRUE(waitUntil([&] { return first->keyPresses + second->keyPresses == 1; }));
+}
+
+TEST_F(WaylandWindowLayersTest,
+       a_panel_stands_where_it_shall_above_a_fullscreen_window_without_the_keyboard) {
+    OtherWindow other(compositor().environment(), QStringLiteral("player"), OtherWindow::State::fullscreen);
+    ASSERT_TRUE(other.becomesActive() && other.isPainted(Sway::outputSize));
+    const auto shown = panel({500, 20, 300, 100});
+    EXPECT_TRUE(becomes({500, 20}, green));
+    EXPECT_TRUE(becomes({799, 119}, green));
+    EXPECT_TRUE(becomes({800, 120}, OtherWindow::colour()));
+    compositor().input().press(VirtualInput::a);
+    EXPECT_TRUE(waitUntil([&] { return other.times(keyA) == 1; }));
+    EXPECT_EQ(shown->keyPresses, 0);
+}
+
+TEST_F(WaylandWindowLayersTest, a_panel_moves) {
+    const auto shown = panel({10, 10, 100, 100});
+    ASSERT_TRUE(becomes({10, 10}, green));
+    shown->move(600, 500);
+    EXPECT_TRUE(becomes({650, 550}, green));
+    EXPECT_TRUE(becomes({50, 50}, Sway::background()));
+}
+
+TEST_F(WaylandWindowLayersTest, clicks_reach_a_panel_only_within_the_shape_it_was_cut_to) {
+    OtherWindow other(compositor().environment());
+    ASSERT_TRUE(other.isPainted(Sway::outputSize));
+    const auto shown = panel({100, 100, 200, 200});
+    layers->cutTo(*shown->windowHandle(), QRegion(50, 50, 100, 100));
+    ASSERT_TRUE(becomes({110, 110}, green));
+    compositor().click({110, 110});
+    EXPECT_TRUE(waitUntil([&] { return other.times("click") == 1; }));
+    compositor().click({200, 200});
+    EXPECT_TRUE(waitUntil([&] { return shown->clicks == 1; }));
+}
+
+TEST_F(WaylandWindowLayersTest, clicks_pass_through_a_panel_that_is_transparent_for_them) {
+    OtherWindow other(compositor().environment());
+    ASSERT_TRUE(other.isPainted(Sway::outputSize));
+    const auto shown = panel({100, 100, 200, 200}, Qt::WindowTransparentForInput);
+    ASSERT_TRUE(becomes({200, 200}, green));
+    compositor().click({200, 200});
+    EXPECT_TRUE(waitUntil([&] { return other.times("click") == 1; }));
+    EXPECT_EQ(shown->clicks, 0);
+}
+
+TEST_F(WaylandWindowLayersTest, panels_lie_below_a_break_and_come_back_after_it) {
+    const auto before = panel({100, 100, 200, 200});
+    ASSERT_TRUE(becomes({200, 200}, green));
+    auto covering = overlay(0);
+    EXPECT_TRUE(becomes({200, 200}, blue));
+    const auto during = panel({500, 100, 200, 200});
+    EXPECT_TRUE(waitUntil([&] { return during->isVisible(); }));
+    EXPECT_TRUE(becomes({600, 200}, blue));
+    covering.reset();
+    EXPECT_TRUE(becomes({200, 200}, green));
+    EXPECT_TRUE(becomes({600, 200}, green));
+}
+
+TEST_F(WaylandWindowLayersTest, a_window_may_go_before_it_is_shown) {
+    for (int round = 0; round < 50; ++round) {
+        overlay(round % 2);
+        panel({100, 100, 200, 200});
+    }
+    const auto last = panel({100, 100, 200, 200});
+    EXPECT_TRUE(becomes({200, 200}, green));
+}
+
+TEST_F(WaylandWindowLayersTest, the_compositor_chooses_the_output_of_a_panel_and_we_follow) {
+    const QString second = screens.all()[1].name;
+    compositor().command(QStringLiteral("focus output ") + second);
+    const auto shown = panel({500, 20, 300, 100});
+    EXPECT_TRUE(becomes({1024 + 650, 70}, green));
+    EXPECT_TRUE(waitUntil([&] { return *workedOn && (*workedOn)->name() == second; }));
+    EXPECT_TRUE(screens.all()[1].isMain);
+    compositor().command(QStringLiteral("focus output ") + screens.all()[0].name);
+}
+
+TEST_F(WaylandWindowLayersTest, outlives_an_output_that_goes_under_its_overlay) {
+    const auto first = overlay(0);
+    auto second = overlay(1);
+    ASSERT_TRUE(becomes({2047, 767}, blue));
+    compositor().removeOutput(screens.all()[1].name);
+    EXPECT_TRUE(waitUntil([&] { return !second->isVisible(); }));
+    second.reset();
+    EXPECT_TRUE(becomes({1, 1}, blue));
+    compositor().addOutput();
+    EXPECT_TRUE(waitUntil([] { return QGuiApplication::screens().size() == 2; }));
+}
+
+} // namespace
+
+} // namespace pavonel::test

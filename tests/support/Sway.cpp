@@ -1,0 +1,177 @@
+#include "support/Sway.h"
+
+#include "support/VirtualInput.h"
+#include "support/XClient.h"
+#include "support/files.h"
+#include "support/holdsSoon.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QRect>
+
+#include <algorithm>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace pavonel::test {
+
+namespace {
+
+/// Sway refuses to run as root.
+constexpr uid_t nobody = 65534;
+
+const char configuration[] = "xwayland disable\n"
+                             "default_border none\n"
+                             "focus_follows_mouse no\n"
+                             "output * bg %1 solid_color\n";
+
+/// Qt (6.4) never frees what it bound in the compositor's registry.
+const QString suppressions = QStringLiteral("suppressions");
+
+void insert(QProcessEnvironment &environment, const char *name, const QString &value) {
+    environment.insert(QString::fromLatin1(name), value);
+}
+
+QProcessEnvironment withoutDesktop() {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const auto *name : {"WAYLAND_DISPLAY", "DISPLAY", "SWAYSOCK", "XDG_CONFIG_HOME", "XDG_CACHE_HOME",
+                             "XDG_DATA_HOME", "XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORM"})
+        environment.remove(QString::fromLatin1(name));
+    insert(environment, "NO_AT_BRIDGE", QStringLiteral("1"));
+    insert(environment, "DBUS_SESSION_BUS_ADDRESS", QStringLiteral("unix:path=/nonexistent"));
+    return environment;
+}
+
+/// Sway does not make the names by which windows are called and closed.
+void makeAtoms(const QByteArray &display) {
+    XClient x(display);
+    for (const auto *name : {"WM_PROTOCOLS", "WM_DELETE_WINDOW", "_NET_WM_NAME", "UTF8_STRING"})
+        x.atom(name);
+}
+
+QRect rectOf(const QJsonValue &output) {
+    const QJsonValue rect = output[QStringLiteral("rect")];
+    return {rect[QStringLiteral("x")].toInt(), rect[QStringLiteral("y")].toInt(),
+            rect[QStringLiteral("width")].toInt(), rect[QStringLiteral("height")].toInt()};
+}
+
+} // namespace
+
+Sway::Sway(int outputs)
+    : screen_(outputSize), socket_(runtime_.filePath(QStringLiteral("wayland-1"))),
+      ipc_(runtime_.filePath(QStringLiteral("ipc"))) {
+    makeAtoms(screen_.display());
+    QProcessEnvironment environment = withoutDesktop();
+    insert(environment, "HOME", runtime_.path());
+    insert(environment, "XDG_RUNTIME_DIR", runtime_.path());
+    insert(environment, "SWAYSOCK", ipc_);
+    insert(environment, "DISPLAY", QString::fromLatin1(screen_.display()));
+    insert(environment, "WLR_BACKENDS", QStringLiteral("x11"));
+    insert(environment, "WLR_X11_OUTPUTS", QString::number(outputs));
+    insert(environment, "WLR_LIBINPUT_NO_DEVICES", QStringLiteral("1"));
+    insert(environment, "WLR_RENDERER", QStringLiteral("pixman"));
+    const QString file = runtime_.filePath(QStringLiteral("config"));
+    writeFile(file, QString::fromLatin1(configuration).arg(background().name()).toUtf8());
+    writeFile(home_.filePath(suppressions), "leak:libwayland-client.so\n");
+    QStringList words{QStringLiteral("sway"), QStringLiteral("--config"), file};
+    if (::geteuid() == 0) {
+        const QString user = QString::number(nobody);
+        EXPECT_EQ(::chown(runtime_.path().toLocal8Bit().constData(), nobody, nobody), 0);
+        words = QStringList{QStringLiteral("setpriv"), QStringLiteral("--reuid=") + user,
+                            QStringLiteral("--regid=") + user, QStringLiteral("--clear-groups")} +
+                words;
+    }
+    process_ = std::make_unique<ChildProcess>(words.takeFirst(), words, environment);
+    if (!holdsSoon([&] { return QFile::exists(socket_) && QFile::exists(ipc_); }))
+        ADD_FAILURE() << "sway did not start: " << process_->process().readAllStandardError().toStdString();
+    input_ = std::make_unique<VirtualInput>(socket_);
+}
+
+Sway::~Sway() = default;
+
+QProcessEnvironment Sway::environment() const {
+    QProcessEnvironment environment = withoutDesktop();
+    insert(environment, "HOME", home_.path());
+    insert(environment, "XDG_RUNTIME_DIR", home_.path());
+    insert(environment, "WAYLAND_DISPLAY", socket_);
+    insert(environment, "SWAYSOCK", ipc_);
+    insert(environment, "LSAN_OPTIONS",
+           QStringLiteral("print_suppressions=0:suppressions=") + home_.filePath(suppressions));
+    return environment;
+}
+
+void Sway::becomeOurDisplay() const {
+    qputenv("WAYLAND_DISPLAY", socket_.toLocal8Bit());
+    qputenv("XDG_RUNTIME_DIR", home_.path().toLocal8Bit());
+    qunsetenv("DISPLAY");
+    qunsetenv("QT_QPA_PLATFORM");
+}
+
+QByteArray Sway::run(const QString &program, const QStringList &arguments) {
+    const auto result = ChildProcess::run(program, arguments, environment());
+    if (result.status != 0)
+        ADD_FAILURE() << program.toStdString() << ' ' << arguments.join(u' ').toStdString() << ": "
+                      << result.output.toStdString() << result.errors.toStdString();
+    return result.output;
+}
+
+void Sway::command(const QString &command) {
+    run(QStringLiteral("swaymsg"), {command});
+}
+
+QJsonDocument Sway::ask(const QString &type) {
+    return QJsonDocument::fromJson(
+        run(QStringLiteral("swaymsg"), {QStringLiteral("--raw"), QStringLiteral("--type"), type}));
+}
+
+void Sway::addOutput() {
+    command(QStringLiteral("create_output"));
+}
+
+/// The window in which it is shown is asked to close.
+void Sway::removeOutput(const QString &name) {
+    XClient x(screen_.display());
+    const auto windows = x.stack();
+    const auto window = std::ranges::find_if(
+        windows, [&](xcb_window_t each) { return x.bytes(each, "_NET_WM_NAME").endsWith(name.toUtf8()); });
+    if (window == windows.end())
+        ADD_FAILURE() << "There is no output " << name.toStdString();
+    else
+        x.askToClose(*window);
+}
+
+QSize Sway::layout() {
+    QRect whole;
+    const QJsonArray outputs = ask(QStringLiteral("get_outputs")).array();
+    for (const QJsonValue &output : outputs)
+        whole |= rectOf(output);
+    return whole.size();
+}
+
+void Sway::pointAt(QPoint point) {
+    input_->pointAt(point, layout());
+}
+
+void Sway::click(QPoint point) {
+    pointAt(point);
+    input_->click();
+}
+
+std::unique_ptr<ChildProcess> Sway::launch(const QString &program, const QStringList &arguments) {
+    return std::make_unique<ChildProcess>(program, arguments, environment());
+}
+
+QImage Sway::picture(const QString &output) {
+    QStringList arguments{QStringLiteral("-t"), QStringLiteral("ppm"), QStringLiteral("-")};
+    if (!output.isEmpty())
+        arguments = QStringList{QStringLiteral("-o"), output} + arguments;
+    return QImage::fromData(run(QStringLiteral("grim"), arguments), "ppm");
+}
+
+void Sway::end() {
+    input_.reset();
+    process_.reset();
+}
+
+} // namespace pavonel::test
