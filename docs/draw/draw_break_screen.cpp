@@ -5,6 +5,7 @@
 #include "UI/BreakOverlayView.h"
 #include "UI/Theme.h"
 #include "support/FakePlatform.h"
+#include "support/files.h"
 
 #include <QApplication>
 #include <QDir>
@@ -80,7 +81,7 @@ public:
 
 private:
     void awaitPicture(QSize size) {
-        const QImage wanted = pictureImage(settings.customBackgroundPath, size);
+        const QImage wanted = pictureImage(test::readFile(settings.customBackgroundPath), size);
         while (!wanted.isNull() && backgrounds.image(size) != wanted)
             platform.loop.advance(0);
     }

@@ -32,13 +32,8 @@ public:
         for (QWidget *window : QApplication::topLevelWidgets()) {
             if (window->windowTitle() != title || !window->isEnabled())
                 continue;
-            for (QWidget *below : QApplication::topLevelWidgets()) {
-                if (below->windowTitle() == QStringLiteral("Pavonel Shadow") &&
-                    below->geometry().contains(window->geometry()))
-                    draw(*below, place_ + below->pos() - window->pos());
-            }
-            draw(*window, place_);
-            place_.ry() += window->height() + margin;
+            draw(*window, place_ - window->contentsRect().topLeft());
+            place_.ry() += window->contentsRect().height() + margin;
         }
     }
 

@@ -4,7 +4,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace pavonel {
 
@@ -21,8 +24,28 @@ class Appearance : public Service {
 public:
     virtual AppearanceWishes wishes() = 0;
 
-    /// `changed` is called on the main thread after the wishes changed; one listener.
-    virtual void onChange(std::function<void()> changed) = 0;
+    using Listening = std::shared_ptr<const std::function<void()>>;
+
+    /// `changed` is called on the main thread after the wishes changed, until the last copy of what this
+    /// gives is gone.
+    [[nodiscard]] Listening onChange(std::function<void()> changed) {
+        auto listening = std::make_shared<const std::function<void()>>(std::move(changed));
+        listeners_.push_back(listening);
+        return listening;
+    }
+
+protected:
+    void tellChange() {
+        std::erase_if(listeners_, [](const auto &listener) { return listener.expired(); });
+        const auto listeners = listeners_; // a listener may begin or end to listen
+        for (const auto &weak : listeners) {
+            if (const auto listener = weak.lock())
+                (*listener)();
+        }
+    }
+
+private:
+    std::vector<std::weak_ptr<const std::function<void()>>> listeners_;
 };
 
 } // namespace pavonel

@@ -11,7 +11,6 @@
 #include <QWindow>
 
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 namespace pavonel {
@@ -21,6 +20,12 @@ namespace {
 constexpr Seconds fadeIn = 0.45;
 constexpr Seconds fadeOut = 0.3; // going is quicker than coming
 constexpr std::uint32_t escapeKeyCode = 53;
+
+double pixelRatio(const Screen &screen) {
+    const auto all = QGuiApplication::screens();
+    const auto found = std::ranges::find(all, screen.name, &QScreen::name);
+    return found == all.end() ? qGuiApp->devicePixelRatio() : (*found)->devicePixelRatio();
+}
 
 } // namespace
 
@@ -46,8 +51,7 @@ void OverlayWindow::orderFront(WindowLayers &layers, const Screen &screen, doubl
     winId();
     // Now, for while the server takes over another window's painting it lets us wait for the memory.
     backingStore()->resize(size());
-    layers.assign(*windowHandle(), WindowLayer::overlay, screen);
-    show();
+    layers.show(*windowHandle(), WindowLayer::overlay, screen);
 }
 
 /// A break cannot be closed away.
@@ -62,11 +66,26 @@ void OverlayWindow::resizeEvent(QResizeEvent *event) {
 
 OverlayManager::Set::Set(Platform &platform)
     : fade(*platform.mainLoop, *platform.appearance, [this](double opacity) {
-          if (!blends)
+          if (!fades)
               return;
           for (const auto &window : windows)
               window->setWindowOpacity(opacity);
       }) {}
+
+/// The windows stay exactly on their screens, and go with them.
+void OverlayManager::Set::follow(const std::vector<Screen> &attached) {
+    std::erase_if(windows, [&attached](const auto &window) {
+        const auto screen = std::ranges::find(attached, window->screenName(), &Screen::name);
+        if (screen != attached.end())
+            window->setGeometry(screen->frame.toRect());
+        return screen == attached.end();
+    });
+}
+
+bool OverlayManager::Set::covers(const Screen &screen) const {
+    return std::ranges::any_of(windows,
+                               [&](const auto &window) { return window->screenName() == screen.name; });
+}
 
 OverlayManager::OverlayManager(Platform &platform, BreakController &controller, Settings &settings,
                                HotKeyManager &hotKeys)
@@ -77,31 +96,63 @@ OverlayManager::OverlayManager(Platform &platform, BreakController &controller, 
             window->view().update();
     };
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, [this] { followScreens(); });
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, [this](const QScreen *screen) {
+        watch(screen);
+        followScreens();
+    });
+    const auto attached = QGuiApplication::screens();
+    for (const QScreen *screen : attached)
+        watch(screen);
 }
 
 OverlayManager::~OverlayManager() {
     hotKeys_.unregisterEscape();
 }
 
-void OverlayManager::show() {
-    if (!windows().empty())
+/// Only a picture takes long.
+void OverlayManager::expect() {
+    if (settings_.customBackgroundPath->isEmpty())
         return;
-    current_->blends = platform_.windowLayers->canBlend();
+    std::vector<QSize> sizes;
     for (const Screen &screen : platform_.screens->all())
-        build(screen);
+        sizes.push_back(screen.frame.toRect().size() * pixelRatio(screen));
+    backgrounds_.prepare(sizes);
+}
+
+/// Not now: where the break begins at once, its windows will be up.
+void OverlayManager::standDown() {
+    platform_.mainLoop->post([self = QPointer(this)] {
+        if (self)
+            self->giveBackIfIdle();
+    });
+}
+
+void OverlayManager::giveBackIfIdle() {
+    if (current_->screens.empty() && leaving_.empty())
+        backgrounds_.clear();
+}
+
+void OverlayManager::show() {
+    if (!current_->screens.empty())
+        return;
+    expect();
+    backgrounds_.awaitPictures();
+    current_->fades = platform_.windowLayers->canFade();
+    for (const Screen &screen : platform_.screens->all()) {
+        build(screen, screen.isMain ? BreakOverlayView::Role::primary : BreakOverlayView::Role::secondary);
+        current_->screens.push_back(screen.name);
+        current_->showsText |= screen.isMain;
+    }
     takeKeyboard();
     current_->fade.to(1, fadeIn);
     bindEscape();
     qGuiApp->installEventFilter(this);
 }
 
-void OverlayManager::build(const Screen &screen) {
-    const auto role = screen.isMain ? BreakOverlayView::Role::primary : BreakOverlayView::Role::secondary;
-    auto window = std::make_unique<OverlayWindow>(screen, makeView(role));
-    window->orderFront(*platform_.windowLayers, screen, current_->blends ? 0 : 1);
-    // When a screen goes, others can move.
-    connect(window->screen(), &QScreen::geometryChanged, window.get(), [this] { followScreens(); });
-    current_->windows.push_back(std::move(window));
+void OverlayManager::build(const Screen &screen, BreakOverlayView::Role role) {
+    current_->windows.push_back(std::make_unique<OverlayWindow>(screen, makeView(role)));
+    const double opacity = current_->fades ? current_->fade.opacity() : 1;
+    current_->windows.back()->orderFront(*platform_.windowLayers, screen, opacity);
 }
 
 std::unique_ptr<BreakOverlayView> OverlayManager::makeView(BreakOverlayView::Role role) {
@@ -151,42 +202,48 @@ bool OverlayManager::eventFilter(QObject *watched, QEvent *event) {
 void OverlayManager::hide() {
     hotKeys_.unregisterEscape();
     qGuiApp->removeEventFilter(this);
-    if (windows().empty())
+    if (current_->screens.empty())
         return;
     leaving_.push_back(std::exchange(current_, std::make_unique<Set>(platform_)));
     Set *leaving = leaving_.back().get();
     for (const auto &window : leaving->windows)
         window->view().freeze();
-    leaving->blends = platform_.windowLayers->canBlend();
+    leaving->fades = platform_.windowLayers->canFade();
     leaving->fade.to(0, fadeOut, [this, leaving] { letGo(leaving); });
 }
 
 void OverlayManager::letGo(const Set *gone) {
     // The next break may have begun meanwhile, and needs the keyboard itself.
-    if (windows().empty())
+    const bool hidden = current_->screens.empty();
+    if (hidden)
         platform_.windowLayers->yieldKeyboard();
     std::erase_if(leaving_, [gone](const auto &set) { return set.get() == gone; });
-    if (windows().empty() && leaving_.empty())
-        backgrounds_.clear();
+    giveBackIfIdle();
 }
 
-/// The windows stay exactly on their screens, and go with them.
+void OverlayManager::watch(const QScreen *screen) {
+    connect(screen, &QScreen::geometryChanged, this, [this] { followScreens(); });
+}
+
 void OverlayManager::followScreens() {
-    const auto screens = platform_.screens->all();
-    const bool hadPrimary = primaryWindow();
-    const auto follow = [&screens](const std::unique_ptr<OverlayWindow> &window) {
-        const auto screen = std::ranges::find(screens, window->screenName(), &Screen::name);
-        if (screen == screens.end())
-            return false;
-        window->setGeometry(screen->frame.toRect());
-        return true;
-    };
-    for (const auto &set : leaving_)
-        std::erase_if(set->windows, std::not_fn(follow));
-    std::erase_if(current_->windows, std::not_fn(follow));
-    if (windows().empty() || !hadPrimary || primaryWindow())
+    if (current_->screens.empty() && leaving_.empty())
         return;
-    // Nobody should have to guess when the break ends.
+    const auto attached = platform_.screens->all();
+    for (const auto &set : leaving_)
+        set->follow(attached);
+    current_->follow(attached);
+    // While its mode changes, a screen may be gone for a moment.
+    for (const Screen &screen : attached) {
+        if (current_->screens.contains(screen.name) && !current_->covers(screen))
+            build(screen, BreakOverlayView::Role::secondary);
+    }
+    keepText();
+}
+
+/// Nobody should have to guess when the break ends.
+void OverlayManager::keepText() {
+    if (windows().empty() || !current_->showsText || primaryWindow())
+        return;
     windows().front()->setView(makeView(BreakOverlayView::Role::primary));
     takeKeyboard();
 }

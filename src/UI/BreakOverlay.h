@@ -42,13 +42,18 @@ public:
                    HotKeyManager &hotKeys);
     ~OverlayManager() override;
 
+    /// A break is near: prepares what takes its time.
+    void expect();
+    /// The break does not come for now, or at once.
+    void standDown();
+
     /// Nothing while the windows of a break are up.
     void show();
     void hide();
 
     using Windows = std::vector<std::unique_ptr<OverlayWindow>>;
-    /// In the order of the screens at `show`; empty when no overlay is up. Windows that still fade out after
-    /// `hide` are not among them.
+    /// In the order of the screens at `show`, those of screens that went and came back last; empty when no
+    /// overlay is up. Windows that still fade out after `hide` are not among them.
     const Windows &windows() const { return current_->windows; }
 
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -58,18 +63,26 @@ private:
     struct Set {
         explicit Set(Platform &platform);
 
+        void follow(const std::vector<Screen> &screens);
+        bool covers(const Screen &screen) const;
+
         Windows windows;
+        QStringList screens;    ///< The names of all that it began with; empty while hidden.
+        bool showsText = false; ///< On one of its windows, whichever screens go.
         Fade fade;
-        bool blends = false; ///< Asked when a fade begins: each frame's question would wait for the server.
+        bool fades = false; ///< Asked when a fade begins: each frame's question would wait for the server.
     };
 
-    void build(const Screen &screen);
+    void build(const Screen &screen, BreakOverlayView::Role role);
+    void giveBackIfIdle();
     OverlayWindow *primaryWindow() const;
     std::unique_ptr<BreakOverlayView> makeView(BreakOverlayView::Role role);
     void takeKeyboard();
     void bindEscape();
     void cutShort();
+    void watch(const QScreen *screen);
     void followScreens();
+    void keepText();
     void letGo(const Set *gone);
 
     Platform &platform_;
@@ -77,7 +90,7 @@ private:
     Settings &settings_;
     HotKeyManager &hotKeys_;
     Backgrounds backgrounds_;
-    std::unique_ptr<Set> current_;              ///< Never null; without windows while hidden.
+    std::unique_ptr<Set> current_;              ///< Never null.
     std::vector<std::unique_ptr<Set>> leaving_; ///< Fading out.
 };
 

@@ -1,9 +1,9 @@
 #include "UI/BreakOverlayView.h"
 
+#include "Core/ClockText.h"
 #include "Platform/Platform.h"
 #include "UI/Backgrounds.h"
 #include "UI/BreakScreenText.h"
-#include "UI/ClockText.h"
 #include "UI/Ring.h"
 #include "UI/SkipButton.h"
 
@@ -85,7 +85,7 @@ void BreakOverlayView::refresh() {
     }
     if (shown_.progress != before.progress) {
         constexpr double halfPixel = 0.5;
-        glide_.setSmallestStep(halfPixel / (ring::circumference() * devicePixelRatioF()));
+        glide_.setSmallestStep(halfPixel / (ring::circumference(layout_.ring) * devicePixelRatioF()));
         glide_.glideTo(shown_.progress);
     }
 }
@@ -104,15 +104,22 @@ void BreakOverlayView::arrange() {
     sizes.titleHeight = breakScreen::titleHeight();
     if (shown_.still.skipPermitted)
         sizes.skip = skip_->sizeHint();
-    const double textWidth = std::min(BreakLayout::roomForText(size()), BreakLayout::widestMessage);
-    message_.emplace(shown_.still.message, breakScreen::messageFont(), textWidth,
-                     BreakLayout::roomForMessage(size(), sizes));
+    constexpr int mostLines = 4; // that the ring makes room for
+    breakMessage(sizes.scale, mostLines * MessageText::lineHeight(breakScreen::messageFont()));
+    const double wished = message_->height();
+    sizes.scale = BreakLayout::scaleFor(size(), {sizes.titleHeight, wished, sizes.skip});
+    breakMessage(sizes.scale, BreakLayout::roomForMessage(size(), sizes));
     sizes.messageHeight = message_->height();
     layout_ = BreakLayout::of(size(), sizes);
     setAccessibleName(shown_.still.title);
     setAccessibleDescription(shown_.still.message);
     skip_->setVisible(shown_.still.skipPermitted);
     skip_->setGeometry(QRect(layout_.skip.topLeft().toPoint(), skip_->sizeHint()));
+}
+
+void BreakOverlayView::breakMessage(double scale, double room) {
+    const double width = std::min(BreakLayout::roomForText(size(), scale), BreakLayout::widestMessage);
+    message_.emplace(shown_.still.message, breakScreen::messageFont(), width, room);
 }
 
 void BreakOverlayView::resizeEvent(QResizeEvent *event) {

@@ -61,6 +61,7 @@ private:
     void refreshSoon();
     void refresh();
     void arrange();
+    void breakMessage(double scale, double room);
     void updateArc();
     void paintBackground(QPainter &painter);
 

@@ -2,6 +2,7 @@
 
 #include "UI/Fonts.h"
 #include "UI/MessageText.h"
+#include "UI/Ring.h"
 
 #include <QColor>
 #include <QFontMetricsF>
@@ -21,11 +22,16 @@ QFont titleFont() {
     return font;
 }
 
+double scaleOf(const QRectF &ring) {
+    return ring.width() / ring::side;
+}
+
 /// Smaller for a time of many hours, which would run over the ring.
-QFont timeFont(const QString &time, double room) {
-    constexpr int size = 64;
+QFont timeFont(const QString &time, const QRectF &ring) {
+    const auto size = static_cast<int>(64 * scaleOf(ring));
     const QFont font = fonts::ui(size, QFont::Thin);
     const double width = fonts::tabularWidth(QFontMetricsF(font), time);
+    const double room = breakScreen::timeRect(ring).width();
     return width <= room ? font : fonts::ui(static_cast<int>(size * room / width), QFont::Thin);
 }
 
@@ -54,13 +60,13 @@ void paintTitle(QPainter &painter, const QRectF &rect, const QString &title) {
 }
 
 QRectF timeRect(const QRectF &ring) {
-    constexpr double besides = 16;
-    constexpr double above = 80;
+    const double besides = 16 * scaleOf(ring);
+    const double above = 80 * scaleOf(ring);
     return ring.adjusted(besides, above, -besides, -above);
 }
 
 void paintTime(QPainter &painter, const QRectF &ring, const QString &time) {
-    const QFont font = timeFont(time, timeRect(ring).width());
+    const QFont font = timeFont(time, ring);
     const QFontMetricsF metrics(font);
     const QPointF middle = ring.center();
     painter.setFont(font);

@@ -1,13 +1,12 @@
 #include "UI/MenuBar.h"
 
+#include "Core/ClockText.h"
 #include "Core/LocalDay.h"
+#include "Core/StatusLine.h"
 #include "Platform/Platform.h"
-#include "UI/ClockText.h"
 #include "UI/Symbol.h"
 
 #include <QCoreApplication>
-#include <QDateTime>
-#include <QLocale>
 
 #include <utility>
 
@@ -16,7 +15,6 @@ namespace pavonel {
 namespace {
 
 constexpr Seconds refreshInterval = 1.0;
-constexpr Seconds secondsPerDay = 86400;
 
 const QString mark = QStringLiteral("menubar");
 
@@ -75,7 +73,14 @@ MenuBarController::MenuBarController(Platform &platform, BreakController &contro
         const auto self = weak.lock();
         return self ? (*self)->menu() : Menu{};
     });
-    refreshTimer_ = loop_.every(refreshInterval, [this] { refresh(); });
+    // Made before the controller's timer, this one is served before it on the same beat; what is shown is of
+    // after it.
+    refreshTimer_ = loop_.every(refreshInterval, [this] {
+        loop_.post([weak = std::weak_ptr(self_)] {
+            if (const auto self = weak.lock())
+                (*self)->refresh();
+        });
+    });
     refresh();
 }
 
@@ -99,28 +104,9 @@ MenuBarController::Face MenuBarController::face() const {
     return {mark, next ? shortRemainingTime(next->remaining) : QString()};
 }
 
-QString MenuBarController::statusLine() const {
-    if (controller_.phase == Phase::breaking)
-        return QStringLiteral("On break · ") + clockText(controller_.breakRemaining);
-    if (controller_.phase == Phase::paused)
-        return controller_.pauseUntil.get() ? QStringLiteral("Paused until ") + pauseEnd()
-                                            : QStringLiteral("Paused");
-    if (const auto &reason = controller_.pauseReason.get())
-        return QStringLiteral("Waiting · ") + rawValue(*reason);
-    if (const auto next = controller_.next())
-        return next->title + QStringLiteral(": ") + clockText(next->remaining);
-    return QStringLiteral("No break scheduled");
-}
-
-QString MenuBarController::pauseEnd() const {
-    const auto until = std::chrono::floor<std::chrono::milliseconds>(*controller_.pauseUntil.get());
-    const auto local = QDateTime::fromMSecsSinceEpoch(until.time_since_epoch().count(), loop_.zone());
-    return QLocale().toString(local.time(), QLocale::ShortFormat);
-}
-
 Menu MenuBarController::menu() {
     Menu menu;
-    menu.push_back(label(statusLine()));
+    menu.push_back(label(statusLine(controller_, loop_)));
     menu.push_back(separator());
     menu.push_back(item(QStringLiteral("Take a micro break"), QStringLiteral("b"), [this] {
         controller_.startBreak(BreakKind::micro, BreakController::Initiator::user);
@@ -133,7 +119,7 @@ Menu MenuBarController::menu() {
             item(QStringLiteral("Skip next break"), QStringLiteral("s"), [this] { controller_.skip(); }));
     menu.push_back(separator());
     if (controller_.phase == Phase::paused)
-        menu.push_back(item(QStringLiteral("Resume"), {}, [this] { resume(); }));
+        menu.push_back(item(QStringLiteral("Resume"), {}, [this] { controller_.resume(); }));
     else
         menu.push_back({MenuItem::Kind::submenu, QStringLiteral("Pause"), {}, {}, pauseMenu()});
     menu.push_back(item(QStringLiteral("Reset timers"), {}, [this] { resetTimers(); }));
@@ -174,17 +160,12 @@ MenuItem MenuBarController::item(const QString &title, const QString &key, std::
 
 Seconds MenuBarController::untilTomorrow() const {
     const Instant now = loop_.now();
-    return secondsBetween(now, LocalDay::containing(now + secondsPerDay, loop_.zone()).begin);
+    return secondsBetween(now, LocalDay::containing(now, loop_.zone()).end);
 }
 
 QString MenuBarController::todayLine() const {
     const Day today = stats_.today();
     return QStringLiteral("Today: %1 breaks · %2 skipped").arg(today.micro + today.long_).arg(today.skipped);
-}
-
-void MenuBarController::resume() {
-    controller_.pauseUntil = std::nullopt;
-    controller_.phase = Phase::counting;
 }
 
 void MenuBarController::resetTimers() {

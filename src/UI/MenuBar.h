@@ -16,9 +16,6 @@ public:
     MenuBarController(Platform &platform, BreakController &controller, const Settings &settings,
                       const Stats &stats, std::function<void()> onSettings);
 
-    /// The first line of the menu.
-    QString statusLine() const;
-
 private:
     struct Face {
         QString icon; ///< A symbol's name, or that of the mark.
@@ -31,10 +28,8 @@ private:
     Menu menu();
     Menu pauseMenu();
     MenuItem item(const QString &title, const QString &key, std::function<void()> action);
-    QString pauseEnd() const;
     Seconds untilTomorrow() const;
     QString todayLine() const;
-    void resume();
     void resetTimers();
 
     StatusItem &statusItem_;

@@ -1,7 +1,10 @@
 #include "UI/MessageText.h"
 
+#include "Core/Characters.h"
+
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QTextBoundaryFinder>
 
 #include <algorithm>
 #include <cmath>
@@ -13,32 +16,33 @@ namespace {
 constexpr double leading = 1.3;
 constexpr qsizetype moreThanAnyScreenHolds = 20000;
 
-QTextOption centred() {
-    QTextOption option(Qt::AlignHCenter);
-    option.setTextDirection(Qt::LayoutDirectionAuto);
-    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    return option;
-}
-
 } // namespace
 
 double MessageText::lineHeight(const QFont &font) {
     return std::round(leading * font.pixelSize());
 }
 
-MessageText::MessageText(const QString &text, const QFont &font, double maxWidth, double maxHeight)
-    : font_(font), lineHeight_(lineHeight(font)),
+MessageText::MessageText(const QString &text, const QFont &font, double maxWidth, double maxHeight,
+                         Qt::AlignmentFlag alignment)
+    : font_(font), alignment_(alignment), lineHeight_(lineHeight(font)),
       maxLines_(std::max(1, static_cast<int>(maxHeight / lineHeight_))) {
-    QString lines = text.left(moreThanAnyScreenHolds);
+    QString lines = beginning(text, moreThanAnyScreenHolds);
     lines.replace(QLatin1Char('\n'), QChar::LineSeparator);
     layout_ = std::make_unique<QTextLayout>(lines, font_);
-    layout_->setTextOption(centred());
+    layout_->setTextOption(option());
     layout_->setCacheEnabled(true);
     lineCount_ = breakLines(maxWidth);
     if (lineCount_ > maxLines_)
         cut(maxWidth);
     else
         balance(maxWidth);
+}
+
+QTextOption MessageText::option() const {
+    QTextOption option(alignment_);
+    option.setTextDirection(Qt::LayoutDirectionAuto);
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    return option;
 }
 
 /// Yields the number of lines, at most one more than are allowed.
@@ -59,16 +63,31 @@ int MessageText::breakLines(double width) {
     return std::max(count, 1);
 }
 
-/// A last line of one or two words looks lost: narrows the text as far as it takes no further line.
+/// How many lines end in the middle of a word.
+int MessageText::splitWords() const {
+    QTextBoundaryFinder places(QTextBoundaryFinder::Line, layout_->text());
+    int count = 0;
+    for (int i = 0; i + 1 < layout_->lineCount(); ++i) {
+        const QTextLine line = layout_->lineAt(i);
+        places.setPosition(line.textStart() + line.textLength());
+        count += places.isAtBoundary() ? 0 : 1;
+    }
+    return count;
+}
+
+/// A last line of one or two words looks lost: narrows the text as far as it takes no further line and splits
+/// no further word.
 void MessageText::balance(double maxWidth) {
     constexpr int mostLines = 6; // beyond, it is a block of text anyway
     if (lineCount_ < 2 || lineCount_ > mostLines)
         return;
+    const int split = splitWords();
     double fits = maxWidth;
     double tooNarrow = maxWidth / 2;
     while (fits - tooNarrow > 1) {
         const double middle = std::round((fits + tooNarrow) / 2);
-        (breakLines(middle) > lineCount_ ? tooNarrow : fits) = middle;
+        const bool isTooNarrow = breakLines(middle) > lineCount_ || splitWords() > split;
+        (isTooNarrow ? tooNarrow : fits) = middle;
     }
     breakLines(fits);
 }
@@ -81,17 +100,17 @@ void MessageText::cut(double maxWidth) {
 }
 
 void MessageText::paint(QPainter &painter, QPointF top) const {
-    const QPointF origin(top.x() - width_ / 2, top.y());
+    const QPointF origin(alignment_ == Qt::AlignHCenter ? top.x() - width_ / 2 : top.x(), top.y());
     const int whole = isCut() ? lineCount_ - 1 : layout_->lineCount();
     for (int i = 0; i < whole; ++i)
         layout_->lineAt(i).draw(&painter, origin);
     if (!isCut())
         return;
-    QTextOption option = centred();
-    option.setWrapMode(QTextOption::NoWrap);
+    QTextOption oneLine = option();
+    oneLine.setWrapMode(QTextOption::NoWrap);
     painter.setFont(font_);
     const QRectF box(origin.x(), origin.y() + lineHeight_ * (lineCount_ - 1), width_, lineHeight_);
-    painter.drawText(box, lastLine_, option);
+    painter.drawText(box, lastLine_, oneLine);
 }
 
 } // namespace pavonel

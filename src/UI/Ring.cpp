@@ -13,24 +13,33 @@ namespace {
 
 constexpr double trackOpacity = 0.12;
 constexpr double arcOpacity = 0.85;
-constexpr double radius = (side - lineWidth) / 2;
 constexpr double antialiasing = 1; // how far beyond its edge a line is seen
 constexpr double fullTurn = 360;
 constexpr double twelve = 90; // o'clock, in degrees that grow anticlockwise from three o'clock
 
-/// The circle in the middle of the line.
+/// A smaller ring has a finer line.
+double lineWidth(const QRectF &square) {
+    constexpr double ofWholeSide = 6;
+    return ofWholeSide * square.width() / side;
+}
+
+/// Of the circle in the middle of the line.
+double radius(const QRectF &square) {
+    return (square.width() - lineWidth(square)) / 2;
+}
+
 QRectF circle(const QRectF &square) {
-    constexpr double inset = lineWidth / 2;
+    const double inset = lineWidth(square) / 2;
     return square.adjusted(inset, inset, -inset, -inset);
 }
 
 QPointF endOfArc(const QRectF &square, double progress) {
     const double angle = progress * 2 * std::numbers::pi;
-    return square.center() + QPointF(std::sin(angle), -std::cos(angle)) * radius;
+    return square.center() + QPointF(std::sin(angle), -std::cos(angle)) * radius(square);
 }
 
-QPen pen(double opacity, Qt::PenCapStyle cap) {
-    return {QColor::fromRgbF(1, 1, 1, static_cast<float>(opacity)), lineWidth, Qt::SolidLine, cap};
+QPen pen(const QRectF &square, double opacity, Qt::PenCapStyle cap) {
+    return {QColor::fromRgbF(1, 1, 1, static_cast<float>(opacity)), lineWidth(square), Qt::SolidLine, cap};
 }
 
 /// Whether nothing of the line can be seen in the rectangle.
@@ -38,7 +47,7 @@ bool liesWithinTheHole(const QRectF &rect, const QRectF &square) {
     const QPointF middle = square.center();
     const double farthest = std::hypot(std::max(middle.x() - rect.left(), rect.right() - middle.x()),
                                        std::max(middle.y() - rect.top(), rect.bottom() - middle.y()));
-    return farthest < radius - lineWidth / 2 - antialiasing;
+    return farthest < radius(square) - lineWidth(square) / 2 - antialiasing;
 }
 
 /// A part of the circle, as shares of the way around.
@@ -51,12 +60,12 @@ constexpr Span wholeCircle{0, 1};
 /// The part of the circle that can be seen in the rectangle, and a little more.
 Span touched(const QRectF &square, const QRectF &rect) {
     const QPointF middle = rect.center() - square.center();
-    const double reach = std::hypot(rect.width(), rect.height()) / 2 + lineWidth;
-    if (reach > radius / 2)
+    const double reach = std::hypot(rect.width(), rect.height()) / 2 + lineWidth(square);
+    if (reach > radius(square) / 2)
         return wholeCircle;
     const double turn = std::atan2(middle.x(), -middle.y()) / (2 * std::numbers::pi);
     const double share = turn < 0 ? turn + 1 : turn;
-    const double half = std::asin(reach / (radius - lineWidth)) / (2 * std::numbers::pi);
+    const double half = std::asin(reach / (radius(square) - lineWidth(square))) / (2 * std::numbers::pi);
     const bool atTwelve = share < half || share > 1 - half;
     return atTwelve ? wholeCircle : Span{share - half, share + half};
 }
@@ -70,8 +79,8 @@ void strokeArc(QPainter &painter, const QRectF &square, Span span, const QPen &p
 
 } // namespace
 
-double circumference() {
-    return 2 * std::numbers::pi * radius;
+double circumference(const QRectF &square) {
+    return 2 * std::numbers::pi * radius(square);
 }
 
 void paint(QPainter &painter, const QRectF &square, double progress, const QRectF &due) {
@@ -79,9 +88,10 @@ void paint(QPainter &painter, const QRectF &square, double progress, const QRect
         return;
     const Span seen = touched(square, due);
     painter.setRenderHint(QPainter::Antialiasing);
-    strokeArc(painter, square, seen, pen(trackOpacity, Qt::FlatCap));
+    strokeArc(painter, square, seen, pen(square, trackOpacity, Qt::FlatCap));
     if (progress > seen.from)
-        strokeArc(painter, square, {seen.from, std::min(progress, seen.to)}, pen(arcOpacity, Qt::RoundCap));
+        strokeArc(painter, square, {seen.from, std::min(progress, seen.to)},
+                  pen(square, arcOpacity, Qt::RoundCap));
     painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
@@ -89,10 +99,10 @@ QRectF changed(const QRectF &square, double from, double to) {
     constexpr double shortMove = 1.0 / 16; // its bulge stays within the line's own width
     if (std::abs(to - from) > shortMove)
         return square.adjusted(-antialiasing, -antialiasing, antialiasing, antialiasing);
-    constexpr double margin = lineWidth / 2 + antialiasing;
+    const double margin = lineWidth(square) / 2 + antialiasing;
     const QPointF a = endOfArc(square, from);
     const QPointF b = endOfArc(square, to);
-    const double bulge = radius * (1 - std::cos(std::abs(to - from) * std::numbers::pi));
+    const double bulge = radius(square) * (1 - std::cos(std::abs(to - from) * std::numbers::pi));
     return QRectF(a, b).normalized().adjusted(-margin - bulge, -margin - bulge, margin + bulge,
                                               margin + bulge);
 }

@@ -7,7 +7,6 @@ class QPainter;
 namespace pavonel::ring {
 
 inline constexpr double side = 240;
-inline constexpr double lineWidth = 6;
 
 /// The track and, over it, the arc from twelve o'clock clockwise, within the square. `progress` is 0 to 1.
 /// Only what can be seen in `due` is sure to be drawn.
@@ -17,6 +16,6 @@ void paint(QPainter &painter, const QRectF &square, double progress, const QRect
 QRectF changed(const QRectF &square, double from, double to);
 
 /// The length of the line all around.
-double circumference();
+double circumference(const QRectF &square);
 
 } // namespace pavonel::ring

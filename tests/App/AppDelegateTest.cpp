@@ -281,6 +281,49 @@ TEST_F(AppDelegateTest, opened_again_with_another_version_in_its_place_it_gives_
     EXPECT_EQ(platform.loop.quits, std::vector<int>{0});
 }
 
+TEST_F(AppDelegateTest, it_gives_way_to_what_a_package_manager_puts_in_its_place) {
+    platform.fakeDefaults.values[QStringLiteral("didOnboard")] = true;
+    delegate.setUp();
+    platform.copy.versionInPlace = QStringLiteral("1.3.0");
+    platform.copy.tellSuccessor();
+    EXPECT_EQ(platform.loop.quits, std::vector<int>{0});
+}
+
+TEST_F(AppDelegateTest, another_version_in_its_place_waits_for_the_end_of_a_break) {
+    platform.fakeDefaults.values[QStringLiteral("didOnboard")] = true;
+    delegate.setUp();
+    delegate.act(OutsideAction::takeMicroBreak);
+    platform.copy.versionInPlace = QStringLiteral("1.3.0");
+    delegate.reopen();
+    pass(18);
+    EXPECT_EQ(shown(overlay), 1);
+    EXPECT_TRUE(platform.loop.quits.empty());
+    EXPECT_EQ(shown(settingsTitle), 0) << "those of the old version";
+    pass(3);
+    EXPECT_EQ(stats.today().micro, 1);
+    EXPECT_EQ(platform.loop.quits, std::vector<int>{0});
+}
+
+TEST_F(AppDelegateTest, a_package_manager_does_not_end_a_break) {
+    platform.fakeDefaults.values[QStringLiteral("didOnboard")] = true;
+    delegate.setUp();
+    delegate.act(OutsideAction::takeMicroBreak);
+    platform.copy.versionInPlace = QStringLiteral("1.3.0");
+    platform.copy.tellSuccessor();
+    pass(18);
+    EXPECT_TRUE(platform.loop.quits.empty());
+    pass(3);
+    EXPECT_EQ(platform.loop.quits, std::vector<int>{0});
+}
+
+TEST_F(AppDelegateTest, after_a_break_it_stays_unless_it_was_opened_again) {
+    delegate.setUp();
+    platform.copy.versionInPlace = QStringLiteral("1.3.0");
+    delegate.act(OutsideAction::takeMicroBreak);
+    pass(25);
+    EXPECT_TRUE(platform.loop.quits.empty());
+}
+
 TEST_F(AppDelegateTest, the_menu_opens_the_settings) {
     platform.fakeDefaults.values[QStringLiteral("didOnboard")] = true;
     delegate.setUp();

@@ -1,8 +1,16 @@
 #include "Platform/Linux/Tray/DBusMenu.h"
 
 #include "Platform/Linux/Tray/NotifierItem.h"
+#include "support/MessageBus.h"
+#include "support/waitUntil.h"
 
 #include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusError>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+
+#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -100,6 +108,50 @@ TEST_F(DBusMenuTest, events_that_mean_nothing_do_nothing) {
     EXPECT_EQ(unknown, QList<int>{4711});
     QCoreApplication::processEvents();
     EXPECT_EQ(paused, 0);
+}
+
+/// Questions of a size that no host asks, as they come over the bus.
+class AbsurdQuestion : public DBusMenuTest, public ::testing::WithParamInterface<int> {
+protected:
+    ~AbsurdQuestion() override {
+        for (const char *name : {"menu", "host"})
+            QDBusConnection::disconnectFromBus(QString::fromLatin1(name));
+    }
+
+    /// The name of the error with which it is answered; empty when it is taken.
+    QString error(const char *method, const QVariantList &arguments) {
+        auto question = QDBusMessage::createMethodCall(ours.baseService(), NotifierItem::menuPath,
+                                                       QStringLiteral("com.canonical.dbusmenu"),
+                                                       QString::fromLatin1(method));
+        question.setArguments(arguments);
+        const QDBusPendingCall call = host.asyncCall(question);
+        EXPECT_TRUE(waitUntil([&] { return call.isFinished(); }));
+        return call.isError() ? call.error().name() : QString();
+    }
+
+    MessageBus bus;
+    QDBusConnection ours = QDBusConnection::connectToBus(bus.address(), QStringLiteral("menu"));
+    QDBusConnection host = QDBusConnection::connectToBus(bus.address(), QStringLiteral("host"));
+};
+
+INSTANTIATE_TEST_SUITE_P(Sizes, AbsurdQuestion, ::testing::Values(3, 200'000));
+
+TEST_P(AbsurdQuestion, is_answered_with_an_error_and_a_sensible_one_is_not) {
+    ASSERT_TRUE(ours.registerObject(NotifierItem::menuPath, &menu, QDBusConnection::ExportAllContents));
+    const bool absurd = GetParam() > 3;
+    const QString expected = absurd ? QStringLiteral("org.freedesktop.DBus.Error.LimitsExceeded") : QString();
+    const QVariant ids = QVariant::fromValue(QList<int>(GetParam(), 1));
+    const QStringList none;
+    const QStringList names(GetParam(), QStringLiteral("label"));
+    const QVariant events = QVariant::fromValue(
+        QList<DBusMenuEvent>(GetParam(), {4711, QStringLiteral("clicked"), QDBusVariant(0), 0}));
+    const int depth = absurd ? std::numeric_limits<int>::min() : -1;
+    EXPECT_EQ(error("GetGroupProperties", {ids, none}), expected);
+    EXPECT_EQ(error("GetGroupProperties", {QVariant::fromValue(QList<int>{1}), names}), expected);
+    EXPECT_EQ(error("GetLayout", {0, -1, names}), expected);
+    EXPECT_EQ(error("GetLayout", {0, depth, none}), expected);
+    EXPECT_EQ(error("AboutToShowGroup", {ids}), expected);
+    EXPECT_EQ(error("EventGroup", {events}), expected);
 }
 
 TEST(NotifierItem, tells_its_hosts_of_a_label_only_when_it_changed) {

@@ -151,8 +151,9 @@ TEST_F(AppearancePage, says_of_an_image_that_is_gone_or_none_that_the_style_is_s
 
 TEST_F(AppearancePage, takes_the_image_that_is_picked) {
     const QString path = picture(u"sea.png"_s, Qt::blue);
-    open.settings.customBackgroundPath = path + u".old"_s; // so that the dialog opens in the folder
+    open.settings.customBackgroundPath = picture(u"old.png"_s, Qt::red); // the dialog opens beside it
     show();
+    ASSERT_TRUE(soonShows(u"Shown in place of the style."_s));
     click(*button(u"Choose image…"_s));
     auto *dialog = open.window()->findChild<QFileDialog *>();
     ASSERT_NE(dialog, nullptr);

@@ -54,6 +54,30 @@ TEST(BreakLayout, the_tallest_message_leaves_60_points_above_and_below) {
     EXPECT_EQ(layout.skip.bottom(), 1080 - 60);
 }
 
+TEST(BreakLayout, on_a_small_screen_paddings_and_ring_give_way_in_proportion) {
+    for (const QSizeF small : {QSizeF(640, 360), QSizeF(683, 384), QSizeF(800, 480)}) {
+        for (const double lines : {1, 2, 4}) {
+            BreakLayout::Sizes all = sizes();
+            all.messageHeight = lines * 34;
+            all.scale = BreakLayout::scaleFor(small, all);
+            const BreakLayout layout = BreakLayout::of(small, all);
+            EXPECT_LT(all.scale, 1);
+            EXPECT_NEAR(layout.title.top(), 60 * all.scale, 1);
+            EXPECT_NEAR(layout.skip.bottom(), small.height() - 60 * all.scale, 1);
+            EXPECT_NEAR(layout.ring.width(), 240 * all.scale, 1);
+            EXPECT_NEAR(layout.message.top() - layout.ring.bottom(), 28 * all.scale, 1);
+            EXPECT_EQ(layout.message.height(), all.messageHeight);
+            EXPECT_EQ(layout.skip.size(), capsule);
+        }
+    }
+}
+
+TEST(BreakLayout, an_ordinary_screen_has_everything_in_full_size) {
+    BreakLayout::Sizes all = sizes();
+    all.messageHeight = 4 * 34;
+    EXPECT_EQ(BreakLayout::scaleFor({1280, 720}, all), 1);
+}
+
 TEST(BreakLayout, a_tiny_window_leaves_no_negative_room) {
     EXPECT_EQ(BreakLayout::roomForText({100, 100}), 0);
     EXPECT_EQ(BreakLayout::roomForMessage({100, 100}, sizes()), 0);

@@ -3,10 +3,12 @@
 #include "UI/SkipButton.h"
 #include "support/PaintSpy.h"
 #include "support/Scenario.h"
+#include "support/waitUntil.h"
 #include "support/windows.h"
 
 #include <QBackingStore>
 #include <QKeyEvent>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -54,6 +56,40 @@ protected:
 };
 
 } // namespace
+
+TEST_F(Overlay, a_picture_prepared_for_a_break_that_does_not_come_is_given_back) {
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("picture.png"));
+    const auto save = [&](const QColor &colour) {
+        QImage picture(8, 8, QImage::Format_RGB32);
+        picture.fill(colour);
+        EXPECT_TRUE(picture.save(path));
+    };
+    const auto comesToShow = [this](auto isRight) {
+        return waitUntil([&] {
+            scenario.platform.loop.advance(0);
+            return isRight(windows().front()->grab().toImage().pixelColor(5, 5));
+        });
+    };
+    const auto isRed = [](const QColor &seen) { return seen.red() > 100 && seen.green() == 0; };
+    const auto isGreen = [](const QColor &seen) { return seen.green() > 100 && seen.red() == 0; };
+    save(Qt::red);
+    scenario.settings.customBackgroundPath = path;
+    startBreak();
+    ASSERT_TRUE(comesToShow(isRed));
+    scenario.controller.endBreak(BreakController::Ending::cutShort);
+    scenario.platform.loop.advance(1);
+
+    overlays->expect();
+    ASSERT_TRUE(waitUntil([] { return !Errand::anyAtWork(); }));
+    scenario.platform.loop.advance(0);
+    save(Qt::green);
+    overlays->standDown();
+    scenario.platform.loop.advance(0);
+
+    startBreak();
+    EXPECT_TRUE(comesToShow(isGreen)) << "it shows a picture that it had kept";
+}
 
 TEST_F(Overlay, one_window_a_screen_in_the_order_of_the_screens_exactly_on_its_frame) {
     useThreeScreens();
@@ -295,10 +331,10 @@ TEST_F(Overlay, every_window_has_its_memory_before_the_first_one_is_painted) {
 
 TEST_F(Overlay, the_frames_of_a_fade_ask_the_desktop_nothing) {
     startBreak();
-    const int asked = scenario.platform.layers.blendQuestions;
+    const int asked = scenario.platform.layers.fadeQuestions;
     scenario.platform.loop.advance(0.45);
     EXPECT_EQ(windows().front()->windowOpacity(), 1);
-    EXPECT_EQ(scenario.platform.layers.blendQuestions, asked);
+    EXPECT_EQ(scenario.platform.layers.fadeQuestions, asked);
 }
 
 TEST_F(Overlay, a_break_cannot_be_closed_away) {
@@ -316,6 +352,45 @@ TEST_F(Overlay, a_window_goes_with_its_screen) {
     EXPECT_EQ(windows()[1]->screenName(), QStringLiteral("B"));
     scenario.advance(25);
     EXPECT_FALSE(isBreaking());
+    EXPECT_TRUE(visibleWindows(title).empty());
+}
+
+TEST_F(Overlay, a_screen_that_comes_back_gets_a_window_again) {
+    useThreeScreens();
+    startBreak();
+    scenario.platform.loop.advance(1);
+    auto &screens = scenario.platform.fakeScreens.screens;
+    const Screen gone = screens[2];
+    screens.erase(screens.begin() + 2);
+    Q_EMIT qGuiApp->screenRemoved(QGuiApplication::primaryScreen());
+    screens.push_back(gone);
+    Q_EMIT qGuiApp->screenAdded(QGuiApplication::primaryScreen());
+    ASSERT_EQ(windows().size(), 3U);
+    EXPECT_EQ(windows()[2]->geometry(), gone.frame.toRect());
+    EXPECT_EQ(windows()[2]->windowOpacity(), 1);
+}
+
+TEST_F(Overlay, the_only_screen_shows_the_time_again_when_it_comes_back) {
+    startBreak();
+    auto &screens = scenario.platform.fakeScreens.screens;
+    const auto all = std::exchange(screens, {});
+    Q_EMIT qGuiApp->screenRemoved(QGuiApplication::primaryScreen());
+    EXPECT_TRUE(windows().empty());
+    screens = all;
+    Q_EMIT qGuiApp->screenAdded(QGuiApplication::primaryScreen());
+    ASSERT_EQ(windows().size(), 1U);
+    EXPECT_TRUE(windows()[0]->view().isPrimary());
+    EXPECT_EQ(scenario.platform.layers.keyboardTaken, 2);
+}
+
+TEST_F(Overlay, a_screen_that_comes_back_after_the_break_stays_free) {
+    startBreak();
+    auto &screens = scenario.platform.fakeScreens.screens;
+    const auto all = std::exchange(screens, {});
+    Q_EMIT qGuiApp->screenRemoved(QGuiApplication::primaryScreen());
+    scenario.controller.endBreak(BreakController::Ending::cutShort);
+    screens = all;
+    Q_EMIT qGuiApp->screenAdded(QGuiApplication::primaryScreen());
     EXPECT_TRUE(visibleWindows(title).empty());
 }
 
@@ -355,6 +430,7 @@ TEST_F(Overlay, all_screens_may_go) {
 TEST_F(Overlay, screens_that_come_during_a_break_get_no_window) {
     startBreak();
     useThreeScreens();
+    Q_EMIT qGuiApp->screenAdded(QGuiApplication::primaryScreen());
     scenario.advance(1);
     EXPECT_EQ(windows().size(), 1U);
 }

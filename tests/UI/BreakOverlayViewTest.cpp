@@ -321,6 +321,26 @@ TEST_F(BreakScreen, a_message_of_10000_characters_leaves_ring_and_skip_button_on
     }
 }
 
+TEST_F(BreakScreen, on_small_screens_nothing_is_lost) {
+    scenario.settings.messages = QStringList{
+        QStringLiteral("Look out of the window at the farthest thing you can see, and stay with it.")};
+    startBreak(600);
+    for (const QSize small : {QSize(640, 360), QSize(683, 384), QSize(800, 480), QSize(1024, 600)}) {
+        const BreakLayout &layout = show(BreakOverlayView::Role::primary, small).layoutOfScreen();
+        const QRectF whole(QPointF(), small);
+        QRectF above(0, 0, 1, 1);
+        for (const QRectF &part : {layout.title, layout.ring, layout.message, layout.skip}) {
+            EXPECT_TRUE(whole.contains(part)) << small.height();
+            EXPECT_GE(part.top(), above.bottom());
+            above = part;
+        }
+        EXPECT_EQ(view->skipButton()->geometry().size(), view->skipButton()->sizeHint());
+        const double line = MessageText::lineHeight(breakScreen::messageFont());
+        EXPECT_GE(layout.message.height(), 2 * line) << "the message is cut";
+        EXPECT_TRUE(layout.ring.contains(inkIn(picture(), breakScreen::timeRect(layout.ring))));
+    }
+}
+
 TEST_F(BreakScreen, a_long_title_stays_on_one_line_and_on_the_screen) {
     startBreak(20, QStringLiteral("Lunch with everybody ").repeated(100));
     show();

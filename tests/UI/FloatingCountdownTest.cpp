@@ -17,7 +17,7 @@ protected:
     FloatingCountdownController countdown{scenario.platform, scenario.controller};
 
     static QWidget *panel() { return shownWindow("Pavonel Countdown"); }
-    static QImage picture() { return panel()->grab().toImage(); }
+    static QImage picture() { return panel()->grab(panel()->contentsRect()).toImage(); }
 
     struct PaintCount final : QObject {
         int paints = 0;
@@ -40,7 +40,7 @@ protected:
 TEST_F(FloatingCountdown, stands_16_points_right_of_and_12_below_the_pointer_at_once) {
     scenario.platform.mouse.where = QPointF(640, 480);
     countdown.show();
-    EXPECT_EQ(panel()->geometry(), QRect(656, 492, 86, 30));
+    EXPECT_EQ(slabOf(panel()), QRect(656, 492, 86, 30));
 }
 
 TEST_F(FloatingCountdown, follows_the_pointer_thirty_times_a_second) {
@@ -50,7 +50,7 @@ TEST_F(FloatingCountdown, follows_the_pointer_thirty_times_a_second) {
     for (int frame = 0; frame < 30; ++frame) {
         *scenario.platform.mouse.where += QPointF(5, 2);
         scenario.platform.loop.advance(1.0 / 30);
-        EXPECT_EQ(panel()->pos(), (*scenario.platform.mouse.where + QPointF(16, 12)).toPoint());
+        EXPECT_EQ(slabOf(panel()).topLeft(), (*scenario.platform.mouse.where + QPointF(16, 12)).toPoint());
     }
     EXPECT_EQ(counted.moves, 30);
 }
@@ -62,7 +62,33 @@ TEST_F(FloatingCountdown, stays_beside_the_pointer_on_a_second_screen) {
     countdown.show();
     scenario.platform.mouse.where = QPointF(-700, -150);
     scenario.platform.loop.advance(0.04);
-    EXPECT_EQ(panel()->pos(), QPoint(-684, -138));
+    EXPECT_EQ(slabOf(panel()).topLeft(), QPoint(-684, -138));
+}
+
+TEST_F(FloatingCountdown, is_never_cut_by_an_edge_of_the_screen_nor_lies_over_the_pointer) {
+    countdown.show();
+    const QRect screen = scenario.platform.fakeScreens.screens[0].frame.toRect();
+    for (const int x : {screen.left(), screen.right() - 40, screen.right()}) {
+        for (const int y : {screen.top(), screen.bottom() - 20, screen.bottom()}) {
+            scenario.platform.mouse.where = QPointF(x, y);
+            scenario.platform.loop.advance(0.04);
+            EXPECT_TRUE(screen.contains(slabOf(panel()))) << x << ' ' << y;
+            EXPECT_FALSE(slabOf(panel()).contains(QPoint(x, y))) << x << ' ' << y;
+        }
+    }
+}
+
+TEST_F(FloatingCountdown, between_two_screens_it_stays_whole_on_that_of_the_pointer) {
+    scenario.platform.fakeScreens.screens = {
+        {QStringLiteral("A"), {0, 0, 1920, 1080}, {0, 24, 1920, 1056}, true},
+        {QStringLiteral("B"), {1920, 0, 1280, 720}, {1920, 0, 1280, 720}, false}};
+    countdown.show();
+    scenario.platform.mouse.where = QPointF(1919, 300);
+    scenario.platform.loop.advance(0.04);
+    EXPECT_EQ(slabOf(panel()).topLeft(), QPoint(1920 - 86, 312));
+    scenario.platform.mouse.where = QPointF(1920, 300);
+    scenario.platform.loop.advance(0.04);
+    EXPECT_EQ(slabOf(panel()).topLeft(), QPoint(1936, 312));
 }
 
 TEST_F(FloatingCountdown, does_not_move_while_the_pointer_rests) {
@@ -141,7 +167,7 @@ TEST_F(FloatingCountdown, rests_below_the_heads_up_where_nobody_tells_where_the_
     scenario.platform.mouse.where.reset();
     countdown.show();
     scenario.platform.loop.advance(1);
-    EXPECT_EQ(panel()->geometry(), QRect(1920 - 18 - 86, 24 + 18 + 132 + 12, 86, 30));
+    EXPECT_EQ(slabOf(panel()), QRect(1920 - 18 - 86, 24 + 18 + 132 + 12, 86, 30));
 }
 
 TEST_F(FloatingCountdown, closing_the_heads_up_leaves_it_and_the_coming_break_untouched) {

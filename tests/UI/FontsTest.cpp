@@ -6,6 +6,8 @@
 #include <QImage>
 #include <QPainter>
 
+#include <vector>
+
 #include <gtest/gtest.h>
 
 namespace pavonel::test {
@@ -24,6 +26,22 @@ QImage drawn(const QString &text) {
     painter.setPen(Qt::white);
     fonts::drawTabular(painter, QPointF(10, 45), text);
     return image;
+}
+
+/// The widths of the empty columns between the characters.
+std::vector<int> gapsIn(const QImage &image) {
+    std::vector<int> gaps;
+    int lastInk = -1;
+    for (int x = 0; x < image.width(); ++x) {
+        bool ink = false;
+        for (int y = 0; y < image.height(); ++y)
+            ink |= qGray(image.pixel(x, y)) > 60;
+        if (ink && lastInk >= 0 && x > lastInk + 1)
+            gaps.push_back(x - lastInk - 1);
+        if (ink)
+            lastInk = x;
+    }
+    return gaps;
 }
 
 } // namespace
@@ -48,6 +66,15 @@ TEST(Fonts, a_clock_of_equal_length_is_equally_wide_whatever_its_digits) {
 TEST(Fonts, a_digit_does_not_move_when_those_before_it_change) {
     const QRect lastDigit(75, 0, 125, 60);
     EXPECT_EQ(drawn(QStringLiteral("1:17")).copy(lastDigit), drawn(QStringLiteral("0:47")).copy(lastDigit));
+}
+
+TEST(Fonts, a_one_beside_a_colon_stands_no_farther_from_it_than_from_its_other_neighbour) {
+    const auto before = gapsIn(drawn(QStringLiteral("0:13"))); // 0 : 1 3
+    ASSERT_EQ(before.size(), 3U);
+    EXPECT_LE(before[1], before[2]);
+    const auto behind = gapsIn(drawn(QStringLiteral("31:00"))); // 3 1 : 0 0
+    ASSERT_EQ(behind.size(), 4U);
+    EXPECT_LE(behind[1], behind[0]);
 }
 
 } // namespace pavonel::test

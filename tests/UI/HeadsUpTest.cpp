@@ -36,7 +36,7 @@ protected:
     static QWidget *panel() { return shownWindow(title); }
 
     static PushButton *button(const QString &text) {
-        for (auto *candidate : panel()->findChildren<PushButton *>()) {
+        for (auto *candidate : childrenOf<PushButton>(panel())) {
             if (candidate->text() == text || candidate->accessibleName() == text)
                 return candidate;
         }
@@ -46,7 +46,7 @@ protected:
     /// What a user sees of the buttons, from left to right.
     static QStringList buttonTexts() {
         std::map<int, QString> texts;
-        for (const auto *candidate : panel()->findChildren<PushButton *>()) {
+        for (const auto *candidate : childrenOf<PushButton>(panel())) {
             if (candidate->isVisible() && !candidate->text().isEmpty())
                 texts.emplace(candidate->x(), candidate->text());
         }
@@ -61,7 +61,7 @@ protected:
         scenario.platform.loop.advance(0);
     }
 
-    static QImage picture() { return panel()->grab().toImage(); }
+    static QImage picture() { return panel()->grab(panel()->contentsRect()).toImage(); }
 };
 
 const QStringList allButtons{QStringLiteral("Start now"), QStringLiteral("+1 min"), QStringLiteral("+5 min"),
@@ -73,7 +73,7 @@ TEST_F(HeadsUp, stands_in_the_right_upper_corner_18_points_from_the_visible_fram
     scenario.platform.fakeScreens.screens = {
         {QStringLiteral("A"), {0, 0, 1920, 1080}, {60, 24, 1820, 1000}, true}};
     show();
-    EXPECT_EQ(panel()->geometry(), QRect(1880 - 340 - 18, 24 + 18, 340, 132));
+    EXPECT_EQ(slabOf(panel()), QRect(1880 - 340 - 18, 24 + 18, 340, 132));
 }
 
 TEST_F(HeadsUp, stands_on_the_main_screen) {
@@ -81,14 +81,14 @@ TEST_F(HeadsUp, stands_on_the_main_screen) {
         {QStringLiteral("A"), {0, 0, 1920, 1080}, {0, 0, 1920, 1080}, false},
         {QStringLiteral("B"), {1920, 200, 1280, 720}, {1920, 200, 1280, 690}, true}};
     show();
-    EXPECT_EQ(panel()->geometry().topLeft(), QPoint(3200 - 340 - 18, 218));
+    EXPECT_EQ(slabOf(panel()).topLeft(), QPoint(3200 - 340 - 18, 218));
     EXPECT_EQ(scenario.platform.layers.assignments.back().screen.name, QStringLiteral("B"));
 }
 
 TEST_F(HeadsUp, without_a_main_screen_it_is_shown_at_the_origin) {
     scenario.platform.fakeScreens.screens.clear();
     show();
-    EXPECT_EQ(panel()->geometry(), QRect(0, 0, 340, 132));
+    EXPECT_EQ(slabOf(panel()), QRect(0, 0, 340, 132));
 }
 
 TEST_F(HeadsUp, lies_in_the_panel_layer_and_never_takes_the_keyboard) {
@@ -105,7 +105,7 @@ TEST_F(HeadsUp, lies_in_the_panel_layer_and_never_takes_the_keyboard) {
 
 TEST_F(HeadsUp, with_postponing_and_skipping_permitted_it_is_132_points_tall_and_offers_everything) {
     show();
-    EXPECT_EQ(panel()->height(), 132);
+    EXPECT_EQ(slabOf(panel()).height(), 132);
     EXPECT_EQ(buttonTexts(), allButtons);
 }
 
@@ -116,7 +116,7 @@ TEST_F(HeadsUp, in_strict_mode_it_is_96_points_tall_with_start_and_close_only) {
             scenario.settings.allowSkip = skip;
             scenario.settings.allowPostpone = postpone;
             show();
-            EXPECT_EQ(panel()->height(), 96);
+            EXPECT_EQ(slabOf(panel()).height(), 96);
             EXPECT_EQ(buttonTexts(), QStringList{QStringLiteral("Start now")});
             EXPECT_TRUE(button(QStringLiteral("Dismiss this notice"))->isVisible());
         }
@@ -126,15 +126,15 @@ TEST_F(HeadsUp, in_strict_mode_it_is_96_points_tall_with_start_and_close_only) {
 TEST_F(HeadsUp, without_postponing_but_with_skipping_it_is_96_points_tall_and_still_shows_skip) {
     scenario.settings.allowPostpone = false;
     show();
-    EXPECT_EQ(panel()->height(), 96);
+    EXPECT_EQ(slabOf(panel()).height(), 96);
     EXPECT_EQ(buttonTexts(), QStringList({QStringLiteral("Start now"), QStringLiteral("Skip")}));
 }
 
 TEST_F(HeadsUp, everything_on_it_lies_within_its_padding) {
     scenario.settings.allowPostpone = false;
     show();
-    const QRect inside = panel()->rect().adjusted(14, 14, -14, -14);
-    for (const auto *child : panel()->findChildren<PushButton *>()) {
+    const QRect inside = QRect(QPoint(), slabOf(panel()).size()).adjusted(14, 14, -14, -14);
+    for (const auto *child : childrenOf<PushButton>(panel())) {
         EXPECT_TRUE(!child->isVisible() || inside.contains(child->geometry())) << qPrintable(child->text());
     }
 }
@@ -358,7 +358,7 @@ TEST_F(HeadsUp, the_close_button_explains_itself_once_the_pointer_rests_on_it) {
 
 TEST_F(HeadsUp, every_button_says_its_name_to_a_screen_reader) {
     show();
-    for (const auto *candidate : panel()->findChildren<PushButton *>())
+    for (const auto *candidate : childrenOf<PushButton>(panel()))
         EXPECT_FALSE(candidate->text().isEmpty() && candidate->accessibleName().isEmpty());
 }
 

@@ -1,8 +1,9 @@
 #include "UI/MenuBar.h"
 
-#include "support/FakePlatform.h"
+#include "support/Scenario.h"
 
-#include <QLocale>
+#include <algorithm>
+#include <iterator>
 
 namespace pavonel::test {
 
@@ -90,7 +91,7 @@ TEST_F(MenuBar, without_a_coming_break_the_mark_stands_alone) {
     refresh();
     EXPECT_EQ(platform.menuBar.icon, QStringLiteral("menubar"));
     EXPECT_EQ(platform.menuBar.title, QString());
-    EXPECT_EQ(menuBar.statusLine(), QStringLiteral("No break scheduled"));
+    EXPECT_EQ(lines(menu()).value(0), QStringLiteral("(No break scheduled)"));
 }
 
 TEST_F(MenuBar, is_right_from_the_start) {
@@ -113,30 +114,6 @@ TEST_F(MenuBar, nothing_is_sent_in_a_second_in_which_nothing_changed) {
     refresh();
     refresh();
     EXPECT_EQ(platform.menuBar.changes, before);
-}
-
-TEST_F(MenuBar, status_line_says_what_is_going_on) {
-    const QString pauseEnd = QLocale().toString(QTime(9, 15), QLocale::ShortFormat);
-    const struct {
-        QString line;
-        std::function<void()> state;
-    } table[] = {
-        {text("Micro break: 20:00"), [] {}},
-        {text("Long break: 1:00"), [&] { controller.longElapsed = 3540; }},
-        {text("Waiting · Fullscreen app"), [&] { controller.pauseReason = PauseReason::fullscreen; }},
-        {text("Waiting · Video or audio playing"), [&] { controller.pauseReason = PauseReason::audio; }},
-        {text("Waiting · Meeting or call"), [&] { controller.pauseReason = PauseReason::microphone; }},
-        {text("Waiting · Screen sharing or recording"),
-         [&] { controller.pauseReason = PauseReason::screenSharing; }},
-        {text("Waiting · Focus app in front"), [&] { controller.pauseReason = PauseReason::deepFocus; }},
-        {text("Paused"), [&] { controller.pause(); }},
-        {text("Paused until ") + pauseEnd, [&] { controller.pause(900); }},
-        {text("On break · 1:02:05"), [&] { controller.phase = Phase::counting, breakWith(3725); }},
-    };
-    for (const auto &row : table) {
-        row.state();
-        EXPECT_EQ(menuBar.statusLine().toStdString(), row.line.toStdString());
-    }
 }
 
 TEST_F(MenuBar, menu_holds_the_commands_in_order) {
@@ -177,6 +154,27 @@ TEST_F(MenuBar, while_paused_resume_stands_in_the_place_of_pause) {
     EXPECT_TRUE(find(menu(), text("Pause")));
 }
 
+TEST_F(MenuBar, resume_in_a_menu_opened_before_a_break_leaves_the_break_alone) {
+    controller.pause();
+    const Menu openedEarlier = menu();
+    breakWith(20);
+    choose(openedEarlier, "Resume");
+    EXPECT_EQ(controller.phase, Phase::breaking);
+    EXPECT_EQ(controller.currentBreak.get(), BreakKind::micro);
+}
+
+TEST_F(MenuBar, resume_in_a_menu_opened_before_the_pause_ended_leaves_the_notice_alone) {
+    controller.pause();
+    const Menu openedEarlier = menu();
+    controller.resume();
+    controller.microElapsed = 1190;
+    controller.start();
+    refresh();
+    ASSERT_EQ(controller.phase, Phase::headsUp);
+    choose(openedEarlier, "Resume");
+    EXPECT_EQ(controller.phase, Phase::headsUp);
+}
+
 TEST_F(MenuBar, commands_act_on_the_controller) {
     choose(menu(), "Take a long break");
     EXPECT_EQ(controller.currentBreak.get(), BreakKind::long_);
@@ -209,12 +207,21 @@ TEST_F(MenuBar, until_tomorrow_just_before_midnight_is_short) {
     EXPECT_EQ(controller.pauseUntil.get(), platform.loop.at(text("2026-03-03T00:00")));
 }
 
-TEST_F(MenuBar, until_tomorrow_ends_at_the_midnight_that_begins_the_day_of_24_hours_from_now) {
+TEST_F(MenuBar, until_tomorrow_ends_at_the_next_midnight_however_long_the_day_is) {
     platform.loop.setZone("Europe/Berlin");
-    platform.loop.setClock(text("2026-03-28T23:30")); // the clock goes forward in the night
-    const Menu items = menu();
-    choose(find(items, text("Pause"))->submenu, "Until tomorrow");
-    EXPECT_EQ(controller.pauseUntil.get(), platform.loop.at(text("2026-03-30T00:00")));
+    const std::pair<const char *, const char *> table[] = {
+        {"2026-03-28T23:30", "2026-03-29T00:00"}, // before a day of 23 hours
+        {"2026-03-29T00:00", "2026-03-30T00:00"}, // in it
+        {"2026-10-25T00:30", "2026-10-26T00:00"}, // in the first hour of a day of 25 hours
+        {"2026-10-25T23:59", "2026-10-26T00:00"}, // in its last
+    };
+    for (const auto &[now, end] : table) {
+        platform.loop.setClock(text(now));
+        controller.phase = Phase::counting;
+        const Menu items = menu();
+        choose(find(items, text("Pause"))->submenu, "Until tomorrow");
+        EXPECT_EQ(controller.pauseUntil.get(), platform.loop.at(text(end))) << now;
+    }
 }
 
 TEST_F(MenuBar, reset_zeroes_both_counters_and_withdraws_the_heads_up) {
@@ -242,6 +249,39 @@ TEST_F(MenuBar, todays_line_counts_micro_and_long_breaks_only) {
     day.skipped = 4;
     stats.setToday(day);
     EXPECT_TRUE(find(menu(), text("Today: 3 breaks · 4 skipped")));
+}
+
+namespace {
+
+/// The commands of a menu and of its submenus, but for that which quits.
+std::vector<MenuItem> commandsOf(const Menu &menu) {
+    std::vector<MenuItem> commands;
+    for (const MenuItem &item : menu) {
+        if (item.kind == MenuItem::Kind::submenu)
+            std::ranges::copy(commandsOf(item.submenu), std::back_inserter(commands));
+        else if (item.action && item.title != text("Quit Pavonel"))
+            commands.push_back(item);
+    }
+    return commands;
+}
+
+} // namespace
+
+TEST(MenuBarLife, a_command_of_a_menu_opened_in_any_phase_leaves_every_later_phase_whole) {
+    Scenario s;
+    const MenuBarController menuBar(s.platform, s.controller, s.settings, s.stats, [] {});
+    for (const Phase opened : everyPhase) {
+        s.enter(opened);
+        for (const MenuItem &command : commandsOf(s.platform.menuBar.makeMenu())) {
+            for (const Phase later : everyPhase) {
+                s.enter(later);
+                command.action();
+                EXPECT_TRUE(s.isWhole())
+                    << command.title.toStdString() << " of a menu opened in phase "
+                    << static_cast<int>(opened) << ", chosen in phase " << static_cast<int>(later);
+            }
+        }
+    }
 }
 
 TEST(MenuBarLife, a_menu_that_outlives_the_menu_bar_does_nothing) {

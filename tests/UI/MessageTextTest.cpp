@@ -67,6 +67,24 @@ TEST(MessageText, lines_are_of_about_equal_length) {
     EXPECT_LT(inkOf(laidOut(twoLines)).width(), 400) << "not one long line and a lost word";
 }
 
+TEST(MessageText, a_word_that_fits_is_not_split_for_the_sake_of_equal_lines) {
+    const QString longest = QStringLiteral("Rindfleischetikettierungsgesetz,");
+    const double needed = QFontMetricsF(font()).horizontalAdvance(longest);
+    for (const QString &text : {longest + QStringLiteral(" not looked at, rests your eyes."),
+                                QStringLiteral("Rest your eyes from the ") + longest,
+                                longest + QStringLiteral(" breathe; ") + longest}) {
+        const MessageText message = laidOut(text);
+        EXPECT_EQ(message.lineCount(), 2) << text.toStdString();
+        EXPECT_GE(message.width(), needed) << text.toStdString();
+    }
+}
+
+TEST(MessageText, beside_a_word_that_must_be_split_no_other_is) {
+    const QString longest = QStringLiteral("Rindfleischetikettierungsgesetz");
+    const MessageText text = laidOut(QString(60, u'm') + u' ' + longest);
+    EXPECT_GE(text.width(), QFontMetricsF(font()).horizontalAdvance(longest));
+}
+
 TEST(MessageText, lines_are_centred) {
     const QRect ink = inkOf(laidOut(twoLines));
     EXPECT_NEAR(ink.center().x(), 500, 2);

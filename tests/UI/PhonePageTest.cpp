@@ -65,6 +65,16 @@ TEST_F(PhonePage, while_waiting_shows_the_code) {
     EXPECT_TRUE(shows(explanation));
 }
 
+TEST_F(PhonePage, a_code_is_told_as_it_is_shown_without_half_a_character) {
+    const auto told = [this](const QString &code) {
+        enter(Phone::Waiting{code});
+        const auto views = childrenOf<CodeView>(open.window());
+        return views.size() == 1 ? views.front()->accessibleName() : QStringLiteral("nothing");
+    };
+    EXPECT_EQ(told(QString(10'000, u'8')), QString(64, u'8'));
+    EXPECT_EQ(told(QStringLiteral("🫖").repeated(100)), QStringLiteral("🫖").repeated(64));
+}
+
 TEST_F(PhonePage, after_a_failure_tells_it_and_offers_another_try) {
     enter(Phone::Failed{u"Could not reach the pairing service."_s});
     EXPECT_TRUE(shows(explanation));

@@ -4,6 +4,7 @@
 #include "UI/Controls/ScrollArea.h"
 #include "support/FakePlatform.h"
 #include "support/Printing.h"
+#include "support/windows.h"
 
 #include <QApplication>
 #include <QScrollBar>
@@ -58,7 +59,7 @@ protected:
         QApplication::processEvents(); // the column tells what scrolls it
     }
 
-    int existing() const { return static_cast<int>(rows->findChildren<Button *>().size()); }
+    int existing() const { return static_cast<int>(childrenOf<Button>(rows).size()); }
 
     void scrollTo(int y) {
         area->verticalScrollBar()->setValue(y);

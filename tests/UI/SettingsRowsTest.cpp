@@ -1,4 +1,4 @@
-#include "UI/ClockText.h"
+#include "Core/ClockText.h"
 #include "UI/Controls/Stepper.h"
 #include "UI/Controls/Switch.h"
 #include "UI/Controls/TextField.h"

@@ -74,11 +74,11 @@ TEST_F(StatsPage, draws_the_days_in_a_chart) {
 
 TEST_F(StatsPage, resets_everything_at_once_and_on_disk) {
     show(twoDays);
-    const int flushes = open.platform.fakeDefaults.flushes;
+    const int saves = open.platform.fakeDefaults.saves;
     click(*button(u"Reset stats"_s));
     EXPECT_TRUE(stats.days().empty());
     EXPECT_EQ(open.platform.fakeDefaults.value(Stats::key), StoredValue(QByteArray("{}")));
-    EXPECT_GT(open.platform.fakeDefaults.flushes, flushes);
+    EXPECT_GT(open.platform.fakeDefaults.saves, saves);
     open.settle();
     EXPECT_TRUE(shows(u"Micro breaks: 0"_s));
 }

@@ -22,7 +22,7 @@ protected:
         toast.show(text, symbol);
     }
     static QWidget *panel() { return shownWindow(title); }
-    static QImage picture() { return panel()->grab().toImage(); }
+    static QImage picture() { return panel()->grab(panel()->contentsRect()).toImage(); }
 
     /// The rectangle of everything that is drawn on the material, symbol and round ends apart.
     static QRect textRect() {
@@ -45,13 +45,13 @@ protected:
 TEST_F(Toast, is_centred_24_points_below_the_top_of_the_visible_frame) {
     platform.fakeScreens.screens = {{QStringLiteral("A"), {0, 0, 1920, 1080}, {100, 30, 1820, 1000}, true}};
     show();
-    EXPECT_EQ(panel()->geometry(), QRect(1010 - 190, 54, 380, 56));
+    EXPECT_EQ(slabOf(panel()), QRect(1010 - 190, 54, 380, 56));
 }
 
 TEST_F(Toast, without_a_main_screen_it_is_shown_at_the_origin) {
     platform.fakeScreens.screens.clear();
     show();
-    EXPECT_EQ(panel()->geometry(), QRect(0, 0, 380, 56));
+    EXPECT_EQ(slabOf(panel()), QRect(0, 0, 380, 56));
 }
 
 TEST_F(Toast, goes_after_six_seconds) {
@@ -119,6 +119,12 @@ TEST_F(Toast, wraps_to_two_lines_and_clips_nothing) {
     EXPECT_LT(text.height(), 2 * line + 2);
     EXPECT_LE(text.right(), 380 - 16);
     EXPECT_NEAR(text.center().y(), 28, 3);
+}
+
+TEST_F(Toast, its_two_lines_are_of_about_equal_length) {
+    show();
+    const double onOneLine = QFontMetricsF(fonts::ui(13)).horizontalAdvance(posture);
+    EXPECT_LT(textRect().width(), 0.65 * onOneLine);
 }
 
 TEST_F(Toast, a_short_text_stands_on_one_line_in_the_middle) {

@@ -1,10 +1,15 @@
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 #include "X11/server.h"
 #include "support/FakePlatform.h"
+#include "support/XClient.h"
 #include "support/files.h"
 #include "support/waitUntil.h"
 
+#include <QApplication>
+#include <QDBusMessage>
+#include <QDBusVariant>
 #include <QDeadlineTimer>
+#include <QScreen>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -119,6 +124,49 @@ protected:
     int breaks = 0;
 };
 
+/// A tray that takes windows in and makes them as large as it likes.
+class LyingTray {
+public:
+    explicit LyingTray(const QByteArray &display)
+        : client_(display),
+          window_(client_.open({0, 0, size.width(), size.height()}, Qt::gray, XClient::Kind::unmanaged)) {
+        const xcb_atom_t selection = client_.atom("_NET_SYSTEM_TRAY_S0");
+        xcb_set_selection_owner(client_.xcb(), window_, selection, XCB_CURRENT_TIME);
+        xcb_client_message_event_t announcement{};
+        announcement.response_type = XCB_CLIENT_MESSAGE;
+        announcement.format = 32;
+        announcement.window = client_.root();
+        announcement.type = client_.atom("MANAGER");
+        announcement.data.data32[1] = selection;
+        announcement.data.data32[2] = window_;
+        xcb_send_event(client_.xcb(), 0, client_.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                       reinterpret_cast<const char *>(&announcement));
+        xcb_flush(client_.xcb());
+    }
+
+    /// Whether an item came, which is then blown up.
+    bool takesAnItemIn() {
+        while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(client_.xcb())}) {
+            const auto &message = reinterpret_cast<const xcb_client_message_event_t &>(*event);
+            if ((event->response_type & 0x7f) != XCB_CLIENT_MESSAGE ||
+                message.type != client_.atom("_NET_SYSTEM_TRAY_OPCODE"))
+                continue;
+            item_ = message.data.data32[2];
+            xcb_reparent_window(client_.xcb(), item_, window_, 0, 0);
+            xcb_map_window(client_.xcb(), item_);
+            client_.move(item_, QRect(QPoint(0, 0), size));
+        }
+        return item_ != XCB_WINDOW_NONE;
+    }
+
+    static constexpr QSize size{5600, 1000}; // of a picture larger than a server takes in one request
+
+private:
+    XClient client_;
+    xcb_window_t window_;
+    xcb_window_t item_ = XCB_WINDOW_NONE;
+};
+
 constexpr QRect lxqtPlace(2, 2, 28, 28);
 
 } // namespace
@@ -214,6 +262,158 @@ TEST_F(Tray, in_a_tray_that_takes_windows_in_the_title_stands_beside_the_icon) {
 
     host.reset();
     EXPECT_TRUE(waitUntil([&] { return !item->limitation().isEmpty(); })) << "the tray went";
+}
+
+/// A tray that takes windows in, at an edge of the screen.
+class EmbeddedAt : public Tray, public testing::WithParamInterface<const char *> {
+protected:
+    void startTrayer() {
+        host = server().launch(QStringLiteral("trayer"),
+                               {QStringLiteral("--edge"), QString::fromLatin1(GetParam()),
+                                QStringLiteral("--align"), QStringLiteral("right"),
+                                QStringLiteral("--widthtype"), QStringLiteral("request"),
+                                QStringLiteral("--height"), QStringLiteral("24")});
+        EXPECT_TRUE(waitUntil([&] { return item->limitation().isEmpty() && place().width() > 20; }));
+    }
+
+    /// Of the item, on the screen.
+    QRect place() {
+        std::vector<xcb_window_t> windows = other.stack();
+        for (std::size_t index = 0; index < windows.size(); ++index) {
+            const xcb_window_t window = windows[index];
+            if (other.bytes(window, "WM_CLASS").startsWith("pavonel") && other.isViewable(window))
+                return other.geometry(window).value_or(QRect());
+            const XReply<xcb_query_tree_reply_t> tree(
+                xcb_query_tree_reply(other.xcb(), xcb_query_tree(other.xcb(), window), nullptr));
+            if (tree)
+                windows.insert(windows.end(), xcb_query_tree_children(tree.get()),
+                               xcb_query_tree_children(tree.get()) +
+                                   xcb_query_tree_children_length(tree.get()));
+        }
+        return {};
+    }
+
+    static const QMenu *openMenu() {
+        const auto widgets = QApplication::topLevelWidgets();
+        for (const QWidget *widget : widgets) {
+            if (const auto *menu = qobject_cast<const QMenu *>(widget); menu && menu->isVisible())
+                return menu;
+        }
+        return nullptr;
+    }
+    void clickItem(int times) {
+        const QPoint at = place().center();
+        server().xdotool({QStringLiteral("mousemove"), QString::number(at.x()), QString::number(at.y()),
+                          QStringLiteral("click"), QStringLiteral("--repeat"), QString::number(times),
+                          QStringLiteral("--delay"), QStringLiteral("80"), QStringLiteral("1")});
+    }
+
+    XClient other{server().display()};
+};
+
+INSTANTIATE_TEST_SUITE_P(Edges, EmbeddedAt, testing::Values("bottom", "left", "right", "top"),
+                         [](const auto &edge) { return std::string(edge.param); });
+
+TEST_P(EmbeddedAt, the_menu_opens_into_the_screen) {
+    makeItem();
+    startTrayer();
+    clickItem(1);
+    ASSERT_TRUE(waitUntil([] { return openMenu(); }));
+    const QRect menu = openMenu()->geometry();
+    EXPECT_FALSE(menu.intersects(place()));
+    EXPECT_TRUE(QGuiApplication::primaryScreen()->geometry().contains(menu));
+}
+
+TEST_P(EmbeddedAt, a_double_click_chooses_nothing) {
+    makeItem();
+    startTrayer();
+    clickItem(2);
+    ASSERT_TRUE(waitUntil([&] { return menusMade > 0; }));
+    EXPECT_FALSE(waitUntil([&] { return breaks > 0; }, 1000));
+}
+
+TEST_P(EmbeddedAt, a_click_elsewhere_closes_the_menu) {
+    makeItem();
+    startTrayer();
+    clickItem(1);
+    ASSERT_TRUE(waitUntil([] { return openMenu(); }));
+    EXPECT_TRUE(waitUntil([&] {
+        server().xdotool({QStringLiteral("mousemove"), QStringLiteral("3000"), QStringLiteral("500"),
+                          QStringLiteral("click"), QStringLiteral("1")});
+        return !openMenu();
+    }));
+    EXPECT_EQ(breaks, 0);
+}
+
+namespace {
+
+constexpr QRect wide(0, 0, 1000, 800);
+
+struct Case {
+    TrayPlace place;
+    QPoint corner;
+};
+
+} // namespace
+
+TEST(TrayMenu, stands_on_the_inner_side_of_the_panel_and_within_the_screen) {
+    const QSize menu(200, 300);
+    const Case cases[] = {
+        {{{700, 0, 24, 24}, {0, 0, 1000, 24}}, {700, 24}},      // below a panel at the top
+        {{{700, 776, 24, 24}, {0, 776, 1000, 24}}, {700, 476}}, // above one at the bottom
+        {{{980, 776, 20, 24}, {0, 776, 1000, 24}}, {800, 476}}, // in the corner
+        {{{0, 100, 40, 24}, {0, 0, 40, 800}}, {40, 100}},       // beside one at the left
+        {{{960, 700, 40, 24}, {960, 0, 40, 800}}, {760, 500}},  // and at the right
+    };
+    for (const Case &each : cases)
+        EXPECT_EQ(TrayMenu::corner(each.place, menu, wide), each.corner);
+    EXPECT_EQ(TrayMenu::corner(cases[0].place, {1200, 900}, wide), QPoint(0, 0)) << "one that fits nowhere";
+}
+
+TEST_F(Tray, where_the_menu_lies_below_the_pointer_it_chooses_nothing_until_the_pointer_moves) {
+    int chosen = 0;
+    const MenuItem command{MenuItem::Kind::command, QStringLiteral("Quit"), {}, [&] { ++chosen; }, {}};
+    TrayMenu menu(Menu(60, command)); // higher than the screen
+    server().xdotool({QStringLiteral("mousemove"), QStringLiteral("20"), QStringLiteral("500")});
+    menu.openAt({{10, 490, 20, 20}, {0, 490, 5760, 20}});
+    ASSERT_TRUE(waitUntil([&] { return menu.isActiveWindow() || menu.isVisible(); }));
+    server().xdotool({QStringLiteral("click"), QStringLiteral("1")});
+    EXPECT_FALSE(waitUntil([&] { return chosen > 0; }, 1000));
+
+    EXPECT_TRUE(waitUntil([&] {
+        server().xdotool({QStringLiteral("mousemove"), QStringLiteral("60"), QStringLiteral("400"),
+                          QStringLiteral("click"), QStringLiteral("1")});
+        return chosen > 0;
+    }));
+}
+
+TEST_F(Tray, the_icon_follows_the_desktop_that_turns_dark_at_once) {
+    appearance.current.dark = false;
+    makeItem();
+    const auto shade = [&] {
+        const auto reply = bus->call([] {
+            auto question = QDBusMessage::createMethodCall(
+                QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid()),
+                QStringLiteral("/StatusNotifierItem"), QStringLiteral("org.freedesktop.DBus.Properties"),
+                QStringLiteral("Get"));
+            question << QStringLiteral("org.kde.StatusNotifierItem") << QStringLiteral("IconName");
+            return question;
+        }());
+        return reply.arguments().value(0).value<QDBusVariant>().variant().toString();
+    };
+    const QString light = shade();
+    EXPECT_FALSE(light.isEmpty());
+    appearance.change({true, false, {}});
+    EXPECT_NE(shade(), light);
+}
+
+TEST_F(Tray, a_tray_that_lies_about_its_size_does_not_end_the_connection) {
+    makeItem();
+    auto tray = std::make_optional<LyingTray>(server().display());
+    ASSERT_TRUE(waitUntil([&] { return tray->takesAnItemIn(); }));
+    EXPECT_TRUE(isShown(QRect(0, 0, 200, 200))) << "the item is drawn in a part of its place";
+    tray.reset();
+    EXPECT_TRUE(waitUntil([&] { return !item->limitation().isEmpty(); })) << "the tray went unnoticed";
 }
 
 } // namespace pavonel::test

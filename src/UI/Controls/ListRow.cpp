@@ -1,5 +1,6 @@
 #include "UI/Controls/ListRow.h"
 
+#include "Core/Characters.h"
 #include "UI/Controls/Button.h"
 
 #include <QAccessibleWidget>
@@ -15,7 +16,7 @@ constexpr int gap = 10;
 
 QString onOneLine(const QString &text) {
     constexpr qsizetype longestShown = 400; // characters; no window is as wide
-    return text.left(longestShown).simplified();
+    return beginning(text, longestShown).simplified();
 }
 
 } // namespace

@@ -49,11 +49,11 @@ void PushButton::paintEvent(QPaintEvent *) {
         painter.drawText(rect(), Qt::AlignCenter, text());
         return;
     }
-    constexpr double share = 0.72; // of the disc; leaves the drawing air
-    const double side = std::round(shape_.height * share);
-    const double margin = (shape_.height - side) / 2;
+    constexpr double air = 0.14; // around the drawing, of the disc
+    const double ratio = devicePixelRatioF();
+    const double margin = std::round(shape_.height * air * ratio) / ratio; // between two pixels it would blur
     painter.drawImage(QPointF(margin, margin),
-                      Symbol::image(symbol_, side, colours_.ink, devicePixelRatioF()));
+                      Symbol::image(symbol_, shape_.height - 2 * margin, colours_.ink, ratio));
 }
 
 void PushButton::drawFocusRing(QPainter &painter) const {

@@ -1,11 +1,13 @@
 #include "UI/Panels/FloatingCountdownController.h"
 
-#include "UI/ClockText.h"
+#include "Core/ClockText.h"
 #include "UI/Fonts.h"
 #include "UI/Refresher.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
+
+#include <algorithm>
 
 namespace pavonel {
 
@@ -20,7 +22,7 @@ public:
     CountdownView(Platform &platform, FloatingPanel &panel, BreakController &controller)
         : QWidget(&panel), controller_(controller), ink_(panel.colours().text),
           refresher_(*platform.mainLoop, {&controller}, [this] { refresh(); }) {
-        resize(panel.size());
+        setGeometry(panel.contentsRect());
         refresh();
     }
 
@@ -65,10 +67,24 @@ QPoint restingPlace(const std::optional<Screen> &screen) {
 std::optional<Screen> screenAt(Screens &screens, QPoint point) {
     const auto all = screens.all();
     for (const Screen &screen : all) {
-        if (screen.frame.contains(point))
+        if (screen.frame.toRect().contains(
+                point)) // the first column of the next screen is not this one's last
             return screen;
     }
     return mainScreen(screens);
+}
+
+/// Right of the pointer and below; at the edges of its screen as near to that as the whole panel has room,
+/// and never over the pointer itself.
+QPoint beside(QPoint pointer, const std::optional<Screen> &screen) {
+    QPoint corner = pointer + besidePointer;
+    if (!screen)
+        return corner;
+    const QRect whole = screen->frame.toRect();
+    corner.setX(std::max(whole.left(), std::min(corner.x(), whole.right() + 1 - panelSize.width())));
+    if (corner.y() + panelSize.height() > whole.bottom() + 1)
+        corner.setY(pointer.y() - besidePointer.y() - panelSize.height());
+    return corner;
 }
 
 } // namespace
@@ -89,7 +105,7 @@ void FloatingCountdownController::show() {
     new CountdownView(platform_, *panel_, controller_);
     timer_ = platform_.mainLoop->every(frame, [this] { follow(); });
     const QPoint place = corner();
-    panel_->present(place, screenAt(*platform_.screens, place - besidePointer));
+    panel_->present(place, screenAt(*platform_.screens, place));
 }
 
 void FloatingCountdownController::hide() {
@@ -99,14 +115,12 @@ void FloatingCountdownController::hide() {
 
 QPoint FloatingCountdownController::corner() const {
     if (const auto pointer = platform_.pointer->position())
-        return (*pointer + besidePointer).toPoint();
+        return beside(pointer->toPoint(), screenAt(*platform_.screens, pointer->toPoint()));
     return restingPlace(mainScreen(*platform_.screens));
 }
 
 void FloatingCountdownController::follow() {
-    const QPoint place = corner();
-    if (place != panel_->pos())
-        panel_->move(place);
+    panel_->moveTo(corner());
 }
 
 } // namespace pavonel

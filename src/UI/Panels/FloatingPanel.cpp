@@ -34,7 +34,7 @@ QRegion touchedBy(const QPainterPath &shape, QSize size, qreal devicePixelRatio)
 
 FloatingPanel::FloatingPanel(Platform &platform, const Make &make)
     : platform_(platform), make_(make), palette_(platform.appearance->wishes()),
-      blends_(platform.windowLayers->canBlend()) {
+      blends_(platform.windowLayers->canBlend()), fades_(platform.windowLayers->canFade()) {
     Qt::WindowFlags flags = platform.windowLayers->windowFlags(WindowLayer::panel);
     if (make.mouse == Mouse::ignored)
         flags |= Qt::WindowTransparentForInput;
@@ -44,34 +44,31 @@ FloatingPanel::FloatingPanel(Platform &platform, const Make &make)
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_TranslucentBackground, blends_);
     setFocusPolicy(Qt::NoFocus);
-    setFixedSize(make.size);
-    if (blends_)
-        shadow_ = std::make_unique<PanelShadow>(platform, make.shadow, make.size, make.radius);
+    if (blends_) {
+        shadow_.emplace(make.shadow, make.size, make.radius);
+        setContentsMargins(PanelShadow::room(make.shadow));
+    }
+    setFixedSize(make.size.grownBy(contentsMargins()));
 }
 
 void FloatingPanel::present(QPoint corner, const std::optional<Screen> &screen) {
     const Screen place = screen.value_or(Screen());
-    if (shadow_)
-        shadow_->present(corner, place);
-    move(corner);
+    moveTo(corner);
     winId();
-    platform_.windowLayers->assign(*windowHandle(), WindowLayer::panel, place);
-    if (!blends_) {
-        const QRegion shape = touchedBy(outline(rect(), make_.radius), size(), devicePixelRatioF());
+    if (!blends_ || make_.mouse == Mouse::received) {
+        const QRegion shape = touchedBy(outline(contentsRect(), make_.radius), size(), devicePixelRatioF());
         platform_.windowLayers->cutTo(*windowHandle(), shape);
     }
-    show();
+    platform_.windowLayers->show(*windowHandle(), WindowLayer::panel, place);
 }
 
 void FloatingPanel::setOpacity(double opacity) {
-    setWindowOpacity(opacity);
-    if (shadow_)
-        shadow_->setWindowOpacity(opacity);
+    if (fades_)
+        setWindowOpacity(opacity);
 }
 
-void FloatingPanel::moveEvent(QMoveEvent *) {
-    if (shadow_)
-        shadow_->follow(pos());
+void FloatingPanel::moveTo(QPoint corner) {
+    move(corner - contentsRect().topLeft());
 }
 
 void FloatingPanel::retire() {
@@ -81,12 +78,14 @@ void FloatingPanel::retire() {
 
 void FloatingPanel::paintEvent(QPaintEvent *) {
     QPainter painter(this);
+    if (shadow_)
+        shadow_->paint(painter);
     paintMaterial(painter);
 }
 
 void FloatingPanel::paintMaterial(QPainter &painter) const {
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF body = rect();
+    const QRectF body = contentsRect();
     const double pixel = 1 / devicePixelRatioF();
     QColor material = palette_.panel;
     if (!blends_) {

@@ -9,7 +9,8 @@
 namespace pavonel {
 
 /// A small window above those of all other programs, on every desktop, that never takes the keyboard: a slab
-/// of material with round corners, on which one child, the content, lies.
+/// of material with round corners, on which one child, the content, lies. The slab is its contents'
+/// rectangle; around it is room for the shadow, where windows are blended.
 class FloatingPanel : public QWidget {
 public:
     enum class Mouse {
@@ -17,8 +18,8 @@ public:
         ignored ///< Clicks reach whatever lies below.
     };
     struct Make {
-        QString title; ///< Of the window; nobody sees it, but other programs read it.
-        QSize size;
+        QString title;        ///< Of the window; nobody sees it, but other programs read it.
+        QSize size;           ///< Of the slab.
         double radius;        ///< Of the corners.
         double borderOpacity; ///< Of the white line along the inside of the edge.
         Mouse mouse;
@@ -33,7 +34,10 @@ public:
     /// stands on; absent while there is none.
     void present(QPoint corner, const std::optional<Screen> &screen);
 
-    /// From 0 to 1, where windows are blended.
+    /// Brings the slab's left upper corner there.
+    void moveTo(QPoint corner);
+
+    /// From 0 to 1, where windows can be faded.
     void setOpacity(double opacity);
 
     /// For its last moments on screen: it keeps its picture and is deaf to the mouse from now on.
@@ -41,7 +45,6 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
-    void moveEvent(QMoveEvent *event) override;
 
 private:
     void paintMaterial(QPainter &painter) const;
@@ -50,7 +53,8 @@ private:
     Make make_;
     Palette palette_;
     bool blends_;
-    std::unique_ptr<PanelShadow> shadow_; ///< Where windows are blended.
+    bool fades_;
+    std::optional<PanelShadow> shadow_; ///< Where windows are blended.
 };
 
 /// The screen that notices appear on; absent while none is attached.

@@ -1,6 +1,6 @@
 #include "UI/Panels/HeadsUpView.h"
 
-#include "UI/ClockText.h"
+#include "Core/ClockText.h"
 #include "UI/Fonts.h"
 #include "UI/Symbol.h"
 
@@ -53,7 +53,7 @@ HeadsUpView::HeadsUpView(Platform &platform, FloatingPanel &panel, BreakControll
                          std::function<void()> onClose)
     : QWidget(&panel), controller_(controller), settings_(settings), palette_(panel.colours()), kind_(kind),
       title_(title), onClose_(std::move(onClose)) {
-    resize(panel.size());
+    setGeometry(panel.contentsRect());
     setAccessibleName(title.simplified() + QStringLiteral(" coming up"));
     addCloseButton(platform);
     addButtons();

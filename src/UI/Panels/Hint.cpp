@@ -20,7 +20,7 @@ public:
     HintText(const QString &text, FloatingPanel &panel)
         : QWidget(&panel), text_(text), ink_(panel.colours().text) {
         setFont(fonts::ui(fontSize));
-        resize(panel.size());
+        setGeometry(panel.contentsRect());
     }
 
 protected:

@@ -44,33 +44,20 @@ void cutOut(QImage &image, const QRectF &panel, double radius) {
 
 } // namespace
 
-PanelShadow::PanelShadow(Platform &platform, const Look &look, QSize panel, double radius)
-    : platform_(platform), toPanel_(look.blur, std::max(0, look.blur - look.drop)) {
-    setWindowFlags(platform.windowLayers->windowFlags(WindowLayer::panel) | Qt::WindowTransparentForInput);
-    setWindowTitle(QStringLiteral("Pavonel Shadow"));
-    setAttribute(Qt::WA_ShowWithoutActivating);
-    setAttribute(Qt::WA_TranslucentBackground);
-    setFixedSize(panel.width() + 2 * look.blur, toPanel_.y() + panel.height() + look.drop + look.blur);
-    const QRectF body(toPanel_, QSizeF(panel));
-    image_ = blurred(look, size(), body.translated(0, look.drop), radius);
+PanelShadow::PanelShadow(const Look &look, QSize panel, double radius) {
+    const QMargins around = room(look);
+    const QRectF body(QPointF(around.left(), around.top()), QSizeF(panel));
+    image_ = blurred(look, panel.grownBy(around), body.translated(0, look.drop), radius);
     cutOut(image_, body, radius);
 }
 
-void PanelShadow::present(QPoint corner, const Screen &screen) {
-    follow(corner);
-    winId();
-    platform_.windowLayers->assign(*windowHandle(), WindowLayer::panel, screen);
-    show();
+QMargins PanelShadow::room(const Look &look) {
+    return {look.blur, std::max(0, look.blur - look.drop), look.blur, look.drop + look.blur};
 }
 
-void PanelShadow::follow(QPoint corner) {
-    move(corner - toPanel_);
-}
-
-void PanelShadow::paintEvent(QPaintEvent *) {
-    QPainter painter(this);
+void PanelShadow::paint(QPainter &painter) const {
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(rect(), image_);
+    painter.drawImage(QRect(QPoint(), image_.size()), image_);
 }
 
 } // namespace pavonel

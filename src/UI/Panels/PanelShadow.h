@@ -1,15 +1,15 @@
 #pragma once
 
-#include "Platform/Platform.h"
-
 #include <QImage>
-#include <QWidget>
+#include <QMargins>
+
+class QPainter;
 
 namespace pavonel {
 
-/// The soft shadow of a floating panel: a window of its own right below it, so that the panel's window is no
-/// larger than the panel. Few compositors give a shadow to windows that no window manager manages.
-class PanelShadow final : public QWidget {
+/// The soft shadow of a floating panel, within the panel's own window: few compositors give one to windows
+/// that no window manager manages, and a window of its own could come to lie above its panel.
+class PanelShadow {
 public:
     struct Look {
         int drop;       ///< How far it lies below its panel.
@@ -17,19 +17,16 @@ public:
         double opacity; ///< Where it is darkest.
     };
 
-    /// Of a panel of this size and corner radius. Only where windows are blended.
-    PanelShadow(Platform &platform, const Look &look, QSize panel, double radius);
+    /// Of a panel of this size and corner radius.
+    PanelShadow(const Look &look, QSize panel, double radius);
 
-    /// Shows it for a panel whose left upper corner is there; to be done before the panel is shown.
-    void present(QPoint corner, const Screen &screen);
-    void follow(QPoint corner);
+    /// The room that it takes around the panel.
+    static QMargins room(const Look &look);
 
-protected:
-    void paintEvent(QPaintEvent *event) override;
+    /// Where the panel itself lies, nothing is painted.
+    void paint(QPainter &painter) const;
 
 private:
-    Platform &platform_;
-    QPoint toPanel_; ///< From our corner to that of the panel.
     QImage image_;
 };
 

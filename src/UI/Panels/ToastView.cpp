@@ -1,11 +1,10 @@
 #include "UI/Panels/ToastView.h"
 
 #include "UI/Fonts.h"
+#include "UI/MessageText.h"
 #include "UI/Symbol.h"
 
-#include <QFontMetricsF>
 #include <QPainter>
-#include <QTextLayout>
 
 namespace pavonel {
 
@@ -14,34 +13,13 @@ namespace {
 constexpr int padding = 16;
 constexpr int spacing = 12;
 constexpr int symbolSide = 22;
-constexpr std::size_t mostLines = 2;
-
-/// Broken between words where there are any; what does not fit the last line ends in an ellipsis.
-std::vector<QString> brokenToFit(const QString &text, const QFont &font, double room) {
-    std::vector<QString> lines;
-    QTextOption wherever;
-    wherever.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    QTextLayout layout(text, font);
-    layout.setTextOption(wherever);
-    layout.beginLayout();
-    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-        line.setLineWidth(room);
-        const bool last = lines.size() + 1 == mostLines;
-        const QString rest = text.mid(line.textStart());
-        lines.push_back(last ? QFontMetricsF(font).elidedText(rest, Qt::ElideRight, room)
-                             : rest.left(line.textLength()));
-        if (last)
-            break;
-    }
-    layout.endLayout();
-    return lines;
-}
+constexpr int mostLines = 2;
 
 } // namespace
 
 ToastView::ToastView(FloatingPanel &panel, const QString &text, const QString &symbol)
     : QWidget(&panel), palette_(panel.colours()), text_(text.simplified()), symbol_(symbol) {
-    resize(panel.size());
+    setGeometry(panel.contentsRect());
     setAccessibleName(text_);
 }
 
@@ -52,15 +30,10 @@ void ToastView::paintEvent(QPaintEvent *) {
                       Symbol::image(symbol_, symbolSide, palette_.secondaryText, devicePixelRatioF()));
     constexpr int left = padding + symbolSide + spacing;
     const QFont font = fonts::ui(13);
-    const QFontMetricsF metrics(font);
-    const auto lines = brokenToFit(text_, font, width() - left - padding);
-    double baseline = middle - metrics.height() * static_cast<double>(lines.size()) / 2 + metrics.ascent();
-    painter.setFont(font);
+    const MessageText text(text_, font, width() - left - padding, mostLines * MessageText::lineHeight(font),
+                           Qt::AlignLeft);
     painter.setPen(palette_.text);
-    for (const QString &line : lines) {
-        painter.drawText(QPointF(left, baseline), line);
-        baseline += metrics.height();
-    }
+    text.paint(painter, {left, middle - text.height() / 2});
 }
 
 } // namespace pavonel

@@ -1,9 +1,9 @@
 #include "UI/SettingsWindow/BreakPreview.h"
 
 #include "Core/BreakVocabulary.h"
+#include "Core/ClockText.h"
 #include "UI/BreakLayout.h"
 #include "UI/BreakScreenText.h"
-#include "UI/ClockText.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/MessageText.h"
 #include "UI/Ring.h"
@@ -59,6 +59,8 @@ void BreakPreview::forget() {
 }
 
 QImage BreakPreview::picture(QSize pixels) {
+    backgrounds_.prepare({pixels});
+    backgrounds_.awaitPictures();
     QImage picture = backgrounds_.image(pixels).copy();
     QPainter painter(&picture);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);

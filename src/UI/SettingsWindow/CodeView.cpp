@@ -1,5 +1,6 @@
 #include "UI/SettingsWindow/CodeView.h"
 
+#include "Core/Characters.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Fonts.h"
 
@@ -22,8 +23,9 @@ constexpr double radius = 10;
 
 } // namespace
 
-CodeView::CodeView(Look &look, const QString &code) : look_(look), code_(code.left(longest).simplified()) {
-    setAccessibleName(code);
+CodeView::CodeView(Look &look, const QString &code)
+    : look_(look), code_(charactersOf(beginning(code, longest).simplified())) {
+    setAccessibleName(code_.join(QString()));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
@@ -43,7 +45,7 @@ void CodeView::paintEvent(QPaintEvent *) {
         return;
     const QFontMetricsF metrics(look_.font(fontSize));
     double cell = 0;
-    for (const QChar character : code_)
+    for (const QString &character : code_)
         cell = std::max(cell, metrics.horizontalAdvance(character));
     cell += spacing;
     const double whole = cell * static_cast<double>(code_.size());
@@ -53,9 +55,9 @@ void CodeView::paintEvent(QPaintEvent *) {
     painter.setFont(look_.font(fontSize));
     painter.setPen(look_.palette().text);
     double left = -whole / 2;
-    for (const QChar character : code_) {
+    for (const QString &character : code_) {
         const double inset = (cell - metrics.horizontalAdvance(character)) / 2;
-        painter.drawText(QPointF(left + inset, metrics.capHeight() / 2), QString(character));
+        painter.drawText(QPointF(left + inset, metrics.capHeight() / 2), character);
         left += cell;
     }
 }

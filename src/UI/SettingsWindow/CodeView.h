@@ -20,7 +20,7 @@ protected:
 
 private:
     Look &look_;
-    QString code_;
+    QStringList code_; ///< Its characters.
 };
 
 } // namespace pavonel

@@ -1,6 +1,7 @@
 #include "UI/SettingsWindow/PlannedRow.h"
 
-#include "UI/ClockText.h"
+#include "Core/Characters.h"
+#include "Core/ClockText.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/PopUpButton.h"
@@ -137,7 +138,7 @@ void PlannedRow::display(const PlannedBreak &planned) {
 
 void PlannedRow::nameAfter(const QString &label) {
     constexpr qsizetype longest = 100;
-    const QString name = label.left(longest).simplified();
+    const QString name = beginning(label, longest).simplified();
     setAccessibleName(name.isEmpty() ? QStringLiteral("Planned break") : name);
     remove_->setAccessibleName(QStringLiteral("Remove ") + name);
 }

@@ -1,6 +1,6 @@
 #include "UI/SettingsWindow/Rows.h"
 
-#include "UI/ClockText.h"
+#include "Core/ClockText.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/PopUpButton.h"

@@ -18,21 +18,20 @@ const QString SettingsView::phonePageSeenKey = QStringLiteral("phonePageSeen");
 SettingsView::SettingsView(const PageContext &context, SettingsSelection &selection)
     : context_(context), selection_(selection), look_(context.platform),
       onSelection_(*context.platform.mainLoop, {&selection}, [this] { showSelected(); }),
-      onSettings_(*context.platform.mainLoop, {&context.settings}, [this] {
-          if (page_)
-              page_->readAgain();
-      }) {
+      onSettings_(*context.platform.mainLoop, {&context.settings},
+                  [this] {
+                      if (page_)
+                          page_->readAgain();
+                  }),
+      onAppearance_(look_.appearance().onChange([this] { followLook(); })) {
     auto *line = new QHBoxLayout(this);
     line->setContentsMargins({});
     line->setSpacing(0);
     makeSidebar();
     setPalette(look_.toolkitPalette());
-    look_.appearance().onChange([this] { followLook(); });
 }
 
-SettingsView::~SettingsView() {
-    look_.appearance().onChange({});
-}
+SettingsView::~SettingsView() = default;
 
 void SettingsView::makeSidebar() {
     delete sidebar_;

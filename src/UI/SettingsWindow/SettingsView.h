@@ -48,6 +48,7 @@ private:
     Page shown_ = Page::breaks; ///< What `page_` is.
     Refresher onSelection_;
     Refresher onSettings_;
+    Appearance::Listening onAppearance_;
 };
 
 } // namespace pavonel

@@ -1,6 +1,6 @@
 #include "UI/SettingsWindow/StatsParts.h"
 
-#include "UI/ClockText.h"
+#include "Core/ClockText.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Refresher.h"
@@ -98,13 +98,13 @@ private:
     void forget() {
         forgotten_ = sum(std::move(forgotten_), stats_.days());
         stats_.setDays({});
-        stats_.flush();
+        stats_.save();
         undo_->setVisible(!forgotten_.empty());
     }
 
     void bringBack() {
         stats_.setDays(sum(stats_.days(), std::exchange(forgotten_, {})));
-        stats_.flush();
+        stats_.save();
         undo_->hide();
     }
 

@@ -1,5 +1,6 @@
 #include "UI/SettingsWindow/UpdateParts.h"
 
+#include "Core/Characters.h"
 #include "Core/Updater.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
@@ -41,7 +42,7 @@ struct StatusLine {
 };
 
 QString shortened(const QString &text) {
-    return text.size() <= longest ? text : text.left(longest) + u'…';
+    return text.size() <= longest ? text : beginning(text, longest) + u'…';
 }
 
 /// Shows one state; made anew for the next.

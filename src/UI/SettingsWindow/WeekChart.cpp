@@ -1,6 +1,6 @@
 #include "UI/SettingsWindow/WeekChart.h"
 
-#include "UI/ClockText.h"
+#include "Core/ClockText.h"
 #include "UI/SettingsWindow/WeekFigures.h"
 
 #include <QAccessibleWidget>

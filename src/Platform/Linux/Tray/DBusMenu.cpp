@@ -9,6 +9,8 @@ namespace pavonel {
 
 namespace {
 
+constexpr qsizetype mostAtOnce = 1000; // items or names in one question
+
 /// A single underscore would mark the access key.
 QString escaped(QString title) {
     return title.replace(u'_', QStringLiteral("__"));
@@ -52,7 +54,7 @@ QVariantMap selected(QVariantMap properties, const QStringList &names) {
     return properties;
 }
 
-/// A negative depth means all of it.
+/// A depth of -1 means all of it.
 DBusMenuLayout layoutOf(const MenuModel::Node &node, int depth, const QStringList &names) {
     DBusMenuLayout layout{node.id, selected(propertiesOf(node), names), {}};
     if (depth != 0) {
@@ -144,8 +146,16 @@ bool DBusMenu::rebuild() {
     return true;
 }
 
+bool DBusMenu::refuses(bool isAbsurd) const {
+    if (isAbsurd && calledFromDBus())
+        sendErrorReply(QDBusError::LimitsExceeded, QStringLiteral("No menu is of this size."));
+    return isAbsurd;
+}
+
 uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList &propertyNames,
                          DBusMenuLayout &layout) {
+    if (refuses(recursionDepth < -1 || propertyNames.size() > mostAtOnce))
+        return 0;
     // Some hosts read the menu without saying that they are about to show it.
     if (parentId == MenuModel::rootId)
         rebuild();
@@ -155,6 +165,8 @@ uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList &pr
 }
 
 QList<DBusMenuItem> DBusMenu::GetGroupProperties(const QList<int> &ids, const QStringList &propertyNames) {
+    if (refuses(ids.size() > mostAtOnce || propertyNames.size() > mostAtOnce))
+        return {};
     QList<DBusMenuItem> items;
     for (const int id : ids) {
         if (const MenuModel::Node *node = model_.find(id))
@@ -178,6 +190,8 @@ void DBusMenu::Event(int id, const QString &eventId, const QDBusVariant &, uint)
 }
 
 QList<int> DBusMenu::EventGroup(const QList<DBusMenuEvent> &events) {
+    if (refuses(events.size() > mostAtOnce))
+        return {};
     QList<int> unknown;
     for (const DBusMenuEvent &event : events) {
         if (!model_.find(event.id))
@@ -195,6 +209,8 @@ bool DBusMenu::AboutToShow(int id) {
 }
 
 QList<int> DBusMenu::AboutToShowGroup(const QList<int> &ids, QList<int> &idErrors) {
+    if (refuses(ids.size() > mostAtOnce))
+        return {};
     QList<int> needUpdate;
     for (const int id : ids) {
         if (!model_.find(id))

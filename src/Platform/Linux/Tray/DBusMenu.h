@@ -3,6 +3,7 @@
 #include "Platform/Linux/Tray/MenuModel.h"
 
 #include <QDBusArgument>
+#include <QDBusContext>
 #include <QDBusVariant>
 #include <QObject>
 #include <QVariantMap>
@@ -35,7 +36,8 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuEvent &ev
 
 /// A menu that hosts of the menu bar read over the bus: the interface com.canonical.dbusmenu, version 3
 /// (described in libdbusmenu's dbus-menu.xml). It is made anew each time a host is about to show it.
-class DBusMenu final : public QObject {
+/// Questions of a size that no host asks are answered with an error.
+class DBusMenu final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.canonical.dbusmenu")
     Q_PROPERTY(uint Version READ version CONSTANT)
@@ -71,6 +73,7 @@ Q_SIGNALS:
 
 private:
     bool rebuild();
+    bool refuses(bool isAbsurd) const;
 
     std::function<Menu()> makeMenu_;
     MenuModel model_;

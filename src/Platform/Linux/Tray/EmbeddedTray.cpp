@@ -1,9 +1,9 @@
 #include "Platform/Linux/Tray/EmbeddedTray.h"
 
 #include "Platform/Linux/Tray/IconFiles.h"
+#include "Platform/Linux/X11/X11Points.h"
 
 #include <QFontMetrics>
-#include <QGuiApplication>
 #include <QPainter>
 
 #include <algorithm>
@@ -16,6 +16,9 @@ namespace {
 
 constexpr int gap = 4;          // pixels between the icon and the title, and at the end
 constexpr int usualHeight = 22; // until the tray says how high it is
+
+/// In pixels. A tray may say anything, and a larger picture than the server takes would end our connection.
+constexpr QSize largest(4096, 256);
 
 QFont titleFont(int height) {
     QFont font;
@@ -46,7 +49,7 @@ const QImage &fitting(const std::vector<QImage> &images, int side) {
 } // namespace
 
 EmbeddedTray::EmbeddedTray(std::shared_ptr<X11Connection> x, std::function<void()> presenceChanged,
-                           std::function<void(QPoint)> showMenu)
+                           std::function<void(const TrayPlace &)> showMenu)
     : x_(std::move(x)), presenceChanged_(std::move(presenceChanged)), showMenu_(std::move(showMenu)) {
     listening_ = x_->listen([this](const xcb_generic_event_t &event) { handle(event); });
     watchingRoot_ = x_->watch(x_->root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
@@ -106,8 +109,9 @@ void EmbeddedTray::handle(const xcb_generic_event_t &event) {
     }
     case XCB_CONFIGURE_NOTIFY: {
         const auto &configured = reinterpret_cast<const xcb_configure_notify_event_t &>(event);
-        if (configured.window == window_ && size_ != QSize(configured.width, configured.height)) {
-            size_ = {configured.width, configured.height};
+        const QSize given = QSize(configured.width, configured.height).boundedTo(largest);
+        if (configured.window == window_ && size_ != given) {
+            size_ = given;
             resizeToContent();
             draw();
         }
@@ -121,11 +125,32 @@ void EmbeddedTray::handle(const xcb_generic_event_t &event) {
         const auto &press = reinterpret_cast<const xcb_button_press_event_t &>(event);
         if (press.event == window_ &&
             (press.detail == XCB_BUTTON_INDEX_1 || press.detail == XCB_BUTTON_INDEX_3))
-            showMenu_(QPoint(press.root_x - press.event_x, press.root_y - press.event_y + size_.height()) /
-                      qGuiApp->devicePixelRatio());
+            openMenu();
         break;
     }
     }
+}
+
+void EmbeddedTray::openMenu() {
+    xcb_ungrab_pointer(x_->xcb(),
+                       XCB_CURRENT_TIME); // the press holds it for our window, and the menu needs it
+    showMenu_(place());
+}
+
+/// In the tray, which can be a part of a larger panel; that one is a child of the root window, or of a frame.
+TrayPlace EmbeddedTray::place() {
+    xcb_window_t panel = window_;
+    for (;;) {
+        const XReply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(x_->xcb(), xcb_query_tree(x_->xcb(), panel), nullptr));
+        if (!tree || tree->parent == x_->root() || tree->parent == XCB_WINDOW_NONE)
+            break;
+        panel = tree->parent;
+    }
+    const auto points = [this](xcb_window_t window) {
+        return pointsOfPixels(x_->frame(window).value_or(QRect())).toRect();
+    };
+    return {points(window_), points(panel)};
 }
 
 void EmbeddedTray::dock() {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Platform/Linux/Tray/TrayMenu.h"
 #include "Platform/Linux/X11/X11Connection.h"
 
 #include <QImage>
-#include <QPoint>
 #include <QString>
 
 #include <functional>
@@ -15,10 +15,9 @@ namespace pavonel {
 /// back.
 class EmbeddedTray {
 public:
-    /// `presenceChanged` is called when a tray of this kind came or went; `showMenu` on a click, with the
-    /// place just below the item.
+    /// `presenceChanged` is called when a tray of this kind came or went; `showMenu` on a click.
     EmbeddedTray(std::shared_ptr<X11Connection> x, std::function<void()> presenceChanged,
-                 std::function<void(QPoint)> showMenu);
+                 std::function<void(const TrayPlace &)> showMenu);
     ~EmbeddedTray();
 
     bool isPresent() const { return manager_ != XCB_WINDOW_NONE; }
@@ -32,6 +31,8 @@ public:
 private:
     void handle(const xcb_generic_event_t &event);
     void findManager();
+    void openMenu();
+    TrayPlace place();
     void dock();
     void undock();
     int wantedWidth() const;
@@ -43,7 +44,7 @@ private:
 
     std::shared_ptr<X11Connection> x_;
     std::function<void()> presenceChanged_;
-    std::function<void(QPoint)> showMenu_;
+    std::function<void(const TrayPlace &)> showMenu_;
     xcb_window_t manager_ = XCB_WINDOW_NONE; ///< The tray, while there is one.
     xcb_window_t window_ = XCB_WINDOW_NONE;  ///< Ours, while we have a place.
     QSize size_{1, 1};

@@ -1,7 +1,5 @@
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 
-#include <QKeySequence>
-
 #include <utility>
 
 namespace pavonel {
@@ -14,35 +12,20 @@ QColor iconColour(bool darkDesktop) {
     return darkDesktop ? QColor(0xE8, 0xE8, 0xEA) : QColor(0x86, 0x86, 0x8C);
 }
 
-void fill(QMenu &menu, const Menu &items) {
-    for (const MenuItem &item : items) {
-        QString title = item.title;
-        title.replace(u'&', QStringLiteral("&&"));
-        if (item.kind == MenuItem::Kind::separator) {
-            menu.addSeparator();
-        } else if (item.kind == MenuItem::Kind::submenu) {
-            fill(*menu.addMenu(title), item.submenu);
-        } else {
-            QAction *action = menu.addAction(title);
-            action->setEnabled(item.kind == MenuItem::Kind::command);
-            if (!item.keyEquivalent.isEmpty())
-                action->setShortcut(QKeySequence(QStringLiteral("Ctrl+") + item.keyEquivalent));
-            if (item.action)
-                QObject::connect(action, &QAction::triggered, action, item.action, Qt::QueuedConnection);
-        }
-    }
-}
-
 } // namespace
 
 TrayStatusItem::TrayStatusItem(const QDBusConnection &bus, const QString &iconFolder, Appearance &appearance,
                                const std::shared_ptr<X11Connection> &x)
-    : appearance_(appearance),
-      notifier_(
-          bus, iconFolder, [this] { chooseTray(); }, [this](QPoint place) { showMenu(place); }) {
+    : appearance_(appearance), notifier_(
+                                   bus, iconFolder, [this] { chooseTray(); },
+                                   [this](QPoint at) {
+                                       const QRect pointer(at, QSize(1, 1));
+                                       showMenu({pointer, pointer});
+                                   }),
+      onAppearance_(appearance.onChange([this] { showIcon(); })) {
     if (x) {
         embedded_ = std::make_unique<EmbeddedTray>(
-            x, [this] { chooseTray(); }, [this](QPoint place) { showMenu(place); });
+            x, [this] { chooseTray(); }, [this](const TrayPlace &place) { showMenu(place); });
     }
     chooseTray();
 }
@@ -59,13 +42,20 @@ QString TrayStatusItem::limitation() const {
 }
 
 void TrayStatusItem::setIcon(const QString &name, const std::vector<QImage> &images) {
+    iconName_ = name;
+    images_ = images;
+    showIcon();
+}
+
+/// The desktop's colours, and with them those of the menu bar, can change at any time.
+void TrayStatusItem::showIcon() {
     std::vector<QImage> coloured;
-    coloured.reserve(images.size());
-    for (const QImage &image : images)
+    coloured.reserve(images_.size());
+    for (const QImage &image : images_)
         coloured.push_back(tinted(image, iconColour(appearance_.wishes().dark)));
-    notifier_.setIcon(name, coloured);
+    notifier_.setIcon(iconName_, coloured);
     if (embedded_)
-        embedded_->setIcon(images);
+        embedded_->setIcon(images_);
 }
 
 void TrayStatusItem::setTitle(const QString &title) {
@@ -79,12 +69,11 @@ void TrayStatusItem::setMenu(std::function<Menu()> makeMenu) {
     notifier_.setMenu(std::move(makeMenu));
 }
 
-void TrayStatusItem::showMenu(QPoint place) {
+void TrayStatusItem::showMenu(const TrayPlace &place) {
     if (!makeMenu_)
         return;
-    openMenu_ = std::make_unique<QMenu>();
-    fill(*openMenu_, makeMenu_());
-    openMenu_->popup(place);
+    openMenu_ = std::make_unique<TrayMenu>(makeMenu_());
+    openMenu_->openAt(place);
 }
 
 } // namespace pavonel

@@ -3,9 +3,10 @@
 #include "Platform/Appearance.h"
 #include "Platform/Linux/Tray/EmbeddedTray.h"
 #include "Platform/Linux/Tray/NotifierTray.h"
+#include "Platform/Linux/Tray/TrayMenu.h"
 #include "Platform/StatusItem.h"
 
-#include <QMenu>
+#include <QImage>
 
 #include <memory>
 
@@ -26,13 +27,17 @@ public:
 
 private:
     void chooseTray();
-    void showMenu(QPoint place);
+    void showIcon();
+    void showMenu(const TrayPlace &place);
 
     Appearance &appearance_;
     std::function<Menu()> makeMenu_;
-    std::unique_ptr<QMenu> openMenu_;
+    std::unique_ptr<TrayMenu> openMenu_;
+    QString iconName_;
+    std::vector<QImage> images_;
     NotifierTray notifier_;
     std::unique_ptr<EmbeddedTray> embedded_;
+    Appearance::Listening onAppearance_;
 };
 
 } // namespace pavonel
