@@ -31,7 +31,7 @@ private:
 /// What a program that starts now would find.
 Days storedDays(const QString &path, const QByteArray &zoneId) {
     VirtualMainLoop loop(zoneId);
-    FileDefaults defaults(path, loop, std::launch::deferred);
+    FileDefaults defaults(path, loop, FileDefaults::Writing::onTheCallersThread);
     return Stats(defaults, loop).days();
 }
 
@@ -46,7 +46,7 @@ bool runYear(const NightShifts &shifts) {
     const QString path = folder.filePath(QStringLiteral("defaults.json"));
     const Stopwatch stopwatch;
     const ShiftTotals totals = work(shifts, [&](MainLoop &loop) -> std::unique_ptr<UserDefaults> {
-        return std::make_unique<FileDefaults>(path, loop, std::launch::deferred);
+        return std::make_unique<FileDefaults>(path, loop, FileDefaults::Writing::onTheCallersThread);
     });
     const double elapsed = stopwatch.elapsed();
     const double processor = stopwatch.processor();

@@ -6,6 +6,8 @@
 #include "Core/Updater.h"
 #include "Platform/Platform.h"
 
+#include <utility>
+
 namespace pavonel {
 
 AppDelegate::AppDelegate(Platform &platform, Settings &settings, Stats &stats, HotKeyManager &hotKeys,
@@ -30,6 +32,7 @@ void AppDelegate::setUp() {
         registerHotKeys();
     platform_.power->onWake([this] { startAfresh(); });
     updater_.checkInBackground();
+    platform_.installation->onSuccessor([this] { giveWay(Opening::silent); });
     controller_.start();
     welcome();
 }
@@ -45,8 +48,16 @@ void AppDelegate::welcome() {
 }
 
 void AppDelegate::reopen() {
-    if (!updater_.giveWay() && settingsWindow_)
+    if (!giveWay(Opening::showingSettings) && settingsWindow_)
         settingsWindow_->show();
+}
+
+/// A running break goes on: what lies in our place waits for its end.
+bool AppDelegate::giveWay(Opening opening) {
+    if (controller_.phase != Phase::breaking || !updater_.isReplaced())
+        return updater_.giveWay(opening);
+    givesWayAfterBreak_ = opening;
+    return true;
 }
 
 void AppDelegate::act(OutsideAction action) {
@@ -66,6 +77,10 @@ void AppDelegate::act(OutsideAction action) {
     }
 }
 
+void AppDelegate::publishTo(StatusPublisher &publisher) {
+    remoteControl_.emplace(publisher, controller_, settings_, stats_, *platform_.mainLoop);
+}
+
 /// Every sleep counts as a full rest, however short; a break that was running goes on.
 void AppDelegate::startAfresh() {
     controller_.microElapsed = 0;
@@ -75,6 +90,7 @@ void AppDelegate::startAfresh() {
 
 void AppDelegate::connectController() {
     controller_.onHeadsUp = [this](BreakKind kind, const QString &title) {
+        overlays_->expect();
         headsUp_->show(kind, title);
         if (settings_.showFloatingCountdown)
             floating_->show();
@@ -82,13 +98,18 @@ void AppDelegate::connectController() {
     controller_.onHeadsUpDismiss = [this] {
         headsUp_->hide();
         floating_->hide();
+        overlays_->standDown();
     };
     controller_.onBreakStart = [this](BreakKind) {
         headsUp_->hide();
         floating_->hide();
         overlays_->show();
     };
-    controller_.onBreakEnd = [this] { overlays_->hide(); };
+    controller_.onBreakEnd = [this] {
+        overlays_->hide();
+        if (const auto opening = std::exchange(givesWayAfterBreak_, {}))
+            giveWay(*opening);
+    };
     controller_.onWellness = [this](const QString &message, const QString &iconName) {
         if (controller_.phase != Phase::breaking)
             toast_.show(message, iconName);

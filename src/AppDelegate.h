@@ -1,6 +1,8 @@
 #pragma once
 
 #include "Core/BreakController.h"
+#include "Core/BreakRemoteControl.h"
+#include "Core/UpdaterScript.h"
 #include "Platform/SingleInstance.h"
 #include "UI/BreakOverlay.h"
 #include "UI/MenuBar.h"
@@ -33,12 +35,16 @@ public:
     /// Does what was asked for from outside, as the hot keys and the menu do.
     void act(OutsideAction action);
 
+    /// From now on others see what goes on and can ask for what the menu offers.
+    void publishTo(StatusPublisher &publisher);
+
 private:
     void connectController();
     void repairLoginItem();
     void registerHotKeys();
     void startAfresh();
     void welcome();
+    bool giveWay(Opening opening);
 
     Platform &platform_;
     Settings &settings_;
@@ -53,6 +59,8 @@ private:
     std::optional<HeadsUpController> headsUp_;
     std::optional<FloatingCountdownController> floating_;
     ToastController toast_;
+    std::optional<BreakRemoteControl> remoteControl_;
+    std::optional<Opening> givesWayAfterBreak_;
 };
 
 } // namespace pavonel

@@ -45,31 +45,28 @@ void BreakController::start() {
 }
 
 void BreakController::tick() {
+    const Instant now = loop_.now();
     if (phase == Phase::breaking) {
-        tickBreak();
+        tickBreak(now);
         return;
     }
     if (phase == Phase::paused) {
-        if (pauseUntil.get() && loop_.now() >= *pauseUntil.get()) {
-            pauseUntil = std::nullopt;
-            phase = Phase::counting;
-        }
+        if (pauseUntil.get() && now >= *pauseUntil.get())
+            resume();
         return;
     }
-    if (isAway() || isHeld() || startDuePlannedBreak())
+    if (isAway() || isHeld() || startDuePlannedBreak(now))
         return;
-    countScreenSecond();
+    countScreenSecond(now);
     tickWellness();
-    startOrAnnounceNext();
+    startOrAnnounceNext(now);
 }
 
-void BreakController::tickBreak() {
+void BreakController::tickBreak(Instant now) {
     breakRemaining = breakRemaining - oneTick;
-    Day day = stats_.today();
-    day.breakSeconds += oneTick;
-    stats_.setToday(day);
+    record(now, [](Day &day) { day.breakSeconds += oneTick; });
     if (breakRemaining <= 0)
-        endBreak(Ending::completed);
+        endBreak(Ending::completed, now);
 }
 
 /// An idle spell is a rest of its own. It resets a counter only once it has lasted as long as the break that
@@ -87,7 +84,7 @@ bool BreakController::isAway() {
     }
     dismissHeadsUp();
     if (!wasAway)
-        stats_.flush(); // nobody is working: a good moment to wake the disk
+        stats_.save(); // nobody is working: a good moment to wake the disk
     return true;
 }
 
@@ -100,8 +97,7 @@ bool BreakController::isHeld() {
     return reason.has_value();
 }
 
-bool BreakController::startDuePlannedBreak() {
-    const Instant now = loop_.now();
+bool BreakController::startDuePlannedBreak(Instant now) {
     const auto &coming = upcomingPlanned(now);
     if (!coming || coming->fires > now)
         return false;
@@ -112,12 +108,10 @@ bool BreakController::startDuePlannedBreak() {
     return true;
 }
 
-void BreakController::countScreenSecond() {
+void BreakController::countScreenSecond(Instant now) {
     microElapsed = microElapsed + oneTick;
     longElapsed = longElapsed + oneTick;
-    Day day = stats_.today();
-    day.screenSeconds += oneTick;
-    stats_.setToday(day);
+    record(now, [](Day &day) { day.screenSeconds += oneTick; });
 }
 
 void BreakController::tickWellness() {
@@ -140,8 +134,8 @@ void BreakController::remind(bool enabled, Seconds interval, Seconds &pending, c
         onWellness(message, icon);
 }
 
-void BreakController::startOrAnnounceNext() {
-    const auto coming = next();
+void BreakController::startOrAnnounceNext(Instant now) {
+    const auto coming = next(now);
     if (!coming)
         return;
     if (coming->remaining <= 0) {
@@ -155,6 +149,10 @@ void BreakController::startOrAnnounceNext() {
 }
 
 std::optional<NextBreak> BreakController::next() const {
+    return next(loop_.now());
+}
+
+std::optional<NextBreak> BreakController::next(Instant now) const {
     std::optional<NextBreak> soonest;
     // On equal times the earlier candidate stays: micro before long, both before planned.
     const auto consider = [&soonest](NextBreak candidate) {
@@ -166,7 +164,6 @@ std::optional<NextBreak> BreakController::next() const {
         consider({BreakKind::micro, defaultTitle(BreakKind::micro), s_.microInterval - microElapsed, {}});
     if (s_.longEnabled)
         consider({BreakKind::long_, defaultTitle(BreakKind::long_), s_.longInterval - longElapsed, {}});
-    const Instant now = loop_.now();
     if (const auto &planned = upcomingPlanned(now)) {
         consider({BreakKind::planned, planned->record.label, secondsBetween(now, planned->fires),
                   planned->record.id});
@@ -196,16 +193,18 @@ void BreakController::startBreak(BreakKind kind, Initiator, std::optional<Second
 }
 
 void BreakController::endBreak(Ending ending) {
+    endBreak(ending, loop_.now());
+}
+
+void BreakController::endBreak(Ending ending, Instant now) {
     if (phase != Phase::breaking || !currentBreak.get())
         return;
     const BreakKind kind = *currentBreak.get();
     if (ending == Ending::completed) {
-        Day day = stats_.today();
-        ++counterOf(day, kind);
-        stats_.setToday(day);
+        record(now, [kind](Day &day) { ++counterOf(day, kind); });
         playSound(s_.endSound);
     } else {
-        countSkipped();
+        countSkipped(now);
     }
     Automation::run(*platform_.processes, s_.onBreakEndScript);
     if (relay_)
@@ -222,14 +221,15 @@ void BreakController::endBreak(Ending ending) {
 void BreakController::skip() {
     if (s_.strictMode)
         return;
+    const Instant now = loop_.now();
     if (phase == Phase::breaking) {
-        endBreak(Ending::cutShort);
+        endBreak(Ending::cutShort, now);
         return;
     }
-    const auto coming = s_.isSkipPermitted() ? next() : std::nullopt;
+    const auto coming = s_.isSkipPermitted() ? next(now) : std::nullopt;
     if (!coming)
         return;
-    countSkipped();
+    countSkipped(now);
     switch (coming->kind) {
     case BreakKind::micro:
         microElapsed = 0;
@@ -239,7 +239,7 @@ void BreakController::skip() {
         microElapsed = 0;
         break;
     case BreakKind::planned:
-        if (const auto planned = upcomingPlanned(loop_.now())) {
+        if (const auto planned = upcomingPlanned(now)) {
             planned_.markHandled(planned->record.id, planned->fires);
             plannedAnswer_.reset();
         }
@@ -249,7 +249,8 @@ void BreakController::skip() {
 }
 
 void BreakController::postpone(Seconds by) {
-    const auto coming = s_.isPostponePermitted() ? next() : std::nullopt;
+    const Instant now = loop_.now();
+    const auto coming = s_.isPostponePermitted() ? next(now) : std::nullopt;
     if (!coming)
         return;
     switch (coming->kind) {
@@ -260,7 +261,7 @@ void BreakController::postpone(Seconds by) {
         longElapsed = std::max(0.0, longElapsed - by);
         break;
     case BreakKind::planned:
-        planned_.defer(*coming->plannedID, loop_.now() + by);
+        planned_.defer(*coming->plannedID, now + by);
         plannedAnswer_.reset();
         break;
     }
@@ -268,20 +269,26 @@ void BreakController::postpone(Seconds by) {
 }
 
 void BreakController::pause(std::optional<Seconds> forSeconds) {
+    const Instant now = loop_.now();
     if (phase == Phase::breaking)
-        endBreak(Ending::cutShort);
+        endBreak(Ending::cutShort, now);
     dismissHeadsUp();
-    pauseUntil = forSeconds ? std::optional(loop_.now() + *forSeconds) : std::nullopt;
+    pauseUntil = forSeconds ? std::optional(now + *forSeconds) : std::nullopt;
     phase = Phase::paused;
 }
 
+void BreakController::resume() {
+    if (phase != Phase::paused)
+        return;
+    pauseUntil = std::nullopt;
+    phase = Phase::counting;
+}
+
 void BreakController::togglePause() {
-    if (phase == Phase::paused) {
-        pauseUntil = std::nullopt;
-        phase = Phase::counting;
-    } else {
+    if (phase == Phase::paused)
+        resume();
+    else
         pause();
-    }
 }
 
 void BreakController::dismissHeadsUp() {
@@ -299,14 +306,18 @@ void BreakController::playSound(const QString &name) {
         SoundPlayer::play(*platform_.sounds, name);
 }
 
-void BreakController::countSkipped() {
-    Day day = stats_.today();
-    ++day.skipped;
-    stats_.setToday(day);
+void BreakController::countSkipped(Instant now) {
+    record(now, [](Day &day) { ++day.skipped; });
+}
+
+void BreakController::record(Instant now, const std::function<void(Day &)> &change) {
+    Day day = stats_.on(now);
+    change(day);
+    stats_.set(now, day);
 }
 
 const std::optional<PlannedOccurrence> &BreakController::upcomingPlanned(Instant now) const {
-    const LocalDay &today = today_.day();
+    const LocalDay &today = today_.day(now);
     const bool fresh = plannedAnswer_ && plannedAnswer_->recordsVersion == s_.plannedBreaks.version() &&
                        plannedAnswer_->today.begin == today.begin &&
                        plannedAnswer_->today.zone == today.zone && plannedAnswer_->validFrom <= now &&

@@ -44,6 +44,9 @@ public:
     /// Starts the one-second timer, in place of one that runs.
     void start();
 
+    /// As of the last tick that looked: long enough to count as a rest, so that nothing is counted.
+    bool isUserAway() const { return away_; }
+
     /// The coming break; absent when nothing is scheduled.
     std::optional<NextBreak> next() const;
 
@@ -62,6 +65,7 @@ public:
 
     /// Without seconds, until the user resumes.
     void pause(std::optional<Seconds> forSeconds = {});
+    void resume();
     void togglePause();
 
     /// Withdraws a raised heads-up.
@@ -69,17 +73,20 @@ public:
 
 private:
     void tick();
-    void tickBreak();
+    void tickBreak(Instant now);
     bool isAway();
     bool isHeld();
-    bool startDuePlannedBreak();
-    void countScreenSecond();
+    bool startDuePlannedBreak(Instant now);
+    void countScreenSecond(Instant now);
     void tickWellness();
     void remind(bool enabled, Seconds interval, Seconds &pending, const QString &message,
                 const QString &icon);
-    void startOrAnnounceNext();
+    void startOrAnnounceNext(Instant now);
+    std::optional<NextBreak> next(Instant now) const;
+    void endBreak(Ending ending, Instant now);
     void playSound(const QString &name);
-    void countSkipped();
+    void countSkipped(Instant now);
+    void record(Instant now, const std::function<void(Day &)> &change);
     const std::optional<PlannedOccurrence> &upcomingPlanned(Instant now) const;
 
     /// The answer of `PlannedSchedule::upcoming`, which changes only when its inputs do, when the day does,

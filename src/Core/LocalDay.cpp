@@ -122,8 +122,7 @@ LocalDay LocalDay::containing(Instant instant, const QTimeZone &zone) {
             instantAt(endOfDate(seconds, date, zone))};
 }
 
-const LocalDay &Today::day() const {
-    const Instant now = loop_.now();
+const LocalDay &Today::day(Instant now) const {
     const QTimeZone zone = loop_.zone();
     if (!day_ || !day_->contains(now, zone)) {
         day_ = LocalDay::containing(now, zone);
@@ -132,8 +131,8 @@ const LocalDay &Today::day() const {
     return *day_;
 }
 
-const QString &Today::key() const {
-    day();
+const QString &Today::key(Instant now) const {
+    day(now);
     return key_;
 }
 

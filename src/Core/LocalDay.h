@@ -58,10 +58,10 @@ class Today {
 public:
     explicit Today(const MainLoop &loop) : loop_(loop) {}
 
-    const LocalDay &day() const;
+    const LocalDay &day(Instant now) const;
 
     /// The date as "yyyy-MM-dd" in the user's locale, under which the day's statistics stand.
-    const QString &key() const;
+    const QString &key(Instant now) const;
 
 private:
     const MainLoop &loop_;

@@ -4,6 +4,7 @@
 
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
@@ -36,6 +37,12 @@ qint64 truncated(Seconds duration) {
     if (!(duration > -limit && duration < limit))
         std::abort();
     return static_cast<qint64>(duration);
+}
+
+/// A token goes into a header, which must stay one.
+bool canBeSent(const QString &token) {
+    return std::none_of(token.begin(), token.end(),
+                        [](QChar character) { return character.category() == QChar::Other_Control; });
 }
 
 QUrl appended(QUrl base, const char *path) {
@@ -94,7 +101,7 @@ void Phone::receiveCode(const Result &result) {
     const auto &reply = std::get<QJsonObject>(result);
     const QJsonValue code = reply.value(u"code");
     const QJsonValue token = reply.value(u"macToken");
-    if (!code.isString() || !token.isString()) {
+    if (!code.isString() || !token.isString() || !canBeSent(token.toString())) {
         state = Failed{QStringLiteral("The server sent something unexpected.")};
         return;
     }

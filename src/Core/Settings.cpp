@@ -18,11 +18,14 @@ template <class T> std::optional<T> converted(const StoredValue &stored) {
 template <> std::optional<double> converted(const StoredValue &stored) {
     if (const auto *fraction = std::get_if<double>(&stored))
         return std::isfinite(*fraction) ? std::optional(*fraction) : std::nullopt;
-    constexpr qint64 exactLimit = qint64{1} << std::numeric_limits<double>::digits;
+    constexpr double limit = 9223372036854775808.0; // the first that a qint64 does not hold
     const auto *whole = std::get_if<qint64>(&stored);
-    if (!whole || *whole > exactLimit || *whole < -exactLimit)
+    if (!whole)
         return {};
-    return static_cast<double>(*whole);
+    const auto nearest = static_cast<double>(*whole);
+    if (nearest >= limit || static_cast<qint64>(nearest) != *whole)
+        return {};
+    return nearest;
 }
 
 template <> std::optional<int> converted(const StoredValue &stored) {

@@ -5,7 +5,6 @@
 
 #include <QByteArrayList>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QLocale>
 
 #include <cmath>
@@ -16,27 +15,6 @@ namespace {
 
 constexpr std::size_t keptDays = 60;
 constexpr int daysInWeek = 7;
-
-QJsonObject encode(const Day &day) {
-    return {{QStringLiteral("micro"), day.micro},
-            {QStringLiteral("long"), day.long_},
-            {QStringLiteral("planned"), day.planned},
-            {QStringLiteral("skipped"), day.skipped},
-            {QStringLiteral("screenSeconds"), day.screenSeconds},
-            {QStringLiteral("breakSeconds"), day.breakSeconds}};
-}
-
-std::optional<Day> decodeDay(const QJsonObject &object) {
-    const auto micro = strictJson::integer(object.value(u"micro"));
-    const auto long_ = strictJson::integer(object.value(u"long"));
-    const auto planned = strictJson::integer(object.value(u"planned"));
-    const auto skipped = strictJson::integer(object.value(u"skipped"));
-    const auto screenSeconds = strictJson::number(object.value(u"screenSeconds"));
-    const auto breakSeconds = strictJson::number(object.value(u"breakSeconds"));
-    if (!micro || !long_ || !planned || !skipped || !screenSeconds || !breakSeconds)
-        return {};
-    return Day{*micro, *long_, *planned, *skipped, *screenSeconds, *breakSeconds};
-}
 
 /// `"2026-03-09":{…}`, a member of the stored object.
 std::optional<QByteArray> encodeMember(const QString &key, const Day &day) {
@@ -63,9 +41,30 @@ std::optional<Days> decodeDays(const QByteArray &json) {
 
 } // namespace
 
+QJsonObject encode(const Day &day) {
+    return {{QStringLiteral("micro"), day.micro},
+            {QStringLiteral("long"), day.long_},
+            {QStringLiteral("planned"), day.planned},
+            {QStringLiteral("skipped"), day.skipped},
+            {QStringLiteral("screenSeconds"), day.screenSeconds},
+            {QStringLiteral("breakSeconds"), day.breakSeconds}};
+}
+
+std::optional<Day> decodeDay(const QJsonObject &object) {
+    const auto micro = strictJson::integer(object.value(u"micro"));
+    const auto long_ = strictJson::integer(object.value(u"long"));
+    const auto planned = strictJson::integer(object.value(u"planned"));
+    const auto skipped = strictJson::integer(object.value(u"skipped"));
+    const auto screenSeconds = strictJson::number(object.value(u"screenSeconds"));
+    const auto breakSeconds = strictJson::number(object.value(u"breakSeconds"));
+    if (!micro || !long_ || !planned || !skipped || !screenSeconds || !breakSeconds)
+        return {};
+    return Day{*micro, *long_, *planned, *skipped, *screenSeconds, *breakSeconds};
+}
+
 const QString Stats::key = QStringLiteral("stats.days");
 
-Stats::Stats(UserDefaults &defaults, const MainLoop &loop) : defaults_(defaults), today_(loop) {
+Stats::Stats(UserDefaults &defaults, const MainLoop &loop) : defaults_(defaults), loop_(loop), today_(loop) {
     const auto stored = defaults_.value(key);
     const auto *json = stored ? std::get_if<QByteArray>(&*stored) : nullptr;
     if (json)
@@ -80,25 +79,26 @@ Stats &Stats::shared() {
 void Stats::setDays(Days days) {
     announceChange();
     days_ = std::move(days);
-    persist();
+    persist(loop_.now());
 }
 
-Day Stats::today() const {
-    const auto found = days_.find(today_.key());
+Day Stats::on(Instant now) const {
+    const auto found = days_.find(today_.key(now));
     return found == days_.end() ? Day{} : found->second;
 }
 
-void Stats::setToday(const Day &day) {
+void Stats::set(Instant now, const Day &day) {
     announceChange();
-    days_[today_.key()] = day;
-    persist();
+    days_[today_.key(now)] = day;
+    persist(now);
 }
 
 std::vector<LabelledDay> Stats::lastWeek() const {
     const QLocale english(QLocale::English, QLocale::UnitedStates);
+    const QDate today = today_.day(loop_.now()).date;
     std::vector<LabelledDay> week;
     for (int offset = daysInWeek - 1; offset >= 0; --offset) {
-        const QDate date = today_.day().date.addDays(-offset);
+        const QDate date = today.addDays(-offset);
         if (!date.isValid())
             continue;
         const auto found = days_.find(dayKey(date));
@@ -107,9 +107,9 @@ std::vector<LabelledDay> Stats::lastWeek() const {
     return week;
 }
 
-void Stats::persist() {
+void Stats::persist(Instant now) {
     if (days_.size() > keptDays) {
-        const QDate cutOff = today_.day().date.addDays(-static_cast<int>(keptDays));
+        const QDate cutOff = today_.day(now).date.addDays(-static_cast<int>(keptDays));
         if (cutOff.isValid())
             days_.erase(days_.begin(), days_.lower_bound(dayKey(cutOff)));
     }

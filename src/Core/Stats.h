@@ -4,6 +4,7 @@
 #include "Core/Observable.h"
 #include "Platform/UserDefaults.h"
 
+#include <QJsonObject>
 #include <QString>
 
 #include <map>
@@ -22,6 +23,10 @@ struct Day {
 
     bool operator==(const Day &) const = default;
 };
+
+/// A day as it is stored. Decoding is strict: without one of the six members there is no day.
+QJsonObject encode(const Day &day);
+std::optional<Day> decodeDay(const QJsonObject &object);
 
 /// A day of the statistics page.
 struct LabelledDay {
@@ -46,22 +51,27 @@ public:
     void setDays(Days days);
 
     /// All zero on a day without a record.
-    Day today() const;
-    void setToday(const Day &day);
+    Day today() const { return on(loop_.now()); }
+    void setToday(const Day &day) { set(loop_.now(), day); }
+
+    /// The same of the day that it is at `now`, for one who has read the clock already.
+    Day on(Instant now) const;
+    void set(Instant now, const Day &day);
 
     /// Oldest first, the last is today.
     std::vector<LabelledDay> lastWeek() const;
 
     /// Puts the counts on disk now instead of within a minute.
-    void flush() { defaults_.flush(); }
+    void save() { defaults_.save(); }
 
     static const QString key;
 
 private:
-    void persist();
+    void persist(Instant now);
     std::optional<StoredValue> encodeDays();
 
     UserDefaults &defaults_;
+    const MainLoop &loop_;
     Today today_;
     Days days_;
     /// Each day as it was last encoded: of all that is written every minute, only today changes.

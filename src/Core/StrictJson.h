@@ -3,6 +3,7 @@
 #include <QJsonValue>
 
 #include <cmath>
+#include <limits>
 #include <optional>
 
 /// Strict reading of JSON members: a value of another type is no value.
@@ -23,7 +24,8 @@ inline std::optional<double> number(const QJsonValue &value) {
 /// A number without a fraction that fits an `int`.
 inline std::optional<int> integer(const QJsonValue &value) {
     const auto stored = number(value);
-    if (!stored || std::trunc(*stored) != *stored || std::abs(*stored) > 2147483647.0)
+    using Limits = std::numeric_limits<int>;
+    if (!stored || std::trunc(*stored) != *stored || *stored < Limits::min() || *stored > Limits::max())
         return {};
     return static_cast<int>(*stored);
 }

@@ -28,6 +28,23 @@ TEST(BreakController, a_tick_is_one_second_of_screen_time_on_both_counters_and_t
     EXPECT_EQ(s.stats.today(), Day{.screenSeconds = 90});
 }
 
+TEST(BreakController, one_tick_reads_the_clock_once) {
+    Scenario s;
+    s.plan(9, 30, 40);
+    const auto expectOneReadATick = [&s](const char *what, Seconds ticks) {
+        s.platform.loop.clockReads = 0;
+        s.advance(ticks);
+        EXPECT_EQ(s.platform.loop.clockReads, ticks) << what;
+    };
+    expectOneReadATick("counting, a heads-up and a micro break", 1300);
+    expectOneReadATick("a planned break", 600);
+    ASSERT_EQ(s.stats.today().planned, 1);
+    s.controller.pause(100);
+    expectOneReadATick("a pause and its end", 101);
+    s.platform.idle.seconds = 400;
+    expectOneReadATick("an idle spell", 10);
+}
+
 TEST(BreakController, starting_again_replaces_the_timer) {
     Scenario s;
     s.controller.start();
@@ -146,10 +163,10 @@ TEST(BreakController, going_idle_withdraws_the_heads_up) {
 TEST(BreakController, going_idle_puts_the_statistics_on_disk_once) {
     Scenario s;
     s.advance(10);
-    EXPECT_EQ(s.platform.fakeDefaults.flushes, 0);
+    EXPECT_EQ(s.platform.fakeDefaults.saves, 0);
     s.platform.idle.seconds = 60;
     s.advance(30);
-    EXPECT_EQ(s.platform.fakeDefaults.flushes, 1);
+    EXPECT_EQ(s.platform.fakeDefaults.saves, 1);
 }
 
 TEST(BreakController, an_idle_tick_leaves_a_held_reason_as_it_was) {

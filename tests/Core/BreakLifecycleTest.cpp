@@ -1,5 +1,9 @@
 #include "support/Scenario.h"
 
+#include <functional>
+#include <utility>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 namespace pavonel::test {
@@ -21,6 +25,43 @@ TEST(BreakLifecycle, starting_while_a_break_runs_changes_nothing) {
     EXPECT_EQ(s.controller.breakTotal, 300);
     EXPECT_EQ(s.eventsWith(QStringLiteral("start")).size(), 1);
     EXPECT_EQ(s.relay.told.size(), 1);
+}
+
+/// Hot keys and the bus do their work when the loop comes to it, in whichever phase that is.
+TEST(BreakLifecycle, whatever_is_asked_for_late_leaves_every_phase_whole) {
+    Scenario s;
+    BreakController &c = s.controller;
+    const std::vector<std::pair<const char *, std::function<void()>>> operations{
+        {"micro break", [&c] { c.startBreak(BreakKind::micro, Initiator::user); }},
+        {"long break", [&c] { c.startBreak(BreakKind::long_, Initiator::user); }},
+        {"skip", [&c] { c.skip(); }},
+        {"postpone", [&c] { c.postpone(60); }},
+        {"pause", [&c] { c.pause(900); }},
+        {"toggle pause", [&c] { c.togglePause(); }},
+        {"resume", [&c] { c.resume(); }},
+        {"cut short", [&c] { c.endBreak(Ending::cutShort); }},
+        {"dismiss", [&c] { c.dismissHeadsUp(); }},
+    };
+    for (const auto &[name, operation] : operations) {
+        for (const Phase phase : everyPhase) {
+            s.enter(phase);
+            operation();
+            EXPECT_TRUE(s.isWhole()) << name << " in phase " << static_cast<int>(phase);
+        }
+    }
+}
+
+TEST(BreakLifecycle, resuming_without_a_pause_changes_nothing) {
+    Scenario s;
+    s.controller.startBreak(BreakKind::micro, Initiator::user);
+    s.controller.resume();
+    EXPECT_EQ(s.controller.phase, Phase::breaking);
+    s.advance(20);
+    EXPECT_EQ(s.stats.today().micro, 1);
+    s.advance(1175);
+    ASSERT_EQ(s.controller.phase, Phase::headsUp);
+    s.controller.resume();
+    EXPECT_EQ(s.controller.phase, Phase::headsUp);
 }
 
 TEST(BreakLifecycle, a_break_of_no_length_ends_completed_on_the_next_tick) {

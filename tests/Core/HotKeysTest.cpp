@@ -125,6 +125,16 @@ TEST(HotKeyManager, escape_is_held_from_its_registration_to_its_removal) {
     EXPECT_EQ(bench.actions, QStringList());
 }
 
+TEST(HotKeyManager, a_press_of_escape_that_is_dealt_with_after_its_removal_does_nothing) {
+    HotKeysBench bench;
+    bench.manager.registerBinding(bench.escape());
+    bench.platform.keys.handler(HotKeyManager::escapeID);
+    bench.platform.keys.handler(HotKeyManager::escapeID);
+    bench.manager.unregisterEscape();
+    bench.platform.loop.advance(0);
+    EXPECT_EQ(bench.actions, QStringList());
+}
+
 TEST(HotKeyManager, removing_escape_without_a_registration_leaves_everything) {
     HotKeysBench bench;
     bench.manager.registerBinding(bench.binding(1, QStringLiteral("break")));

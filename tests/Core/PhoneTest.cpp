@@ -103,6 +103,17 @@ TEST_F(PhoneLink, a_code_reply_without_both_texts_fails_and_stores_nothing) {
     }
 }
 
+TEST_F(PhoneLink, a_token_that_would_split_a_header_is_none) {
+    for (const char *inJson :
+         {"a\\r\\nX-Other: b", "a\\nb", "a\\u0000b", "a\\tb", "a\\u007fb", "a\\u0085b"}) {
+        sent().clear();
+        phone->startPairing();
+        answer(0, 200, QByteArray(R"({"code":"1","macToken":")") + inJson + "\"}");
+        EXPECT_EQ(phone->state.get(), failed("The server sent something unexpected.")) << inJson;
+        EXPECT_FALSE(token()) << inJson;
+    }
+}
+
 TEST_F(PhoneLink, a_refused_code_request_names_the_status) {
     phone->startPairing();
     answer(0, 404, "not here");

@@ -204,6 +204,12 @@ TEST(Settings, a_number_is_taken_wherever_it_converts_exactly) {
     EXPECT_EQ(bench.microInterval(qint64{900}), 900);
     EXPECT_EQ(bench.microInterval(qint64{9007199254740992}), 9007199254740992.0);
     EXPECT_EQ(bench.microInterval(qint64{9007199254740993}), 1200); // 2^53 + 1 has no double
+    EXPECT_EQ(bench.microInterval(qint64{9007199254740994}), 9007199254740994.0);
+    EXPECT_EQ(bench.microInterval(qint64{-9007199254740994}), -9007199254740994.0);
+    EXPECT_EQ(bench.microInterval(qint64{4611686018427387904}), 4611686018427387904.0); // 2^62
+    EXPECT_EQ(bench.microInterval(qint64{9223372036854774784}), 9223372036854774784.0);
+    EXPECT_EQ(bench.microInterval(std::numeric_limits<qint64>::min()), -9223372036854775808.0);
+    EXPECT_EQ(bench.microInterval(std::numeric_limits<qint64>::max()), 1200); // its nearest double is 2^63
     EXPECT_EQ(bench.countdown(qint64{5}), 5);
     EXPECT_EQ(bench.countdown(5.0), 5);
     EXPECT_EQ(bench.countdown(5.5), 3);

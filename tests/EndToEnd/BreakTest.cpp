@@ -1,40 +1,16 @@
 #include "EndToEnd/Desktop.h"
+#include "EndToEnd/pixels.h"
 
 #include <QImage>
 
 #include <algorithm>
 #include <csignal>
-#include <cstdlib>
 
 #include <gtest/gtest.h>
 
 namespace pavonel::test {
 
 namespace {
-
-/// The sharpest step in brightness between two neighbouring pixels of a row: gradients have next to none.
-int contrast(const QImage &picture, const QRect &area) {
-    int sharpest = 0;
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        const auto *line = reinterpret_cast<const QRgb *>(picture.constScanLine(y));
-        for (int x = area.left() + 1; x <= area.right(); ++x)
-            sharpest = std::max(sharpest, std::abs(qGray(line[x]) - qGray(line[x - 1])));
-    }
-    return sharpest;
-}
-
-bool showsText(const QImage &picture, const QRect &screen) {
-    return contrast(picture, screen.adjusted(8, 8, -8, -8)) > 40;
-}
-
-bool shows(const QImage &picture, const QRect &area, const QColor &colour) {
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        const auto *line = reinterpret_cast<const QRgb *>(picture.constScanLine(y));
-        if (std::find(line + area.left(), line + area.right() + 1, colour.rgb()) != line + area.right() + 1)
-            return true;
-    }
-    return false;
-}
 
 std::vector<QRect> sortedFrames(const std::vector<SeenWindow> &windows) {
     std::vector<QRect> frames;
@@ -163,6 +139,62 @@ TEST(Break, a_screen_removed_meanwhile_does_no_harm) {
     EXPECT_TRUE(desktop.waitForOverlays(2)) << "the next break is for the screens that are left";
     EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
     EXPECT_GE(count(desktop, "micro"), 1);
+}
+
+/// The frames of the overlays, each covering its screen, with nothing of the desktop to be seen and the text
+/// in the middle of the screen that has it.
+bool coverExactly(Desktop &desktop, const std::vector<QRect> &screens, const QRect &withText) {
+    const QImage picture = desktop.server().picture();
+    const QRect middle(withText.center() - QPoint(150, 150), QSize(300, 300));
+    return sortedFrames(desktop.overlays()) == screens &&
+           std::ranges::none_of(screens,
+                                [&](const QRect &screen) {
+                                    return !picture.rect().contains(screen) ||
+                                           shows(picture, screen, Desktop::background());
+                                }) &&
+           contrast(picture, middle) > 40;
+}
+
+TEST(Break, it_follows_a_screen_that_changes_its_mode) {
+    Desktop desktop;
+    desktop.server().setMonitors({});
+    desktop.store(breakAfterTwoSeconds);
+    desktop.startProgram();
+    ASSERT_TRUE(desktop.waitForOverlays(1));
+
+    for (const QSize mode : {QSize(1280, 720), QSize(1920, 700), QSize(800, 600), QSize(3840, 720)}) {
+        desktop.server().setMode(mode);
+        const QRect screen({0, 0}, mode);
+        EXPECT_TRUE(waitUntil([&] { return coverExactly(desktop, {screen}, screen); }))
+            << mode.width() << " x " << mode.height();
+    }
+}
+
+TEST(Break, it_covers_a_screen_that_was_off_for_a_moment) {
+    Desktop desktop;
+    desktop.server().setMonitors({});
+    desktop.store(breakAfterTwoSeconds);
+    desktop.startProgram();
+    ASSERT_TRUE(desktop.waitForOverlays(1));
+
+    desktop.server().run(QStringLiteral("xrandr"),
+                         {QStringLiteral("--fbmm"), QStringLiteral("500x280"), QStringLiteral("--output"),
+                          QStringLiteral("screen"), QStringLiteral("--off")});
+    const QRect screen(0, 0, 1280, 720);
+    desktop.server().setMode(screen.size());
+    EXPECT_TRUE(waitUntil([&] { return coverExactly(desktop, {screen}, screen); }));
+}
+
+TEST(Break, it_covers_screens_that_come_back_in_another_size_and_place) {
+    Desktop desktop;
+    startAndWaitForBreak(desktop);
+    waitForText(desktop);
+
+    desktop.server().setMonitors({Desktop::screen(0)});
+    ASSERT_TRUE(desktop.waitForOverlays(1));
+    const std::vector<QRect> screens = {Desktop::screen(0), {1280, 0, 1024, 700}, {2304, 20, 1280, 700}};
+    desktop.server().setMonitors(screens);
+    EXPECT_TRUE(waitUntil([&] { return coverExactly(desktop, screens, screens[0]); }));
 }
 
 TEST(Break, two_follow_each_other_back_to_back) {

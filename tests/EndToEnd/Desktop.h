@@ -1,22 +1,17 @@
 #pragma once
 
+#include "EndToEnd/ProgramAtHome.h"
 #include "EndToEnd/WindowTree.h"
 #include "support/XServer.h"
 #include "support/waitUntil.h"
-
-#include <QDate>
-#include <QElapsedTimer>
-#include <QJsonObject>
-#include <QTemporaryDir>
 
 #include <memory>
 
 namespace pavonel::test {
 
-/// Three screens of 1280x720 side by side, a window manager, and the built program in a home of its own. It
-/// is driven and looked at from outside: the windows, the pixels, the keys, the store's file. It is always
-/// night: midnight is over, and no planned break is near.
-class Desktop {
+/// Three screens of 1280x720 side by side, a window manager, and the built program, which is driven and
+/// looked at from outside: the windows, the pixels, the keys, the store's file.
+class Desktop : public ProgramAtHome {
 public:
     explicit Desktop(XServer::WindowManager manager = XServer::WindowManager::openbox);
     ~Desktop();
@@ -26,30 +21,6 @@ public:
 
     XServer &server() { return *server_; }
     WindowTree &tree() { return *tree_; }
-
-    /// What the program finds in its store, on top of settings that keep the tests short and silent.
-    void store(const QJsonObject &members);
-    QString storePath() const;
-    QJsonObject stored() const;
-
-    /// The date where the program is.
-    static QDate today();
-
-    /// Today's record of the statistics; empty when there is none.
-    QJsonObject statistics() const;
-
-    /// What the program will be started with.
-    QProcessEnvironment &environment() { return environment_; }
-
-    void startProgram();
-    bool isRunning() const { return program_ && program_->isRunning(); }
-    qint64 millisecondsSinceStart() const { return sinceStart_.elapsed(); }
-
-    void sendSignal(int signal);
-
-    /// Sends the signal and gives the exit status, -1 when the program crashed, was killed or did not end.
-    int endProgram(int signal);
-    int waitForExit();
 
     /// The break screen's windows, the lowest first.
     std::vector<SeenWindow> overlays();
@@ -69,14 +40,10 @@ public:
     void endServer();
 
 private:
-    QProcessEnvironment environmentAtHome() const;
+    explicit Desktop(std::unique_ptr<XServer> server);
 
-    QTemporaryDir home_;
-    QProcessEnvironment environment_;
     std::unique_ptr<XServer> server_;
     std::unique_ptr<WindowTree> tree_;
-    std::unique_ptr<ChildProcess> program_;
-    QElapsedTimer sinceStart_;
 };
 
 } // namespace pavonel::test

@@ -143,6 +143,18 @@ TEST(Ending, the_end_of_the_x_server_while_counting_is_an_orderly_end) {
     EXPECT_GE(desktop.statistics()[QStringLiteral("screenSeconds")].toDouble(), 3);
 }
 
+TEST(Ending, the_end_of_the_x_server_is_an_orderly_end_where_nobody_reads_the_complaints) {
+    Desktop desktop;
+    desktop.store({{QStringLiteral("microInterval"), 3}, {QStringLiteral("microDuration"), 600}});
+    desktop.startProgramUnread();
+    ASSERT_TRUE(desktop.waitForOverlays());
+
+    desktop.endServer();
+
+    EXPECT_NE(desktop.waitForExit(), -1) << "the program crashed or stayed";
+    EXPECT_EQ(desktop.statistics()[QStringLiteral("screenSeconds")].toDouble(), 3);
+}
+
 TEST(Ending, the_loss_of_the_session_bus_during_a_break_lets_it_go_on_to_its_end) {
     std::optional<MessageBus> bus(std::in_place);
     Desktop desktop;

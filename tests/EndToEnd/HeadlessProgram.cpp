@@ -30,7 +30,8 @@ bool catches(qint64 process, int signal) {
 } // namespace
 
 HeadlessProgram::HeadlessProgram() : executable_(QStringLiteral(PAVONEL_PROGRAM)) {
-    for (const char *name : {"PATH", "LANG", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
+    for (const char *name :
+         {"PATH", "LANG", "QT_NO_XDG_DESKTOP_PORTAL", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
         const QString key = QString::fromUtf8(name);
         if (qEnvironmentVariableIsSet(name))
             environment_.insert(key, qEnvironmentVariable(name));
@@ -68,28 +69,47 @@ ChildProcess::Result HeadlessProgram::run(const QStringList &arguments) const {
 }
 
 void HeadlessProgram::start(const QByteArray &commandsBefore) {
-    if (commandsBefore.isEmpty()) {
-        program_ = std::make_unique<ChildProcess>(executable_, QStringList(), environment_);
-    } else {
-        const QString script = QString::fromUtf8("set -e\n" + commandsBefore + "\nexec \"$0\"");
-        program_ = std::make_unique<ChildProcess>(QStringLiteral("unshare"),
-                                                  QStringList{QStringLiteral("-rm"), QStringLiteral("sh"),
-                                                              QStringLiteral("-c"), script, executable_,
-                                                              storeFolder()},
-                                                  environment_);
-    }
+    if (commandsBefore.isEmpty())
+        return startWith({});
+    const QString script = QString::fromUtf8("set -e\n" + commandsBefore + "\nexec \"$0\"");
+    program_ =
+        std::make_unique<ChildProcess>(QStringLiteral("unshare"),
+                                       QStringList{QStringLiteral("-rm"), QStringLiteral("sh"),
+                                                   QStringLiteral("-c"), script, executable_, storeFolder()},
+                                       environment_);
+    waitUntilItCanEnd();
+}
+
+void HeadlessProgram::startWith(const QStringList &arguments) {
+    program_ = std::make_unique<ChildProcess>(executable_, arguments, environment_);
+    waitUntilItCanEnd();
+}
+
+void HeadlessProgram::waitUntilItCanEnd() {
     EXPECT_TRUE(
         waitUntil([this] { return !isRunning() || catches(program_->process().processId(), SIGTERM); }));
     EXPECT_TRUE(isRunning()) << program_->process().readAllStandardError().constData();
 }
 
+void HeadlessProgram::send(int signal) {
+    const qint64 id = program_->process().processId();
+    if (id > 0) // 0 would be everybody in the group of the test
+        ::kill(static_cast<pid_t>(id), signal);
+}
+
 int HeadlessProgram::end(int signal) {
     QProcess &process = program_->process();
-    if (process.processId() > 0) // 0 would be everybody in the group of the test
-        ::kill(static_cast<pid_t>(process.processId()), signal);
+    send(signal);
     const bool ended = process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit;
     EXPECT_TRUE(ended) << process.readAllStandardError().constData();
     return ended ? process.exitCode() : -1;
+}
+
+qint64 HeadlessProgram::residentMemory() const {
+    const QByteArray status =
+        readFile(QStringLiteral("/proc/%1/status").arg(program_->process().processId()));
+    const qsizetype at = status.indexOf("VmRSS:");
+    return at < 0 ? 0 : status.sliced(at + 6).trimmed().split(' ').value(0).toLongLong();
 }
 
 void HeadlessProgram::kill() {

@@ -36,13 +36,24 @@ public:
     /// "$1" as the folder of the store; with commands, the process has a view of the file system of its own,
     /// in which it may mount.
     void start(const QByteArray &commandsBefore = {});
+    void startWith(const QStringList &arguments);
     bool isRunning() const { return program_ && program_->isRunning(); }
+
+    void send(int signal);
+
+    /// What it has written to its standard error since this was last asked.
+    QByteArray errors() { return program_->process().readAllStandardError(); }
+
+    /// In kilobytes; 0 when it does not run.
+    qint64 residentMemory() const;
 
     /// Sends the signal and gives the exit status, -1 when it crashed, was killed or did not end.
     int end(int signal);
     void kill();
 
 private:
+    void waitUntilItCanEnd();
+
     QString executable_;
     QTemporaryDir home_;
     QProcessEnvironment environment_;

@@ -16,17 +16,42 @@ struct DoubleScale {
     ~DoubleScale() { qunsetenv("QT_SCALE_FACTOR"); }
 };
 
-std::optional<QRect> frameOf(Desktop &desktop, const char *title) {
+std::optional<SeenWindow> find(Desktop &desktop, const char *title) {
     for (const SeenWindow &window : desktop.tree().visible()) {
         if (window.title == QString::fromUtf8(title))
-            return window.frame;
+            return window;
     }
     return std::nullopt;
 }
 
 bool standsAt(Desktop &desktop, const char *title, const QRect &place) {
-    return waitUntil([&] { return frameOf(desktop, title) == place; });
+    return waitUntil([&] {
+        const auto window = find(desktop, title);
+        return window && window->frame == place;
+    });
 }
+
+/// What reaches the server late does so when the window goes; nobody calls that shown.
+bool staysOpaque(Desktop &desktop, const char *title) {
+    constexpr int enough = 2000; // milliseconds
+    QElapsedTimer opaque;
+    return waitUntil([&] {
+        const auto window = find(desktop, title);
+        if (!window || desktop.tree().opacity(*window) < 1)
+            opaque.invalidate();
+        else if (!opaque.isValid())
+            opaque.start();
+        return opaque.isValid() && opaque.elapsed() > enough;
+    });
+}
+
+/// Which event loop of Qt's the program runs.
+enum class Loop { ofGlib, ofQt };
+
+class PanelsIn : public testing::TestWithParam<Loop> {};
+
+INSTANTIATE_TEST_SUITE_P(Loops, PanelsIn, testing::Values(Loop::ofGlib, Loop::ofQt),
+                         [](const auto &loop) { return loop.param == Loop::ofGlib ? "OfGlib" : "OfQt"; });
 
 } // namespace
 
@@ -49,6 +74,16 @@ TEST(Panels, stand_to_the_pixel_at_two_pixels_a_point) {
     EXPECT_TRUE(standsAt(desktop, "Pavonel Toast", {1280 + 640 - 380, 48, 760, 112}));
     EXPECT_TRUE(standsAt(desktop, "Pavonel Heads-up", {2560 - 680 - 36, 36, 680, 264}));
     EXPECT_TRUE(standsAt(desktop, "Pavonel Countdown", {1532, 424, 172, 60}));
+}
+
+/// The pointer rests, and nothing else of Pavonel's makes Qt speak with the X server.
+TEST_P(PanelsIn, a_toast_is_faded_in_while_it_is_all_that_happens) {
+    Desktop desktop(XServer::WindowManager::xfwm4WithCompositor);
+    desktop.environment().insert(QStringLiteral("QT_NO_GLIB"),
+                                 GetParam() == Loop::ofGlib ? QString() : QStringLiteral("1"));
+    desktop.store({{QStringLiteral("microInterval"), 3600}, {QStringLiteral("postureInterval"), 8}});
+    desktop.startProgram();
+    EXPECT_TRUE(staysOpaque(desktop, "Pavonel Toast"));
 }
 
 } // namespace pavonel::test

@@ -80,8 +80,8 @@ TEST_F(SettingsRoad, the_advanced_page_is_gone_through_with_a_local_update_feed_
                   {u"onBreakEndScript"_s, u"shortcut:Lights „an“"_s}});
     EXPECT_EQ(feed.requests().size(), 4U);
     EXPECT_TRUE(stored(u"lastUpdateCheck"_s).isObject());
-    EXPECT_FALSE(
-        QFile::exists(desktop.environment().value(u"XDG_CONFIG_HOME"_s) + u"/autostart/pavonel.desktop"_s));
+    EXPECT_FALSE(QFile::exists(desktop.environment().value(u"XDG_CONFIG_HOME"_s) +
+                               u"/autostart/org.pavonel.Pavonel.desktop"_s));
 }
 
 } // namespace pavonel::test

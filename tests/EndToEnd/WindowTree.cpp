@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
@@ -73,6 +74,18 @@ QString WindowTree::title(std::uint32_t window) {
         return {};
     return QString::fromUtf8(static_cast<const char *>(xcb_get_property_value(reply.get())),
                              xcb_get_property_value_length(reply.get()));
+}
+
+double WindowTree::opacity(const SeenWindow &window) {
+    auto *c = connection_.get();
+    const auto cookie =
+        xcb_get_property(c, 0, window.id, atom("_NET_WM_WINDOW_OPACITY"), XCB_ATOM_CARDINAL, 0, 1);
+    const auto reply = owned(xcb_get_property_reply(c, cookie, nullptr));
+    if (!reply || xcb_get_property_value_length(reply.get()) != sizeof(std::uint32_t))
+        return 1;
+    std::uint32_t asked = 0;
+    std::memcpy(&asked, xcb_get_property_value(reply.get()), sizeof asked);
+    return asked / static_cast<double>(std::numeric_limits<std::uint32_t>::max());
 }
 
 std::uint32_t WindowTree::atom(const char *name) {

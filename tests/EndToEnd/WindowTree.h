@@ -28,6 +28,9 @@ public:
     /// All windows that are mapped, with all their ancestors, and have a title; the lowest first.
     std::vector<SeenWindow> visible();
 
+    /// From 0 to 1, as it asks compositors for; 1 when it asks for nothing.
+    double opacity(const SeenWindow &window);
+
     /// Opens a window that asks the window manager for fullscreen, filled with `colour`. It goes with this
     /// object.
     std::uint32_t openFullscreen(const QString &title, const QRect &frame, const QColor &colour);

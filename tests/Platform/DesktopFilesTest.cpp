@@ -1,9 +1,11 @@
 #include "Platform/Linux/Applications/DesktopFiles.h"
 
 #include "Platform/Linux/Applications/DesktopFileCatalogue.h"
+#include "Platform/Linux/Applications/DesktopFileListing.h"
 #include "Platform/Linux/Applications/ProcessFolder.h"
 #include "Platform/Linux/Applications/ProgramName.h"
 #include "Platform/Linux/Applications/Recorders.h"
+#include "support/VirtualMainLoop.h"
 #include "support/files.h"
 #include "support/waitUntil.h"
 
@@ -17,6 +19,8 @@
 namespace pavonel::test {
 
 namespace {
+
+constexpr std::chrono::seconds slow{60}; // as a disk on a busy machine
 
 std::optional<DesktopFile> entry(const QByteArray &lines) {
     return parseDesktopFile("[Desktop Entry]\nType=Application\n" + lines);
@@ -94,10 +98,62 @@ TEST(DesktopFiles, a_window_class_belongs_to_the_application_that_declares_it_or
     DesktopFileIndex index;
     index.add(QStringLiteral("writer"), DesktopFile{"office", true, QStringLiteral("Office-Writer")});
     index.add(QStringLiteral("gedit"), DesktopFile{"gedit", false, {}});
-    EXPECT_EQ(index.forWindowClass(QStringLiteral("office-writer")), QStringLiteral("writer"));
-    EXPECT_EQ(index.forWindowClass(QStringLiteral("Gedit")), QStringLiteral("gedit"));
-    EXPECT_EQ(index.forWindowClass(QStringLiteral("nobody")), QString());
-    EXPECT_EQ(index.forWindowClass({}), QString());
+    EXPECT_EQ(index.forWindow(QStringLiteral("office-writer"), {}, {}), QStringLiteral("writer"));
+    EXPECT_EQ(index.forWindow(QStringLiteral("Gedit"), {}, {}), QStringLiteral("gedit"));
+    EXPECT_EQ(index.forWindow(QStringLiteral("nobody"), {}, {}), QString());
+    EXPECT_EQ(index.forWindow({}, {}, {}), QString());
+}
+
+TEST(DesktopFiles, of_two_that_declare_a_window_class_the_one_of_the_process_holds_else_the_first_by_name) {
+    DesktopFileIndex index;
+    const QString emacs = QStringLiteral("Emacs");
+    for (const char *identifier : {"emacsclient", "emacs", "emacs-term"})
+        index.add(QString::fromLatin1(identifier), DesktopFile{identifier, false, emacs});
+    EXPECT_EQ(index.forWindow(emacs, {}, QStringLiteral("emacsclient")), QStringLiteral("emacsclient"));
+    EXPECT_EQ(index.forWindow(emacs, {}, QStringLiteral("emacs")), QStringLiteral("emacs"));
+    EXPECT_EQ(index.forWindow(emacs, {}, QStringLiteral("gedit")), QStringLiteral("emacs"));
+    EXPECT_EQ(index.forWindow(emacs, {}, {}), QStringLiteral("emacs"));
+}
+
+TEST(DesktopFiles, of_two_that_start_a_program_alike_the_first_by_name_holds) {
+    for (const auto &[first, second] : {std::pair("b", "a"), std::pair("a", "b")}) {
+        DesktopFileIndex index;
+        index.add(QString::fromLatin1(first), DesktopFile{"program", false, {}});
+        index.add(QString::fromLatin1(second), DesktopFile{"program", false, {}});
+        EXPECT_EQ(index.forProgram("program"), QStringLiteral("a"));
+    }
+}
+
+TEST(DesktopFiles, the_instance_of_a_window_tells_a_web_application_from_its_browser) {
+    DesktopFileIndex index;
+    const QString browser = QStringLiteral("Chromium");
+    index.add(QStringLiteral("chromium"), DesktopFile{"chromium", false, browser});
+    index.add(QStringLiteral("chrome-mail-Default"),
+              DesktopFile{"chromium", true, QStringLiteral("crx_mail")});
+    index.add(QStringLiteral("writer"), DesktopFile{"office", true, {}});
+    const auto found = [&index](const char *instance, const QString &windowClass) {
+        return index.forWindow(windowClass, QString::fromLatin1(instance), QStringLiteral("chromium"));
+    };
+    EXPECT_EQ(found("crx_mail", browser), QStringLiteral("chrome-mail-Default"));
+    EXPECT_EQ(found("chromium", browser), QStringLiteral("chromium"));
+    EXPECT_EQ(found("writer", browser), QStringLiteral("chromium")) << "what is declared comes first";
+    EXPECT_EQ(found("writer", QStringLiteral("unknown")), QStringLiteral("writer"));
+}
+
+TEST(DesktopFiles, are_listed_in_the_order_of_their_names_folder_by_folder) {
+    const QTemporaryDir user;
+    const QTemporaryDir system;
+    QStringList expected;
+    for (const QTemporaryDir *folder : {&user, &system}) {
+        for (const char *name : {"m", "c", "z", "a", "k"})
+            writeFile(folder->filePath(QString::fromLatin1(name) + QStringLiteral(".desktop")), "");
+        for (const char *name : {"a", "c", "k", "m", "z"})
+            expected.append(folder->filePath(QString::fromLatin1(name) + QStringLiteral(".desktop")));
+    }
+    QStringList listed;
+    for (const ListedDesktopFile &file : listDesktopFiles({user.path(), system.path()}, [](auto &) {}))
+        listed.append(file.path);
+    EXPECT_EQ(listed, expected);
 }
 
 TEST(DesktopFiles, the_folder_of_the_user_outranks_those_of_the_system) {
@@ -109,8 +165,10 @@ TEST(DesktopFiles, the_folder_of_the_user_outranks_those_of_the_system) {
     writeFile(system.filePath(QStringLiteral("broken.desktop")), QByteArrayLiteral("\0\xff\xfe[[[=\n\"\\"));
     writeFile(user.filePath(QStringLiteral("a.desktop")), application("new"));
     writeFile(user.filePath(QStringLiteral("b.desktop")), "[Desktop Entry]\nHidden=true\n");
-    DesktopFileCatalogue catalogue({user.path(), system.path(), QStringLiteral("/nonexistent/applications")});
-    ASSERT_TRUE(catalogue.read(QDeadlineTimer::Forever));
+    VirtualMainLoop loop;
+    DesktopFileCatalogue catalogue({user.path(), system.path(), QStringLiteral("/nonexistent/applications")},
+                                   loop);
+    ASSERT_TRUE(catalogue.read(slow));
     EXPECT_EQ(catalogue.index().forProgram("new"), QStringLiteral("a"));
     EXPECT_EQ(catalogue.index().forProgram("old"), QString());
     EXPECT_EQ(catalogue.index().forProgram("hidden"), QString());
@@ -120,37 +178,41 @@ TEST(DesktopFiles, the_folder_of_the_user_outranks_those_of_the_system) {
 TEST(DesktopFiles, folders_are_read_again_only_when_they_change) {
     const QTemporaryDir folder;
     writeFile(folder.filePath(QStringLiteral("a.desktop")), application("a"));
-    DesktopFileCatalogue catalogue({folder.path()});
-    ASSERT_TRUE(catalogue.read(QDeadlineTimer::Forever));
-    EXPECT_FALSE(catalogue.read(QDeadlineTimer::Forever));
+    VirtualMainLoop loop;
+    DesktopFileCatalogue catalogue({folder.path()}, loop);
+    ASSERT_TRUE(catalogue.read(slow));
+    EXPECT_FALSE(catalogue.read(slow));
     writeFile(folder.filePath(QStringLiteral("b.desktop")), application("b"));
-    EXPECT_TRUE(waitUntil([&] { return catalogue.read(QDeadlineTimer::Forever); }));
+    EXPECT_TRUE(waitUntil([&] { return catalogue.read(slow); }));
     EXPECT_EQ(catalogue.index().forProgram("b"), QStringLiteral("b"));
 }
 
 TEST(DesktopFiles, a_folder_that_comes_with_its_first_application_is_read) {
     const QTemporaryDir home;
-    DesktopFileCatalogue catalogue({home.filePath(QStringLiteral("share/boxes/applications"))});
-    ASSERT_TRUE(catalogue.read(QDeadlineTimer::Forever));
+    VirtualMainLoop loop;
+    DesktopFileCatalogue catalogue({home.filePath(QStringLiteral("share/boxes/applications"))}, loop);
+    ASSERT_TRUE(catalogue.read(slow));
     writeFile(home.filePath(QStringLiteral("notes")), "something else");
-    EXPECT_FALSE(waitUntil([&] { return catalogue.read(QDeadlineTimer::Forever); }, 300));
+    EXPECT_FALSE(waitUntil([&] { return catalogue.read(slow); }, 300));
     QDir(home.path()).mkdir(QStringLiteral("share"));
-    EXPECT_FALSE(waitUntil([&] { return catalogue.read(QDeadlineTimer::Forever); }, 300));
+    EXPECT_FALSE(waitUntil([&] { return catalogue.read(slow); }, 300));
     writeFile(home.filePath(QStringLiteral("share/boxes/applications/a.desktop")), application("a"));
     EXPECT_TRUE(waitUntil([&] {
-        catalogue.read(QDeadlineTimer::Forever);
+        catalogue.read(slow);
         return catalogue.index().forProgram("a") == u"a";
     }));
 }
 
-TEST(DesktopFiles, many_files_are_read_in_slices) {
+TEST(DesktopFiles, who_cannot_wait_gets_the_index_later) {
     const QTemporaryDir folder;
-    for (int file = 0; file < 100; ++file)
-        writeFile(folder.filePath(QStringLiteral("%1.desktop").arg(file)), application("p"));
-    DesktopFileCatalogue catalogue({folder.path()});
-    EXPECT_FALSE(catalogue.read(QDeadlineTimer(0)));
-    EXPECT_FALSE(catalogue.read(QDeadlineTimer(0)));
-    EXPECT_TRUE(catalogue.read(QDeadlineTimer::Forever));
+    writeFile(folder.filePath(QStringLiteral("a.desktop")), application("a"));
+    VirtualMainLoop loop;
+    DesktopFileCatalogue catalogue({folder.path()}, loop);
+    EXPECT_TRUE(waitUntil([&] {
+        loop.advance(0);
+        return catalogue.read(std::chrono::milliseconds::zero());
+    }));
+    EXPECT_EQ(catalogue.index().forProgram("a"), QStringLiteral("a"));
 }
 
 TEST(SystemdUnits, of_applications_name_the_desktop_file) {

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Applications/LinuxInstalledApplications.h"
 #include "support/Printing.h"
+#include "support/VirtualMainLoop.h"
 #include "support/files.h"
 
 #include <QDir>
@@ -27,6 +28,7 @@ protected:
     using Apps = std::vector<InstalledApplication>;
 
     QTemporaryDir folder_;
+    VirtualMainLoop loop_;
 
     QString path(const QString &name) const { return folder_.filePath(name); }
 
@@ -50,12 +52,13 @@ protected:
               "[scalable/apps]\nSize=64\nMinSize=8\nMaxSize=512\nType=Scalable\n");
     }
 
-    LinuxInstalledApplications applications(const QString &locale = QStringLiteral("en_GB")) const {
+    LinuxInstalledApplications applications(const QString &locale = QStringLiteral("en_GB")) {
         return LinuxInstalledApplications({{path(QStringLiteral("user")), path(QStringLiteral("system"))},
                                            {path(QStringLiteral("icons"))},
                                            {path(QStringLiteral("pixmaps"))},
                                            {QStringLiteral("Here")},
-                                           locale});
+                                           locale},
+                                          loop_);
     }
 };
 

@@ -3,6 +3,7 @@
 #include "FakeProcesses.h"
 #include "support/ChildProcess.h"
 #include "support/RecorderTurn.h"
+#include "support/VirtualMainLoop.h"
 #include "support/files.h"
 #include "support/waitUntil.h"
 
@@ -41,7 +42,10 @@ protected:
         if (!applications_)
             applications_ = std::make_unique<LinuxApplications>(
                 nullptr, nullptr,
-                LinuxApplications::Folders{.processes = "/proc", .desktopFiles = {desktopFiles()}});
+                LinuxApplications::Folders{.processes = "/proc",
+                                           .desktopFiles = {desktopFiles()},
+                                           .programs = {folder_.path().toLocal8Bit()}},
+                loop);
         return *applications_;
     }
     QString desktopFiles() const { return folder_.filePath(QStringLiteral("applications")); }
@@ -50,8 +54,10 @@ protected:
                   "[Desktop Entry]\nType=Application\nExec=" + program.toLocal8Bit() + " %U\n");
     }
 
-private:
     QTemporaryDir folder_;
+    VirtualMainLoop loop;
+
+private:
     std::unique_ptr<LinuxApplications> applications_;
 };
 
@@ -76,6 +82,28 @@ TEST_F(LinuxApplicationsTest, a_recorder_that_is_a_script_is_reported_too) {
     writeFile(script, "import time; time.sleep(300)");
     const ChildProcess recorder(python, {script});
     EXPECT_TRUE(waitUntil([&] { return isRunning(recording); }));
+}
+
+TEST_F(LinuxApplicationsTest, a_recorder_that_a_program_turns_into_late_is_noticed_within_two_looks) {
+    constexpr int untilItIsOld = 10; // looks
+    for (const bool isThereBefore : {true, false}) {
+        ChildProcess shell(QStringLiteral("sh"),
+                           {QStringLiteral("-c"), QStringLiteral("read ready; exec \"$0\" 300"),
+                            folder_.filePath(QStringLiteral("obs"))},
+                           QProcessEnvironment::systemEnvironment());
+        for (int look = 0; look < untilItIsOld; ++look)
+            EXPECT_FALSE(isRunning(obsStudio));
+        const QString recorder = copyOf(sleepProgram, QStringLiteral("obs"));
+        if (isThereBefore)
+            isRunning(obsStudio);
+        shell.process().write("\n");
+        const QString executable = QStringLiteral("/proc/%1/exe").arg(shell.process().processId());
+        ASSERT_TRUE(waitUntil([&] { return QFile::symLinkTarget(executable) == recorder; }));
+        isRunning(obsStudio);
+        EXPECT_TRUE(isRunning(obsStudio));
+        shell.end();
+        QFile::remove(recorder);
+    }
 }
 
 TEST_F(LinuxApplicationsTest, an_ended_process_that_nobody_waited_for_does_not_run) {
@@ -110,7 +138,8 @@ TEST_F(LinuxApplicationsTest, a_remote_desktop_whose_viewers_cannot_be_told_does
     FakeProcesses processes;
     processes.add(10, QStringLiteral("/usr/bin/krfb"));
     processes.add(20, QStringLiteral("/usr/bin/obs"));
-    LinuxApplications applications(nullptr, nullptr, {.processes = processes.root(), .desktopFiles = {}});
+    LinuxApplications applications(nullptr, nullptr, {.processes = processes.root(), .desktopFiles = {}},
+                                   loop);
     EXPECT_TRUE(waitUntil([&] { return identifiers(applications.running()) == QStringList{obsStudio}; }));
 }
 
@@ -154,7 +183,7 @@ TEST_F(LinuxApplicationsTest, a_unit_names_a_program_that_no_desktop_file_names)
     writeFile(files.filePath(QStringLiteral("org.example.Viewer.desktop")),
               "[Desktop Entry]\nType=Application\nExec=flatpak run x\n");
     LinuxApplications applications(nullptr, nullptr,
-                                   {.processes = processes.root(), .desktopFiles = {files.path()}});
+                                   {.processes = processes.root(), .desktopFiles = {files.path()}}, loop);
     EXPECT_TRUE(waitUntil([&] {
         return identifiers(applications.running()) ==
                QStringList{QStringLiteral("org.example.Boxed"), QStringLiteral("org.example.Viewer")};
@@ -167,7 +196,8 @@ TEST_F(LinuxApplicationsTest, a_sandbox_with_a_pipe_in_place_of_its_description_
     processes.add(20, QStringLiteral("/app/bin/z"));
     QDir(processes.path(20, "")).mkpath(QStringLiteral("root"));
     ASSERT_EQ(::mkfifo(processes.path(20, "root/.flatpak-info").toLocal8Bit().constData(), 0600), 0);
-    LinuxApplications applications(nullptr, nullptr, {.processes = processes.root(), .desktopFiles = {}});
+    LinuxApplications applications(nullptr, nullptr, {.processes = processes.root(), .desktopFiles = {}},
+                                   loop);
     EXPECT_TRUE(waitUntil([&] { return identifiers(applications.running()) == QStringList{obsStudio}; }));
 }
 
@@ -179,7 +209,8 @@ TEST_F(LinuxApplicationsTest, a_live_screen_cast_is_reported_as_a_recording) {
     FakeProcesses none;
     auto given = std::make_unique<Casts>();
     Casts &casts = *given;
-    LinuxApplications applications(nullptr, std::move(given), {.processes = none.root(), .desktopFiles = {}});
+    LinuxApplications applications(nullptr, std::move(given), {.processes = none.root(), .desktopFiles = {}},
+                                   loop);
     EXPECT_EQ(identifiers(applications.running()), QStringList());
     casts.live = true;
     EXPECT_EQ(identifiers(applications.running()), QStringList{recording});
@@ -199,9 +230,9 @@ TEST_F(LinuxApplicationsTest, the_window_in_front_is_known_by_its_class_and_a_re
     auto given = std::make_unique<Front>();
     Front &front = *given;
     LinuxApplications applications(std::move(given), nullptr,
-                                   {.processes = processes.root(), .desktopFiles = {desktopFiles()}});
+                                   {.processes = processes.root(), .desktopFiles = {desktopFiles()}}, loop);
     const auto isFront = [&](ProcessId process, const char *windowClass, const QString &identifier) {
-        front.window = {1, process, QString::fromLatin1(windowClass)};
+        front.window = {1, process, QString::fromLatin1(windowClass), {}};
         return waitUntil([&] { return applications.frontmost()->bundleIdentifier == identifier; });
     };
     EXPECT_TRUE(isFront(10, "Office", QStringLiteral("office")));

@@ -3,6 +3,9 @@
 #include "support/SoundServer.h"
 #include "support/waitUntil.h"
 
+#include <QFileInfo>
+#include <QStandardPaths>
+
 #include <gtest/gtest.h>
 
 namespace pavonel::test {
@@ -21,8 +24,14 @@ protected:
                            "node.name=fakecast,media.role=%1\"")
                 .arg(QString::fromLatin1(role)));
     }
-    std::unique_ptr<ChildProcess> viewer() {
-        return gst(QStringLiteral("pipewiresrc target-object=fakecast ! video/x-raw ! fakesink"));
+    std::unique_ptr<ChildProcess> viewer(const QString &program = gstLaunch) {
+        return gst(QStringLiteral("pipewiresrc target-object=fakecast ! video/x-raw ! fakesink"), program);
+    }
+    /// Another program's viewer.
+    std::unique_ptr<ChildProcess> viewerCalled(const char *name) {
+        const QString program = folder.filePath(QString::fromLatin1(name));
+        QFile::copy(QFileInfo(QStandardPaths::findExecutable(gstLaunch)).canonicalFilePath(), program);
+        return viewer(program);
     }
     /// Whether PipeWire itself lists the source in this state.
     bool isListed(const char *state) {
@@ -32,14 +41,16 @@ protected:
         return dump.output.contains(QByteArray("state: \"") + state);
     }
 
+    inline static const QString gstLaunch = QStringLiteral("gst-launch-1.0");
+    QTemporaryDir folder;
     SoundServer server{SoundServer::Kind::pipeWire};
     PipeWireScreenCasts casts;
 
 private:
-    std::unique_ptr<ChildProcess> gst(const QString &pipeline) {
+    std::unique_ptr<ChildProcess> gst(const QString &pipeline, const QString &program = gstLaunch) {
         return std::make_unique<ChildProcess>(
             QStringLiteral("sh"),
-            QStringList{QStringLiteral("-c"), QStringLiteral("exec gst-launch-1.0 -q ") + pipeline},
+            QStringList{QStringLiteral("-c"), QStringLiteral("exec \"$0\" -q ") + pipeline, program},
             server.environment());
     }
 };
@@ -55,6 +66,21 @@ TEST_F(PipeWireScreenCastsTest, a_screen_cast_is_live_while_somebody_looks_at_it
     EXPECT_TRUE(waitUntil([&] { return casts.anyLive(); }));
     looking.reset();
     EXPECT_TRUE(waitUntil([&] { return !casts.anyLive(); }));
+}
+
+TEST_F(PipeWireScreenCastsTest, a_picture_for_the_task_bar_or_the_dialogue_of_sharing_is_no_screen_cast) {
+    for (const char *program : {"plasmashell", "xdg-desktop-portal-kde"}) {
+        const auto window = source("Screen");
+        ASSERT_TRUE(waitUntil([&] { return isListed(""); }));
+        const auto preview = viewerCalled(program);
+        ASSERT_TRUE(waitUntil([&] { return isListed("running"); }));
+        waitUntil([&] { return casts.anyLive(); }, 500);
+        EXPECT_FALSE(casts.anyLive()) << program;
+        auto sharing = viewer();
+        EXPECT_TRUE(waitUntil([&] { return casts.anyLive(); })) << "somebody else looks too";
+        sharing.reset();
+        EXPECT_TRUE(waitUntil([&] { return !casts.anyLive(); })) << program;
+    }
 }
 
 TEST_F(PipeWireScreenCastsTest, a_camera_is_no_screen_cast) {

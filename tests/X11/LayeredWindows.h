@@ -26,8 +26,7 @@ public:
         setWindowFlags(layers.windowFlags(layer));
         setGeometry(at);
         winId();
-        layers.assign(*windowHandle(), layer, screen);
-        show();
+        layers.show(*windowHandle(), layer, screen);
     }
 
     int keyPresses = 0;

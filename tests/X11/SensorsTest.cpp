@@ -38,7 +38,8 @@ protected:
         day.platform.screens = std::make_unique<X11Screens>(x);
         day.platform.applications = std::make_unique<LinuxApplications>(
             std::make_unique<X11FrontWindow>(windows), std::make_unique<PipeWireScreenCasts>(),
-            LinuxApplications::Folders{.processes = "/proc", .desktopFiles = {folder.path()}});
+            LinuxApplications::Folders{.processes = "/proc", .desktopFiles = {folder.path()}},
+            day.platform.loop);
         day.settings.naturalBreakEnabled = false;  // nobody touches this server's keyboard
         day.settings.pauseOnScreenSharing = false; // a recorder may belong to another test
         server().start(XServer::WindowManager::openbox);

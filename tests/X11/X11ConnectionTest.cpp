@@ -1,9 +1,13 @@
 #include "Platform/Linux/X11/X11Connection.h"
 
 #include "X11/server.h"
+#include "support/files.h"
 #include "support/waitUntil.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QLocalServer>
+#include <QTemporaryDir>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -35,12 +39,33 @@ TEST(X11Connection, a_virtual_server_is_no_wayland_session) {
     EXPECT_FALSE(X11Connection::open(server().display())->isInsideWayland());
 }
 
-TEST(X11Connection, a_session_that_names_a_wayland_display_is_one) {
+TEST(X11Connection, a_session_with_a_compositor_that_answers_is_one_of_wayland) {
+    const QTemporaryDir folder;
     const auto x = X11Connection::open(server().display());
-    qputenv("WAYLAND_DISPLAY", "wayland-0");
+    QLocalServer compositor;
+    ASSERT_TRUE(compositor.listen(folder.filePath(QStringLiteral("wayland-7"))));
+    const QByteArray usual = qgetenv("XDG_RUNTIME_DIR");
+    qputenv("XDG_RUNTIME_DIR", folder.path().toLocal8Bit());
+    qputenv("WAYLAND_DISPLAY", "wayland-7");
     EXPECT_TRUE(x->isInsideWayland());
+    qputenv("WAYLAND_DISPLAY", compositor.fullServerName().toLocal8Bit());
+    EXPECT_TRUE(x->isInsideWayland()) << "it may be named with its path";
     qunsetenv("WAYLAND_DISPLAY");
     EXPECT_FALSE(x->isInsideWayland());
+    qputenv("XDG_RUNTIME_DIR", usual);
+}
+
+TEST(X11Connection, the_name_of_a_compositor_that_is_gone_makes_no_wayland_session) {
+    const QTemporaryDir folder;
+    const auto x = X11Connection::open(server().display());
+    const QString socket = folder.filePath(QStringLiteral("wayland-7"));
+    for (const bool leftBehind : {false, true}) {
+        if (leftBehind)
+            writeFile(socket, {});
+        qputenv("WAYLAND_DISPLAY", socket.toLocal8Bit());
+        EXPECT_FALSE(x->isInsideWayland());
+        qunsetenv("WAYLAND_DISPLAY");
+    }
 }
 
 TEST(X11Connection, properties_are_read_by_name) {
@@ -56,6 +81,15 @@ TEST(X11Connection, properties_are_read_by_name) {
     EXPECT_EQ(x->number(window, "PAVONEL_NUMBERS"), 7U);
     EXPECT_TRUE(x->numbers(window, "PAVONEL_BYTES").empty()) << "another kind reads as empty";
     EXPECT_EQ(x->number(window, "PAVONEL_MISSING"), 0U);
+}
+
+TEST(X11Connection, a_list_longer_than_any_that_is_meant_is_cut) {
+    const auto x = X11Connection::open(server().display());
+    const xcb_window_t window = makeWindow(*x);
+    const std::vector<std::uint32_t> many(1 << 16, 7);
+    xcb_change_property(x->xcb(), XCB_PROP_MODE_REPLACE, window, x->atom("PAVONEL_NUMBERS"),
+                        XCB_ATOM_CARDINAL, 32, static_cast<std::uint32_t>(many.size()), many.data());
+    EXPECT_EQ(x->numbers(window, "PAVONEL_NUMBERS").size(), X11Connection::mostNumbers);
 }
 
 TEST(X11Connection, a_window_of_a_client_that_died_reads_as_empty) {
@@ -133,6 +167,19 @@ TEST(X11Connection, the_death_of_the_server_is_noticed_and_harmless) {
     EXPECT_EQ(x->atom("AFTERWARDS"), xcb_atom_t{XCB_ATOM_NONE});
     QCoreApplication::processEvents();
     EXPECT_FALSE(x->isAlive()) << "it does not come back";
+}
+
+TEST(X11Connection, what_qt_asked_for_leaves_before_the_loop_sleeps) {
+    const auto x = X11Connection::open(server().display());
+    QWindow window;
+    window.create();
+    QGuiApplication::sync();
+    const auto id = static_cast<xcb_window_t>(window.winId());
+    const auto onlooker = X11Connection::open(server().display());
+    ASSERT_EQ(onlooker->number(id, "_NET_WM_WINDOW_OPACITY"), 0U);
+
+    window.setOpacity(0.5);
+    EXPECT_TRUE(waitUntil([&] { return onlooker->number(id, "_NET_WM_WINDOW_OPACITY") != 0; }));
 }
 
 } // namespace pavonel::test

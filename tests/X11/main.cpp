@@ -1,4 +1,5 @@
 #include "X11/server.h"
+#include "support/environment.h"
 #include "support/waitUntil.h"
 
 #include <QApplication>
@@ -41,6 +42,7 @@ void leaveServerAsFound() {
 /// These tests run with Qt on a virtual X server, which has to be there before Qt is.
 int main(int argc, char **argv) {
     ::testing::InitGoogleTest(&argc, argv);
+    pavonel::test::completeEnvironment();
     std::optional<pavonel::test::XServer> server;
     if (GTEST_FLAG_GET(list_tests)) {
         qputenv("QT_QPA_PLATFORM", "offscreen");

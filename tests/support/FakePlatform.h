@@ -22,7 +22,7 @@ struct FakeDefaults final : UserDefaults {
     mutable QHash<QString, StoredValue> values;
     mutable QHash<QString, Encoder> encoders;
     QStringList written; ///< The keys in the order of their writing.
-    int flushes = 0;
+    int saves = 0;
 
     std::optional<StoredValue> value(const QString &key) const override {
         if (const auto encoder = encoders.constFind(key); encoder != encoders.constEnd()) {
@@ -42,7 +42,8 @@ struct FakeDefaults final : UserDefaults {
         encoders.remove(key);
         values.remove(key);
     }
-    void flush() override { ++flushes; }
+    void save() override { ++saves; }
+    void flush() override { ++saves; }
 };
 
 struct FakeTermination final : Termination {
@@ -150,18 +151,20 @@ struct FakeWindowLayers final : Limited<WindowLayers> {
     int keyboardTaken = 0;
     int keyboardYielded = 0;
     bool blends = true;
-    mutable int blendQuestions = 0;
+    mutable int fadeQuestions = 0;
     QRegion lastCut;
 
     Qt::WindowFlags windowFlags(WindowLayer layer) const override {
         const Qt::WindowFlags flags = Qt::Tool | Qt::FramelessWindowHint;
         return layer == WindowLayer::panel ? flags | Qt::WindowDoesNotAcceptFocus : flags;
     }
-    void assign(QWindow &window, WindowLayer layer, const Screen &screen) override {
+    void show(QWindow &window, WindowLayer layer, const Screen &screen) override {
         assignments.push_back({&window, layer, screen});
+        window.show();
     }
-    bool canBlend() const override {
-        ++blendQuestions;
+    bool canBlend() const override { return blends; }
+    bool canFade() const override {
+        ++fadeQuestions;
         return blends;
     }
     void cutTo(QWindow &, const QRegion &pixels) override { lastCut = pixels; }
@@ -251,6 +254,7 @@ struct FakeInstallation final : Installation {
     QString temporary;                                             ///< A test that writes there gives one.
     bool isBeingReplaced = false;
     QString replacingScript;
+    std::function<void()> tellSuccessor;
 
     QString limitation() const override { return reason; }
     std::optional<QString> version() const override { return runningVersion; }
@@ -258,6 +262,10 @@ struct FakeInstallation final : Installation {
     std::optional<QString> versionOf(const QString &someBundle) const override {
         return someBundle == runningBundle ? versionInPlace : otherVersion;
     }
+    QString successor() const override {
+        return versionInPlace == runningVersion ? QString() : runningBundle;
+    }
+    void onSuccessor(std::function<void()> handler) override { tellSuccessor = std::move(handler); }
     QString temporaryFolder() override { return temporary; }
     bool beginReplacing(const QString &script) override {
         replacingScript = script;
@@ -282,14 +290,11 @@ struct FakeLoginItem final : Limited<LoginItem> {
 
 struct FakeAppearance final : Appearance {
     AppearanceWishes current;
-    std::function<void()> listener;
 
     AppearanceWishes wishes() override { return current; }
-    void onChange(std::function<void()> changed) override { listener = std::move(changed); }
     void change(AppearanceWishes wanted) {
         current = wanted;
-        if (listener)
-            listener();
+        tellChange();
     }
 };
 

@@ -2,6 +2,8 @@
 
 #include <QDateTime>
 
+#include <gtest/gtest.h>
+
 namespace pavonel::test {
 
 Scenario::Scenario(const QByteArray &zoneId)
@@ -58,6 +60,39 @@ PlannedBreak Scenario::plan(int hour, int minute, Seconds duration, const QStrin
     records.push_back(record);
     settings.plannedBreaks = records;
     return record;
+}
+
+void Scenario::enter(Phase phase) {
+    controller.resume();
+    controller.endBreak(BreakController::Ending::cutShort);
+    controller.dismissHeadsUp();
+    controller.microElapsed = 0;
+    controller.longElapsed = 0;
+    switch (phase) {
+    case Phase::counting:
+        break;
+    case Phase::headsUp:
+        controller.microElapsed = settings.microInterval - settings.preNotifySeconds;
+        advance(1);
+        break;
+    case Phase::breaking:
+        controller.startBreak(BreakKind::long_, BreakController::Initiator::user);
+        break;
+    case Phase::paused:
+        controller.pause(3600);
+        break;
+    }
+    EXPECT_EQ(controller.phase, phase);
+}
+
+bool Scenario::isWhole() const {
+    const bool breaks = controller.phase == Phase::breaking;
+    const auto times = [this](const char *what) { return eventsWith(QString::fromLatin1(what)).size(); };
+    const auto withdrawn = times(" heads-up withdrawn");
+    return controller.currentBreak.get().has_value() == breaks &&
+           (!controller.pauseUntil.get() || controller.phase == Phase::paused) &&
+           times(" heads-up ") - 2 * withdrawn == (controller.phase == Phase::headsUp ? 1 : 0) &&
+           times(" start ") - times(" end") == (breaks ? 1 : 0);
 }
 
 void switchOffSensing(Settings &settings) {

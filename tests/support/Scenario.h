@@ -6,6 +6,8 @@
 
 #include <QStringList>
 
+#include <array>
+
 namespace pavonel::test {
 
 /// Writes down what a paired phone would be told.
@@ -48,6 +50,12 @@ public:
     PlannedBreak plan(int hour, int minute, Seconds duration = 60,
                       const QString &label = QStringLiteral("Lunch"));
 
+    /// Brings the controller into a phase, from whichever it is in.
+    void enter(Phase phase);
+
+    /// Whether all that the controller tells of itself, and has told, fits its phase.
+    bool isWhole() const;
+
     /// The lines of `events` that contain `text`.
     QStringList eventsWith(const QString &text) const { return events.filter(text); }
 
@@ -56,6 +64,8 @@ private:
 
     Seconds elapsed_ = 0;
 };
+
+inline constexpr std::array everyPhase{Phase::counting, Phase::headsUp, Phase::breaking, Phase::paused};
 
 /// The defaults, but nothing is ever looked at: no natural breaks and no holds.
 void switchOffSensing(Settings &settings);

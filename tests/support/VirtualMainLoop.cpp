@@ -38,6 +38,7 @@ void VirtualMainLoop::setZone(const QByteArray &zoneId) {
 }
 
 Instant VirtualMainLoop::now() const {
+    ++clockReads;
     return clockAtStart_ + elapsed_;
 }
 

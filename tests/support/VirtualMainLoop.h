@@ -30,6 +30,7 @@ public:
     std::size_t timerCount() const { return deadlines_.size(); }
 
     Instant now() const override;
+    mutable int clockReads = 0; ///< How often `now` was asked for.
     QTimeZone zone() const override { return zone_; }
     TimerHandle every(Seconds interval, Action action) override;
     TimerHandle after(Seconds delay, Action action) override;

@@ -116,6 +116,17 @@ void XClient::focus(xcb_window_t window) {
     sync();
 }
 
+void XClient::askToClose(xcb_window_t window) {
+    xcb_client_message_event_t message = {};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = atom("WM_PROTOCOLS");
+    message.data.data32[0] = atom("WM_DELETE_WINDOW");
+    xcb_send_event(connection_, 0, window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<char *>(&message));
+    sync();
+}
+
 void XClient::activate(xcb_window_t window) {
     xcb_client_message_event_t message = {};
     message.response_type = XCB_CLIENT_MESSAGE;

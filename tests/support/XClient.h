@@ -35,6 +35,10 @@ public:
     xcb_window_t openDock(const QRect &at, const std::vector<std::uint32_t> &partial);
 
     void close(xcb_window_t window);
+
+    /// As the button in a title bar does.
+    void askToClose(xcb_window_t window);
+
     void move(xcb_window_t window, const QRect &to);
     void raise(xcb_window_t window);
     void focus(xcb_window_t window);

@@ -1,13 +1,12 @@
 #include "support/XServer.h"
 
+#include "support/holdsSoon.h"
 #include "support/patience.h"
 
-#include <QDeadlineTimer>
 #include <QThread>
 
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <memory>
 
 #include <gtest/gtest.h>
@@ -16,17 +15,6 @@
 namespace pavonel::test {
 
 namespace {
-
-/// Without an event loop, for the time before there is an application object.
-bool holdsSoon(const std::function<bool()> &condition) {
-    const QDeadlineTimer deadline(patience);
-    while (!condition()) {
-        if (deadline.hasExpired())
-            return false;
-        QThread::msleep(5);
-    }
-    return true;
-}
 
 using Connection = std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)>;
 
@@ -142,6 +130,23 @@ void XServer::setMonitors(const std::vector<QRect> &monitors) {
         run(QStringLiteral("xrandr"), {QStringLiteral("--setmonitor"), name(index), geometry, output});
     }
     monitors_ = monitors;
+}
+
+void XServer::setMode(QSize size) {
+    const QString width = QString::number(size.width());
+    const QString height = QString::number(size.height());
+    const QString mode = QStringLiteral("pavonel-%1x%2").arg(width, height);
+    if (!modes_.contains(mode)) {
+        // The timings matter to real screens only.
+        run(QStringLiteral("xrandr"), {QStringLiteral("--newmode"), mode, QStringLiteral("60"), width, width,
+                                       width, width, height, height, height, height});
+        run(QStringLiteral("xrandr"), {QStringLiteral("--addmode"), QStringLiteral("screen"), mode});
+        modes_.push_back(mode);
+    }
+    // Xvfb's screen has no size in millimetres, and no desktop may have none.
+    run(QStringLiteral("xrandr"),
+        {QStringLiteral("--fbmm"), QStringLiteral("500x280"), QStringLiteral("--output"),
+         QStringLiteral("screen"), QStringLiteral("--mode"), mode});
 }
 
 void XServer::start(WindowManager manager) {

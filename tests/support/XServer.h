@@ -35,6 +35,10 @@ public:
     /// None restores the one of the beginning. Programs are told, but not waited for.
     void setMonitors(const std::vector<QRect> &monitors);
 
+    /// Changes the mode of the screen itself, as the desktop's settings do; it must lie within the server's
+    /// size of the beginning. Programs are told, but not waited for.
+    void setMode(QSize size);
+
     /// Starts the window manager, in place of one that runs, and waits until it manages.
     void start(WindowManager manager);
     void stopWindowManager();
@@ -63,6 +67,7 @@ private:
     QByteArray display_;
     QByteArray busAddress_;
     std::vector<QRect> monitors_;
+    QStringList modes_; ///< That `setMode` made.
 };
 
 } // namespace pavonel::test

@@ -36,6 +36,22 @@ inline QWidget *shownWindow(const char *title) {
     return found.size() == 1 ? found.front() : nullptr;
 }
 
+/// The children of this class, which may lack the Q_OBJECT that findChildren() asks for.
+template <class Child> std::vector<Child *> childrenOf(const QWidget *parent) {
+    std::vector<Child *> found;
+    const auto children = parent->findChildren<QWidget *>();
+    for (QWidget *child : children) {
+        if (auto *one = dynamic_cast<Child *>(child))
+            found.push_back(one);
+    }
+    return found;
+}
+
+/// Where the contents of a window are on the desktop, without the room around them for its shadow.
+inline QRect slabOf(const QWidget *panel) {
+    return panel->contentsRect().translated(panel->pos());
+}
+
 inline void sendMouse(QWidget &target, QEvent::Type type) {
     const QPointF middle = QRectF(target.rect()).center();
     const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;

@@ -7,7 +7,6 @@ namespace pavonel {
 /// The pointer as Qt sees it.
 class QtPointer final : public Pointer {
 public:
-    QString limitation() const override;
     std::optional<QPointF> position() override;
 };
 

@@ -1,15 +1,15 @@
 #include "Platform/Qt/QtScreens.h"
 
-#include <QCursor>
 #include <QGuiApplication>
-#include <QScreen>
+
+#include <utility>
 
 namespace pavonel {
 
+QtScreens::QtScreens(std::shared_ptr<WorkedOn> workedOn) : workedOn_(std::move(workedOn)) {}
+
 std::vector<Screen> QtScreens::all() {
-    const QScreen *main = QGuiApplication::screenAt(QCursor::pos());
-    if (!main)
-        main = QGuiApplication::primaryScreen();
+    const QScreen *main = *workedOn_ ? workedOn_->data() : QGuiApplication::primaryScreen();
     std::vector<Screen> screens;
     const auto attached = QGuiApplication::screens();
     for (const QScreen *screen : attached)

@@ -2,12 +2,25 @@
 
 #include "Platform/Screens.h"
 
+#include <QPointer>
+#include <QScreen>
+
+#include <memory>
+
 namespace pavonel {
 
-/// The screens that Qt sees. The main one is the screen of the pointer, else the primary one.
+/// The screen on which the desktop put our last panel: where the user works, as far as it lets us know.
+using WorkedOn = QPointer<QScreen>;
+
+/// The screens as Qt knows them. The main one is `workedOn`, else the primary one.
 class QtScreens final : public Screens {
 public:
+    explicit QtScreens(std::shared_ptr<WorkedOn> workedOn = std::make_shared<WorkedOn>());
+
     std::vector<Screen> all() override;
+
+private:
+    std::shared_ptr<WorkedOn> workedOn_;
 };
 
 } // namespace pavonel

@@ -35,6 +35,12 @@ public:
     std::vector<OnScreenWindow> onScreenWindows() override { return {}; }
 };
 
+class Pointer final : public Unavailable<pavonel::Pointer> {
+public:
+    using Unavailable::Unavailable;
+    std::optional<QPointF> position() override { return {}; }
+};
+
 class HotKeyService final : public Unavailable<pavonel::HotKeyService> {
 public:
     using Unavailable::Unavailable;

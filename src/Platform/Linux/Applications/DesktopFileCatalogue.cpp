@@ -1,8 +1,12 @@
 #include "Platform/Linux/Applications/DesktopFileCatalogue.h"
 
+#include "Platform/Linux/Applications/DesktopFileListing.h"
+
+#include <QDeadlineTimer>
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <utility>
 
 namespace pavonel {
@@ -18,62 +22,68 @@ QString existingPartOf(QString folder) {
 
 } // namespace
 
-DesktopFileCatalogue::DesktopFileCatalogue(QStringList folders) : folders_(std::move(folders)) {
-    QObject::connect(&watcher_, &QFileSystemWatcher::directoryChanged, &watcher_,
-                     [this](const QString &changed) { notice(changed); });
+DesktopFileCatalogue::DesktopFileCatalogue(QStringList folders, MainLoop &loop)
+    : folders_(std::move(folders)), loop_(loop) {
+    QObject::connect(
+        &watcher_, &QFileSystemWatcher::directoryChanged, &watcher_, [this](const QString &changed) {
+            change_ = std::max(change_, places_.folders.contains(changed) ? Change::within : Change::nearby);
+        });
 }
 
 QStringList DesktopFileCatalogue::standardFolders() {
     return QStandardPaths::standardLocations(QStandardPaths::ApplicationsLocation);
 }
 
-bool DesktopFileCatalogue::read(QDeadlineTimer deadline) {
-    if (!reading_) {
-        if (!std::exchange(stale_, false))
-            return false;
-        reading_ = listFiles();
-    }
-    while (reading_->next < reading_->files.size()) {
-        if (deadline.hasExpired())
-            return false;
-        const ListedDesktopFile &file = reading_->files[reading_->next++];
-        reading_->index.add(file.identifier, parseDesktopFile(readDesktopFile(file.path)));
-    }
-    index_ = std::move(reading_->index);
-    reading_.reset();
-    return true;
+bool DesktopFileCatalogue::read(std::chrono::milliseconds patience) {
+    const QDeadlineTimer deadline(patience);
+    if (!errand_.isOut() && change_ != Change::none)
+        look();
+    while (errand_.isOut() && !deadline.hasExpired())
+        errand_.await(std::chrono::milliseconds(deadline.remainingTime()));
+    return std::exchange(isNew_, false);
 }
 
-DesktopFileCatalogue::Reading DesktopFileCatalogue::listFiles() {
-    Reading reading;
-    if (const QStringList watched = watcher_.directories(); !watched.isEmpty())
-        watcher_.removePaths(watched);
-    listed_.clear();
-    reading.files = listDesktopFiles(folders_, [this](const QString &folder) {
-        listed_.insert(folder);
-        watcher_.addPath(folder);
+DesktopFileCatalogue::Places DesktopFileCatalogue::findPlaces(const QStringList &folders) {
+    Places places;
+    listDesktopFiles(folders, [&](const QString &folder) { places.folders.insert(folder); });
+    for (const QString &folder : folders) {
+        if (!places.folders.contains(folder))
+            places.nearby.insert(existingPartOf(folder));
+    }
+    return places;
+}
+
+void DesktopFileCatalogue::look() {
+    const Change change = std::exchange(change_, Change::none);
+    errand_ = Errand::begin(loop_, [this, change, folders = folders_]() -> Errand::Action {
+        return [this, change, found = findPlaces(folders)] { watch(found, change); };
     });
-    for (const QString &folder : folders_)
-        await(folder);
-    return reading;
 }
 
-void DesktopFileCatalogue::notice(const QString &changed) {
-    stale_ = stale_ || listed_.contains(changed);
-    for (const QString &folder : folders_)
-        await(folder);
-}
-
-/// The first application of its kind brings the folder along, and some of the folders above.
-void DesktopFileCatalogue::await(const QString &folder) {
-    if (listed_.contains(folder))
-        return;
-    QString watched;
-    while (watched != existingPartOf(folder)) {
-        watched = existingPartOf(folder);
-        watcher_.addPath(watched);
+/// Their disks have answered just now.
+void DesktopFileCatalogue::watch(const Places &found, Change change) {
+    const Places before = std::exchange(places_, found);
+    if (found != before) {
+        if (const QStringList watched = watcher_.directories(); !watched.isEmpty())
+            watcher_.removePaths(watched);
+        for (const QString &path : found.folders + found.nearby)
+            watcher_.addPath(path);
+        change_ = Change::nearby; // something can have come before the watch
     }
-    stale_ = stale_ || watched == folder;
+    if (change == Change::within || found.folders != before.folders)
+        readFiles();
+}
+
+void DesktopFileCatalogue::readFiles() {
+    errand_ = Errand::begin(loop_, [this, folders = folders_]() -> Errand::Action {
+        DesktopFileIndex index;
+        for (const ListedDesktopFile &file : listDesktopFiles(folders, [](const QString &) {}))
+            index.add(file.identifier, parseDesktopFile(readDesktopFile(file.path)));
+        return [this, index] {
+            index_ = index;
+            isNew_ = true;
+        };
+    });
 }
 
 } // namespace pavonel

@@ -1,50 +1,50 @@
 #pragma once
 
-#include "Platform/Linux/Applications/DesktopFileListing.h"
+#include "Platform/Errand.h"
 #include "Platform/Linux/Applications/DesktopFiles.h"
 
-#include <QDeadlineTimer>
 #include <QFileSystemWatcher>
 #include <QSet>
 #include <QStringList>
 
-#include <cstddef>
-#include <optional>
-#include <vector>
-
 namespace pavonel {
 
-/// Keeps the index of the installed applications. It is read in slices, because hundreds of files on a cold
-/// disk take seconds, and again only when one of the folders changed.
+/// Keeps the index of the installed applications. It is read aside, because hundreds of files on a cold disk
+/// take seconds and a dead one never answers, and again only when one of the folders changed.
 class DesktopFileCatalogue {
 public:
     /// The first folder outranks those after it.
-    explicit DesktopFileCatalogue(QStringList folders);
+    DesktopFileCatalogue(QStringList folders, MainLoop &loop);
 
     /// Where this desktop keeps its desktop files.
     static QStringList standardFolders();
 
-    /// Goes on reading until the deadline. True when `index` is a new one.
-    bool read(QDeadlineTimer deadline);
+    /// Begins to read what is outdated and waits for it, at most so long. True when `index` is a new one.
+    bool read(std::chrono::milliseconds patience);
 
     const DesktopFileIndex &index() const { return index_; }
 
 private:
-    struct Reading {
-        std::vector<ListedDesktopFile> files;
-        std::size_t next = 0;
-        DesktopFileIndex index;
-    };
+    struct Places {
+        QSet<QString> folders; ///< With their subfolders, as far as there are any.
+        QSet<QString> nearby;  ///< The existing part of the way to each folder that is missing.
 
-    Reading listFiles();
-    void notice(const QString &changed);
-    void await(const QString &folder);
+        bool operator==(const Places &) const = default;
+    };
+    enum class Change { none, nearby, within };
+
+    static Places findPlaces(const QStringList &folders);
+    void look();
+    void watch(const Places &found, Change change);
+    void readFiles();
 
     QStringList folders_;
-    QSet<QString> listed_; ///< Folders and subfolders that there were.
+    MainLoop &loop_;
+    Places places_; ///< That are watched.
     DesktopFileIndex index_;
-    bool stale_ = true;
-    std::optional<Reading> reading_;
+    bool isNew_ = false;
+    Change change_ = Change::within; ///< Since the last look.
+    Errand errand_;
     QFileSystemWatcher watcher_;
 };
 

@@ -3,11 +3,19 @@
 #include <QDirIterator>
 #include <QFile>
 
+#include <algorithm>
+
 namespace pavonel {
 
 namespace {
 
 const QString suffix = QStringLiteral(".desktop");
+
+/// A folder gives its files in an order of its own, which may be another one tomorrow.
+void sortByName(std::vector<ListedDesktopFile> &files, std::size_t begin) {
+    std::sort(files.begin() + static_cast<std::ptrdiff_t>(begin), files.end(),
+              [](const ListedDesktopFile &a, const ListedDesktopFile &b) { return a.path < b.path; });
+}
 
 } // namespace
 
@@ -18,6 +26,7 @@ std::vector<ListedDesktopFile> listDesktopFiles(const QStringList &folders,
         if (!QFile::exists(folder))
             continue;
         enter(folder);
+        const std::size_t begin = files.size();
         QDirIterator entries(folder, QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot,
                              QDirIterator::Subdirectories);
         while (entries.hasNext()) {
@@ -31,6 +40,7 @@ std::vector<ListedDesktopFile> listDesktopFiles(const QStringList &folders,
             QString identifier = path.mid(folder.size() + 1).chopped(suffix.size());
             files.push_back({path, identifier.replace(u'/', u'-')});
         }
+        sortByName(files, begin);
     }
     return files;
 }

@@ -3,6 +3,9 @@
 #include "Platform/Linux/Applications/ProgramName.h"
 #include "Platform/Linux/DesktopEntry.h"
 
+#include <algorithm>
+#include <tuple>
+
 namespace pavonel {
 
 namespace {
@@ -40,31 +43,42 @@ void DesktopFileIndex::add(const QString &identifier, const std::optional<Deskto
     if (!file)
         return;
     applications_.insert(identifier);
-    const auto claimClass = [&](const QString &windowClass) {
-        const QString key = windowClass.toLower();
-        if (!byWindowClass_.contains(key))
-            byWindowClass_.insert(key, identifier);
-    };
     if (!file->windowClass.isEmpty())
-        claimClass(file->windowClass);
+        byWindowClass_.insert(file->windowClass.toLower(), identifier);
     if (file->program.isEmpty())
         return;
     const int rank = file->withArguments ? 2 : identifier == QString::fromUtf8(file->program) ? 0 : 1;
     const auto owner = byProgram_.constFind(file->program);
-    if (owner == byProgram_.constEnd() || rank < owner->rank)
+    if (owner == byProgram_.constEnd() ||
+        std::tie(rank, identifier) < std::tie(owner->rank, owner->identifier))
         byProgram_.insert(file->program, {identifier, rank});
 }
 
-QString DesktopFileIndex::forWindowClass(const QString &windowClass) const {
-    if (windowClass.isEmpty())
-        return {};
-    QString declared = byWindowClass_.value(windowClass.toLower());
-    if (!declared.isEmpty())
-        return declared;
-    if (applications_.contains(windowClass))
-        return windowClass;
-    const QString lower = windowClass.toLower();
-    return applications_.contains(lower) ? lower : QString();
+QString DesktopFileIndex::declaring(const QString &windowClass, const QString &ofProcess) const {
+    const QStringList declaring = byWindowClass_.values(windowClass.toLower());
+    if (declaring.isEmpty() || declaring.contains(ofProcess))
+        return declaring.isEmpty() ? QString() : ofProcess;
+    return *std::min_element(declaring.begin(), declaring.end());
+}
+
+QString DesktopFileIndex::named(const QString &windowClass) const {
+    for (const QString &name : {windowClass, windowClass.toLower()}) {
+        if (applications_.contains(name))
+            return name;
+    }
+    return {};
+}
+
+/// A browser gives the windows of a web application the class of its own, and an instance that only the web
+/// application's file declares.
+QString DesktopFileIndex::forWindow(const QString &windowClass, const QString &instance,
+                                    const QString &ofProcess) const {
+    for (const QString &name : {instance, windowClass}) {
+        if (QString identifier = declaring(name, ofProcess); !identifier.isEmpty())
+            return identifier;
+    }
+    QString identifier = named(windowClass);
+    return identifier.isEmpty() ? named(instance) : identifier;
 }
 
 } // namespace pavonel

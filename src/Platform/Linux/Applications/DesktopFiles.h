@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QSet>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -31,7 +32,10 @@ public:
 
     /// Empty when there is none.
     QString forProgram(const QByteArray &program) const { return byProgram_.value(program).identifier; }
-    QString forWindowClass(const QString &windowClass) const;
+
+    /// By the two strings of WM_CLASS. Of several that declare the same class the one that was found by the
+    /// window's process holds, else the first by name.
+    QString forWindow(const QString &windowClass, const QString &instance, const QString &ofProcess) const;
 
 private:
     struct Owner {
@@ -39,10 +43,13 @@ private:
         int rank = 0; ///< How well the file fits the program; 0 is the best.
     };
 
+    QString declaring(const QString &windowClass, const QString &ofProcess) const;
+    QString named(const QString &windowClass) const;
+
     QSet<QString> seen_;
     QSet<QString> applications_;
     QHash<QByteArray, Owner> byProgram_;
-    QHash<QString, QString> byWindowClass_; ///< In lower case: toolkits disagree about the first letter.
+    QMultiHash<QString, QString> byWindowClass_; ///< In lower case: toolkits disagree about the first letter.
 };
 
 } // namespace pavonel

@@ -10,7 +10,8 @@ namespace pavonel {
 struct FrontWindow {
     std::uint64_t window = 0; ///< Any number that no other window has.
     ProcessId processId = 0;  ///< 0 where it is not told.
-    QString windowClass;      ///< WM_CLASS or the application id of Wayland.
+    QString windowClass;      ///< Of WM_CLASS, or the application id of Wayland.
+    QString windowInstance;   ///< Of WM_CLASS; empty on Wayland.
 
     bool operator==(const FrontWindow &) const = default;
 };

@@ -12,36 +12,50 @@ namespace pavonel {
 
 namespace {
 
-constexpr int patience = 8; // milliseconds that one question may take; nobody notices a stall that short
+/// What one question may take: nobody notices a stall that short.
+constexpr std::chrono::milliseconds patience{8};
 
 } // namespace
 
 LinuxApplications::LinuxApplications(std::unique_ptr<FrontWindowSource> front,
-                                     std::unique_ptr<ScreenCasts> casts, const Folders &folders)
-    : front_(std::move(front)), casts_(std::move(casts)), catalogue_(folders.desktopFiles),
+                                     std::unique_ptr<ScreenCasts> casts, const Folders &folders,
+                                     MainLoop &loop)
+    : front_(std::move(front)), casts_(std::move(casts)), catalogue_(folders.desktopFiles, loop),
       processes_(
           folders.processes,
           [this](const ProcessFolder &process) { return identify(process, catalogue_.index()); },
           [](const QByteArray &executable) {
               return recorders::isSuspect(executable.mid(executable.lastIndexOf('/') + 1));
-          }) {}
+          }),
+      recorderStarts_(recorders::programs(), folders.programs) {}
 
 QString LinuxApplications::limitation() const {
     return front_ ? front_->limitation()
                   : QStringLiteral("This desktop does not tell which program is in front.");
 }
 
-void LinuxApplications::refreshIndex(QDeadlineTimer deadline) {
-    if (!catalogue_.read(deadline))
+void LinuxApplications::refreshIndex() {
+    if (!catalogue_.read(patience))
         return;
     processes_.reconsider();
     knownWindow_ = {};
 }
 
-std::vector<Application> LinuxApplications::running() {
-    const QDeadlineTimer deadline(patience, Qt::PreciseTimer);
-    refreshIndex(deadline);
+/// A file is opened some moments before its process shows it, so two looks follow.
+void LinuxApplications::refreshProcesses(QDeadlineTimer deadline) {
     processes_.refresh(deadline);
+    if (recorderStarts_.anyNew())
+        searches_ = 2;
+    if (searches_ == 0)
+        return;
+    --searches_;
+    processes_.searchUrgent();
+}
+
+std::vector<Application> LinuxApplications::running() {
+    refreshIndex();
+    const QDeadlineTimer deadline(patience, Qt::PreciseTimer);
+    refreshProcesses(deadline);
     auto applications = processes_.applications();
     const auto isServer = [](const Application &application) {
         return application.bundleIdentifier == recorders::screenSharing();
@@ -63,7 +77,7 @@ std::optional<Application> LinuxApplications::frontmost() {
     const auto window = front_ ? front_->frontWindow() : std::nullopt;
     if (!window || window->processId == ::getpid())
         return {};
-    refreshIndex(QDeadlineTimer(patience, Qt::PreciseTimer));
+    refreshIndex();
     if (*window != knownWindow_) {
         knownIdentifier_ = identifierOf(*window);
         knownWindow_ = *window;
@@ -79,7 +93,8 @@ QString LinuxApplications::identifierOf(const FrontWindow &window) const {
         ofProcess = identify(processes_.folder(window.processId), catalogue_.index());
     if (recorders::isOne(ofProcess))
         return ofProcess;
-    const QString ofClass = catalogue_.index().forWindowClass(window.windowClass);
+    const QString ofClass =
+        catalogue_.index().forWindow(window.windowClass, window.windowInstance, ofProcess);
     return ofClass.isEmpty() ? ofProcess : ofClass;
 }
 

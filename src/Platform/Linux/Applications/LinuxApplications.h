@@ -4,6 +4,7 @@
 #include "Platform/Linux/Applications/DesktopFileCatalogue.h"
 #include "Platform/Linux/Applications/FrontWindow.h"
 #include "Platform/Linux/Applications/ProcessTable.h"
+#include "Platform/Linux/Applications/ProgramStarts.h"
 #include "Platform/Linux/Applications/RemoteViewers.h"
 
 #include <memory>
@@ -17,18 +18,20 @@ public:
     struct Folders {
         QByteArray processes = "/proc";
         QStringList desktopFiles = DesktopFileCatalogue::standardFolders();
+        QByteArrayList programs = ProgramStarts::searchPath();
     };
 
     /// Without a source of front windows nothing is ever in front, without screen casts none is live.
     LinuxApplications(std::unique_ptr<FrontWindowSource> front, std::unique_ptr<ScreenCasts> casts,
-                      const Folders &folders);
+                      const Folders &folders, MainLoop &loop);
 
     std::vector<Application> running() override;
     std::optional<Application> frontmost() override;
     QString limitation() const override;
 
 private:
-    void refreshIndex(QDeadlineTimer deadline);
+    void refreshIndex();
+    void refreshProcesses(QDeadlineTimer deadline);
     bool isSharing();
     QString identifierOf(const FrontWindow &window) const;
 
@@ -36,6 +39,8 @@ private:
     std::unique_ptr<ScreenCasts> casts_;
     DesktopFileCatalogue catalogue_;
     ProcessTable processes_;
+    ProgramStarts recorderStarts_;
+    int searches_ = 0; ///< For recorders, that are still to come.
     RemoteViewers viewers_;
 
     FrontWindow knownWindow_;

@@ -1,10 +1,13 @@
 #include "Platform/Linux/Applications/LinuxInstalledApplications.h"
 
+#include "Platform/ForeignFile.h"
 #include "Platform/Linux/Applications/DesktopFileCatalogue.h"
+#include "Platform/Linux/Applications/DesktopFileListing.h"
 #include "Platform/Linux/Applications/ProgramName.h"
 #include "Platform/Linux/Applications/Recorders.h"
 #include "Platform/Linux/DesktopEntry.h"
 
+#include <QBuffer>
 #include <QCollator>
 #include <QFileInfo>
 #include <QIcon>
@@ -19,6 +22,9 @@
 namespace pavonel {
 
 namespace {
+
+/// For what a window is about to show; disks that answer take much less.
+constexpr std::chrono::milliseconds patience{2000};
 
 using Surroundings = LinuxInstalledApplications::Surroundings;
 
@@ -59,10 +65,11 @@ QString identifierAtRunTime(const QString &identifier, const DesktopEntry &entry
     return recorder.isEmpty() ? identifier : recorder;
 }
 
-QImage imageIn(const QString &path, int side) {
-    if (!QFileInfo(path).isFile()) // a pipe would never answer
-        return {};
-    QImageReader reader(path);
+QImage decoded(const QByteArray &file, int side) {
+    QBuffer content;
+    content.setData(file);
+    content.open(QIODevice::ReadOnly);
+    QImageReader reader(&content);
     if (const QSize stored = reader.size(); !stored.isEmpty())
         reader.setScaledSize(stored.scaled(side, side, Qt::KeepAspectRatio));
     return reader.read();
@@ -103,35 +110,60 @@ Surroundings Surroundings::ofThisDesktop() {
             languages.value(0).replace(u'-', u'_')};
 }
 
-std::vector<InstalledApplication> LinuxInstalledApplications::all() {
-    std::vector<InstalledApplication> applications;
+LinuxInstalledApplications::Found LinuxInstalledApplications::find(const Surroundings &surroundings) {
+    Found found;
     QSet<QString> seen;
-    icons_.clear();
-    setUpIconSearch(surroundings_);
-    for (const ListedDesktopFile &file : listDesktopFiles(surroundings_.desktopFiles, [](const auto &) {})) {
+    for (const ListedDesktopFile &file : listDesktopFiles(surroundings.desktopFiles, [](const auto &) {})) {
         if (seen.contains(file.identifier))
             continue;
         seen.insert(file.identifier);
         const auto entry = DesktopEntry::parse(readDesktopFile(file.path));
-        if (!entry || !isForTheMenu(*entry, surroundings_.desktops))
+        if (!entry || !isForTheMenu(*entry, surroundings.desktops))
             continue;
         const QString identifier = identifierAtRunTime(file.identifier, *entry);
-        const QString name = nameFor(*entry, surroundings_.locale);
-        if (name.isEmpty() || icons_.contains(identifier))
+        const QString name = nameFor(*entry, surroundings.locale);
+        if (name.isEmpty() || found.icons.contains(identifier))
             continue;
-        applications.push_back({identifier, name});
-        icons_.insert(identifier, entry->text("Icon"));
+        found.applications.push_back({identifier, name});
+        found.icons.insert(identifier, entry->text("Icon"));
     }
     QCollator order;
     order.setCaseSensitivity(Qt::CaseInsensitive);
-    std::ranges::stable_sort(applications, [&](const auto &one, const auto &other) {
+    std::ranges::stable_sort(found.applications, [&](const auto &one, const auto &other) {
         return order.compare(one.name, other.name) < 0;
     });
-    return applications;
+    return found;
+}
+
+/// Empty while an earlier search waits for its disk.
+std::vector<InstalledApplication> LinuxInstalledApplications::all() {
+    found_ = {};
+    if (search_.isOut())
+        return {};
+    search_ = Errand::begin(loop_, [this, surroundings = surroundings_]() -> Errand::Action {
+        return [this, found = find(surroundings)] { found_ = found; };
+    });
+    search_.await(patience);
+    if (!search_.isOut())
+        setUpIconSearch(surroundings_);
+    return found_.applications;
+}
+
+QImage LinuxInstalledApplications::imageIn(const QString &path, int side) {
+    if (reading_.isOut())
+        return {}; // the disk of an earlier one does not answer
+    const auto read = std::make_shared<QImage>();
+    reading_ = Errand::begin(loop_, [read, path, side]() -> Errand::Action {
+        constexpr qint64 largest = 1 << 24; // bytes
+        const auto file = readForeignFile(path, largest);
+        return [read, icon = file ? decoded(*file, side) : QImage()] { *read = icon; };
+    });
+    reading_.await(patience);
+    return *read;
 }
 
 QImage LinuxInstalledApplications::icon(const QString &bundleIdentifier, int side) {
-    const QString icon = icons_.value(bundleIdentifier);
+    const QString icon = found_.icons.value(bundleIdentifier);
     if (icon.isEmpty() || side <= 0)
         return {};
     if (QFileInfo(icon).isAbsolute())

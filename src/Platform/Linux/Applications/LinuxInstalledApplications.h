@@ -1,15 +1,18 @@
 #pragma once
 
+#include "Platform/Errand.h"
 #include "Platform/InstalledApplications.h"
 
 #include <QHash>
+#include <QImage>
 #include <QStringList>
 
 #include <utility>
 
 namespace pavonel {
 
-/// The desktop files that belong in this desktop's menu, with the icons of its icon theme.
+/// The desktop files that belong in this desktop's menu, with the icons of its icon theme. They may lie on a
+/// disk that stopped answering: then there are none.
 class LinuxInstalledApplications final : public InstalledApplications {
 public:
     /// Where to look and for whom; a test gives folders of its own.
@@ -23,14 +26,26 @@ public:
         static Surroundings ofThisDesktop();
     };
 
-    explicit LinuxInstalledApplications(Surroundings surroundings) : surroundings_(std::move(surroundings)) {}
+    LinuxInstalledApplications(Surroundings surroundings, MainLoop &loop)
+        : surroundings_(std::move(surroundings)), loop_(loop) {}
 
     std::vector<InstalledApplication> all() override;
     QImage icon(const QString &bundleIdentifier, int side) override;
 
 private:
+    /// What the disk says.
+    struct Found {
+        std::vector<InstalledApplication> applications;
+        QHash<QString, QString> icons; ///< From the identifier to what its desktop file says of the icon.
+    };
+    static Found find(const Surroundings &surroundings);
+    QImage imageIn(const QString &path, int side);
+
     Surroundings surroundings_;
-    QHash<QString, QString> icons_; ///< From the identifier to what its desktop file says of the icon.
+    MainLoop &loop_;
+    Found found_;
+    Errand search_;
+    Errand reading_;
 };
 
 } // namespace pavonel

@@ -53,6 +53,15 @@ void ProcessTable::refresh(QDeadlineTimer deadline) {
         open(deadline);
 }
 
+void ProcessTable::searchUrgent() {
+    for (const Known &listed : list()) {
+        const ProcessFolder process = folder(listed.id);
+        const auto executable = process.isOurs() ? process.executable() : std::nullopt;
+        if (executable && isUrgent_(*executable))
+            take(listed.id);
+    }
+}
+
 void ProcessTable::reconsider() {
     isOutdated_ = true;
     for (Known &process : known_)

@@ -35,6 +35,9 @@ public:
     /// Brings the table up to date. What is left at the deadline waits for the next time.
     void refresh(QDeadlineTimer deadline);
 
+    /// Looks for urgent programs among all processes: some turn into one late in their life.
+    void searchUrgent();
+
     /// Opens every process once more, because identifiers are given by other rules now.
     void reconsider();
 

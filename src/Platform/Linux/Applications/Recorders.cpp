@@ -59,6 +59,15 @@ QString screenRecording() {
     return QStringLiteral("com.apple.screencaptureui");
 }
 
+QByteArrayList programs() {
+    QByteArrayList names{"obs", "ffmpeg"};
+    for (const std::string_view name : remoteDesktops)
+        names.append(QByteArray(name.data(), static_cast<qsizetype>(name.size())));
+    for (const std::string_view name : screenRecorders)
+        names.append(QByteArray(name.data(), static_cast<qsizetype>(name.size())));
+    return names;
+}
+
 bool isSuspect(const QByteArray &program) {
     return program == "ffmpeg" || program.startsWith("python") || !identifierOf(program, {}).isEmpty();
 }

@@ -12,6 +12,9 @@ namespace recorders {
 /// For a program by its base name and its command line; empty for any other program.
 QString identifierOf(const QByteArray &program, const QByteArrayList &arguments);
 
+/// The base names of all programs that can be one, but for interpreters.
+QByteArrayList programs();
+
 /// Whether a program could turn out to be one: known by its base name, with the command line unread.
 bool isSuspect(const QByteArray &program);
 

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <map>
 #include <optional>
+#include <set>
 #include <utility>
 
 namespace pavonel {
@@ -21,12 +22,27 @@ bool hasValue(const spa_dict *properties, const char *key, const char *value) {
     return found && std::strcmp(found, value) == 0;
 }
 
+constexpr std::size_t mostNodes = 256; // no desktop casts that much at once
+constexpr std::size_t mostObjects = 65'536;
+
 /// Cameras are sources of video too; they belong to a device, or say that they are one.
 bool isScreen(const spa_dict *properties) {
     const bool isVideo = hasValue(properties, PW_KEY_MEDIA_CLASS, "Video/Source") ||
                          hasValue(properties, PW_KEY_MEDIA_CLASS, "Stream/Output/Video");
     return isVideo && !hasValue(properties, PW_KEY_MEDIA_ROLE, "Camera") &&
            !spa_dict_lookup(properties, PW_KEY_DEVICE_ID) && !spa_dict_lookup(properties, PW_KEY_DEVICE_API);
+}
+
+std::uint32_t numberIn(const spa_dict *properties, const char *key) {
+    const char *const found = properties ? spa_dict_lookup(properties, key) : nullptr;
+    return found ? QByteArray(found).toUInt() : SPA_ID_INVALID;
+}
+
+/// Plasma's task bar shows windows by screen casts, and so does the dialogue in which one chooses what to
+/// share. What is then shared goes to other programs, whose connections the portal itself opens.
+bool isOfTheDesktop(std::uint32_t process) {
+    const QString program = QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(process));
+    return program.endsWith(u"/plasmashell") || program.endsWith(u"/xdg-desktop-portal-kde");
 }
 
 /// An attempt to connect starts a thread; looking for the server's socket costs nothing.
@@ -83,11 +99,16 @@ public:
     bool isAlive() const { return core_ && !lost_; }
 
     bool anyLive() const {
-        return std::any_of(nodes_.begin(), nodes_.end(),
-                           [](const auto &entry) { return entry.second->live; });
+        return std::any_of(nodes_.begin(), nodes_.end(), [this](const auto &entry) {
+            return entry.second->live && !isForTheDesktopAlone(entry.first);
+        });
     }
 
 private:
+    struct Link {
+        std::uint32_t from;
+        std::uint32_t to;
+    };
     struct Node {
         bool isScreen = false;
         bool live = false;
@@ -124,6 +145,23 @@ private:
     }
 
     void added(std::uint32_t id, const char *type, const spa_dict *properties) {
+        removed(id); // a server that gives an identifier twice means another object by it
+        if (clientOfNode_.size() + links_.size() + desktop_.size() >= mostObjects)
+            return;
+        if (std::strcmp(type, PW_TYPE_INTERFACE_Node) == 0) {
+            clientOfNode_.insert_or_assign(id, numberIn(properties, PW_KEY_CLIENT_ID));
+            if (isScreen(properties) && nodes_.size() < mostNodes)
+                follow(id);
+        } else if (std::strcmp(type, PW_TYPE_INTERFACE_Link) == 0) {
+            links_.insert_or_assign(id, Link{numberIn(properties, PW_KEY_LINK_OUTPUT_NODE),
+                                             numberIn(properties, PW_KEY_LINK_INPUT_NODE)});
+        } else if (std::strcmp(type, PW_TYPE_INTERFACE_Client) == 0 &&
+                   isOfTheDesktop(numberIn(properties, PW_KEY_SEC_PID))) {
+            desktop_.insert(id);
+        }
+    }
+
+    void follow(std::uint32_t id) {
         static const pw_node_events nodeEvents = [] {
             pw_node_events events{};
             events.version = PW_VERSION_NODE_EVENTS;
@@ -135,14 +173,13 @@ private:
             };
             return events;
         }();
-        if (std::strcmp(type, PW_TYPE_INTERFACE_Node) != 0 || !isScreen(properties))
-            return;
         auto node = std::make_unique<Node>();
-        node->proxy = static_cast<pw_proxy *>(pw_registry_bind(registry_, id, type, PW_VERSION_NODE, 0));
+        node->proxy = static_cast<pw_proxy *>(
+            pw_registry_bind(registry_, id, PW_TYPE_INTERFACE_Node, PW_VERSION_NODE, 0));
         if (!node->proxy)
             return;
         pw_.pw_proxy_add_object_listener(node->proxy, &node->listener, &nodeEvents, node.get());
-        nodes_.insert_or_assign(id, std::move(node));
+        nodes_.emplace(id, std::move(node));
     }
 
     void removed(std::uint32_t id) {
@@ -150,6 +187,23 @@ private:
             release(*found->second);
             nodes_.erase(found);
         }
+        clientOfNode_.erase(id);
+        links_.erase(id);
+        desktop_.erase(id);
+    }
+
+    /// Whether somebody looks at the node, and nobody but the desktop itself.
+    bool isForTheDesktopAlone(std::uint32_t node) const {
+        bool isSeen = false;
+        for (const auto &[id, link] : links_) {
+            if (link.from != node)
+                continue;
+            const auto client = clientOfNode_.find(link.to);
+            if (client == clientOfNode_.end() || !desktop_.contains(client->second))
+                return false;
+            isSeen = true;
+        }
+        return isSeen;
     }
 
     void release(Node &node) {
@@ -172,7 +226,10 @@ private:
     pw_registry *registry_ = nullptr;
     spa_hook coreListener_{};
     spa_hook registryListener_{};
-    std::map<std::uint32_t, std::unique_ptr<Node>> nodes_;
+    std::map<std::uint32_t, std::unique_ptr<Node>> nodes_; ///< Those that show a screen.
+    std::map<std::uint32_t, std::uint32_t> clientOfNode_;  ///< Of every node.
+    std::map<std::uint32_t, Link> links_;
+    std::set<std::uint32_t> desktop_; ///< Clients that show to their user what is on the screen anyway.
     std::optional<QSocketNotifier> notifier_;
     bool lost_ = false;
 };

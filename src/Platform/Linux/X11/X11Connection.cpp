@@ -1,10 +1,48 @@
 #include "Platform/Linux/X11/X11Connection.h"
 
 #include <QAbstractEventDispatcher>
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
 
+#include <algorithm>
+#include <cerrno>
 #include <utility>
 
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
 namespace pavonel {
+
+namespace {
+
+/// In GLib's event loop Qt's own connection sends only when the server speaks first.
+void flushQt() {
+    const auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
+    if (const auto *qt =
+            application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr)
+        xcb_flush(qt->connection());
+}
+
+/// Whether a compositor of Wayland listens where the environment says. The variable alone can be a leftover.
+bool compositorAnswers() {
+    const QString name = qEnvironmentVariable("WAYLAND_DISPLAY");
+    const QByteArray path =
+        QFile::encodeName(QDir(qEnvironmentVariable("XDG_RUNTIME_DIR")).absoluteFilePath(name));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (name.isEmpty() || path.size() >= static_cast<qsizetype>(sizeof address.sun_path))
+        return false;
+    std::copy(path.begin(), path.end(), address.sun_path);
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    const bool isHeard = ::connect(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
+    const bool isBusy = !isHeard && errno == EAGAIN; // somebody listens, to many at once
+    ::close(socket);
+    return isHeard || isBusy;
+}
+
+} // namespace
 
 std::shared_ptr<X11Connection> X11Connection::open(const QByteArray &display) {
     int screenNumber = 0;
@@ -28,8 +66,11 @@ X11Connection::X11Connection(xcb_connection_t *connection, int screenNumber)
                      [this] { dispatch(xcb_poll_for_event); });
     // While we wait for a reply, events get read along with it; the socket does not announce those again.
     if (auto *dispatcher = QAbstractEventDispatcher::instance())
-        beforeSleep_ = QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &notifier_,
-                                        [this] { dispatch(xcb_poll_for_queued_event); });
+        beforeSleep_ =
+            QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &notifier_, [this] {
+                dispatch(xcb_poll_for_queued_event);
+                flushQt();
+            });
 }
 
 X11Connection::~X11Connection() {
@@ -42,7 +83,7 @@ bool X11Connection::isInsideWayland() {
     constexpr char name[] = "XWAYLAND";
     const XReply<xcb_query_extension_reply_t> extension(xcb_query_extension_reply(
         connection_, xcb_query_extension(connection_, sizeof name - 1, name), nullptr));
-    return (extension && extension->present) || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    return (extension && extension->present) || compositorAnswers(); // an old XWayland has no extension
 }
 
 xcb_atom_t X11Connection::atom(const char *name) {
@@ -59,9 +100,8 @@ xcb_atom_t X11Connection::atom(const char *name) {
 }
 
 std::vector<std::uint32_t> X11Connection::numbers(xcb_window_t window, const char *property) {
-    constexpr std::uint32_t longest = 1 << 16; // in items of four bytes: more windows than anybody opens
     const auto cookie =
-        xcb_get_property(connection_, 0, window, atom(property), XCB_GET_PROPERTY_TYPE_ANY, 0, longest);
+        xcb_get_property(connection_, 0, window, atom(property), XCB_GET_PROPERTY_TYPE_ANY, 0, mostNumbers);
     const XReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection_, cookie, nullptr));
     if (!reply || reply->format != 32)
         return {};
@@ -71,7 +111,18 @@ std::vector<std::uint32_t> X11Connection::numbers(xcb_window_t window, const cha
 
 std::uint32_t X11Connection::number(xcb_window_t window, const char *property) {
     const auto items = numbers(window, property);
-    return items.empty() ? 0 : items.front();
+    return items.empty() ? 0 : items.at(0); // GCC 14 warns of front() for no reason
+}
+
+std::optional<QRect> X11Connection::frame(xcb_window_t window) {
+    const auto placeCookie = xcb_translate_coordinates(connection_, window, root_, 0, 0);
+    const auto sizeCookie = xcb_get_geometry(connection_, window);
+    const XReply<xcb_translate_coordinates_reply_t> place(
+        xcb_translate_coordinates_reply(connection_, placeCookie, nullptr));
+    const XReply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(connection_, sizeCookie, nullptr));
+    if (!place || !size)
+        return std::nullopt;
+    return QRect(place->dst_x, place->dst_y, size->width, size->height);
 }
 
 /// A manager that ended leaves its mark on the root window behind, but not on its own.

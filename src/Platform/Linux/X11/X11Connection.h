@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QMetaObject>
+#include <QRect>
 #include <QSocketNotifier>
 
 #include <cstdint>
@@ -9,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <xcb/xcb.h>
@@ -22,7 +24,8 @@ struct FreeReply {
 template <class Reply> using XReply = std::unique_ptr<Reply, FreeReply>;
 
 /// Our own connection to the X server, shared by all X11 adapters. It is not Qt's, so that nothing we select
-/// or ask for mixes with what Qt does, and an error of ours never reaches Qt's handlers.
+/// or ask for mixes with what Qt does, and an error of ours never reaches Qt's handlers. Before the main loop
+/// sleeps, what was asked over either of them is sent.
 /// Main thread only. A window that is gone, or a server that died, gives empty answers and never an abort.
 class X11Connection : public std::enable_shared_from_this<X11Connection> {
 public:
@@ -50,10 +53,15 @@ public:
     xcb_atom_t atom(const char *name);
 
     /// A property of 32-bit items (windows, atoms, cardinals); empty when it is missing or of another kind.
+    /// Any client may write lists of any length, so no more than `mostNumbers` are read.
     std::vector<std::uint32_t> numbers(xcb_window_t window, const char *property);
+    static constexpr std::uint32_t mostNumbers = 1024; ///< More windows than anybody opens.
 
     /// The first item of such a property, 0 when there is none.
     std::uint32_t number(xcb_window_t window, const char *property);
+
+    /// Where a window stands on the screen, in pixels and without its border; absent when it is gone.
+    std::optional<QRect> frame(xcb_window_t window);
 
     /// The window by which the running window manager can be known; XCB_WINDOW_NONE where there is none.
     xcb_window_t windowManager();
@@ -78,7 +86,7 @@ public:
     /// Selects events of a window (a mask of XCB_EVENT_MASK_…) in addition to what others selected there.
     [[nodiscard]] SubscriptionHandle watch(xcb_window_t window, std::uint32_t mask);
 
-    /// Sends what was asked so far; done anyway before the main loop sleeps.
+    /// Sends what was asked so far, without waiting for the main loop.
     void flush();
 
 private:

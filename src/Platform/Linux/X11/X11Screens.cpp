@@ -11,14 +11,13 @@
 namespace pavonel {
 
 X11Screens::X11Screens(std::shared_ptr<X11Connection> connection)
-    : connection_(std::move(connection)), struts_(connection_),
+    : connection_(std::move(connection)), insideWayland_(connection_->isInsideWayland()),
+      struts_(connection_),
       rootWatch_(connection_->watch(connection_->root(), XCB_EVENT_MASK_PROPERTY_CHANGE)),
       listening_(connection_->listen([this](const xcb_generic_event_t &event) { notice(event); })) {}
 
 std::vector<Screen> X11Screens::all() {
-    auto worked = activeWindow();
-    if (!worked)
-        worked = pointer();
+    const auto worked = workedOn();
     const QScreen *main = worked ? screenShowing(*worked) : nullptr;
     if (!main)
         main = QGuiApplication::primaryScreen();
@@ -32,6 +31,14 @@ std::vector<Screen> X11Screens::all() {
                            screen == main});
     }
     return screens;
+}
+
+/// Inside a Wayland session the server knows only of X windows, and of the pointer only above these.
+std::optional<QRect> X11Screens::workedOn() {
+    if (insideWayland_)
+        return std::nullopt;
+    const auto active = activeWindow();
+    return active ? active : pointer();
 }
 
 void X11Screens::notice(const xcb_generic_event_t &event) {
@@ -75,15 +82,7 @@ std::optional<QRect> X11Screens::readActiveWindow() {
     if (std::find(types.begin(), types.end(), connection_->atom("_NET_WM_WINDOW_TYPE_DESKTOP")) !=
         types.end())
         return std::nullopt; // the desktop's icons, over all monitors: the pointer tells more
-    xcb_connection_t *xcb = connection_->xcb();
-    const auto placeCookie = xcb_translate_coordinates(xcb, activeId_, connection_->root(), 0, 0);
-    const auto sizeCookie = xcb_get_geometry(xcb, activeId_);
-    const XReply<xcb_translate_coordinates_reply_t> place(
-        xcb_translate_coordinates_reply(xcb, placeCookie, nullptr));
-    const XReply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(xcb, sizeCookie, nullptr));
-    if (!place || !size)
-        return std::nullopt;
-    return QRect(place->dst_x, place->dst_y, size->width, size->height);
+    return connection_->frame(activeId_);
 }
 
 std::optional<QRect> X11Screens::pointer() {

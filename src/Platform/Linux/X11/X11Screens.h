@@ -20,11 +20,13 @@ public:
 
 private:
     void notice(const xcb_generic_event_t &event);
+    std::optional<QRect> workedOn();
     std::optional<QRect> activeWindow();
     std::optional<QRect> readActiveWindow();
     std::optional<QRect> pointer();
 
     std::shared_ptr<X11Connection> connection_;
+    bool insideWayland_; ///< Asked once: screens are looked at thirty times a second.
     X11Struts struts_;
     xcb_window_t activeId_ = XCB_WINDOW_NONE;
     std::optional<QRect> activeFrame_; ///< In the server's pixels.

@@ -7,6 +7,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include <xcb/shape.h>
@@ -40,10 +41,6 @@ std::optional<QRect> coveringFrame(const QString &screenName) {
     return std::nullopt;
 }
 
-QRect geometryIn(const xcb_configure_notify_event_t &event) {
-    return {event.x, event.y, event.width, event.height};
-}
-
 } // namespace
 
 X11WindowLayers::X11WindowLayers(std::shared_ptr<X11Connection> connection)
@@ -65,20 +62,20 @@ Qt::WindowFlags X11WindowLayers::windowFlags(WindowLayer layer) const {
     return layer == WindowLayer::panel ? flags | Qt::WindowDoesNotAcceptFocus : flags;
 }
 
-void X11WindowLayers::assign(QWindow &window, WindowLayer layer, const Screen &screen) {
+void X11WindowLayers::show(QWindow &window, WindowLayer layer, const Screen &screen) {
     const auto id = static_cast<xcb_window_t>(window.winId());
     constexpr char windowClass[] = "pavonel\0pavonel"; // whatever name the program was started under
     xcb_change_property(connection_->xcb(), XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
                         sizeof windowClass, windowClass);
     forget(&window);
-    windows_.push_back(
-        {&window, id, layer, layer == WindowLayer::overlay ? coveringFrame(screen.name) : std::nullopt});
+    windows_.push_back({&window, id, layer, screen.name});
     QObject::connect(&window, &QWindow::visibleChanged, &checkSoon_, [this] { followVisibility(); });
     QObject::connect(&window, &QObject::destroyed, &checkSoon_, [this, gone = &window] {
         forget(gone);
         followVisibility();
     });
     followVisibility();
+    window.show();
 }
 
 void X11WindowLayers::forget(const QWindow *window) {
@@ -139,8 +136,7 @@ void X11WindowLayers::noticeConfigured(const xcb_configure_notify_event_t &event
     if (event.event != connection_->root())
         return;
     if (const Layered *own = find(event.window)) {
-        if (own->exactFrame && geometryIn(event) != *own->exactFrame)
-            keepFrame(*own);
+        keepFrame(*own);
         return;
     }
     const auto [known, isNew] = belowOf_.try_emplace(event.window, event.above_sibling);
@@ -149,12 +145,13 @@ void X11WindowLayers::noticeConfigured(const xcb_configure_notify_event_t &event
         checkSoon();
 }
 
-/// Qt rounds a place and a size in points to pixels by itself, and not always to the screen's.
+/// Qt rounds a place and a size in points to pixels by itself, and not always to the screen's of this moment.
 void X11WindowLayers::keepFrame(const Layered &layered) {
-    if (!layered.exactFrame)
+    const auto frame =
+        layered.layer == WindowLayer::overlay ? coveringFrame(layered.screenName) : std::nullopt;
+    if (!frame)
         return;
-    const QRect &frame = *layered.exactFrame;
-    const std::int32_t values[] = {frame.x(), frame.y(), frame.width(), frame.height()};
+    const std::int32_t values[] = {frame->x(), frame->y(), frame->width(), frame->height()};
     xcb_configure_window(connection_->xcb(), layered.id,
                          XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
                              XCB_CONFIG_WINDOW_HEIGHT,
@@ -248,8 +245,9 @@ void X11WindowLayers::cutTo(QWindow &window, const QRegion &pixels) {
         shape.push_back({static_cast<std::int16_t>(part.x()), static_cast<std::int16_t>(part.y()),
                          static_cast<std::uint16_t>(part.width()),
                          static_cast<std::uint16_t>(part.height())});
-    xcb_shape_rectangles(connection_->xcb(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
-                         XCB_CLIP_ORDERING_YX_BANDED, static_cast<xcb_window_t>(window.winId()), 0, 0,
+    xcb_shape_rectangles(connection_->xcb(), XCB_SHAPE_SO_SET,
+                         canBlend() ? XCB_SHAPE_SK_INPUT : XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_BANDED,
+                         static_cast<xcb_window_t>(window.winId()), 0, 0,
                          static_cast<std::uint32_t>(shape.size()), shape.data());
     connection_->flush();
 }

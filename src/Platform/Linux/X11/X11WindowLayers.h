@@ -5,11 +5,9 @@
 #include "Platform/WindowLayers.h"
 
 #include <QPointer>
-#include <QRect>
 #include <QTimer>
 
 #include <map>
-#include <optional>
 #include <vector>
 
 namespace pavonel {
@@ -23,8 +21,9 @@ public:
     ~X11WindowLayers() override;
 
     Qt::WindowFlags windowFlags(WindowLayer layer) const override;
-    void assign(QWindow &window, WindowLayer layer, const Screen &screen) override;
+    void show(QWindow &window, WindowLayer layer, const Screen &screen) override;
     bool canBlend() const override;
+    bool canFade() const override { return canBlend(); }
     void cutTo(QWindow &window, const QRegion &pixels) override;
     void takeKeyboard(QWindow &window) override;
     void yieldKeyboard() override;
@@ -34,7 +33,7 @@ private:
         QPointer<QWindow> window;
         xcb_window_t id;
         WindowLayer layer;
-        std::optional<QRect> exactFrame; ///< Of an overlay, in the server's pixels.
+        QString screenName;
     };
 
     void forget(const QWindow *window);

@@ -2,12 +2,14 @@
 
 #include "Platform/Linux/X11/X11Points.h"
 
+#include <QFile>
 #include <QSysInfo>
 
 #include <algorithm>
 #include <utility>
 
 #include <unistd.h>
+#include <xcb/res.h>
 
 namespace pavonel {
 
@@ -41,11 +43,18 @@ QByteArray bytesIn(const Reply &reply) {
             xcb_get_property_value_length(reply.get())};
 }
 
-/// The second of the two strings of WM_CLASS, which names the program's kind; the first where it stands
-/// alone.
-QString className(const QByteArray &property) {
-    const auto parts = property.split('\0');
-    return QString::fromLocal8Bit(parts.value(1).isEmpty() ? parts.value(0) : parts.value(1));
+/// Whether the process has this number in a name space of its own, as programs in a sandbox do.
+bool isCalledInASandbox(ProcessId process, ProcessId number) {
+    QFile status(QStringLiteral("/proc/%1/status").arg(process));
+    if (!status.open(QFile::ReadOnly))
+        return false;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("NSpid:")) {
+            const QByteArrayList numbers = line.simplified().split(' ');
+            return numbers.size() > 2 && numbers.last() == QByteArray::number(number);
+        }
+    }
+    return false;
 }
 
 } // namespace
@@ -56,6 +65,7 @@ struct X11Windows::Question {
     xcb_get_window_attributes_cookie_t attributes;
     xcb_get_geometry_cookie_t geometry;
     xcb_translate_coordinates_cookie_t place;
+    xcb_res_query_client_ids_cookie_t client;
     xcb_get_property_cookie_t process;
     xcb_get_property_cookie_t machine;
     xcb_get_property_cookie_t windowClass;
@@ -69,7 +79,10 @@ struct X11Windows::Question {
 };
 
 X11Windows::X11Windows(std::shared_ptr<X11Connection> connection, std::function<QByteArray()> machineName)
-    : connection_(std::move(connection)), machineName_(std::move(machineName)) {}
+    : connection_(std::move(connection)), machineName_(std::move(machineName)) {
+    const auto *const resources = xcb_get_extension_data(connection_->xcb(), &xcb_res_id);
+    tellsClients_ = resources && resources->present != 0;
+}
 
 X11Windows::~X11Windows() = default;
 
@@ -108,7 +121,8 @@ std::optional<FrontWindow> X11Windows::front() {
     const auto found = windows_.find(active_);
     if (found == windows_.end() || found->second.owner == ::getpid())
         return {};
-    return FrontWindow{active_, found->second.owner, found->second.windowClass};
+    const Window &window = found->second;
+    return FrontWindow{active_, window.owner, window.windowClass, window.windowInstance};
 }
 
 bool X11Windows::isManaged() {
@@ -209,10 +223,13 @@ X11Windows::Question X11Windows::ask(xcb_window_t window) {
         return xcb_get_property(xcb, 0, window, connection_->atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0,
                                 longestProperty);
     };
+    const xcb_res_client_id_spec_t itsProcess{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
     return {.connection = xcb,
             .attributes = xcb_get_window_attributes(xcb, window),
             .geometry = xcb_get_geometry(xcb, window),
             .place = xcb_translate_coordinates(xcb, window, connection_->root(), 0, 0),
+            .client = tellsClients_ ? xcb_res_query_client_ids(xcb, 1, &itsProcess)
+                                    : xcb_res_query_client_ids_cookie_t{},
             .process = property("_NET_WM_PID"),
             .machine = property("WM_CLIENT_MACHINE"),
             .windowClass = property("WM_CLASS"),
@@ -237,7 +254,12 @@ void X11Windows::answer(Window &window, const Question &question) {
 
     const bool isLocal = machine.isEmpty() || machineNames_.contains(machine);
     window.owner = isLocal && !process.empty() ? static_cast<ProcessId>(process.front()) : 0;
-    window.windowClass = className(bytesIn(question.property(question.windowClass)));
+    if (const ProcessId client = clientIn(question);
+        window.owner == 0 || (client > 0 && isCalledInASandbox(client, window.owner)))
+        window.owner = client;
+    const auto names = bytesIn(question.property(question.windowClass)).split('\0');
+    window.windowInstance = QString::fromLocal8Bit(names.value(0));
+    window.windowClass = QString::fromLocal8Bit(names.value(1).isEmpty() ? names.value(0) : names.value(1));
     window.layer.reset();
     if (std::find(types.begin(), types.end(), connection_->atom("_NET_WM_WINDOW_TYPE_DESKTOP")) ==
         types.end())
@@ -246,6 +268,23 @@ void X11Windows::answer(Window &window, const Question &question) {
                         isShown(states, desktop);
     if (window.isOnScreen)
         window.geometry = {place->dst_x, place->dst_y, size->width, size->height};
+}
+
+/// The process that opened the window, as the server learned it from the kernel; 0 when it does not tell, or
+/// when the process is on another machine.
+ProcessId X11Windows::clientIn(const Question &question) const {
+    const XReply<xcb_res_query_client_ids_reply_t> reply(
+        tellsClients_ ? xcb_res_query_client_ids_reply(question.connection, question.client, nullptr)
+                      : nullptr);
+    if (!reply)
+        return 0;
+    for (auto client = xcb_res_query_client_ids_ids_iterator(reply.get()); client.rem > 0;
+         xcb_res_client_id_value_next(&client)) {
+        if ((client.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
+            xcb_res_client_id_value_value_length(client.data) > 0)
+            return static_cast<ProcessId>(*xcb_res_client_id_value_value(client.data));
+    }
+    return 0;
 }
 
 /// The first type that is known decides; a window without one is a normal window.

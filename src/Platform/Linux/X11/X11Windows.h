@@ -46,6 +46,7 @@ private:
         bool isStale = true;
         ProcessId owner = 0; ///< 0 when it is not known.
         QString windowClass;
+        QString windowInstance;
         std::optional<int> layer; ///< None for an element of the desktop itself.
         bool isOnScreen = false;
         QRect geometry; ///< In pixels of the root window.
@@ -61,6 +62,7 @@ private:
     void readWindows();
     Question ask(xcb_window_t window);
     void answer(Window &window, const Question &question);
+    ProcessId clientIn(const Question &question) const;
     int layerOf(const std::vector<std::uint32_t> &types) const;
     bool isShown(const std::vector<std::uint32_t> &states, const std::vector<std::uint32_t> &desktop) const;
 
@@ -73,6 +75,7 @@ private:
     xcb_window_t active_ = XCB_WINDOW_NONE;
     std::uint32_t desktop_ = 0;
     std::function<QByteArray()> machineName_;
+    bool tellsClients_ = false;     ///< The server knows which process opened a window.
     QSet<QByteArray> machineNames_; ///< All so far: a window keeps the one of the time when it opened.
 };
 
