@@ -16,6 +16,9 @@ namespace pavonel {
 
 namespace {
 
+/// Should another program insist on the keyboard too, this is how often each of us gets it.
+constexpr int milliseconds = 100;
+
 constexpr std::uint32_t largest = 32'767; // points; what a compositor asks for beyond that is no size
 
 /// The first version in which a surface may change its layer.
@@ -38,6 +41,9 @@ LayerSurface::LayerSurface(const Compositor &compositor, QWindow &window, Window
     if (window.flags() & Qt::WindowTransparentForInput)
         letInputPass();
     wl_surface_commit(surface_);
+    keyboardLost_.setSingleShot(true);
+    keyboardLost_.setInterval(milliseconds);
+    connect(&keyboardLost_, &QTimer::timeout, this, &LayerSurface::askForKeyboard);
     window.installEventFilter(this);
 }
 
@@ -103,6 +109,16 @@ void LayerSurface::letInputPass() {
     wl_region_destroy(nowhere);
 }
 
+/// KWin gives the keyboard to each window that opens, and back only to a surface that asks anew.
+void LayerSurface::askForKeyboard() {
+    if (!role_ || QGuiApplication::focusWindow())
+        return;
+    for (const std::uint32_t wish : {0U, 1U}) {
+        zwlr_layer_surface_v1_set_keyboard_interactivity(role_, wish);
+        wl_surface_commit(surface_);
+    }
+}
+
 bool LayerSurface::eventFilter(QObject *watched, QEvent *event) {
     if (event->type() == QEvent::PlatformSurface) {
         const auto change = static_cast<QPlatformSurfaceEvent *>(event)->surfaceEventType();
@@ -111,6 +127,8 @@ bool LayerSurface::eventFilter(QObject *watched, QEvent *event) {
     } else if (event->type() == QEvent::Move && role_ && layer_ == WindowLayer::panel) {
         place();
         wl_surface_commit(surface_);
+    } else if (event->type() == QEvent::FocusOut && layer_ == WindowLayer::overlay) {
+        keyboardLost_.start();
     }
     return QObject::eventFilter(watched, event);
 }

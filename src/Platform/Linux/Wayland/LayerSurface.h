@@ -4,6 +4,7 @@
 #include "Platform/WindowLayers.h"
 
 #include <QObject>
+#include <QTimer>
 
 struct wl_compositor;
 struct wl_output;
@@ -40,6 +41,7 @@ public:
 private:
     void giveRole(wl_output *output);
     void letInputPass();
+    void askForKeyboard();
     void place();
     void setPlace(const Anchoring &anchoring);
     void configure(std::uint32_t serial, QSize size);
@@ -52,6 +54,7 @@ private:
     QRect outputFrame_;
     Beside beside_ = Beside::nothing;
     wl_surface *surface_;
+    QTimer keyboardLost_;
     zwlr_layer_surface_v1 *role_ = nullptr;
 };
 
