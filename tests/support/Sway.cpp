@@ -1,6 +1,5 @@
 #include "support/Sway.h"
 
-#include "support/VirtualInput.h"
 #include "support/XClient.h"
 #include "support/files.h"
 #include "support/holdsSoon.h"
@@ -26,21 +25,8 @@ const char configuration[] = "xwayland disable\n"
                              "focus_follows_mouse no\n"
                              "output * bg %1 solid_color\n";
 
-/// Qt (6.4) never frees what it bound in the compositor's registry.
-const QString suppressions = QStringLiteral("suppressions");
-
 void insert(QProcessEnvironment &environment, const char *name, const QString &value) {
     environment.insert(QString::fromLatin1(name), value);
-}
-
-QProcessEnvironment withoutDesktop() {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const auto *name : {"WAYLAND_DISPLAY", "DISPLAY", "SWAYSOCK", "XDG_CONFIG_HOME", "XDG_CACHE_HOME",
-                             "XDG_DATA_HOME", "XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORM"})
-        environment.remove(QString::fromLatin1(name));
-    insert(environment, "NO_AT_BRIDGE", QStringLiteral("1"));
-    insert(environment, "DBUS_SESSION_BUS_ADDRESS", QStringLiteral("unix:path=/nonexistent"));
-    return environment;
 }
 
 /// Sway does not make the names by which windows are called and closed.
@@ -73,7 +59,6 @@ Sway::Sway(int outputs)
     insert(environment, "WLR_RENDERER", QStringLiteral("pixman"));
     const QString file = runtime_.filePath(QStringLiteral("config"));
     writeFile(file, QString::fromLatin1(configuration).arg(background().name()).toUtf8());
-    writeFile(home_.filePath(suppressions), "leak:libwayland-client.so\n");
     QStringList words{QStringLiteral("sway"), QStringLiteral("--config"), file};
     if (::geteuid() == 0) {
         const QString user = QString::number(nobody);
@@ -85,7 +70,7 @@ Sway::Sway(int outputs)
     process_ = std::make_unique<ChildProcess>(words.takeFirst(), words, environment);
     if (!holdsSoon([&] { return QFile::exists(socket_) && QFile::exists(ipc_); }))
         ADD_FAILURE() << "sway did not start: " << process_->process().readAllStandardError().toStdString();
-    input_ = std::make_unique<VirtualInput>(socket_);
+    input_ = std::make_unique<WlrInput>(socket_);
 }
 
 Sway::~Sway() = default;
@@ -96,8 +81,7 @@ QProcessEnvironment Sway::environment() const {
     insert(environment, "XDG_RUNTIME_DIR", home_.path());
     insert(environment, "WAYLAND_DISPLAY", socket_);
     insert(environment, "SWAYSOCK", ipc_);
-    insert(environment, "LSAN_OPTIONS",
-           QStringLiteral("print_suppressions=0:suppressions=") + home_.filePath(suppressions));
+    overlookLeaksOfQt(environment, home_.path());
     return environment;
 }
 
@@ -151,11 +135,6 @@ QSize Sway::layout() {
 
 void Sway::pointAt(QPoint point) {
     input_->pointAt(point, layout());
-}
-
-void Sway::click(QPoint point) {
-    pointAt(point);
-    input_->click();
 }
 
 std::unique_ptr<ChildProcess> Sway::launch(const QString &program, const QStringList &arguments) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/Compositor.h"
+#include "support/WlrInput.h"
 #include "support/XServer.h"
 
 #include <QJsonDocument>
@@ -9,25 +11,15 @@
 
 namespace pavonel::test {
 
-class VirtualInput;
-
-/// A sway of the test's own, inside a virtual X server, with outputs side by side, a pointer and a keyboard,
-/// and a private home for all that runs on it. It can be made before the application object, so that Qt
-/// itself can run on it (`becomeOurDisplay`). Everything it started ends with it. What cannot be had fails
-/// the test.
-class Sway {
+/// A sway inside a virtual X server. It can be made before the application object, so that Qt itself can run
+/// on it (`becomeOurDisplay`).
+class Sway final : public Compositor {
 public:
     /// The outputs are called "X11-1", "X11-2" …
     explicit Sway(int outputs = 2);
-    ~Sway();
+    ~Sway() override;
 
-    static constexpr QSize outputSize{1024, 768};
-
-    /// Behind all windows; nothing of Pavonel's has this colour.
-    static QColor background() { return Qt::magenta; }
-
-    /// The environment for programs that are to run on this compositor; there is no X server in it.
-    QProcessEnvironment environment() const;
+    QProcessEnvironment environment() const override;
 
     /// Makes this compositor the display of this process. Needed before a QApplication on "wayland" is made.
     void becomeOurDisplay() const;
@@ -47,19 +39,16 @@ public:
     /// To the right of the others, with the next number that no output had so far.
     void addOutput();
 
-    VirtualInput &input() { return *input_; }
-
-    /// Moves the pointer to a point of the layout and clicks there.
-    void click(QPoint point);
-    void pointAt(QPoint point);
+    VirtualInput &input() override { return *input_; }
+    void pointAt(QPoint point) override;
 
     std::unique_ptr<ChildProcess> launch(const QString &program, const QStringList &arguments);
 
-    /// What the outputs show now, all side by side, or one of them.
-    QImage picture(const QString &output = {});
+    QImage picture() override { return picture({}); }
+    /// What one output shows now.
+    QImage picture(const QString &output);
 
-    /// The compositor goes away from under its programs.
-    void end();
+    void end() override;
 
 private:
     QByteArray run(const QString &program, const QStringList &arguments);
@@ -71,7 +60,7 @@ private:
     QString socket_;
     QString ipc_;
     std::unique_ptr<ChildProcess> process_;
-    std::unique_ptr<VirtualInput> input_;
+    std::unique_ptr<WlrInput> input_;
 };
 
 } // namespace pavonel::test

@@ -1,53 +1,23 @@
 #pragma once
 
-#include <QPoint>
-#include <QSize>
-#include <QString>
-
-#include <memory>
-
-struct wl_display;
-struct wl_registry;
-struct wl_seat;
-struct zwlr_virtual_pointer_manager_v1;
-struct zwlr_virtual_pointer_v1;
-struct zwp_virtual_keyboard_manager_v1;
-struct zwp_virtual_keyboard_v1;
+#include <cstdint>
 
 namespace pavonel::test {
 
-/// A pointer and a keyboard of a compositor that lets programs make them. They are there until it goes.
+/// A pointer and a keyboard of a compositor, which a test moves, clicks and types with.
 class VirtualInput {
 public:
-    /// Of the compositor at this socket; one that has none of them fails the test.
-    explicit VirtualInput(const QString &socket);
-    ~VirtualInput();
-
     /// Keys as the kernel counts them, of a US keyboard.
     enum Key : std::uint32_t { escape = 1, s = 31, p = 25, a = 30, b = 48 };
     enum Modifier : std::uint32_t { none = 0, control = 4, alt = 8, super = 64 };
 
-    /// Presses and releases it.
-    void press(Key key, std::uint32_t modifiers = none);
+    virtual ~VirtualInput() = default;
 
-    /// On a layout of this size, whose corner is at 0,0.
-    void pointAt(QPoint point, QSize layout);
-    void click();
+    /// Presses and releases it, while these modifiers are held.
+    virtual void press(Key key, std::uint32_t modifiers = none) = 0;
 
-private:
-    static void find(void *self, wl_registry *registry, std::uint32_t name, const char *interface,
-                     std::uint32_t version);
-    void makeDevices();
-    void giveKeymap();
-    void flush();
-
-    wl_display *display_;
-    wl_seat *seat_ = nullptr;
-    zwlr_virtual_pointer_manager_v1 *pointers_ = nullptr;
-    zwp_virtual_keyboard_manager_v1 *keyboards_ = nullptr;
-    zwlr_virtual_pointer_v1 *pointer_ = nullptr;
-    zwp_virtual_keyboard_v1 *keyboard_ = nullptr;
-    std::uint32_t time_ = 0;
+    /// Where the pointer is.
+    virtual void click() = 0;
 };
 
 } // namespace pavonel::test

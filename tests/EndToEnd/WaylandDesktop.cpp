@@ -1,7 +1,6 @@
-#include "EndToEnd/SwayDesktop.h"
+#include "EndToEnd/WaylandDesktop.h"
 
 #include "EndToEnd/pixels.h"
-#include "support/waitUntil.h"
 
 #include <utility>
 
@@ -11,24 +10,22 @@ namespace {
 
 /// To its very edges.
 bool isCovered(const QImage &picture, const QRect &screen) {
-    return picture.rect().contains(screen) && !shows(picture, screen, Sway::background()) &&
+    return picture.rect().contains(screen) && !shows(picture, screen, Compositor::background()) &&
            !shows(picture, screen, OtherWindow::colour());
 }
 
 } // namespace
 
-SwayDesktop::SwayDesktop() : SwayDesktop(std::make_unique<Sway>()) {}
+WaylandDesktop::WaylandDesktop(std::unique_ptr<Compositor> compositor)
+    : ProgramAtHome(compositor->environment()), compositor_(std::move(compositor)) {}
 
-SwayDesktop::SwayDesktop(std::unique_ptr<Sway> sway)
-    : ProgramAtHome(sway->environment()), sway_(std::move(sway)) {}
-
-SwayDesktop::~SwayDesktop() {
+WaylandDesktop::~WaylandDesktop() {
     stopProgram();
 }
 
-bool SwayDesktop::waitForBreak(int outputs) {
+bool WaylandDesktop::waitForBreak(int outputs) {
     return waitUntil([&] {
-               const QImage picture = sway_->picture();
+               const QImage picture = compositor_->picture();
                int covered = 0;
                int withText = 0;
                for (int index = 0; index < outputs; ++index) {
@@ -40,14 +37,12 @@ bool SwayDesktop::waitForBreak(int outputs) {
            isRunning();
 }
 
-bool SwayDesktop::waitForNoBreak() {
-    return waitUntil([&] {
-        const QImage picture = sway_->picture();
-        return !isCovered(picture, screen(0)) && !isCovered(picture, screen(1));
-    });
+bool WaylandDesktop::showsNoBreak() {
+    const QImage picture = compositor_->picture();
+    return !isCovered(picture, screen(0)) && !isCovered(picture, screen(1));
 }
 
-QByteArray SwayDesktop::complaints() {
+QByteArray WaylandDesktop::complaints() {
     return process().readAllStandardError();
 }
 

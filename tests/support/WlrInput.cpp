@@ -1,4 +1,4 @@
-#include "support/VirtualInput.h"
+#include "support/WlrInput.h"
 
 #include <QByteArray>
 #include <QTemporaryFile>
@@ -32,8 +32,7 @@ void ignore(void *, wl_registry *, std::uint32_t) {}
 
 } // namespace
 
-VirtualInput::VirtualInput(const QString &socket)
-    : display_(wl_display_connect(socket.toLocal8Bit().constData())) {
+WlrInput::WlrInput(const QString &socket) : display_(wl_display_connect(socket.toLocal8Bit().constData())) {
     if (!display_) {
         ADD_FAILURE() << "No compositor at " << socket.toStdString();
         return;
@@ -49,7 +48,7 @@ VirtualInput::VirtualInput(const QString &socket)
         ADD_FAILURE() << "The compositor at " << socket.toStdString() << " has no virtual input devices";
 }
 
-VirtualInput::~VirtualInput() {
+WlrInput::~WlrInput() {
     const auto drop = [](auto *object, auto destroy) {
         if (object)
             destroy(object);
@@ -62,9 +61,9 @@ VirtualInput::~VirtualInput() {
     drop(display_, wl_display_disconnect);
 }
 
-void VirtualInput::find(void *self, wl_registry *registry, std::uint32_t name, const char *interface,
-                        std::uint32_t) {
-    auto *input = static_cast<VirtualInput *>(self);
+void WlrInput::find(void *self, wl_registry *registry, std::uint32_t name, const char *interface,
+                    std::uint32_t) {
+    auto *input = static_cast<WlrInput *>(self);
     const auto is = [&](const wl_interface &wanted) { return std::string_view(interface) == wanted.name; };
     if (is(wl_seat_interface))
         input->seat_ = bound<wl_seat>(registry, name, wl_seat_interface);
@@ -76,26 +75,26 @@ void VirtualInput::find(void *self, wl_registry *registry, std::uint32_t name, c
             bound<zwp_virtual_keyboard_manager_v1>(registry, name, zwp_virtual_keyboard_manager_v1_interface);
 }
 
-void VirtualInput::makeDevices() {
+void WlrInput::makeDevices() {
     pointer_ = zwlr_virtual_pointer_manager_v1_create_virtual_pointer(pointers_, seat_);
     keyboard_ = zwp_virtual_keyboard_manager_v1_create_virtual_keyboard(keyboards_, seat_);
     giveKeymap();
     flush();
 }
 
-void VirtualInput::giveKeymap() {
+void WlrInput::giveKeymap() {
     QTemporaryFile file;
     ASSERT_TRUE(file.open() && file.write(keymap, sizeof keymap) == sizeof keymap && file.flush());
     zwp_virtual_keyboard_v1_keymap(keyboard_, WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1, file.handle(), sizeof keymap);
 }
 
 /// Until the compositor has acted on all that it was told.
-void VirtualInput::flush() {
+void WlrInput::flush() {
     if (wl_display_roundtrip(display_) < 0)
         ADD_FAILURE() << "The compositor is gone: " << std::strerror(wl_display_get_error(display_));
 }
 
-void VirtualInput::press(Key key, std::uint32_t modifiers) {
+void WlrInput::press(Key key, std::uint32_t modifiers) {
     zwp_virtual_keyboard_v1_modifiers(keyboard_, modifiers, 0, 0, 0);
     zwp_virtual_keyboard_v1_key(keyboard_, ++time_, key, WL_KEYBOARD_KEY_STATE_PRESSED);
     zwp_virtual_keyboard_v1_key(keyboard_, ++time_, key, WL_KEYBOARD_KEY_STATE_RELEASED);
@@ -103,7 +102,7 @@ void VirtualInput::press(Key key, std::uint32_t modifiers) {
     flush();
 }
 
-void VirtualInput::pointAt(QPoint point, QSize layout) {
+void WlrInput::pointAt(QPoint point, QSize layout) {
     zwlr_virtual_pointer_v1_motion_absolute(
         pointer_, ++time_, static_cast<std::uint32_t>(point.x()), static_cast<std::uint32_t>(point.y()),
         static_cast<std::uint32_t>(layout.width()), static_cast<std::uint32_t>(layout.height()));
@@ -111,7 +110,7 @@ void VirtualInput::pointAt(QPoint point, QSize layout) {
     flush();
 }
 
-void VirtualInput::click() {
+void WlrInput::click() {
     zwlr_virtual_pointer_v1_button(pointer_, ++time_, leftButton, WL_POINTER_BUTTON_STATE_PRESSED);
     zwlr_virtual_pointer_v1_frame(pointer_);
     zwlr_virtual_pointer_v1_button(pointer_, ++time_, leftButton, WL_POINTER_BUTTON_STATE_RELEASED);
