@@ -132,6 +132,14 @@ TEST_P(BreakOnWayland, is_announced_by_a_notice_that_takes_clicks_and_leaves_the
     EXPECT_EQ(other.times("click"), 1);
 }
 
+TEST_P(BreakOnWayland, is_saved_when_the_compositor_goes_from_under_it) {
+    start({{QStringLiteral("microInterval"), 3}, {QStringLiteral("microDuration"), 600}});
+    ASSERT_TRUE(desktop.waitForBreak());
+    compositor.end();
+    EXPECT_NE(desktop.waitForExit(), -1) << "the program crashed or stayed";
+    EXPECT_EQ(desktop.statistics()[QStringLiteral("screenSeconds")].toDouble(), 3);
+}
+
 TEST_P(BreakOnWayland, comes_again_when_it_is_over) {
     start();
     for (int round = 0; round < 3; ++round) {

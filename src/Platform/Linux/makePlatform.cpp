@@ -14,6 +14,7 @@
 #include "Platform/Linux/LinuxInstallation.h"
 #include "Platform/Linux/PipeWire/PipeWireScreenCasts.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
+#include "Platform/Linux/Wayland/LossOfCompositor.h"
 #include "Platform/Linux/Wayland/WaylandWindowLayers.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11HotKeys.h"
@@ -186,7 +187,7 @@ std::unique_ptr<Platform> makePlatform() {
     auto platform = std::make_unique<Platform>();
     static_cast<HeadlessPlatform &>(*platform) = allButTheStore();
     platform->defaults = std::make_unique<FileDefaults>(storePath(), *platform->mainLoop);
-    platform->termination = std::make_unique<SignalTermination>();
+    platform->termination = LossOfCompositor::watch(std::make_unique<SignalTermination>());
     platform->power = std::make_unique<LogindPowerEvents>(QDBusConnection::systemBus());
     const auto workedOn = std::make_shared<WorkedOn>();
     platform->screens = screens(x11, workedOn);
