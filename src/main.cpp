@@ -3,6 +3,7 @@
 #include "Core/HotKeys.h"
 #include "Core/Phone.h"
 #include "Core/Updater.h"
+#include "Platform/CarriedFonts.h"
 #include "Platform/Errand.h"
 #include "Platform/GivenEnvironment.h"
 #include "Platform/Platform.h"
@@ -86,6 +87,7 @@ int start(int &argc, char **argv) {
     if (!Updater::feedAddress())
         return refuseFeedAddress();
     chooseWindowSystem();
+    useCarriedFonts();
     std::optional<QApplication> application;
     makeApplication(application, argc, argv);
     const auto instance = makeSingleInstance();
