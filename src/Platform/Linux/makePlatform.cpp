@@ -11,10 +11,14 @@
 #include "Platform/Linux/Bus/PortalAppearance.h"
 #include "Platform/Linux/DetachedLauncher.h"
 #include "Platform/Linux/Fetch/FetchClient.h"
+#include "Platform/Linux/FirstIdleTime.h"
 #include "Platform/Linux/LinuxInstallation.h"
 #include "Platform/Linux/PipeWire/PipeWireScreenCasts.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
+#include "Platform/Linux/Wayland/LayerShellOffer.h"
 #include "Platform/Linux/Wayland/LossOfCompositor.h"
+#include "Platform/Linux/Wayland/WaylandConnection.h"
+#include "Platform/Linux/Wayland/WaylandIdleTime.h"
 #include "Platform/Linux/Wayland/WaylandWindowLayers.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11HotKeys.h"
@@ -79,6 +83,11 @@ bool seesAllInput(const std::shared_ptr<X11Connection> &x) {
     return x && !x->isInsideWayland();
 }
 
+/// Whatever Qt's windows are on.
+std::shared_ptr<WaylandConnection> waylandConnection(const std::shared_ptr<X11Connection> &x) {
+    return wayland::isOffered() && !seesAllInput(x) ? WaylandConnection::open() : nullptr;
+}
+
 std::unique_ptr<Screens> screens(const std::shared_ptr<X11Connection> &x,
                                  const std::shared_ptr<WorkedOn> &workedOn) {
     if (x)
@@ -93,12 +102,18 @@ std::unique_ptr<Pointer> pointer(const std::shared_ptr<X11Connection> &x) {
         "This desktop does not tell where the pointer is, so the countdown stays in a corner.");
 }
 
-std::unique_ptr<IdleTime> idleTime(const std::shared_ptr<X11Connection> &x) {
+/// In the order in which they are preferred.
+std::unique_ptr<IdleTime> idleTime(const std::shared_ptr<X11Connection> &x,
+                                   const std::shared_ptr<WaylandConnection> &wayland) {
     if (seesAllInput(x)) {
         if (auto service = x11::makeIdleTime(x))
             return service;
     }
-    return none<unavailable::IdleTime>("This desktop does not tell how long you have been away.");
+    std::vector<std::unique_ptr<IdleTime>> sources;
+    if (wayland)
+        sources.push_back(std::make_unique<WaylandIdleTime>(wayland));
+    sources.push_back(none<unavailable::IdleTime>("This desktop does not tell how long you have been away."));
+    return std::make_unique<FirstIdleTime>(std::move(sources));
 }
 
 /// Both ask about the same windows.
@@ -184,6 +199,7 @@ HeadlessPlatform makeHeadlessPlatform() {
 std::unique_ptr<Platform> makePlatform() {
     returnFreedMemory();
     const auto x11 = x11Connection();
+    const auto wayland = waylandConnection(x11);
     auto platform = std::make_unique<Platform>();
     static_cast<HeadlessPlatform &>(*platform) = allButTheStore();
     platform->defaults = std::make_unique<FileDefaults>(storePath(), *platform->mainLoop);
@@ -192,8 +208,8 @@ std::unique_ptr<Platform> makePlatform() {
     const auto workedOn = std::make_shared<WorkedOn>();
     platform->screens = screens(x11, workedOn);
     platform->pointer = pointer(x11);
-    platform->idleTime = std::make_unique<LockAwareIdleTime>(idleTime(x11), QDBusConnection::systemBus(),
-                                                             QDBusConnection::sessionBus());
+    platform->idleTime = std::make_unique<LockAwareIdleTime>(
+        idleTime(x11, wayland), QDBusConnection::systemBus(), QDBusConnection::sessionBus());
     platform->audioDevices = std::make_unique<PulseAudioDevices>();
     installWindowSensors(*platform, x11);
     platform->installedApplications = std::make_unique<LinuxInstalledApplications>(

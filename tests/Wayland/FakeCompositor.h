@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QSocketNotifier>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+struct wl_client;
+struct wl_display;
+struct wl_global;
+struct wl_resource;
+
+namespace pavonel::test {
+
+/// A compositor in this very process that offers what real ones of this system do not, and that can err. It
+/// works while the main loop runs.
+class FakeCompositor {
+public:
+    FakeCompositor();
+    FakeCompositor(const FakeCompositor &) = delete;
+    FakeCompositor &operator=(const FakeCompositor &) = delete;
+    ~FakeCompositor();
+
+    /// What to connect to.
+    const char *socket() const { return socket_; }
+
+    /// Something on offer, until this goes.
+    using Offer = std::shared_ptr<wl_global>;
+    [[nodiscard]] Offer offerSeat();
+    /// ext_idle_notifier_v1 in this version.
+    [[nodiscard]] Offer offerIdleNotifier(int version);
+    /// org_kde_kwin_idle
+    [[nodiscard]] Offer offerKdeIdle();
+
+    /// Of whose idleness a program asked to be told.
+    struct Notice {
+        enum class Kind { ofInput, ofScreen, kde };
+        Kind kind;
+        wl_resource *resource;
+        std::uint32_t milliseconds;
+        bool operator==(const Notice &) const = default;
+    };
+    const std::vector<Notice> &notices() const { return notices_; }
+    void tellIdle(const Notice &notice);
+    void tellResumed(const Notice &notice);
+
+    /// All programs have committed a fatal error.
+    void accuse();
+
+private:
+    void take(wl_client *client, std::uint32_t id, Notice::Kind kind, std::uint32_t milliseconds);
+
+    static FakeCompositor &of(wl_resource *resource);
+    friend struct Requests;
+
+    wl_display *display_;
+    const char *socket_;
+    QSocketNotifier notifier_;
+    std::vector<Notice> notices_;
+};
+
+} // namespace pavonel::test
