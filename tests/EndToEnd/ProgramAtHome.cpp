@@ -91,6 +91,12 @@ void ProgramAtHome::startProgramUnread() {
            {QStringLiteral("-c"), QStringLiteral("exec &> >(true); wait $!; exec \"$0\""), executable_});
 }
 
+QJsonObject ProgramAtHome::status() const {
+    const auto told =
+        ChildProcess::run(executable_, {QStringLiteral("--status"), QStringLiteral("--json")}, environment_);
+    return QJsonDocument::fromJson(told.output).object();
+}
+
 void ProgramAtHome::launch(const QString &program, const QStringList &arguments) {
     sinceStart_.start();
     program_ = std::make_unique<ChildProcess>(program, arguments, environment_);

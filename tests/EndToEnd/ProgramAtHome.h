@@ -41,6 +41,8 @@ public:
     void startProgram(QStringList inFront = {});
     /// With an output whose reader has left.
     void startProgramUnread();
+    /// What a further call of the program tells of it on its bus.
+    QJsonObject status() const;
     bool isRunning() const { return program_ && program_->isRunning(); }
     qint64 millisecondsSinceStart() const { return sinceStart_.elapsed(); }
 

@@ -12,9 +12,12 @@
 #include "Platform/Linux/DetachedLauncher.h"
 #include "Platform/Linux/Fetch/FetchClient.h"
 #include "Platform/Linux/FirstIdleTime.h"
+#include "Platform/Linux/KWin/KWinWindows.h"
 #include "Platform/Linux/LinuxInstallation.h"
 #include "Platform/Linux/PipeWire/PipeWireScreenCasts.h"
+#include "Platform/Linux/Sway/SwayWindows.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
+#include "Platform/Linux/Wayland/ForeignToplevels.h"
 #include "Platform/Linux/Wayland/LayerShellOffer.h"
 #include "Platform/Linux/Wayland/LossOfCompositor.h"
 #include "Platform/Linux/Wayland/WaylandConnection.h"
@@ -116,16 +119,29 @@ std::unique_ptr<IdleTime> idleTime(const std::shared_ptr<X11Connection> &x,
     return std::make_unique<FirstIdleTime>(std::move(sources));
 }
 
+/// In the order in which they are preferred.
+std::shared_ptr<WindowSources> windowSources(const std::shared_ptr<WaylandConnection> &wayland) {
+    std::vector<std::unique_ptr<WindowSource>> sources;
+    if (auto sway = SwayWindows::make())
+        sources.push_back(std::move(sway));
+    sources.push_back(std::make_unique<KWinWindows>(QDBusConnection::sessionBus()));
+    if (wayland)
+        sources.push_back(std::make_unique<ForeignToplevels>(wayland));
+    return std::make_shared<WindowSources>(std::move(sources));
+}
+
 /// Both ask about the same windows.
-void installWindowSensors(Platform &platform, const std::shared_ptr<X11Connection> &x) {
+void installWindowSensors(Platform &platform, const std::shared_ptr<X11Connection> &x,
+                          const std::shared_ptr<WaylandConnection> &wayland) {
     std::unique_ptr<FrontWindowSource> front;
     if (seesAllInput(x)) {
         const auto windows = std::make_shared<X11Windows>(x);
         front = std::make_unique<X11FrontWindow>(windows);
         platform.windowList = std::make_unique<X11WindowList>(windows);
     } else {
-        platform.windowList =
-            none<unavailable::WindowList>("This desktop does not tell about fullscreen windows.");
+        const auto sources = windowSources(wayland);
+        front = std::make_unique<ToldFrontWindow>(sources);
+        platform.windowList = std::make_unique<ToldWindowList>(sources);
     }
     platform.applications =
         std::make_unique<LinuxApplications>(std::move(front), std::make_unique<PipeWireScreenCasts>(),
@@ -211,7 +227,7 @@ std::unique_ptr<Platform> makePlatform() {
     platform->idleTime = std::make_unique<LockAwareIdleTime>(
         idleTime(x11, wayland), QDBusConnection::systemBus(), QDBusConnection::sessionBus());
     platform->audioDevices = std::make_unique<PulseAudioDevices>();
-    installWindowSensors(*platform, x11);
+    installWindowSensors(*platform, x11, wayland);
     platform->installedApplications = std::make_unique<LinuxInstalledApplications>(
         LinuxInstalledApplications::Surroundings::ofThisDesktop(), *platform->mainLoop);
     platform->windowLayers = windowLayers(x11, workedOn);
