@@ -40,6 +40,12 @@ QImage decode(QImageReader &reader, QSize size) {
 
 } // namespace
 
+QByteArrayList pictureFormats() {
+    QByteArrayList formats = QImageReader::supportedImageFormats();
+    formats.removeIf([](const QByteArray &format) { return format.startsWith("svg"); });
+    return formats;
+}
+
 QImage pictureImage(const QByteArray &file, QSize size) {
     if (size.isEmpty())
         return {};
@@ -48,6 +54,8 @@ QImage pictureImage(const QByteArray &file, QSize size) {
     content.open(QIODevice::ReadOnly);
     QImageReader reader(&content);
     reader.setDecideFormatFromContent(true);
+    if (!pictureFormats().contains(reader.format()))
+        return {};
     reader.setAutoTransform(true);
     QImage picture = decode(reader, size);
     if (picture.isNull())

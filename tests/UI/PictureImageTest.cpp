@@ -63,6 +63,20 @@ const QColor dimBlue = QColor::fromRgb(0, 0, int(255 * dimmed));
 
 } // namespace
 
+TEST_F(PictureImage, a_drawing_is_none_since_it_can_name_other_files) {
+    const QString inner = save(striped({90, 60}, Qt::Horizontal), "inner.png");
+    const QString drawing = path("drawing.svg");
+    writeFile(drawing, QStringLiteral("<svg xmlns='http://www.w3.org/2000/svg' width='90' height='60' "
+                                      "xmlns:xlink='http://www.w3.org/1999/xlink'>"
+                                      "<image width='90' height='60' xlink:href='%1'/></svg>")
+                           .arg(inner)
+                           .toUtf8());
+    EXPECT_TRUE(pictureIn(drawing, screen).isNull());
+    for (const QByteArray &format : pictureFormats())
+        EXPECT_FALSE(format.startsWith("svg")) << format.constData();
+    EXPECT_TRUE(pictureFormats().contains("png"));
+}
+
 TEST_F(PictureImage, is_dimmed_by_045_of_black) {
     QImage white(64, 36, QImage::Format_RGB32);
     white.fill(Qt::white);

@@ -1,4 +1,5 @@
 #include "Core/Settings.h"
+#include "UI/BackgroundImage.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/Text.h"
@@ -8,7 +9,6 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QStandardPaths>
 #include <QVBoxLayout>
 
@@ -21,7 +21,7 @@ constexpr int withPicture = 60;
 
 QString pictureFilter() {
     QStringList patterns;
-    for (const QByteArray &format : QImageReader::supportedImageFormats())
+    for (const QByteArray &format : pictureFormats())
         patterns.append(QStringLiteral("*.") + QString::fromLatin1(format));
     return QStringLiteral("Images (%1)").arg(patterns.join(u' '));
 }
