@@ -4,6 +4,7 @@
 #include "Core/Updater.h"
 #include "Platform/Platform.h"
 #include "UI/SettingsWindow/SettingsWindowController.h"
+#include "UI/Style/Style.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -66,11 +67,11 @@ bool report(const char *what, double milliseconds, double budget) {
 } // namespace
 
 int main(int argc, char **argv) {
-    QApplication::setStyle(QStringLiteral("Fusion"));
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     Platform::install(makePlatform());
     Platform &platform = Platform::current();
+    QApplication::setStyle(new Style(platform));
     Settings &settings = Settings::shared();
     Stats &stats = Stats::shared();
     BreakController controller(platform, settings, stats, nullptr);

@@ -9,7 +9,7 @@
 #include "Platform/Platform.h"
 #include "Platform/SingleInstance.h"
 #include "Platform/WindowSystem.h"
-#include "UI/Style.h"
+#include "UI/Style/Style.h"
 #include "makeApplication.h"
 
 #include <algorithm>

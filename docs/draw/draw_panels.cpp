@@ -2,6 +2,7 @@
 #include "UI/Panels/HeadsUpController.h"
 #include "UI/Panels/ToastController.h"
 #include "support/Scenario.h"
+#include "support/Styled.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -89,6 +90,7 @@ int main(int argc, char **argv) {
     if (argc != 2)
         return 2;
     Scenario scenario;
+    const test::Styled styled(scenario.platform);
     scenario.advance(1176);
     Sheet sheet({2 * column + margin, 710});
     for (const bool dark : {false, true}) {

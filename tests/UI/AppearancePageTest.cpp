@@ -171,14 +171,14 @@ TEST_F(AppearancePage, offers_none_and_every_sound_of_the_system_and_lets_one_he
         PopUpButton *sound = picker(label);
         ASSERT_NE(sound, nullptr);
         EXPECT_EQ(sound->choice(), (open.settings.*setting).get());
-        EXPECT_EQ(sound->choices(), (QStringList{u"None"_s, u"Glass"_s, u"Submarine"_s}));
+        EXPECT_EQ(choicesOf(*sound), (QStringList{u"None"_s, u"Glass"_s, u"Submarine"_s}));
         open.platform.fakeSounds.played.clear();
-        sound->choose(u"Glass"_s);
+        choose(*sound, u"Glass"_s);
         EXPECT_EQ((open.settings.*setting).get(), u"Glass"_s);
         EXPECT_EQ(open.platform.fakeSounds.played, QStringList{u"Glass"_s});
         click(*button(u"Listen to "_s + label, u"Sounds"_s));
         EXPECT_EQ(open.platform.fakeSounds.played, (QStringList{u"Glass"_s, u"Glass"_s}));
-        sound->choose(u"None"_s);
+        choose(*sound, u"None"_s);
         EXPECT_EQ((open.settings.*setting).get(), u"None"_s);
         EXPECT_EQ(open.platform.fakeSounds.played.size(), 2);
         open.settle();

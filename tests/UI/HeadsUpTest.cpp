@@ -1,6 +1,7 @@
-#include "UI/Controls/PushButton.h"
+#include "UI/Controls/Button.h"
 #include "UI/Panels/HeadsUpController.h"
 #include "support/Scenario.h"
+#include "support/Styled.h"
 #include "support/windows.h"
 
 #include <QEnterEvent>
@@ -18,6 +19,7 @@ constexpr auto title = "Pavonel Heads-up";
 class HeadsUp : public ::testing::Test {
 protected:
     Scenario scenario;
+    Styled styled{scenario.platform};
     HeadsUpController headsUp{scenario.platform, scenario.controller, scenario.settings};
 
     void show(BreakKind kind = BreakKind::micro, const QString &text = QStringLiteral("Micro break")) {
@@ -35,8 +37,8 @@ protected:
 
     static QWidget *panel() { return shownWindow(title); }
 
-    static PushButton *button(const QString &text) {
-        for (auto *candidate : childrenOf<PushButton>(panel())) {
+    static Button *button(const QString &text) {
+        for (auto *candidate : childrenOf<Button>(panel())) {
             if (candidate->text() == text || candidate->accessibleName() == text)
                 return candidate;
         }
@@ -46,7 +48,7 @@ protected:
     /// What a user sees of the buttons, from left to right.
     static QStringList buttonTexts() {
         std::map<int, QString> texts;
-        for (const auto *candidate : childrenOf<PushButton>(panel())) {
+        for (const auto *candidate : childrenOf<Button>(panel())) {
             if (candidate->isVisible() && !candidate->text().isEmpty())
                 texts.emplace(candidate->x(), candidate->text());
         }
@@ -134,7 +136,7 @@ TEST_F(HeadsUp, everything_on_it_lies_within_its_padding) {
     scenario.settings.allowPostpone = false;
     show();
     const QRect inside = QRect(QPoint(), slabOf(panel()).size()).adjusted(14, 14, -14, -14);
-    for (const auto *child : childrenOf<PushButton>(panel())) {
+    for (const auto *child : childrenOf<Button>(panel())) {
         EXPECT_TRUE(!child->isVisible() || inside.contains(child->geometry())) << qPrintable(child->text());
     }
 }
@@ -358,7 +360,7 @@ TEST_F(HeadsUp, the_close_button_explains_itself_once_the_pointer_rests_on_it) {
 
 TEST_F(HeadsUp, every_button_says_its_name_to_a_screen_reader) {
     show();
-    for (const auto *candidate : childrenOf<PushButton>(panel()))
+    for (const auto *candidate : childrenOf<Button>(panel()))
         EXPECT_FALSE(candidate->text().isEmpty() && candidate->accessibleName().isEmpty());
 }
 

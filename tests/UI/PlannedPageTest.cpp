@@ -1,8 +1,8 @@
 #include "UI/Controls/Button.h"
+#include "UI/Controls/LineEdit.h"
 #include "UI/Controls/PopUpButton.h"
 #include "UI/Controls/Stepper.h"
 #include "UI/Controls/Switch.h"
-#include "UI/Controls/TextField.h"
 #include "UI/SettingsWindow/PlannedEditing.h"
 #include "UI/SettingsWindow/PlannedRow.h"
 #include "UI/SettingsWindow/WeekdayToggle.h"
@@ -115,12 +115,24 @@ TEST_F(PlannedPage, writes_the_time_that_is_picked) {
     ASSERT_TRUE(hour && minute);
     EXPECT_EQ(hour->choice(), hourText(12));
     EXPECT_EQ(minute->choice(), u"30"_s);
-    EXPECT_EQ(hour->choices().size(), 24);
-    EXPECT_EQ(minute->choices().size(), 60);
-    hour->choose(hourText(9));
-    minute->choose(u"05"_s);
+    EXPECT_EQ(hour->count(), 24);
+    EXPECT_EQ(minute->count(), 60);
+    choose(*hour, hourText(9));
+    choose(*minute, u"05"_s);
     EXPECT_EQ(breaks()[0].hour, 9);
     EXPECT_EQ(breaks()[0].minute, 5);
+}
+
+TEST_F(PlannedPage, the_tab_key_leads_on_also_after_a_list_was_opened) {
+    show({named(u"Tea"_s)});
+    auto *hour = in<PopUpButton>(u"Tea"_s, QAccessible::ComboBox, u"Hour"_s);
+    choose(*hour, hourText(9));
+    open.settings.plannedBreaks = PlannedBreaks{breaks()[0], named(u"Walk"_s)};
+    open.settle();
+    const QWidget *next = hour->nextInFocusChain();
+    while (!(next->focusPolicy() & Qt::TabFocus))
+        next = next->nextInFocusChain();
+    EXPECT_EQ(next->accessibleName(), u"Minute"_s);
 }
 
 TEST_F(PlannedPage, writes_the_weekdays_by_the_numbers_of_the_record) {

@@ -25,7 +25,7 @@ protected:
     QStringList made;
     RowList *rows = new RowList(look, height, RowList::Lines::all, [this](const QString &key) {
         made.append(key);
-        return Button::ofSymbol(look, QStringLiteral("plus"), key);
+        return Button::ofSymbol(QStringLiteral("plus"), key);
     });
     QWidget window;
     ScrollArea *area = nullptr;

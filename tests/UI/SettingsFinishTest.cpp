@@ -1,6 +1,5 @@
 #include "UI/Controls/Button.h"
 #include "UI/Controls/FocusRing.h"
-#include "UI/SettingsWindow/ProgressBar.h"
 #include "UI/SettingsWindow/Rows.h"
 #include "support/OpenSettings.h"
 

@@ -1,7 +1,7 @@
 #include "Core/ClockText.h"
+#include "UI/Controls/LineEdit.h"
 #include "UI/Controls/Stepper.h"
 #include "UI/Controls/Switch.h"
-#include "UI/Controls/TextField.h"
 #include "support/OpenSettings.h"
 #include "support/windows.h"
 

@@ -1,4 +1,4 @@
-#include "UI/Style.h"
+#include "UI/Style/Style.h"
 
 #include "support/FakePlatform.h"
 

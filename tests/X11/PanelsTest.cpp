@@ -2,12 +2,13 @@
 #include "Platform/Linux/X11/X11WindowLayers.h"
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/Qt/QtPointer.h"
-#include "UI/Controls/PushButton.h"
+#include "UI/Controls/Button.h"
 #include "UI/Panels/FloatingCountdownController.h"
 #include "UI/Panels/HeadsUpController.h"
 #include "UI/Panels/ToastController.h"
 #include "X11/server.h"
 #include "support/FakePlatform.h"
+#include "support/Styled.h"
 #include "support/XClient.h"
 #include "support/waitUntil.h"
 #include "support/windows.h"
@@ -75,7 +76,7 @@ protected:
 
     void showHeadsUp() { headsUp.show(BreakKind::micro, QStringLiteral("Micro break")); }
     static QPoint middleOf(const QString &buttonText) {
-        for (const auto *button : childrenOf<PushButton>(shownWindow("Pavonel Heads-up"))) {
+        for (const auto *button : childrenOf<Button>(shownWindow("Pavonel Heads-up"))) {
             if (button->text() == buttonText || button->accessibleName() == buttonText)
                 return button->mapToGlobal(button->rect().center());
         }
@@ -84,6 +85,7 @@ protected:
     }
 
     XPlatform platform;
+    Styled styled{platform};
     Settings settings{*platform.defaults, *platform.mainLoop};
     Stats stats{*platform.defaults, *platform.mainLoop};
     BreakController controller{platform, settings, stats};

@@ -2,9 +2,26 @@
 
 #include "support/windows.h"
 
+#include <QAbstractItemView>
+#include <QKeyEvent>
 #include <QUrl>
 
 namespace pavonel::test {
+
+void choose(PopUpButton &button, const QString &choice) {
+    button.showPopup();
+    QAbstractItemView &list = *button.view();
+    list.setCurrentIndex(button.model()->index(button.findText(choice), 0));
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(&list, &key);
+}
+
+QStringList choicesOf(const PopUpButton &button) {
+    QStringList choices;
+    for (int index = 0; index < button.count(); ++index)
+        choices.append(button.itemText(index));
+    return choices;
+}
 
 std::vector<QAccessibleInterface *> allBelow(QAccessibleInterface *root) {
     std::vector<QAccessibleInterface *> found;

@@ -3,8 +3,10 @@
 #include "Core/HotKeys.h"
 #include "Core/Phone.h"
 #include "Core/Updater.h"
+#include "UI/Controls/PopUpButton.h"
 #include "UI/SettingsWindow/SettingsWindowController.h"
 #include "support/Scenario.h"
+#include "support/Styled.h"
 
 #include <QAccessible>
 #include <QWidget>
@@ -19,6 +21,7 @@ public:
 
     Scenario scenario;
     FakePlatform &platform = scenario.platform;
+    Styled styled{platform};
     Settings &settings = scenario.settings;
     Phone phone;
     HotKeyManager hotKeys{platform.keys, platform.loop};
@@ -48,6 +51,10 @@ public:
     /// The names of all visible texts and headings, in reading order.
     QStringList texts() const;
 };
+
+/// Takes one of the choices as a user does, by the list and the keyboard.
+void choose(PopUpButton &button, const QString &choice);
+QStringList choicesOf(const PopUpButton &button);
 
 /// Depth first, `root` included, the invisible left out.
 std::vector<QAccessibleInterface *> allBelow(QAccessibleInterface *root);

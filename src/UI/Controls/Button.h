@@ -1,37 +1,44 @@
 #pragma once
 
-#include "UI/Controls/ControlButton.h"
+#include <QPushButton>
 
 namespace pavonel {
 
-/// A push button. `clicked` tells.
-class Button : public ControlButton {
+class Look;
+
+/// A push button of a certain role, with a symbol where it has one; `Style` draws it by these. `clicked`
+/// tells.
+class Button : public QPushButton {
 public:
     enum class Role {
         plain,
         prominent, ///< What most people want to do here; at most one a page.
         bare,      ///< Only its symbol, until the pointer or the keyboard is there.
+        notice,    ///< On a notice, which never has the keyboard and has one size.
+        noticeProminent,
+        noticeClose,
     };
 
     /// `symbol` is drawn before the text.
-    Button(Look &look, const QString &text, Role role = Role::plain, const QString &symbol = {});
+    explicit Button(const QString &text, Role role = Role::plain, const QString &symbol = {});
 
     /// A small round one without a text; `name` is what a screen reader says.
-    static Button *ofSymbol(Look &look, const QString &symbol, const QString &name);
+    static Button *ofSymbol(const QString &symbol, const QString &name, Role role = Role::bare);
 
     /// From the right edge of a round one to that of its symbol.
     static int besideSymbol(const Look &look);
 
-    QSize sizeHint() const override;
+    Role role() const { return role_; }
+    const QString &symbol() const { return symbol_; }
+    double symbolSide(const Look &look) const;
+    static int roundDiameter(const Look &look);
+
+    bool isNotice() const { return role_ >= Role::notice; }
+    QSize noticeSize() const;
+
     QSize minimumSizeHint() const override { return sizeHint(); }
 
-protected:
-    void paintEvent(QPaintEvent *event) override;
-
 private:
-    ButtonColours colours() const;
-    void drawContent(QPainter &painter, const QRectF &body, const QColor &ink) const;
-
     Role role_;
     QString symbol_;
 };

@@ -1,35 +1,57 @@
 #include "UI/Controls/FocusRing.h"
 
-#include <QFocusEvent>
 #include <QPainter>
+#include <QPointer>
+#include <QWidget>
 
 namespace pavonel {
 
-void FocusRing::focusIn(const QFocusEvent &event) {
-    switch (event.reason()) {
+namespace {
+
+struct State {
+    QPointer<const QWidget> ringed;
+    QPointer<const QWidget> returning; ///< With the window's activation.
+};
+
+State &state() {
+    static State one;
+    return one;
+}
+
+} // namespace
+
+void FocusRing::focusIn(const QWidget &widget, Qt::FocusReason reason) {
+    switch (reason) {
     case Qt::TabFocusReason:
     case Qt::BacktabFocusReason:
     case Qt::ShortcutFocusReason:
-        shown_ = true;
+        state().ringed = &widget;
         break;
     case Qt::ActiveWindowFocusReason:
     case Qt::PopupFocusReason:
-        shown_ = returns_;
+        state().ringed = state().returning == &widget ? &widget : nullptr;
         break;
     default:
-        shown_ = false;
+        state().ringed = nullptr;
     }
 }
 
-void FocusRing::focusOut(const QFocusEvent &event) {
-    const bool comesBack =
-        event.reason() == Qt::ActiveWindowFocusReason || event.reason() == Qt::PopupFocusReason;
-    returns_ = comesBack && shown_;
-    shown_ = false;
+void FocusRing::focusOut(const QWidget &widget, Qt::FocusReason reason) {
+    const bool comesBack = reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
+    if (!comesBack)
+        state().returning = nullptr;
+    else if (isOn(widget))
+        state().returning = &widget;
+    state().ringed = nullptr;
 }
 
-void FocusRing::draw(QPainter &painter, const QRectF &body, double radius, const QColor &colour) const {
-    if (!shown_)
+bool FocusRing::isOn(const QWidget &widget) {
+    return state().ringed == &widget;
+}
+
+void FocusRing::draw(QPainter &painter, const QWidget &widget, const QRectF &body, double radius,
+                     const QColor &colour) {
+    if (!isOn(widget))
         return;
     constexpr double gap = 1.5;
     constexpr double width = 2;

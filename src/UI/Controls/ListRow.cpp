@@ -23,8 +23,8 @@ QString onOneLine(const QString &text) {
 
 ListRow::ListRow(Look &look, const Entry &entry, std::function<void()> remove)
     : CardRow(look), entry_{onOneLine(entry.text), onOneLine(entry.detail), entry.picture},
-      remove_(Button::ofSymbol(look, QStringLiteral("xmark.circle.fill"),
-                               QStringLiteral("Remove ") + entry_.text)) {
+      remove_(
+          Button::ofSymbol(QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove ") + entry_.text)) {
     // The symbol, not the room around it, ends where the other rows end.
     layout()->setContentsMargins(margin, 0, margin - Button::besideSymbol(look), 0);
     static_cast<QHBoxLayout *>(layout())->addStretch();

@@ -1,6 +1,7 @@
 #include "UI/Controls/Look.h"
 
 #include "Platform/Platform.h"
+#include "UI/Controls/Pixels.h"
 #include "UI/Fonts.h"
 
 #include <QFontInfo>
@@ -71,6 +72,12 @@ QPalette Look::toolkitPalette() const {
     toolkit.setColor(QPalette::PlaceholderText, palette_.secondaryText);
     toolkit.setColor(QPalette::Highlight, palette_.accent);
     toolkit.setColor(QPalette::HighlightedText, palette_.onAccent);
+    for (const auto ink :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::PlaceholderText}) {
+        QColor faint = toolkit.color(QPalette::Active, ink);
+        faint.setAlphaF(static_cast<float>(disabledOpacity));
+        toolkit.setColor(QPalette::Disabled, ink, faint);
+    }
     return toolkit;
 }
 

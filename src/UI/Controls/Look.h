@@ -19,7 +19,7 @@ public:
 
     const Palette &palette() const { return palette_; }
 
-    /// For the few widgets of the toolkit that are left.
+    /// The same colours as Qt hands them on.
     QPalette toolkitPalette() const;
 
     /// `size` is in points at the ordinary text size; a user with larger text gets a larger font.

@@ -2,7 +2,6 @@
 
 #include "UI/Palette.h"
 
-#include <QAbstractButton>
 #include <QPainter>
 
 #include <algorithm>
@@ -36,11 +35,11 @@ void drawBody(QPainter &painter, const QRectF &body, double radius, const QColor
 }
 
 void drawBody(QPainter &painter, const QRectF &body, double radius, const ButtonColours &colours,
-              const QAbstractButton &button) {
+              QStyle::State state) {
     QColor fill = colours.fill;
-    if (button.isDown())
+    if (state & (QStyle::State_Sunken | QStyle::State_On))
         fill = colours.pressed;
-    else if (button.underMouse() && button.isEnabled())
+    else if (state & QStyle::State_MouseOver && state & QStyle::State_Enabled)
         fill = colours.hovered;
     drawBody(painter, body, radius, fill, colours.outline);
 }

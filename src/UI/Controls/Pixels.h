@@ -1,6 +1,7 @@
 #pragma once
 
-class QAbstractButton;
+#include <QStyle>
+
 class QColor;
 class QPainter;
 class QRectF;
@@ -9,6 +10,8 @@ class QPointF;
 namespace pavonel {
 
 struct ButtonColours;
+
+constexpr double disabledOpacity = 0.45;
 
 /// `body`, moved to whole device pixels and then in by half a one, so that an outline of one device pixel
 /// comes out sharp at any ratio.
@@ -20,7 +23,7 @@ void drawBody(QPainter &painter, const QRectF &body, double radius, const QColor
 
 /// Such a shape of a button, with the fill for the pointer above it or holding it down.
 void drawBody(QPainter &painter, const QRectF &body, double radius, const ButtonColours &colours,
-              const QAbstractButton &button);
+              QStyle::State state);
 
 /// A level or upright line, one device pixel thick.
 void drawHairline(QPainter &painter, const QPointF &from, const QPointF &to, const QColor &colour);

@@ -1,44 +1,20 @@
 #include "UI/Controls/PopUpButton.h"
 
-#include "UI/Controls/Pixels.h"
-#include "UI/Controls/PopUpList.h"
+#include "UI/Controls/Look.h"
+#include "UI/Style/Keyboard.h"
 
+#include <QAbstractItemView>
 #include <QAccessibleWidget>
-#include <QFontMetricsF>
 #include <QKeyEvent>
-#include <QPainter>
-
-#include <algorithm>
-#include <cmath>
+#include <QLayout>
+#include <QStringListModel>
 
 namespace pavonel {
 
 namespace {
 
-constexpr int bodyHeight = 28;
-constexpr int padding = 12;
-constexpr int widest = 260;
-constexpr double radius = 8;
-
-/// From the left edge of the chevrons' place to the padding.
-int chevronRoom(const Look &look) {
-    return look.length(18);
-}
-
-/// Two small ones, one up and one down, about this centre.
-void drawChevrons(QPainter &painter, const QPointF &centre, const Look &look) {
-    const double unit = look.length(30) / 30.0;
-    const double half = 3 * unit;
-    const double rise = 3 * unit;
-    const double apart = 2.2 * unit;
-    painter.setPen(QPen(look.palette().secondaryText, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    for (const double way : {-1.0, 1.0}) {
-        const QPointF base = centre + QPointF(0, way * apart);
-        const QPointF points[] = {base + QPointF(-half, 0), base + QPointF(0, way * rise),
-                                  base + QPointF(half, 0)};
-        painter.drawPolyline(points, 3);
-    }
-}
+constexpr int tallest = 440;
+constexpr int narrowest = 80;
 
 class PopUpAccessible final : public QAccessibleWidget {
 public:
@@ -53,7 +29,7 @@ public:
     QStringList actionNames() const override { return {showMenuAction(), pressAction(), setFocusAction()}; }
     void doAction(const QString &action) override {
         if (action == showMenuAction() || action == pressAction())
-            button_.click();
+            button_.showPopup();
         else
             QAccessibleWidget::doAction(action);
     }
@@ -61,110 +37,107 @@ public:
         QAccessible::State state = QAccessibleWidget::state();
         state.hasPopup = true;
         state.expandable = true;
-        state.expanded = button_.list() != nullptr;
+        state.expanded = isOpen();
         return state;
     }
 
-    // Windows that pop up are told of by their owners.
-    int childCount() const override { return button_.list() ? 1 : 0; }
+    int childCount() const override { return isOpen() ? 1 : 0; }
     QAccessibleInterface *child(int index) const override {
-        return index == 0 && button_.list() ? QAccessible::queryAccessibleInterface(button_.list()) : nullptr;
+        return index == 0 && isOpen() ? QAccessible::queryAccessibleInterface(button_.view()) : nullptr;
     }
     int indexOfChild(const QAccessibleInterface *child) const override {
-        return button_.list() && child->object() == button_.list() ? 0 : -1;
+        return isOpen() && child->object() == button_.view() ? 0 : -1;
     }
 
 private:
+    bool isOpen() const { return button_.isListShown(); }
+
     PopUpButton &button_;
 };
 
 } // namespace
 
-PopUpButton::PopUpButton(Look &look, const QString &name, QStringList choices)
-    : ControlButton(look), choices_(std::move(choices)) {
+PopUpButton::PopUpButton(Look &look, const QString &name, const QStringList &choices) : look_(look) {
     setAccessibleName(name);
-    setFont(look.font(13));
+    setFocusPolicy(Qt::TabFocus);
+    setSizeAdjustPolicy(QComboBox::AdjustToContents);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
-    connect(this, &QAbstractButton::clicked, this, [this] { open(); });
+    setModel(new QStringListModel(choices, this));
+    setCurrentIndex(-1);
+    connect(this, &QComboBox::textActivated, this, [this](const QString &choice) {
+        if (onChoice)
+            onChoice(choice);
+    });
+}
+
+QString PopUpButton::choice() const {
+    return currentIndex() < 0 ? placeholderText() : currentText();
 }
 
 void PopUpButton::setChoice(const QString &choice) {
-    if (choice == choice_)
+    if (choice == this->choice())
         return;
-    choice_ = choice;
+    const int index = findText(choice);
+    setPlaceholderText(index < 0 ? choice : QString());
+    setCurrentIndex(index);
     QAccessibleEvent event(this, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&event);
     updateGeometry();
-    update();
 }
 
-void PopUpButton::choose(const QString &choice) {
-    setChoice(choice);
-    if (onChoice)
-        onChoice(choice);
+void PopUpButton::showPopup() {
+    if (!listIsMade_) {
+        listIsMade_ = true;
+        followAssistiveTechnology();
+        view()->setAccessibleName(accessibleName());
+        view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+        view()->window()->setMaximumHeight(look_.length(tallest));
+    }
+    scrollToChoice();
+    QComboBox::showPopup();
 }
 
-/// A closed list goes a little later.
-bool PopUpButton::isOpen() const {
-    return list_ && list_->isVisible();
+/// Qt opens the list with the choice over the button, where that is in the list at this moment.
+void PopUpButton::scrollToChoice() {
+    QWidget &list = *view()->window();
+    list.ensurePolished();
+    list.resize(list.width(), list.maximumHeight());
+    list.layout()->activate();
+    view()->scrollTo(model()->index(currentIndex(), 0), QAbstractItemView::PositionAtCenter);
 }
 
-QWidget *PopUpButton::list() const {
-    return isOpen() ? list_.data() : nullptr;
+/// Which chooses an entry by selecting it, and leaves the one that has the keyboard as it is.
+void PopUpButton::followAssistiveTechnology() {
+    connect(view()->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        const QModelIndexList selected = view()->selectionModel()->selectedIndexes();
+        if (!isListShown() || selected.isEmpty() || selected.front() == view()->currentIndex())
+            return;
+        setCurrentIndex(selected.front().row());
+        hidePopup();
+        Q_EMIT activated(currentIndex());
+        Q_EMIT textActivated(currentText());
+    });
 }
 
-void PopUpButton::open() {
-    if (isOpen())
-        return;
-    list_ = new PopUpList(look_, choices_, choice_, this);
-    list_->setAccessibleName(accessibleName());
-    list_->onChoice = [this](const QString &choice) { choose(choice); };
-    constexpr int room = FocusRing::room;
-    list_->openOver(QRect(mapToGlobal(QPoint(room, room)), size() - QSize(2, 2) * room), padding);
-}
-
-QSize PopUpButton::sizeHint() const {
-    const QFontMetricsF metrics(font());
-    double text = metrics.horizontalAdvance(choice_);
-    for (const QString &choice : choices_)
-        text = std::max(text, metrics.horizontalAdvance(choice));
-    const int width = static_cast<int>(std::ceil(text)) + 2 * padding + chevronRoom(look_);
-    return QSize(std::min(width, look_.length(widest)), look_.lineHeight(bodyHeight)) +
-           QSize(2, 2) * FocusRing::room;
+bool PopUpButton::isListShown() const {
+    return listIsMade_ && view()->isVisible();
 }
 
 QSize PopUpButton::minimumSizeHint() const {
-    return {80, sizeHint().height()};
-}
-
-void PopUpButton::paintEvent(QPaintEvent *) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (!isEnabled())
-        painter.setOpacity(0.45);
-    ButtonColours colours = look_.palette().plainButton;
-    if (isOpen())
-        colours.fill = colours.hovered = colours.pressed;
-    constexpr double room = FocusRing::room;
-    const QRectF body = QRectF(rect()).adjusted(room, room, -room, -room);
-    drawBody(painter, body, radius, colours, *this);
-    const QRectF place = body.adjusted(padding, 0, 6 - padding - chevronRoom(look_), 0);
-    painter.setPen(colours.ink);
-    const QString text =
-        QFontMetricsF(font(), this).elidedText(choice_.simplified(), Qt::ElideRight, place.width());
-    painter.drawText(place, Qt::AlignVCenter | Qt::AlignLeft, text);
-    drawChevrons(painter, {body.right() - padding - 1, body.center().y()}, look_);
-    ring_.draw(painter, body, radius, look_.palette().accentText);
+    return {narrowest, sizeHint().height()};
 }
 
 void PopUpButton::keyPressEvent(QKeyEvent *event) {
-    switch (event->key()) {
-    case Qt::Key_Down:
-    case Qt::Key_Up:
-        return click();
-    default:
-        ControlButton::keyPressEvent(event);
-    }
+    const int key = event->key();
+    if (isReturn(*event) || key == Qt::Key_Down || key == Qt::Key_Up)
+        return showPopup();
+    if (event->text().trimmed().isEmpty() && key != Qt::Key_Space)
+        return event->ignore();
+    QComboBox::keyPressEvent(event);
+}
+
+void PopUpButton::wheelEvent(QWheelEvent *event) {
+    event->ignore();
 }
 
 QAccessibleInterface *PopUpButton::makeAccessible() {

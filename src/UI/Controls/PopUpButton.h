@@ -1,53 +1,47 @@
 #pragma once
 
 #include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/ControlButton.h"
 
-#include <QPointer>
-#include <QStringList>
+#include <QComboBox>
 
 #include <functional>
 
 namespace pavonel {
 
-class PopUpList;
+class Look;
 
-/// Shows the choice that holds and opens a list of all of them.
-class PopUpButton : public ControlButton, public AccessibleControl {
+/// Shows the choice that holds and opens a list of all of them. A combo box that is opened, not turned, by
+/// the arrow keys, and lets the page scroll by the wheel; and whose name assistive technology is told, which
+/// Qt's own on Linux gives up for its value.
+class PopUpButton : public QComboBox, public AccessibleControl {
 public:
-    PopUpButton(Look &look, const QString &name, QStringList choices);
+    PopUpButton(Look &look, const QString &name, const QStringList &choices);
 
     /// What holds need not be among the choices.
-    const QString &choice() const { return choice_; }
-    const QStringList &choices() const { return choices_; }
+    QString choice() const;
 
     /// Without a report; for what did not come from the user.
     void setChoice(const QString &choice);
 
-    /// Takes one of the choices as if the user had.
-    void choose(const QString &choice);
-
-    /// While it is open.
-    QWidget *list() const;
-
     /// Told of every choice of the user's, also of the one that held already.
     std::function<void(const QString &)> onChoice;
 
-    QSize sizeHint() const override;
+    bool isListShown() const;
+
+    void showPopup() override;
     QSize minimumSizeHint() const override;
     QAccessibleInterface *makeAccessible() override;
 
 protected:
-    void paintEvent(QPaintEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
 
 private:
-    bool isOpen() const;
-    void open();
+    void followAssistiveTechnology();
+    void scrollToChoice();
 
-    QStringList choices_;
-    QString choice_;
-    QPointer<PopUpList> list_;
+    Look &look_;
+    bool listIsMade_ = false; ///< When it was first opened.
 };
 
 } // namespace pavonel

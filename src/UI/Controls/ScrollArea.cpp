@@ -1,7 +1,5 @@
 #include "UI/Controls/ScrollArea.h"
 
-#include "UI/Controls/ScrollThumb.h"
-
 #include <QApplication>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -22,13 +20,10 @@ ScrollArea::ScrollArea(Look &look, QWidget *content) : look_(look) {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setWidgetResizable(true);
     setWidget(content);
     content->setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
-    thumb_ = new ScrollThumb(look, *verticalScrollBar(), this);
-    content->installEventFilter(this);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) { follow(now); });
 }
 
@@ -41,18 +36,6 @@ ScrollArea::~ScrollArea() {
 void ScrollArea::follow(QWidget *focused) {
     if (focused && widget()->isAncestorOf(focused) && !focused->underMouse())
         ensureWidgetVisible(focused);
-}
-
-void ScrollArea::resizeEvent(QResizeEvent *event) {
-    QScrollArea::resizeEvent(event);
-    thumb_->setGeometry(width() - ScrollThumb::width, 0, ScrollThumb::width, height());
-    thumb_->raise();
-}
-
-bool ScrollArea::eventFilter(QObject *watched, QEvent *event) {
-    if (event->type() == QEvent::Resize)
-        thumb_->raise();
-    return QScrollArea::eventFilter(watched, event);
 }
 
 void ScrollArea::wheelEvent(QWheelEvent *event) {

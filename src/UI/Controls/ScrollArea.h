@@ -7,10 +7,7 @@
 
 namespace pavonel {
 
-class ScrollThumb;
-
-/// A column that scrolls up and down, smoothly for a wheel with notches, with a thin thumb over its right
-/// edge while there is more than fits.
+/// A column that scrolls up and down, smoothly for a wheel with notches.
 class ScrollArea : public QScrollArea {
 public:
     ScrollArea(Look &look, QWidget *content);
@@ -18,8 +15,6 @@ public:
 
 protected:
     void wheelEvent(QWheelEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void follow(QWidget *focused);
@@ -27,7 +22,6 @@ private:
     void glide();
 
     Look &look_;
-    ScrollThumb *thumb_;
     double target_ = 0; ///< Where the glide under way ends.
     TimerHandle frames_;
 };

@@ -146,13 +146,7 @@ void Stepper::keyPressEvent(QKeyEvent *event) {
     }
 }
 
-void Stepper::focusInEvent(QFocusEvent *event) {
-    ring_.focusIn(*event);
-    update();
-}
-
-void Stepper::focusOutEvent(QFocusEvent *event) {
-    ring_.focusOut(*event);
+void Stepper::focusOutEvent(QFocusEvent *) {
     release();
 }
 
@@ -160,7 +154,7 @@ void Stepper::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (!isEnabled())
-        painter.setOpacity(0.45);
+        painter.setOpacity(disabledOpacity);
     const ButtonColours &colours = look_.palette().plainButton;
     drawBody(painter, body(), radius, colours.fill, Qt::transparent);
     for (const Direction direction : {Direction::down, Direction::up})
@@ -168,7 +162,7 @@ void Stepper::paintEvent(QPaintEvent *) {
     drawBody(painter, body(), radius, Qt::transparent, colours.outline);
     const double middle = std::floor(body().center().x());
     drawHairline(painter, {middle, body().top() + 1}, {middle, body().bottom() - 1.5}, colours.outline);
-    ring_.draw(painter, body(), radius, look_.palette().accentText);
+    FocusRing::draw(painter, *this, body(), radius, look_.palette().accentText);
 }
 
 void Stepper::drawHalf(QPainter &painter, Direction direction) const {

@@ -60,7 +60,6 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
-    void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
@@ -77,7 +76,6 @@ private:
     double step_;
     Wording wording_;
     double value_;
-    FocusRing ring_;
     std::optional<Direction> hovered_;
     std::optional<Direction> held_;
     TimerHandle repeat_;

@@ -1,13 +1,14 @@
 #pragma once
 
-#include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/ControlButton.h"
+#include "UI/Controls/Look.h"
 #include "UI/Fade.h"
+
+#include <QCheckBox>
 
 namespace pavonel {
 
-/// On or off. Reports what the user does through `clicked`.
-class Switch : public ControlButton, public AccessibleControl {
+/// A check box whose knob glides when the user turns it. `toggled` tells what the user does.
+class Switch : public QCheckBox {
 public:
     /// `name` is what a screen reader says.
     Switch(Look &look, const QString &name);
@@ -15,19 +16,17 @@ public:
     /// Without motion and without a report; for what did not come from the user.
     void setOn(bool on);
 
+    /// Where it is: 0 is off, 1 is on.
+    double knob() const { return knob_.opacity(); }
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
-    QAccessibleInterface *makeAccessible() override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
-    void nextCheckState() override;
 
 private:
-    QSize bodySize() const;
-    QColor trackColour() const;
-
-    Fade knob_; ///< 0 is off, 1 is on.
+    Fade knob_;
 };
 
 } // namespace pavonel

@@ -19,7 +19,6 @@ constexpr int headerSpacing = 10;
 constexpr int rowSpacing = 12;
 constexpr int buttonSpacing = 8;
 constexpr int symbolSide = 20;
-constexpr int closeDiameter = 18;
 constexpr int timeSize = 20;
 constexpr int lineSpacing = 2;
 
@@ -62,31 +61,29 @@ HeadsUpView::HeadsUpView(Platform &platform, FloatingPanel &panel, BreakControll
         *platform.mainLoop, std::vector<Observable *>{&controller_, &settings_}, [this] { refresh(); });
 }
 
-PushButton *HeadsUpView::addButton(const QString &text, const ButtonColours &colours,
-                                   std::function<void()> action) {
-    auto *button = new PushButton(text, colours, PushButton::small, this);
-    button->setFocusPolicy(Qt::NoFocus);
-    connect(button, &PushButton::clicked, this, std::move(action));
+Button *HeadsUpView::addButton(const QString &text, Button::Role role, std::function<void()> action) {
+    auto *button = new Button(text, role);
+    button->setParent(this);
+    connect(button, &Button::clicked, this, std::move(action));
     return button;
 }
 
 void HeadsUpView::addButtons() {
-    start_ = addButton(QStringLiteral("Start now"), palette_.prominentButton,
+    start_ = addButton(QStringLiteral("Start now"), Button::Role::noticeProminent,
                        [this] { controller_.startBreak(kind_, BreakController::Initiator::user); });
     oneMinute_ =
-        addButton(QStringLiteral("+1 min"), palette_.panelButton, [this] { controller_.postpone(60); });
+        addButton(QStringLiteral("+1 min"), Button::Role::notice, [this] { controller_.postpone(60); });
     fiveMinutes_ =
-        addButton(QStringLiteral("+5 min"), palette_.panelButton, [this] { controller_.postpone(300); });
-    skip_ = addButton(QStringLiteral("Skip"), palette_.panelButton, [this] { controller_.skip(); });
+        addButton(QStringLiteral("+5 min"), Button::Role::notice, [this] { controller_.postpone(300); });
+    skip_ = addButton(QStringLiteral("Skip"), Button::Role::notice, [this] { controller_.skip(); });
 }
 
 void HeadsUpView::addCloseButton(Platform &platform) {
     const QString explanation = QStringLiteral("Dismiss this notice");
-    close_ =
-        PushButton::round(QStringLiteral("xmark"), closeDiameter, explanation, palette_.closeButton, this);
-    close_->setFocusPolicy(Qt::NoFocus);
-    close_->move(width - padding - closeDiameter, padding + (headerHeight - closeDiameter) / 2);
-    connect(close_, &PushButton::clicked, this, onClose_);
+    close_ = Button::ofSymbol(QStringLiteral("xmark"), explanation, Button::Role::noticeClose);
+    close_->setParent(this);
+    close_->move(width - padding - close_->width(), padding + (headerHeight - close_->height()) / 2);
+    connect(close_, &Button::clicked, this, onClose_);
     closeHint_ = std::make_unique<Hint>(platform, *close_, explanation);
 }
 
@@ -105,7 +102,7 @@ void HeadsUpView::layOutButtons() {
     fiveMinutes_->setVisible(settings_.isPostponePermitted());
     skip_->setVisible(settings_.isSkipPermitted());
     int left = padding;
-    for (PushButton *button : std::array{start_, oneMinute_, fiveMinutes_, skip_}) {
+    for (Button *button : std::array{start_, oneMinute_, fiveMinutes_, skip_}) {
         if (button->isHidden())
             continue;
         button->move(left, padding + headerHeight + rowSpacing);

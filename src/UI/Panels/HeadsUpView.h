@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/BreakController.h"
-#include "UI/Controls/PushButton.h"
+#include "UI/Controls/Button.h"
 #include "UI/Panels/FloatingPanel.h"
 #include "UI/Panels/Hint.h"
 #include "UI/Refresher.h"
@@ -21,7 +21,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    PushButton *addButton(const QString &text, const ButtonColours &colours, std::function<void()> action);
+    Button *addButton(const QString &text, Button::Role role, std::function<void()> action);
     void addButtons();
     void addCloseButton(Platform &platform);
     void refresh();
@@ -35,11 +35,11 @@ private:
     QString title_;
     std::function<void()> onClose_;
     QString time_;
-    PushButton *close_ = nullptr;
-    PushButton *start_ = nullptr;
-    PushButton *oneMinute_ = nullptr;
-    PushButton *fiveMinutes_ = nullptr;
-    PushButton *skip_ = nullptr;
+    Button *close_ = nullptr;
+    Button *start_ = nullptr;
+    Button *oneMinute_ = nullptr;
+    Button *fiveMinutes_ = nullptr;
+    Button *skip_ = nullptr;
     std::unique_ptr<Hint> closeHint_;
     std::unique_ptr<Refresher> refresher_;
 };

@@ -3,9 +3,10 @@
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/FocusRing.h"
-#include "UI/Controls/TextField.h"
+#include "UI/Controls/LineEdit.h"
 
 #include <QHBoxLayout>
+#include <QLineEdit>
 
 namespace pavonel {
 
@@ -14,15 +15,15 @@ namespace {
 class AddFieldWidget final : public CardRow {
 public:
     AddFieldWidget(Look &look, const AddField &row)
-        : CardRow(look), add_(row.add), field_(new TextField(look, row.prompt, row.prompt)),
-          button_(Button::ofSymbol(look, QStringLiteral("plus"), row.button)) {
+        : CardRow(look), add_(row.add), field_(lineEdit(row.prompt, row.prompt)),
+          button_(Button::ofSymbol(QStringLiteral("plus"), row.button)) {
         layout()->setContentsMargins(margin - FocusRing::room, 3, margin - Button::besideSymbol(look), 3);
         if (row.before)
             CardRow::add(row.before(look));
         CardRow::add(field_);
         CardRow::add(button_);
-        field_->onEdit = [this](const QString &) { button_->setEnabled(!entry().isEmpty()); };
-        field_->onReturn = [this] { submit(); };
+        connect(field_, &QLineEdit::textChanged, this, [this] { button_->setEnabled(!entry().isEmpty()); });
+        connect(field_, &QLineEdit::returnPressed, this, [this] { submit(); });
         button_->setEnabled(false);
         connect(button_, &Button::clicked, this, [this] { submit(); });
     }
@@ -40,7 +41,7 @@ private:
     }
 
     std::function<void(const QString &)> add_;
-    TextField *field_;
+    QLineEdit *field_;
     Button *button_;
 };
 

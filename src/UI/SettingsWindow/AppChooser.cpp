@@ -1,17 +1,19 @@
 #include "UI/SettingsWindow/AppChooser.h"
 
 #include "UI/Controls/Button.h"
+#include "UI/Controls/FocusRing.h"
+#include "UI/Controls/LineEdit.h"
 #include "UI/Controls/ListRow.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/ScrollArea.h"
 #include "UI/Controls/Text.h"
-#include "UI/Controls/TextField.h"
 #include "UI/SettingsWindow/AppIcon.h"
 #include "UI/SettingsWindow/AppRow.h"
 #include "UI/SettingsWindow/RowList.h"
 
 #include <QAccessibleWidget>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -27,6 +29,17 @@ constexpr int aside = 24; // of the window's edges, at least
 constexpr int padding = 16;
 constexpr int rowHeight = 40;
 constexpr double radius = 14;
+
+/// Its rows are left by the arrow keys, before what scrolls it takes them.
+class Column final : public QWidget {
+protected:
+    void keyPressEvent(QKeyEvent *event) override {
+        if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up)
+            focusNextPrevChild(event->key() == Qt::Key_Down);
+        else
+            QWidget::keyPressEvent(event);
+    }
+};
 
 bool fits(const InstalledApplication &application, const QString &words) {
     return application.name.contains(words, Qt::CaseInsensitive) ||
@@ -48,7 +61,7 @@ AppChooser::AppChooser(Look &look, InstalledApplications &applications, QWidget 
                        std::function<void(const QString &)> choose)
     : QWidget(anchor.window()), look_(look), applications_(applications), anchor_(&anchor),
       choose_(std::move(choose)), all_(applications.all()), body_(new QWidget(this)),
-      search_(new TextField(look, QStringLiteral("Search"), QStringLiteral("Search"))),
+      search_(lineEdit(QStringLiteral("Search"), QStringLiteral("Search"))),
       nothing_(new Text(look, QStringLiteral("No application is called so"), Text::Style::secondary)) {
     for (const InstalledApplication &application : all_)
         byIdentifier_.insert(application.bundleIdentifier, application);
@@ -65,25 +78,25 @@ AppChooser::AppChooser(Look &look, InstalledApplications &applications, QWidget 
     field->addWidget(search_);
     lines->addLayout(field);
     lines->addWidget(list(), 1);
-    auto *cancel = new Button(look, QStringLiteral("Cancel"));
+    auto *cancel = new Button(QStringLiteral("Cancel"));
     auto *foot = new QHBoxLayout;
     foot->setContentsMargins(padding, 0, padding - FocusRing::room, 0);
     foot->addStretch();
     foot->addWidget(cancel);
     lines->addLayout(foot);
     connect(cancel, &Button::clicked, this, [this] { leave(); });
-    search_->onEdit = [this](const QString &words) { search(words); };
-    search_->onReturn = [this] {
+    connect(search_, &QLineEdit::textChanged, this, [this](const QString &words) { search(words); });
+    connect(search_, &QLineEdit::returnPressed, this, [this] {
         if (!rows_->keys().isEmpty())
             take(rows_->keys().front());
-    };
+    });
     parentWidget()->installEventFilter(this);
     layOut();
     search({});
 }
 
 QWidget *AppChooser::list() {
-    auto *column = new QWidget;
+    auto *column = new Column;
     auto *lines = new QVBoxLayout(column);
     lines->setContentsMargins({});
     lines->setSpacing(0);
@@ -158,8 +171,8 @@ void AppChooser::paintEvent(QPaintEvent *) {
 void AppChooser::keyPressEvent(QKeyEvent *event) {
     if (event->key() == Qt::Key_Escape)
         leave();
-    else if (event->key() == Qt::Key_Down && search_->isAncestorOf(window()->focusWidget()))
-        focusNextPrevChild(true);
+    else if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up)
+        focusNextPrevChild(event->key() == Qt::Key_Down);
     else
         QWidget::keyPressEvent(event);
 }
@@ -175,8 +188,8 @@ bool AppChooser::focusNextPrevChild(bool next) {
     QWidget *stop = from;
     do {
         stop = next ? stop->nextInFocusChain() : stop->previousInFocusChain();
-        if (isAncestorOf(stop) && (stop->focusPolicy() & Qt::TabFocus) && !stop->focusProxy() &&
-            stop->isVisible() && stop->isEnabled()) {
+        if (isAncestorOf(stop) && (stop->focusPolicy() & Qt::TabFocus) && stop->isVisible() &&
+            stop->isEnabled()) {
             stop->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
             return true;
         }

@@ -10,11 +10,12 @@
 
 #include <functional>
 
+class QLineEdit;
+
 namespace pavonel {
 
 class RowList;
 class Text;
-class TextField;
 
 /// A sheet over the whole window that lists the installed applications. It goes with a choice, with Escape,
 /// with its button, and with a click beside it.
@@ -52,7 +53,7 @@ private:
     std::vector<InstalledApplication> all_;
     QHash<QString, InstalledApplication> byIdentifier_;
     QWidget *body_;
-    TextField *search_;
+    QLineEdit *search_;
     RowList *rows_;
     Text *nothing_;
 };

@@ -1,6 +1,5 @@
 #include "UI/SettingsWindow/AppRow.h"
 
-#include "UI/Controls/Keys.h"
 #include "UI/Controls/ListRow.h"
 
 #include <QPainter>
@@ -40,13 +39,6 @@ void AppRow::paintEvent(QPaintEvent *) {
                   {application_.name, application_.bundleIdentifier, icon_}, look_,
                   hasFocus() ? palette.onAccent : palette.text,
                   hasFocus() ? palette.onAccent : palette.secondaryText);
-}
-
-void AppRow::keyPressEvent(QKeyEvent *event) {
-    if (isReturn(*event))
-        click();
-    else
-        QAbstractButton::keyPressEvent(event);
 }
 
 } // namespace pavonel

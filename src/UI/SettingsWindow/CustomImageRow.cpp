@@ -31,8 +31,8 @@ public:
     CustomImageWidget(Look &look, Settings &settings)
         : CardRow(look), settings_(settings), thumbnail_(new PictureThumbnail(look)),
           name_(new Text(look, {}, Text::Style::label)), note_(new Text(look, {}, Text::Style::note)),
-          remove_(new Button(look, QStringLiteral("Remove"))),
-          choose_(new Button(look, QStringLiteral("Choose image…"))) {
+          remove_(new Button(QStringLiteral("Remove"))),
+          choose_(new Button(QStringLiteral("Choose image…"))) {
         add(thumbnail_);
         addTexts();
         add(remove_);

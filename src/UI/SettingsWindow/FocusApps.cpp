@@ -45,7 +45,7 @@ ListRow::Entry entryOf(Names &names, const QString &identifier, const Look &look
 
 QWidget *chooseButton(Look &look, InstalledApplications &applications,
                       const std::function<void(const QString &)> &add) {
-    auto *button = new Button(look, u"Choose app…"_s);
+    auto *button = new Button(u"Choose app…"_s);
     QObject::connect(button, &Button::clicked, button, [&look, &applications, button, add] {
         AppChooser::open(look, applications, *button, add);
     });

@@ -51,7 +51,7 @@ struct PairedRow {
         auto *row = new CardRow(look);
         row->add(new SymbolView(look, u"checkmark.circle.fill"_s, 28));
         row->addLabel(u"Your phone is connected"_s, u"When a break starts here, it starts there too."_s);
-        auto *button = new Button(look, u"Disconnect"_s);
+        auto *button = new Button(u"Disconnect"_s);
         row->add(button);
         QObject::connect(button, &Button::clicked, row, disconnect, Qt::QueuedConnection);
         return row;

@@ -4,17 +4,18 @@
 #include "Core/ClockText.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
+#include "UI/Controls/LineEdit.h"
 #include "UI/Controls/PopUpButton.h"
 #include "UI/Controls/Stepper.h"
 #include "UI/Controls/Switch.h"
 #include "UI/Controls/Text.h"
-#include "UI/Controls/TextField.h"
 #include "UI/SettingsWindow/PlannedEditing.h"
 #include "UI/SettingsWindow/StepValue.h"
 #include "UI/SettingsWindow/WeekdayToggle.h"
 
 #include <QAccessibleWidget>
 #include <QHBoxLayout>
+#include <QLineEdit>
 
 namespace pavonel {
 
@@ -56,17 +57,17 @@ QWidget *PlannedRow::firstLine(Look &look) {
     auto *place = new QWidget;
     auto *row = line(place);
     row->setContentsMargins(0, 0, CardRow::margin - Button::besideSymbol(look), 0);
-    label_ = new TextField(look, QStringLiteral("Label"), QStringLiteral("Label"));
-    label_->onEdit = [this](const QString &text) {
+    label_ = lineEdit(QStringLiteral("Label"), QStringLiteral("Label"));
+    connect(label_, &QLineEdit::textChanged, this, [this](const QString &text) {
         change_([&](PlannedBreak &planned) { planned.label = text; });
         nameAfter(text);
-    };
+    });
     hour_ = picker(look, QStringLiteral("Hour"), hours, hourText, &PlannedBreak::hour);
     minute_ = picker(look, QStringLiteral("Minute"), minutes, minuteText, &PlannedBreak::minute);
     enabled_ = new Switch(look, QStringLiteral("Enabled"));
-    connect(enabled_, &Switch::clicked, this,
+    connect(enabled_, &Switch::toggled, this,
             [this](bool on) { change_([on](PlannedBreak &planned) { planned.enabled = on; }); });
-    remove_ = Button::ofSymbol(look, QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove"));
+    remove_ = Button::ofSymbol(QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove"));
     row->addWidget(label_, 1);
     row->addSpacing(8);
     row->addWidget(hour_);
@@ -84,7 +85,7 @@ QWidget *PlannedRow::secondLine(Look &look) {
     row->setContentsMargins(0, 0, CardRow::margin - FocusRing::room, 0);
     for (const int weekday : WeekdayToggle::inOrder()) {
         auto *toggle = new WeekdayToggle(look, weekday);
-        connect(toggle, &WeekdayToggle::clicked, this,
+        connect(toggle, &WeekdayToggle::toggled, this,
                 [this, weekday](bool on) { toggleWeekday(weekday, on); });
         weekdays_.push_back(toggle);
         row->addWidget(toggle);
@@ -125,14 +126,14 @@ void PlannedRow::toggleWeekday(int weekday, bool on) {
 }
 
 void PlannedRow::display(const PlannedBreak &planned) {
-    label_->setText(planned.label);
+    showText(*label_, planned.label);
     hour_->setChoice(hourText(planned.hour));
     minute_->setChoice(minuteText(planned.minute));
     enabled_->setOn(planned.enabled);
     duration_->setValue(planned.duration);
     durationText_->setValue(planned.duration);
     for (WeekdayToggle *toggle : weekdays_)
-        toggle->setChecked(planned.weekdays.contains(toggle->weekday()));
+        toggle->setOn(planned.weekdays.contains(toggle->weekday()));
     nameAfter(planned.label);
 }
 

@@ -9,6 +9,8 @@
 #include <functional>
 #include <vector>
 
+class QLineEdit;
+
 namespace pavonel {
 
 class Button;
@@ -16,7 +18,6 @@ class PopUpButton;
 class StepValue;
 class Stepper;
 class Switch;
-class TextField;
 class WeekdayToggle;
 
 /// One planned break to edit: its label, time, weekdays, length and switch, and a button that removes it.
@@ -43,7 +44,7 @@ private:
     void nameAfter(const QString &label);
 
     std::function<void(const Edit &)> change_;
-    TextField *label_;
+    QLineEdit *label_;
     PopUpButton *hour_;
     PopUpButton *minute_;
     Switch *enabled_;

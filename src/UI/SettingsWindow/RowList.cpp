@@ -148,7 +148,7 @@ void RowList::chainFocus() {
         QWidgetList stops = row->findChildren<QWidget *>();
         stops.prepend(row);
         for (QWidget *stop : stops) {
-            if (!(stop->focusPolicy() & Qt::TabFocus) || stop->parentWidget()->focusProxy() == stop)
+            if (!(stop->focusPolicy() & Qt::TabFocus) || stop->window() != window()) // such as an opened list
                 continue;
             setTabOrder(previous, stop);
             previous = stop;

@@ -3,14 +3,15 @@
 #include "Core/ClockText.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/FocusRing.h"
+#include "UI/Controls/LineEdit.h"
 #include "UI/Controls/PopUpButton.h"
 #include "UI/Controls/Switch.h"
 #include "UI/Controls/Text.h"
-#include "UI/Controls/TextField.h"
 #include "UI/SettingsWindow/StepValue.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QLineEdit>
 #include <QVBoxLayout>
 
 namespace pavonel {
@@ -24,7 +25,7 @@ public:
         switch_ = new Switch(look, row.label);
         switch_->setAccessibleDescription(row.note);
         add(switch_);
-        connect(switch_, &Switch::clicked, this, [this](bool on) { isOn_.set(on); });
+        connect(switch_, &Switch::toggled, this, [this](bool on) { isOn_.set(on); });
         SwitchRowWidget::readAgain();
     }
 
@@ -89,19 +90,20 @@ public:
         column->setVerticalSpacing(2);
         column->setColumnMinimumWidth(0, FocusRing::room);
         column->addWidget(new Text(look, row.label, Text::Style::label), 0, 1);
-        field_ = new TextField(look, row.label, row.prompt);
+        field_ = lineEdit(row.label, row.prompt);
         column->addWidget(field_, 1, 0, 1, 2);
         column->setColumnStretch(1, 1);
         addOutdented(lines);
-        field_->onEdit = [this](const QString &text) { text_.set(text); };
+        // Not `textEdited`, which keeps silent about what a screen reader writes.
+        connect(field_, &QLineEdit::textChanged, this, [this](const QString &text) { text_.set(text); });
         LabeledFieldWidget::readAgain();
     }
 
-    void readAgain() override { field_->setText(text_.get()); }
+    void readAgain() override { showText(*field_, text_.get()); }
 
 private:
     Bound<QString> text_;
-    TextField *field_;
+    QLineEdit *field_;
 };
 
 /// A text that comes and goes.
@@ -151,11 +153,11 @@ QWidget *PageNote::make(Look &look) const {
     return new WordsWidget(look, text, Text::Style::secondary, {FocusRing::room, 0, FocusRing::room, 0});
 }
 
-QWidget *ButtonRow::make(Look &look) const {
+QWidget *ButtonRow::make(Look &) const {
     auto *row = new QWidget;
     auto *line = new QHBoxLayout(row);
     line->setContentsMargins({});
-    auto *button = new Button(look, label, role, symbol);
+    auto *button = new Button(label, role, symbol);
     line->addWidget(button);
     line->addStretch();
     QObject::connect(button, &Button::clicked, row, action, Qt::QueuedConnection);

@@ -1,5 +1,6 @@
 #include "UI/SettingsWindow/SidebarItem.h"
 
+#include "UI/Controls/FocusRing.h"
 #include "UI/Controls/ListItemAccessible.h"
 #include "UI/Symbol.h"
 
@@ -18,7 +19,7 @@ constexpr double radius = 8;
 } // namespace
 
 SidebarItem::SidebarItem(Look &look, const QString &title, const QString &symbol)
-    : ControlButton(look), symbol_(symbol) {
+    : look_(look), symbol_(symbol) {
     setText(title);
     setFocusPolicy(Qt::NoFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -62,7 +63,7 @@ void SidebarItem::paintEvent(QPaintEvent *) {
     painter.setPen(selected_ ? palette.accentText : palette.text);
     painter.drawText(rect().adjusted(padding + side + padding, 0, -padding, 0),
                      Qt::AlignVCenter | Qt::AlignLeft, text());
-    if (ring_.isShown()) {
+    if (FocusRing::isOn(*this)) {
         painter.setPen(QPen(palette.accentText, 2));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), radius - 1, radius - 1);

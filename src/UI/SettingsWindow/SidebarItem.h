@@ -1,12 +1,14 @@
 #pragma once
 
 #include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/ControlButton.h"
+#include "UI/Controls/Look.h"
+
+#include <QAbstractButton>
 
 namespace pavonel {
 
 /// A page's entry in the sidebar.
-class SidebarItem : public ControlButton, public AccessibleControl {
+class SidebarItem : public QAbstractButton, public AccessibleControl {
 public:
     SidebarItem(Look &look, const QString &title, const QString &symbol);
 
@@ -21,6 +23,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    Look &look_;
     QString symbol_;
     bool selected_ = false;
 };

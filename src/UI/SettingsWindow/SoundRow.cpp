@@ -11,8 +11,8 @@ const QString none = QStringLiteral("None");
 
 class ListenButton final : public Button, public Follower {
 public:
-    ListenButton(Look &look, const SoundRow &row)
-        : Button(look, {}, Role::bare, QStringLiteral("speaker.wave.2")), sound_(row.sound) {
+    explicit ListenButton(const SoundRow &row)
+        : Button({}, Role::bare, QStringLiteral("speaker.wave.2")), sound_(row.sound) {
         setAccessibleName(QStringLiteral("Listen to %1").arg(row.label));
         connect(this, &Button::clicked, this,
                 [this, &sounds = row.sounds] { SoundPlayer::play(sounds, sound_.get()); });
@@ -35,7 +35,7 @@ QWidget *SoundRow::make(Look &look) const {
     return PickerRow{label,
                      {sound.get, chooseAndPlay},
                      QStringList(none) + sounds.names(),
-                     [row = *this](Look &shared) { return new ListenButton(shared, row); }}
+                     [row = *this](Look &) { return new ListenButton(row); }}
         .make(look);
 }
 

@@ -79,12 +79,12 @@ private:
 
 class ResetWidget final : public QWidget {
 public:
-    ResetWidget(Look &look, Stats &stats)
-        : stats_(stats), undo_(new Button(look, QStringLiteral("Undo"), Button::Role::bare)) {
+    explicit ResetWidget(Stats &stats)
+        : stats_(stats), undo_(new Button(QStringLiteral("Undo"), Button::Role::bare)) {
         auto *line = new QHBoxLayout(this);
         line->setContentsMargins({});
         line->setSpacing(0);
-        auto *reset = new Button(look, QStringLiteral("Reset stats"));
+        auto *reset = new Button(QStringLiteral("Reset stats"));
         line->addWidget(reset);
         line->addWidget(undo_);
         line->addStretch();
@@ -119,8 +119,8 @@ QWidget *WeekParts::make(Look &look) const {
     return new WeekWidget(look, stats);
 }
 
-QWidget *ResetRow::make(Look &look) const {
-    return new ResetWidget(look, stats);
+QWidget *ResetRow::make(Look &) const {
+    return new ResetWidget(stats);
 }
 
 } // namespace pavonel

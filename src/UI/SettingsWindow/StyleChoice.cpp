@@ -1,5 +1,6 @@
 #include "Core/Settings.h"
 #include "UI/Controls/CardRow.h"
+#include "UI/Controls/FocusRing.h"
 #include "UI/SettingsWindow/BackgroundParts.h"
 #include "UI/SettingsWindow/BreakPreview.h"
 #include "UI/SettingsWindow/Piece.h"
@@ -8,6 +9,7 @@
 
 #include <QButtonGroup>
 #include <QGridLayout>
+#include <QSignalBlocker>
 
 #include <algorithm>
 
@@ -30,7 +32,10 @@ public:
         QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
         policy.setHeightForWidth(true);
         setSizePolicy(policy);
-        connect(group_, &QButtonGroup::idClicked, this, [this](int id) { settings_.backgroundStyle = id; });
+        connect(group_, &QButtonGroup::idToggled, this, [this](int id, bool on) {
+            if (on)
+                settings_.backgroundStyle = id;
+        });
         StyleChoiceWidget::readAgain();
     }
 
@@ -47,6 +52,7 @@ public:
     }
 
     void readAgain() override {
+        const QSignalBlocker silence(group_);
         group_->button(Theme::gradient(settings_.backgroundStyle).id)->setChecked(true);
     }
 

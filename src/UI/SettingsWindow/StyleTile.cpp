@@ -1,7 +1,7 @@
 #include "UI/SettingsWindow/StyleTile.h"
 
 #include "UI/BackgroundImage.h"
-#include "UI/Controls/ChoiceAccessible.h"
+#include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/SettingsWindow/RoundedImage.h"
 #include "UI/Theme.h"
@@ -18,10 +18,11 @@ constexpr int aboveName = 4;
 
 } // namespace
 
-StyleTile::StyleTile(Look &look, const Background &theme) : ControlButton(look), theme_(theme) {
+StyleTile::StyleTile(Look &look, const Background &theme) : look_(look), theme_(theme) {
+    setFocusPolicy(Qt::TabFocus);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setText(theme.name);
     setAccessibleName(theme.name);
-    setCheckable(true);
     setFont(look.font(11));
 }
 
@@ -39,10 +40,6 @@ QRectF StyleTile::swatch() const {
     return {QPointF(room, room), swatchSize()};
 }
 
-QAccessibleInterface *StyleTile::makeAccessible() {
-    return new ChoiceAccessible(*this, QAccessible::RadioButton);
-}
-
 void StyleTile::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -53,7 +50,7 @@ void StyleTile::paintEvent(QPaintEvent *) {
     drawRounded(painter, place, radius, gradient_);
     drawBody(painter, place, radius, Qt::transparent, look_.palette().cardOutline);
     const Palette &palette = look_.palette();
-    if (isChecked() || ring_.isShown()) {
+    if (isChecked() || FocusRing::isOn(*this)) {
         constexpr double gap = 1;
         constexpr double width = 2;
         constexpr double out = gap + width / 2;
@@ -69,7 +66,7 @@ void StyleTile::paintEvent(QPaintEvent *) {
 void StyleTile::paintName(QPainter &painter, const QRectF &line) const {
     const Palette &palette = look_.palette();
     painter.setPen(isChecked() || underMouse() ? palette.text : palette.secondaryText);
-    if (ring_.isShown()) {
+    if (FocusRing::isOn(*this)) {
         constexpr double around = 6;
         const double half = QFontMetricsF(font()).horizontalAdvance(text()) / 2 + around;
         drawBody(painter, {line.center().x() - half, line.top(), 2 * half, line.height()}, 4, palette.accent,

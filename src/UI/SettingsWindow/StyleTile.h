@@ -1,22 +1,21 @@
 #pragma once
 
-#include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/ControlButton.h"
+#include "UI/Controls/Look.h"
 
 #include <QImage>
+#include <QRadioButton>
 
 namespace pavonel {
 
 struct Background;
 
 /// A theme of the break screen to choose, one of a group: its gradient in small, above its name.
-class StyleTile : public ControlButton, public AccessibleControl {
+class StyleTile : public QRadioButton {
 public:
     StyleTile(Look &look, const Background &theme);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
-    QAccessibleInterface *makeAccessible() override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -26,6 +25,7 @@ private:
     QRectF swatch() const;
     void paintName(QPainter &painter, const QRectF &line) const;
 
+    Look &look_;
     const Background &theme_;
     QImage gradient_;
 };

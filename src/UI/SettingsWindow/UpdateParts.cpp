@@ -7,11 +7,14 @@
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Changing.h"
-#include "UI/SettingsWindow/ProgressBar.h"
 #include "UI/SettingsWindow/RelativeTime.h"
 
 #include <QPainter>
+#include <QProgressBar>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
 
 namespace pavonel {
 
@@ -43,6 +46,17 @@ struct StatusLine {
 
 QString shortened(const QString &text) {
     return text.size() <= longest ? text : beginning(text, longest) + u'…';
+}
+
+/// Of the height of a small line of text, so that nothing moves when it takes the place of one.
+QWidget *progressBar(const Look &look, double progress) {
+    constexpr int whole = 1000;
+    auto *bar = new QProgressBar;
+    bar->setAccessibleName(u"Download"_s);
+    bar->setRange(0, whole);
+    bar->setValue(std::isnan(progress) ? 0 : qRound(std::clamp(progress, 0.0, 1.0) * whole));
+    bar->setFixedHeight(QFontMetrics(look.font(11)).height());
+    return bar;
 }
 
 /// Shows one state; made anew for the next.
@@ -77,7 +91,7 @@ private:
         if (const auto *available = std::get_if<Updater::Available>(&state))
             texts.addWidget(new Text(look(), shortened(available->notes), Text::Style::note));
         else if (const auto *downloading = std::get_if<Updater::Downloading>(&state))
-            texts.addWidget(new ProgressBar(look(), u"Download"_s, downloading->progress));
+            texts.addWidget(progressBar(look(), downloading->progress));
         else if (std::holds_alternative<Updater::Idle>(state)) {
             constexpr Seconds minute = 60;
             minutes_ = loop_.every(minute, [this] { describe(); });
@@ -92,7 +106,7 @@ private:
                              std::holds_alternative<Updater::Failed>(state);
         if (!available && !resting)
             return;
-        auto *button = new Button(look(), available ? u"Install and restart"_s : u"Check now"_s,
+        auto *button = new Button(available ? u"Install and restart"_s : u"Check now"_s,
                                   available ? Button::Role::prominent : Button::Role::plain);
         add(button);
         connect(button, &Button::clicked, this, [available, &updater = updater_] {

@@ -1,10 +1,12 @@
 #include "UI/SettingsWindow/WeekdayToggle.h"
 
-#include "UI/Controls/ChoiceAccessible.h"
+#include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Pixels.h"
 
 #include <QLocale>
 #include <QPainter>
+#include <QSignalBlocker>
+#include <QStyleOptionButton>
 
 namespace pavonel {
 
@@ -22,8 +24,9 @@ int toToolkit(int weekday) {
 
 } // namespace
 
-WeekdayToggle::WeekdayToggle(Look &look, int weekday) : ControlButton(look), weekday_(weekday) {
-    setCheckable(true);
+WeekdayToggle::WeekdayToggle(Look &look, int weekday) : look_(look), weekday_(weekday) {
+    setFocusPolicy(Qt::TabFocus);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setText(nameOf(weekday).left(1));
     setAccessibleName(nameOf(weekday));
     setToolTip(nameOf(weekday));
@@ -47,23 +50,27 @@ QSize WeekdayToggle::sizeHint() const {
     return {side, side};
 }
 
-QAccessibleInterface *WeekdayToggle::makeAccessible() {
-    return new ChoiceAccessible(*this, QAccessible::CheckBox);
+void WeekdayToggle::setOn(bool on) {
+    const QSignalBlocker silence(this);
+    setChecked(on);
 }
 
 void WeekdayToggle::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (!isEnabled())
-        painter.setOpacity(0.45);
+        painter.setOpacity(disabledOpacity);
     constexpr double room = FocusRing::room;
     const QRectF body = QRectF(rect()).adjusted(room, room, -room, -room);
     const ButtonColours &colours =
         isChecked() ? look_.palette().prominentButton : look_.palette().plainButton;
-    drawBody(painter, body, body.width() / 2, colours, *this);
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    option.state.setFlag(QStyle::State_On, false); // said by the colours
+    drawBody(painter, body, body.width() / 2, colours, option.state);
     painter.setPen(isChecked() ? colours.ink : look_.palette().secondaryText);
     painter.drawText(rect(), Qt::AlignCenter, text());
-    ring_.draw(painter, body, body.width() / 2, look_.palette().accentText);
+    FocusRing::draw(painter, *this, body, body.width() / 2, look_.palette().accentText);
 }
 
 } // namespace pavonel

@@ -1,17 +1,23 @@
 #pragma once
 
-#include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/ControlButton.h"
+#include "UI/Controls/Look.h"
+
+#include <QCheckBox>
+
+#include <vector>
 
 namespace pavonel {
 
 /// A weekday that is chosen or not: its letter in a disc.
-class WeekdayToggle : public ControlButton, public AccessibleControl {
+class WeekdayToggle : public QCheckBox {
 public:
     /// 1 is Sunday, 7 is Saturday.
     WeekdayToggle(Look &look, int weekday);
 
     int weekday() const { return weekday_; }
+
+    /// Without a report; for what did not come from the user.
+    void setOn(bool on);
 
     /// All seven, from the first day of the user's week on.
     static std::vector<int> inOrder();
@@ -20,12 +26,12 @@ public:
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
-    QAccessibleInterface *makeAccessible() override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    Look &look_;
     int weekday_;
 };
 

@@ -75,18 +75,27 @@ class Place(Item):
         self.reads(reading)
         assert item.description == reading, f"{item} is described as “{item.description}”, not “{reading}”"
 
+    def entry(self, pop_up, choice, then=lambda entry: True):
+        """Of the opened list, also where that must be scrolled to show it."""
+
+        def look():
+            entries = [entry for list_ in Place(pop_up.accessible).all(LIST) for entry in list_.children()]
+            return next((entry for entry in entries if entry.name == choice and then(entry)), None)
+
+        return wait_for(lambda: f"“{choice}” in the list of {pop_up}", look)
+
     def choose(self, name, choice, key=None):
         """As a screen reader does; or by the keyboard, with a key that leads to the choice."""
         if key:
             item = self.find(POP_UP, name, then=Item.takes_focus)
             keys("Return")
-            entry = Place(item.accessible).find(LIST_ITEM, choice)
+            entry = self.entry(item, choice)
             keys(key)
             wait_for(lambda: f"keyboard focus on {entry}", lambda: entry.has(Atspi.StateType.FOCUSED))
             keys("Return")
         else:
             item = self.find(POP_UP, name, then=lambda item: item.act("Press", "ShowMenu"))
-            Place(item.accessible).find(LIST_ITEM, choice, then=lambda entry: entry.act("Press"))
+            self.entry(item, choice, then=lambda entry: entry.act("Toggle"))
         wait_for(lambda: f"{item} at “{choice}”", lambda: item.description == choice)
 
     def type(self, name, text):

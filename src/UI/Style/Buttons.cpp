@@ -1,0 +1,158 @@
+#include "UI/Controls/Button.h"
+#include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Look.h"
+#include "UI/Controls/Pixels.h"
+#include "UI/Controls/Switch.h"
+#include "UI/Style/Elements.h"
+#include "UI/Symbol.h"
+
+#include <QPainter>
+#include <QStyleOptionButton>
+
+#include <cmath>
+
+namespace pavonel::element {
+
+namespace {
+
+constexpr int bodyHeight = 28;
+constexpr int padding = 14;
+constexpr double radius = 8;
+constexpr double noticeRadius = 7;
+constexpr int symbolGap = 6;
+constexpr double knobInset = 2; // in the track
+
+/// What Qt's dialogs make is plain.
+const Button *ours(const QWidget *widget) {
+    return dynamic_cast<const Button *>(widget);
+}
+
+Button::Role roleOf(const QWidget *widget) {
+    const Button *button = ours(widget);
+    return button ? button->role() : Button::Role::plain;
+}
+
+ButtonColours coloursOf(const QWidget *widget, const QStyleOptionButton &option, const Palette &palette) {
+    switch (roleOf(widget)) {
+    case Button::Role::plain:
+        break;
+    case Button::Role::prominent:
+    case Button::Role::noticeProminent:
+        return palette.prominentButton;
+    case Button::Role::notice:
+        return palette.panelButton;
+    case Button::Role::noticeClose:
+        return palette.closeButton;
+    case Button::Role::bare:
+        ButtonColours bare = palette.panelButton;
+        bare.fill = Qt::transparent;
+        if (!(option.state & (QStyle::State_MouseOver | QStyle::State_Sunken)))
+            bare.ink = palette.secondaryText;
+        return bare;
+    }
+    return palette.plainButton;
+}
+
+void drawSymbol(QPainter &painter, const QString &symbol, const QPointF &corner, double side,
+                const QColor &ink) {
+    painter.drawImage(corner, Symbol::image(symbol, side, ink, painter.device()->devicePixelRatioF()));
+}
+
+/// In the middle; a symbol before the text.
+void drawContent(const Context &context, const QStyleOptionButton &option, const QRectF &body,
+                 const QColor &ink) {
+    const Button *button = ours(context.widget);
+    const QString symbol = button ? button->symbol() : QString();
+    const double side = button ? button->symbolSide(context.look) : 0;
+    const double top = body.top() + (body.height() - side) / 2;
+    if (option.text.isEmpty())
+        return drawSymbol(context.painter, symbol, {body.left() + (body.width() - side) / 2, top}, side, ink);
+    QRectF place = body;
+    if (!symbol.isEmpty()) {
+        // The air within the drawing counts as padding.
+        drawSymbol(context.painter, symbol, {body.left() + padding - 2, top}, side, ink);
+        place.setLeft(body.left() + side + symbolGap - 2);
+    }
+    context.painter.setPen(ink);
+    context.painter.drawText(place, Qt::AlignCenter | Qt::TextShowMnemonic, option.text);
+}
+
+QColor between(const QColor &one, const QColor &other, double share) {
+    QColor veil = other;
+    veil.setAlphaF(static_cast<float>(share));
+    return blended(veil, one);
+}
+
+void drawKnob(QPainter &painter, const QRectF &knob) {
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0, 0, 0, 18));
+    painter.drawEllipse(knob.adjusted(-0.5, 0, 0.5, 1));
+    painter.setBrush(QColor(0, 0, 0, 32));
+    painter.drawEllipse(knob.translated(0, 0.5));
+    painter.setBrush(Qt::white);
+    painter.drawEllipse(knob);
+}
+
+} // namespace
+
+QSize pushButtonSize(const QStyleOptionButton &option, const Look &look, const QWidget *widget) {
+    const Button *button = ours(widget);
+    if (button && button->isNotice())
+        return button->noticeSize();
+    const QSize room = QSize(2, 2) * FocusRing::room;
+    if (option.text.isEmpty() && button)
+        return QSize(1, 1) * Button::roundDiameter(look) + room;
+    const int text = option.fontMetrics.size(Qt::TextShowMnemonic, option.text).width();
+    const int symbol =
+        !button || button->symbol().isEmpty() ? 0 : qRound(button->symbolSide(look)) + symbolGap;
+    return QSize(text + symbol + 2 * padding, look.lineHeight(bodyHeight)) + room;
+}
+
+void drawPushButton(const Context &context, const QStyleOptionButton &option) {
+    QPainter &painter = context.painter;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!option.state.testFlag(QStyle::State_Enabled))
+        painter.setOpacity(disabledOpacity);
+    const Palette &palette = context.look.palette();
+    const ButtonColours colours = coloursOf(context.widget, option, palette);
+    const Button *button = ours(context.widget);
+    const double room = button && button->isNotice() ? 0 : FocusRing::room;
+    const QRectF body = QRectF(option.rect).adjusted(room, room, -room, -room);
+    const double corner = option.text.isEmpty() ? body.height() / 2 : room > 0 ? radius : noticeRadius;
+    drawBody(painter, body, corner, colours, option.state);
+    drawContent(context, option, body, colours.ink);
+    if (context.widget)
+        FocusRing::draw(painter, *context.widget, body, corner, palette.accentText);
+    painter.restore();
+}
+
+QSize switchSize(const Look &look) {
+    return {look.length(38), look.length(22)};
+}
+
+/// Its knob may be on the way from one end to the other.
+void drawSwitch(const Context &context, const QStyleOption &option) {
+    QPainter &painter = context.painter;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const bool enabled = option.state.testFlag(QStyle::State_Enabled);
+    if (!enabled)
+        painter.setOpacity(disabledOpacity);
+    const auto *moving = dynamic_cast<const Switch *>(context.widget);
+    const double share = moving ? moving->knob() : option.state.testFlag(QStyle::State_On) ? 1 : 0;
+    const Palette &palette = context.look.palette();
+    QColor track = between(palette.track, palette.accent, share);
+    if (enabled && option.state & (QStyle::State_MouseOver | QStyle::State_Sunken))
+        track = between(track, palette.text, option.state.testFlag(QStyle::State_Sunken) ? 0.12 : 0.06);
+    const QRectF body(option.rect);
+    drawBody(painter, body, body.height() / 2, track, Qt::transparent);
+    const double side = body.height() - 2 * knobInset;
+    const double way = body.width() - side - 2 * knobInset;
+    drawKnob(painter, {body.left() + knobInset + way * share, body.top() + knobInset, side, side});
+    if (context.widget)
+        FocusRing::draw(painter, *context.widget, body, body.height() / 2, palette.accentText);
+    painter.restore();
+}
+
+} // namespace pavonel::element

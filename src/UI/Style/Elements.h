@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QSize>
+
+class QPainter;
+class QRect;
+class QStyleOptionButton;
+class QStyleOptionComboBox;
+class QStyleOptionMenuItem;
+class QStyleOptionProgressBar;
+class QStyleOptionSlider;
+class QStyleOption;
+class QWidget;
+
+/// The looks of each of Qt's controls: how large it is and how it is drawn. A control keeps `FocusRing::room`
+/// free around its body, in which its ring is drawn.
+namespace pavonel {
+
+class Look;
+
+namespace element {
+
+struct Context {
+    QPainter &painter;
+    const Look &look;
+    const QWidget *widget;
+};
+
+// Buttons.cpp
+QSize pushButtonSize(const QStyleOptionButton &button, const Look &look, const QWidget *widget);
+void drawPushButton(const Context &context, const QStyleOptionButton &button);
+QSize switchSize(const Look &look);
+void drawSwitch(const Context &context, const QStyleOption &option);
+
+// Fields.cpp
+QSize fieldSize(const QSize &contents, const Look &look);
+QRect fieldContents(const QRect &field);
+void drawField(const Context &context, const QStyleOption &option);
+void drawProgress(const Context &context, const QStyleOptionProgressBar &bar);
+
+// ComboBox.cpp
+QSize comboBoxSize(const QSize &contents, const Look &look);
+QRect comboBoxList(const QRect &box, const Look &look);
+QRect comboBoxText(const QRect &box, const Look &look);
+void drawComboBox(const Context &context, const QStyleOptionComboBox &box);
+void drawComboBoxText(const Context &context, const QStyleOptionComboBox &box);
+
+// Menu.cpp
+constexpr int menuPadding = 5;    ///< Between the menu's edge and its lines.
+constexpr int menuTextInset = 28; ///< Of the texts of lines that can be ticked, from the line's left end.
+constexpr int choiceHeight = 28;  ///< Of such lines at the ordinary text size.
+QSize menuLineSize(const QStyleOptionMenuItem &item, const QSize &contents, const Look &look);
+void drawMenu(const Context &context, const QRect &rect);
+void drawMenuLine(const Context &context, const QStyleOptionMenuItem &item);
+
+// ScrollBar.cpp
+constexpr int scrollBarWidth = 12; ///< Of the strip that the thumb runs in.
+QRect scrollThumb(const QStyleOptionSlider &bar);
+void drawScrollBar(const Context &context, const QStyleOptionSlider &bar);
+
+} // namespace element
+
+} // namespace pavonel

@@ -1,0 +1,228 @@
+#include "UI/Style/Style.h"
+
+#include "Platform/Platform.h"
+#include "UI/Controls/Button.h"
+#include "UI/Controls/FocusRing.h"
+#include "UI/Style/Elements.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QStyleOptionButton>
+#include <QStyleOptionComboBox>
+#include <QStyleOptionMenuItem>
+#include <QStyleOptionProgressBar>
+#include <QStyleOptionSlider>
+#include <QToolTip>
+
+namespace pavonel {
+
+namespace {
+
+/// Null for an option of another kind.
+template <class Option> const Option *as(const QStyleOption *option) {
+    return qstyleoption_cast<const Option *>(option);
+}
+
+bool isList(const QWidget *widget) {
+    return widget->inherits("QComboBoxPrivateContainer");
+}
+
+/// Of a list that has a scroll bar.
+bool isScrollArrow(const QWidget *widget) {
+    return widget && widget->inherits("QComboBoxPrivateScroller");
+}
+
+} // namespace
+
+Style::Style(Platform &platform)
+    : QProxyStyle(QStringLiteral("Fusion")), look_(platform),
+      onAppearance_(platform.appearance->onChange([this] { takeColours(); })) {
+    takeColours();
+}
+
+void Style::takeColours() {
+    look_.refresh();
+    const QPalette colours = look_.toolkitPalette();
+    QApplication::setPalette(colours);
+    QToolTip::setPalette(colours);
+}
+
+void Style::polish(QWidget *widget) {
+    QProxyStyle::polish(widget);
+    if (isList(widget))
+        widget->setAttribute(Qt::WA_TranslucentBackground, look_.canBlend());
+    if (widget->focusPolicy() & Qt::TabFocus || qobject_cast<QAbstractButton *>(widget)) {
+        widget->setAttribute(Qt::WA_Hover);
+        widget->installEventFilter(&keyboard_);
+    }
+    giveType(*widget);
+}
+
+void Style::giveType(QWidget &widget) {
+    look_.refreshTextSize();
+    const auto *button = dynamic_cast<Button *>(&widget);
+    if (button && button->isNotice())
+        return; // has one size
+    if (qobject_cast<QPushButton *>(&widget))
+        widget.setFont(look_.font(13, QFont::Medium));
+    else if (qobject_cast<QMenu *>(&widget) || qobject_cast<QComboBox *>(&widget) ||
+             qobject_cast<QLineEdit *>(&widget))
+        widget.setFont(look_.font(13));
+}
+
+int Style::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                     QStyleHintReturn *returned) const {
+    switch (hint) {
+    case SH_ComboBox_Popup:      // over the button, with a tick at what holds
+    case SH_ScrollBar_Transient: // above the content
+    case SH_Menu_MouseTracking:
+        return 1;
+    case SH_ComboBox_AllowWheelScrolling:
+    case SH_ComboBox_PopupFrameStyle:
+        return 0;
+    default:
+        return QProxyStyle::styleHint(hint, option, widget, returned);
+    }
+}
+
+int Style::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const {
+    switch (metric) {
+    case PM_MenuHMargin:
+    case PM_MenuVMargin:
+        return element::menuPadding;
+    case PM_MenuPanelWidth:
+        return 0;
+    case PM_ScrollBarExtent:
+        return element::scrollBarWidth;
+    case PM_IndicatorWidth:
+        return element::switchSize(look_).width();
+    case PM_IndicatorHeight:
+        return element::switchSize(look_).height();
+    case PM_MenuScrollerHeight:
+        return isScrollArrow(widget) ? 0 : QProxyStyle::pixelMetric(metric, option, widget);
+    default:
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+}
+
+QSize Style::sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
+                              const QWidget *widget) const {
+    switch (type) {
+    case CT_MenuItem:
+        if (const auto *item = as<QStyleOptionMenuItem>(option))
+            return element::menuLineSize(*item, contents, look_);
+        break;
+    case CT_PushButton:
+        if (const auto *button = as<QStyleOptionButton>(option))
+            return element::pushButtonSize(*button, look_, widget);
+        break;
+    case CT_ComboBox:
+        return element::comboBoxSize(contents, look_);
+    case CT_LineEdit:
+        return element::fieldSize(contents, look_);
+    default:
+        break;
+    }
+    return QProxyStyle::sizeFromContents(type, option, contents, widget);
+}
+
+QRect Style::subElementRect(SubElement element, const QStyleOption *option, const QWidget *widget) const {
+    switch (element) {
+    case SE_LineEditContents:
+        return element::fieldContents(option->rect);
+    case SE_CheckBoxClickRect:
+    case SE_RadioButtonClickRect:
+        return option->rect;
+    default:
+        return QProxyStyle::subElementRect(element, option, widget);
+    }
+}
+
+QRect Style::subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
+                            const QWidget *widget) const {
+    if (const auto *bar = as<QStyleOptionSlider>(option); control == CC_ScrollBar && bar) {
+        const QRect thumb = element::scrollThumb(*bar);
+        const bool upright = bar->orientation == Qt::Vertical;
+        switch (part) {
+        case SC_ScrollBarSlider:
+            return thumb;
+        case SC_ScrollBarSubPage:
+            return upright ? QRect(0, 0, thumb.width(), thumb.top())
+                           : QRect(0, 0, thumb.left(), thumb.height());
+        case SC_ScrollBarAddPage:
+            return upright ? bar->rect.adjusted(0, thumb.bottom() + 1, 0, 0)
+                           : bar->rect.adjusted(thumb.right() + 1, 0, 0, 0);
+        case SC_ScrollBarGroove:
+            return bar->rect;
+        default:
+            return {};
+        }
+    }
+    if (control == CC_ComboBox && part == SC_ComboBoxListBoxPopup)
+        return element::comboBoxList(option->rect, look_);
+    if (control == CC_ComboBox && part == SC_ComboBoxEditField)
+        return element::comboBoxText(option->rect, look_);
+    return QProxyStyle::subControlRect(control, option, part, widget);
+}
+
+void Style::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                          const QWidget *widget) const {
+    const element::Context context{*painter, look_, widget};
+    switch (element) {
+    case PE_FrameMenu:
+    case PE_FrameFocusRect: // each control draws its ring
+        return;
+    case PE_PanelMenu:
+        return element::drawMenu(context, option->rect);
+    case PE_PanelLineEdit:
+        return element::drawField(context, *option);
+    case PE_IndicatorCheckBox:
+        return element::drawSwitch(context, *option);
+    default:
+        return QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+}
+
+void Style::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                        const QWidget *widget) const {
+    const element::Context context{*painter, look_, widget};
+    switch (element) {
+    case CE_MenuEmptyArea:
+        return;
+    case CE_MenuItem:
+        if (const auto *item = as<QStyleOptionMenuItem>(option))
+            return element::drawMenuLine(context, *item);
+        break;
+    case CE_PushButton:
+        if (const auto *button = as<QStyleOptionButton>(option))
+            return element::drawPushButton(context, *button);
+        break;
+    case CE_ComboBoxLabel:
+        if (const auto *box = as<QStyleOptionComboBox>(option))
+            return element::drawComboBoxText(context, *box);
+        break;
+    case CE_ProgressBar:
+        if (const auto *bar = as<QStyleOptionProgressBar>(option))
+            return element::drawProgress(context, *bar);
+        break;
+    default:
+        break;
+    }
+    QProxyStyle::drawControl(element, option, painter, widget);
+}
+
+void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
+                               const QWidget *widget) const {
+    const element::Context context{*painter, look_, widget};
+    if (const auto *box = as<QStyleOptionComboBox>(option); control == CC_ComboBox && box)
+        return element::drawComboBox(context, *box);
+    if (const auto *bar = as<QStyleOptionSlider>(option); control == CC_ScrollBar && bar)
+        return element::drawScrollBar(context, *bar);
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+} // namespace pavonel

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "UI/Style/Style.h"
+
+#include <QApplication>
+#include <QStyleFactory>
+
+namespace pavonel::test {
+
+/// Qt's controls have our style for as long as this lives, as they have in the program.
+class Styled {
+public:
+    explicit Styled(Platform &platform) { QApplication::setStyle(new Style(platform)); }
+    Styled(const Styled &) = delete;
+    Styled &operator=(const Styled &) = delete;
+    ~Styled() { QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion"))); }
+};
+
+} // namespace pavonel::test
