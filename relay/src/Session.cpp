@@ -1,0 +1,202 @@
+#include "Session.h"
+
+#include <array>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http/chunk_encode.hpp>
+#include <boost/beast/ssl.hpp>
+
+namespace relay {
+
+namespace beast = boost::beast;
+
+namespace {
+
+constexpr auto patience = std::chrono::seconds(10); // for a whole request, and for a whole answer
+constexpr std::size_t longestHead = 8 * 1024;
+constexpr std::size_t longestBody = 4 * 1024;
+
+http::status statusOf(const boost::system::error_code &error) {
+    if (error == http::error::body_limit)
+        return http::status::payload_too_large;
+    if (error == http::error::header_limit || error == http::error::buffer_overflow)
+        return http::status::request_header_fields_too_large;
+    return http::status::bad_request;
+}
+
+bool isMisunderstanding(const boost::system::error_code &error) {
+    return error.category() == http::make_error_code(http::error::bad_method).category() &&
+           error != http::error::end_of_stream && error != http::error::partial_message;
+}
+
+/// Counts a request as long as it is being answered.
+class Answering {
+public:
+    explicit Answering(Ledger &ledger) : ledger_(ledger) { ++ledger_.answering; }
+    ~Answering() { --ledger_.answering; }
+    Answering(const Answering &) = delete;
+    Answering &operator=(const Answering &) = delete;
+
+private:
+    Ledger &ledger_;
+};
+
+/// A phone is in the ledger until its connection ends, however it ends.
+class Waiting {
+public:
+    Waiting(Ledger &ledger, std::shared_ptr<Waiter> waiter) : ledger_(ledger), waiter_(std::move(waiter)) {}
+    ~Waiting() { ledger_.remove(waiter_); }
+    Waiting(const Waiting &) = delete;
+    Waiting &operator=(const Waiting &) = delete;
+
+private:
+    Ledger &ledger_;
+    std::shared_ptr<Waiter> waiter_;
+};
+
+template <class Stream> class Session {
+public:
+    Session(Stream &stream, Service &service, net::ip::address peer)
+        : stream_(stream), service_(service), peer_(std::move(peer)) {}
+
+    net::awaitable<void> run() {
+        std::shared_ptr<Waiter> waiter;
+        {
+            beast::flat_buffer buffer(longestHead + longestBody);
+            while (co_await exchange(buffer, waiter))
+                ;
+        }
+        if (waiter)
+            co_await tell(waiter);
+    }
+
+private:
+    /// One request and its answer; false when no other may follow.
+    net::awaitable<bool> exchange(beast::flat_buffer &buffer, std::shared_ptr<Waiter> &waiter) {
+        http::request_parser<http::string_body> parser;
+        parser.header_limit(longestHead);
+        parser.body_limit(longestBody);
+        beast::get_lowest_layer(stream_).expires_after(patience);
+        boost::system::error_code error;
+        co_await http::async_read(stream_, buffer, parser, net::redirect_error(net::use_awaitable, error));
+        if (error) {
+            if (isMisunderstanding(error)) {
+                Response refusal = service_.refusal(statusOf(error));
+                co_await write(refusal);
+                co_await letRead();
+            }
+            co_return false;
+        }
+        const Answering answering(service_.ledger());
+        const Request &request = parser.get();
+        Answer answer = co_await service_.answer(request, peer_);
+        if (auto *found = std::get_if<std::shared_ptr<Waiter>>(&answer)) {
+            waiter = std::move(*found);
+            co_return false;
+        }
+        auto &response = std::get<Response>(answer);
+        response.version(request.version());
+        response.keep_alive(request.keep_alive() && !service_.ledger().isDraining());
+        co_return co_await write(response, request.method() == http::verb::head);
+    }
+
+    net::awaitable<bool> write(Response &response, bool headOnly = false) {
+        response.prepare_payload();
+        const bool goesOn = response.keep_alive();
+        http::response_serializer<http::string_body> serializer(response);
+        beast::get_lowest_layer(stream_).expires_after(patience);
+        if (headOnly)
+            co_await http::async_write_header(stream_, serializer, net::use_awaitable);
+        else
+            co_await http::async_write(stream_, serializer, net::use_awaitable);
+        co_return goesOn;
+    }
+
+    /// To close while something is still arriving would take the refusal away from who is to read it.
+    net::awaitable<void> letRead() {
+        constexpr auto moment = std::chrono::seconds(1);
+        auto &socket = beast::get_lowest_layer(stream_);
+        boost::system::error_code error;
+        socket.socket().shutdown(net::ip::tcp::socket::shutdown_send, error);
+        socket.expires_after(moment);
+        std::array<char, 4096> thrownAway{};
+        while (!error)
+            co_await socket.async_read_some(net::buffer(thrownAway),
+                                            net::redirect_error(net::use_awaitable, error));
+    }
+
+    /// Tells the phone of every change, until it or the service leaves.
+    net::awaitable<void> tell(const std::shared_ptr<Waiter> &waiter) {
+        const Waiting waiting(service_.ledger(), waiter);
+        bool reads = false;
+        char unexpected = 0;
+        try {
+            co_await writeHead();
+            beast::get_lowest_layer(stream_).expires_never();
+            reads = true;
+            stream_.async_read_some(net::buffer(&unexpected, 1),
+                                    [waiter, &reads](const boost::system::error_code &, std::size_t) {
+                                        reads = false;
+                                        waiter->hangUp();
+                                    });
+            while (!waiter->isGone()) {
+                const std::string text = waiter->next();
+                if (!text.empty())
+                    co_await write(net::buffer(text));
+                else if (waiter->isOver())
+                    break;
+                else
+                    co_await waiter->wait();
+            }
+            if (!waiter->isGone())
+                co_await writeLast();
+        } catch (const boost::system::system_error &) { // the phone is gone
+        }
+        beast::get_lowest_layer(stream_).close();
+        while (reads)
+            co_await waiter->wait();
+    }
+
+    net::awaitable<void> writeHead() {
+        auto head = service_.streamHead();
+        http::response_serializer<http::empty_body> serializer(head);
+        beast::get_lowest_layer(stream_).expires_after(patience);
+        co_await http::async_write_header(stream_, serializer, net::use_awaitable);
+    }
+
+    net::awaitable<void> write(net::const_buffer text) {
+        beast::get_lowest_layer(stream_).expires_after(patience);
+        const auto chunk = http::make_chunk(text);
+        co_await net::async_write(stream_, chunk, net::use_awaitable);
+        ++service_.ledger().metrics.events;
+    }
+
+    net::awaitable<void> writeLast() {
+        beast::get_lowest_layer(stream_).expires_after(patience);
+        const auto last = http::make_chunk_last();
+        co_await net::async_write(stream_, last, net::use_awaitable);
+    }
+
+    Stream &stream_;
+    Service &service_;
+    net::ip::address peer_;
+};
+
+} // namespace
+
+net::awaitable<void> converse(beast::tcp_stream stream, std::shared_ptr<net::ssl::context> tls,
+                              [[maybe_unused]] ConnectionLimit::Place place, Service &service) {
+    try {
+        const auto peer = stream.socket().remote_endpoint().address();
+        if (!tls) {
+            co_await Session(stream, service, peer).run();
+        } else {
+            beast::ssl_stream<beast::tcp_stream> secured(std::move(stream), *tls);
+            beast::get_lowest_layer(secured).expires_after(patience);
+            co_await secured.async_handshake(net::ssl::stream_base::server, net::use_awaitable);
+            co_await Session(secured, service, peer).run();
+        }
+    } catch (const boost::system::system_error &) { // the other end is gone, or too slow
+    }
+}
+
+} // namespace relay
