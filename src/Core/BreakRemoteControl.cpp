@@ -24,18 +24,6 @@ qint64 whole(Instant instant) {
     return whole(instant.time_since_epoch().count());
 }
 
-QString name(BreakKind kind) {
-    switch (kind) {
-    case BreakKind::micro:
-        return QStringLiteral("micro");
-    case BreakKind::long_:
-        return QStringLiteral("long");
-    case BreakKind::planned:
-        return QStringLiteral("planned");
-    }
-    return {};
-}
-
 QString name(Phase phase) {
     switch (phase) {
     case Phase::counting:

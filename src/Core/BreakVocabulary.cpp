@@ -21,6 +21,18 @@ QString twoDigits(qint64 number) {
 
 } // namespace
 
+QString name(BreakKind kind) {
+    switch (kind) {
+    case BreakKind::micro:
+        return QStringLiteral("micro");
+    case BreakKind::long_:
+        return QStringLiteral("long");
+    case BreakKind::planned:
+        return QStringLiteral("planned");
+    }
+    return {};
+}
+
 QString defaultTitle(BreakKind kind) {
     switch (kind) {
     case BreakKind::micro:

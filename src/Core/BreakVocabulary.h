@@ -12,6 +12,9 @@ namespace pavonel {
 
 enum class BreakKind { micro, long_, planned };
 
+/// "micro", "long" or "planned": what other programs and services call it.
+QString name(BreakKind kind);
+
 /// The title of a break that is started without one.
 QString defaultTitle(BreakKind kind);
 

@@ -20,18 +20,6 @@ QString placeholderCode() {
     return QStringLiteral("······");
 }
 
-QString wireName(BreakKind kind) {
-    switch (kind) {
-    case BreakKind::micro:
-        return QStringLiteral("micro");
-    case BreakKind::long_:
-        return QStringLiteral("long");
-    case BreakKind::planned:
-        break;
-    }
-    return QStringLiteral("planned");
-}
-
 qint64 truncated(Seconds duration) {
     constexpr double limit = 9223372036854775808.0; // 2^63, the first double past the 64-bit integers
     if (!(duration > -limit && duration < limit))
@@ -151,7 +139,7 @@ void Phone::unpair() {
 void Phone::breakStarted(BreakKind kind, const QString &title, Seconds duration) {
     if (!token())
         return;
-    const QJsonObject body{{QStringLiteral("kind"), wireName(kind)},
+    const QJsonObject body{{QStringLiteral("kind"), name(kind)},
                            {QStringLiteral("title"), title},
                            {QStringLiteral("seconds"), truncated(duration)}};
     request("POST", "/break", Credentials::token, body, {});

@@ -12,6 +12,12 @@ TEST(BreakKind, each_kind_has_a_title_for_a_break_without_one) {
     EXPECT_EQ(defaultTitle(BreakKind::planned), QStringLiteral("Planned break"));
 }
 
+TEST(BreakKind, each_kind_has_a_name_for_other_programs) {
+    EXPECT_EQ(name(BreakKind::micro), QStringLiteral("micro"));
+    EXPECT_EQ(name(BreakKind::long_), QStringLiteral("long"));
+    EXPECT_EQ(name(BreakKind::planned), QStringLiteral("planned"));
+}
+
 TEST(PauseReason, the_label_leads_back_to_the_reason) {
     const std::array labels{
         std::pair{PauseReason::fullscreen, QStringLiteral("Fullscreen app")},
