@@ -90,19 +90,12 @@ bool OverlayManager::Set::covers(const Screen &screen) const {
 OverlayManager::OverlayManager(Platform &platform, BreakController &controller, Settings &settings,
                                HotKeyManager &hotKeys)
     : platform_(platform), controller_(controller), settings_(settings), hotKeys_(hotKeys),
-      backgrounds_(settings, *platform.mainLoop), current_(std::make_unique<Set>(platform)) {
+      backgrounds_(settings, *platform.mainLoop), current_(std::make_unique<Set>(platform)),
+      screenChanges_([this] { followScreens(); }) {
     backgrounds_.onLoaded = [this] {
         for (const auto &window : windows())
             window->view().update();
     };
-    connect(qGuiApp, &QGuiApplication::screenRemoved, this, [this] { followScreens(); });
-    connect(qGuiApp, &QGuiApplication::screenAdded, this, [this](const QScreen *screen) {
-        watch(screen);
-        followScreens();
-    });
-    const auto attached = QGuiApplication::screens();
-    for (const QScreen *screen : attached)
-        watch(screen);
 }
 
 OverlayManager::~OverlayManager() {
@@ -219,10 +212,6 @@ void OverlayManager::letGo(const Set *gone) {
         platform_.windowLayers->yieldKeyboard();
     std::erase_if(leaving_, [gone](const auto &set) { return set.get() == gone; });
     giveBackIfIdle();
-}
-
-void OverlayManager::watch(const QScreen *screen) {
-    connect(screen, &QScreen::geometryChanged, this, [this] { followScreens(); });
 }
 
 void OverlayManager::followScreens() {

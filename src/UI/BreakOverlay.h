@@ -6,6 +6,7 @@
 #include "UI/Backgrounds.h"
 #include "UI/BreakOverlayView.h"
 #include "UI/Fade.h"
+#include "UI/ScreenChanges.h"
 
 #include <memory>
 #include <vector>
@@ -80,7 +81,6 @@ private:
     void takeKeyboard();
     void bindEscape();
     void cutShort();
-    void watch(const QScreen *screen);
     void followScreens();
     void keepText();
     void letGo(const Set *gone);
@@ -92,6 +92,7 @@ private:
     Backgrounds backgrounds_;
     std::unique_ptr<Set> current_;              ///< Never null.
     std::vector<std::unique_ptr<Set>> leaving_; ///< Fading out.
+    ScreenChanges screenChanges_;
 };
 
 } // namespace pavonel

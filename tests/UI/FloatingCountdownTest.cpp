@@ -91,6 +91,31 @@ TEST_F(FloatingCountdown, between_two_screens_it_stays_whole_on_that_of_the_poin
     EXPECT_EQ(slabOf(panel()).topLeft(), QPoint(1936, 312));
 }
 
+TEST_F(FloatingCountdown, asks_for_the_screens_when_it_appears_and_when_they_change) {
+    countdown.show();
+    auto &screens = scenario.platform.fakeScreens;
+    const int queries = screens.queries;
+    for (int frame = 0; frame < 30; ++frame) {
+        *scenario.platform.mouse.where += QPointF(5, 2);
+        scenario.platform.loop.advance(1.0 / 30);
+    }
+    EXPECT_EQ(screens.queries, queries);
+    screens.screens = {{QStringLiteral("A"), {0, 0, 1280, 720}, {0, 0, 1280, 720}, true}};
+    scenario.platform.mouse.where = QPointF(1279, 300);
+    tellThatScreensChanged();
+    EXPECT_EQ(slabOf(panel()).topLeft(), QPoint(1280 - 86, 312));
+}
+
+TEST_F(FloatingCountdown, at_rest_it_follows_its_screen) {
+    scenario.platform.mouse.where.reset();
+    countdown.show();
+    scenario.platform.fakeScreens.screens = {
+        {QStringLiteral("B"), {0, 0, 1280, 720}, {0, 0, 1280, 720}, true}};
+    tellThatScreensChanged();
+    EXPECT_EQ(slabOf(panel()), QRect(1280 - 18 - 86, 18 + 132 + 12, 86, 30));
+    EXPECT_EQ(scenario.platform.layers.assignments.back().screen.name, QStringLiteral("B"));
+}
+
 TEST_F(FloatingCountdown, does_not_move_while_the_pointer_rests) {
     countdown.show();
     MoveCount counted;

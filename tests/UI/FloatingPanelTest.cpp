@@ -22,7 +22,7 @@ protected:
                                                                           0.08,
                                                                           FloatingPanel::Mouse::received,
                                                                           {10, 30, 0.22}});
-        panel->present(corner, mainScreen(*platform.screens));
+        panel->present(corner, mainScreen(platform.screens->all()));
         return panel;
     }
 };

@@ -7,6 +7,7 @@
 #include <QEnterEvent>
 
 #include <map>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -85,6 +86,51 @@ TEST_F(HeadsUp, stands_on_the_main_screen) {
     show();
     EXPECT_EQ(slabOf(panel()).topLeft(), QPoint(3200 - 340 - 18, 218));
     EXPECT_EQ(scenario.platform.layers.assignments.back().screen.name, QStringLiteral("B"));
+}
+
+TEST_F(HeadsUp, it_follows_its_screen_wherever_the_user_works_by_now) {
+    auto &screens = scenario.platform.fakeScreens.screens;
+    show();
+    screens = {{QStringLiteral("A"), {0, 0, 1280, 720}, {0, 0, 1280, 720}, false},
+               {QStringLiteral("B"), {1280, 0, 1280, 720}, {1280, 0, 1280, 720}, true}};
+    tellThatScreensChanged();
+    ASSERT_NE(panel(), nullptr);
+    EXPECT_EQ(slabOf(panel()).topLeft(), QPoint(1280 - 340 - 18, 18));
+    EXPECT_EQ(buttonTexts(), allButtons);
+}
+
+TEST_F(HeadsUp, when_its_screen_goes_it_appears_on_the_main_one) {
+    auto &screens = scenario.platform.fakeScreens.screens;
+    show();
+    screens = {{QStringLiteral("B"), {0, 0, 1280, 720}, {0, 0, 1280, 720}, true}};
+    tellThatScreensChanged();
+    ASSERT_NE(panel(), nullptr);
+    EXPECT_EQ(slabOf(panel()).topLeft(), QPoint(1280 - 340 - 18, 18));
+    EXPECT_EQ(scenario.platform.layers.assignments.back().screen.name, QStringLiteral("B"));
+}
+
+TEST_F(HeadsUp, it_outlasts_a_moment_without_screens) {
+    auto &screens = scenario.platform.fakeScreens.screens;
+    show();
+    const QWidget *before = panel();
+    const auto all = std::exchange(screens, {});
+    tellThatScreensChanged();
+    screens = all;
+    tellThatScreensChanged();
+    EXPECT_EQ(panel(), before);
+}
+
+TEST_F(HeadsUp, a_change_that_does_not_concern_it_leaves_it_alone_and_one_after_it_shows_nothing) {
+    auto &screens = scenario.platform.fakeScreens.screens;
+    show();
+    const QWidget *before = panel();
+    screens.push_back({QStringLiteral("B"), {1920, 0, 1280, 720}, {1920, 0, 1280, 720}, false});
+    tellThatScreensChanged();
+    EXPECT_EQ(panel(), before);
+    headsUp.hide();
+    screens.erase(screens.begin());
+    tellThatScreensChanged();
+    EXPECT_EQ(panel(), nullptr);
 }
 
 TEST_F(HeadsUp, without_a_main_screen_it_is_shown_at_the_origin) {

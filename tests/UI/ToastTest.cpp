@@ -54,6 +54,19 @@ TEST_F(Toast, without_a_main_screen_it_is_shown_at_the_origin) {
     EXPECT_EQ(slabOf(panel()), QRect(0, 0, 380, 56));
 }
 
+TEST_F(Toast, follows_its_screen_and_goes_when_it_would_have_gone) {
+    show();
+    platform.loop.advance(4);
+    platform.fakeScreens.screens = {{QStringLiteral("A"), {0, 0, 1280, 720}, {0, 0, 1280, 720}, true}};
+    tellThatScreensChanged();
+    ASSERT_NE(panel(), nullptr);
+    EXPECT_EQ(slabOf(panel()), QRect(640 - 190, 24, 380, 56));
+    platform.loop.advance(1.9);
+    EXPECT_NE(panel(), nullptr);
+    platform.loop.advance(0.2);
+    EXPECT_EQ(panel(), nullptr);
+}
+
 TEST_F(Toast, goes_after_six_seconds) {
     show();
     platform.loop.advance(5.9);

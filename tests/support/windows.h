@@ -52,6 +52,11 @@ inline QRect slabOf(const QWidget *panel) {
     return panel->contentsRect().translated(panel->pos());
 }
 
+/// As when a screen comes, goes or changes; which ones there are is for the fake to say.
+inline void tellThatScreensChanged() {
+    Q_EMIT qGuiApp->screenRemoved(QGuiApplication::primaryScreen());
+}
+
 inline void sendMouse(QWidget &target, QEvent::Type type) {
     const QPointF middle = QRectF(target.rect()).center();
     const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;

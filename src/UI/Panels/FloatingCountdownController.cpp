@@ -64,9 +64,8 @@ QPoint restingPlace(const std::optional<Screen> &screen) {
         .toPoint();
 }
 
-std::optional<Screen> screenAt(Screens &screens, QPoint point) {
-    const auto all = screens.all();
-    for (const Screen &screen : all) {
+std::optional<Screen> screenAt(const std::vector<Screen> &screens, QPoint point) {
+    for (const Screen &screen : screens) {
         if (screen.frame.toRect().contains(
                 point)) // the first column of the next screen is not this one's last
             return screen;
@@ -90,11 +89,12 @@ QPoint beside(QPoint pointer, const std::optional<Screen> &screen) {
 } // namespace
 
 FloatingCountdownController::FloatingCountdownController(Platform &platform, BreakController &controller)
-    : platform_(platform), controller_(controller) {}
+    : platform_(platform), controller_(controller), screenChanges_([this] { followScreens(); }) {}
 
 void FloatingCountdownController::show() {
     if (panel_)
         return;
+    screens_ = platform_.screens->all();
     panel_ =
         std::make_unique<FloatingPanel>(platform_, FloatingPanel::Make{QStringLiteral("Pavonel Countdown"),
                                                                        panelSize,
@@ -105,7 +105,7 @@ void FloatingCountdownController::show() {
     new CountdownView(platform_, *panel_, controller_);
     timer_ = platform_.mainLoop->every(frame, [this] { follow(); });
     const QPoint place = corner();
-    panel_->present(place, screenAt(*platform_.screens, place));
+    panel_->present(place, screenAt(screens_, place));
 }
 
 void FloatingCountdownController::hide() {
@@ -115,12 +115,19 @@ void FloatingCountdownController::hide() {
 
 QPoint FloatingCountdownController::corner() const {
     if (const auto pointer = platform_.pointer->position())
-        return beside(pointer->toPoint(), screenAt(*platform_.screens, pointer->toPoint()));
-    return restingPlace(mainScreen(*platform_.screens));
+        return beside(pointer->toPoint(), screenAt(screens_, pointer->toPoint()));
+    return restingPlace(mainScreen(screens_));
 }
 
 void FloatingCountdownController::follow() {
     panel_->moveTo(corner());
+}
+
+void FloatingCountdownController::followScreens() {
+    if (!panel_)
+        return;
+    hide();
+    show();
 }
 
 } // namespace pavonel

@@ -2,6 +2,7 @@
 
 #include "Core/BreakController.h"
 #include "UI/Panels/FloatingPanel.h"
+#include "UI/ScreenChanges.h"
 
 namespace pavonel {
 
@@ -16,12 +17,15 @@ public:
 
 private:
     void follow();
+    void followScreens();
     QPoint corner() const;
 
     Platform &platform_;
     BreakController &controller_;
+    std::vector<Screen> screens_; ///< While it is shown: asking thirty times a second would cost.
     std::unique_ptr<FloatingPanel> panel_;
     TimerHandle timer_;
+    ScreenChanges screenChanges_;
 };
 
 } // namespace pavonel

@@ -104,11 +104,9 @@ void FloatingPanel::paintMaterial(QPainter &painter) const {
     line(palette_.panelOutline, pixel);
 }
 
-std::optional<Screen> mainScreen(Screens &screens) {
-    const auto all = screens.all();
-    const auto main =
-        std::find_if(all.begin(), all.end(), [](const Screen &screen) { return screen.isMain; });
-    return main == all.end() ? std::nullopt : std::optional(*main);
+std::optional<Screen> mainScreen(const std::vector<Screen> &screens) {
+    const auto main = std::ranges::find_if(screens, &Screen::isMain);
+    return main == screens.end() ? std::nullopt : std::optional(*main);
 }
 
 } // namespace pavonel

@@ -58,6 +58,6 @@ private:
 };
 
 /// The screen that notices appear on; absent while none is attached.
-std::optional<Screen> mainScreen(Screens &screens);
+std::optional<Screen> mainScreen(const std::vector<Screen> &screens);
 
 } // namespace pavonel

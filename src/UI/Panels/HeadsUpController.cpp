@@ -10,11 +10,8 @@ constexpr Seconds fadeIn = 0.25;
 constexpr Seconds fadeOut = 0.2;
 constexpr int margin = 18;
 
-QPoint corner(const std::optional<Screen> &screen, QSize size) {
-    if (!screen)
-        return {};
-    const QRectF &visible = screen->visibleFrame;
-    return QPointF(visible.right() - size.width() - margin, visible.top() + margin).toPoint();
+QPoint corner(const QRectF &visible) {
+    return QPointF(visible.right() - HeadsUpView::width - margin, visible.top() + margin).toPoint();
 }
 
 } // namespace
@@ -23,22 +20,23 @@ HeadsUpController::HeadsUpController(Platform &platform, BreakController &contro
     : platform_(platform), controller_(controller), settings_(settings), stage_(platform) {}
 
 void HeadsUpController::show(BreakKind kind, const QString &title) {
-    hide();
-    const QSize size(HeadsUpView::width, HeadsUpView::height(settings_));
-    auto panel =
-        std::make_unique<FloatingPanel>(platform_, FloatingPanel::Make{QStringLiteral("Pavonel Heads-up"),
-                                                                       size,
-                                                                       14,
-                                                                       0.08,
-                                                                       FloatingPanel::Mouse::received,
-                                                                       {10, 30, 0.22}});
+    stage_.show({[=, this] { return makePanel(kind, title); }, corner, fadeIn, fadeOut});
+}
+
+std::unique_ptr<FloatingPanel> HeadsUpController::makePanel(BreakKind kind, const QString &title) {
+    auto panel = std::make_unique<FloatingPanel>(
+        platform_, FloatingPanel::Make{QStringLiteral("Pavonel Heads-up"),
+                                       QSize(HeadsUpView::width, HeadsUpView::height(settings_)),
+                                       14,
+                                       0.08,
+                                       FloatingPanel::Mouse::received,
+                                       {10, 30, 0.22}});
     new HeadsUpView(platform_, *panel, controller_, settings_, kind, title, [this] { hide(); });
-    const auto screen = mainScreen(*platform_.screens);
-    stage_.show(std::move(panel), corner(screen, size), screen, fadeIn);
+    return panel;
 }
 
 void HeadsUpController::hide() {
-    stage_.hide(fadeOut);
+    stage_.hide();
 }
 
 } // namespace pavonel

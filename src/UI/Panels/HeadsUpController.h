@@ -15,6 +15,8 @@ public:
     void hide();
 
 private:
+    std::unique_ptr<FloatingPanel> makePanel(BreakKind kind, const QString &title);
+
     Platform &platform_;
     BreakController &controller_;
     Settings &settings_;

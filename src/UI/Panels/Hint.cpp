@@ -70,7 +70,7 @@ void Hint::show() {
     text->show();
     const QPoint below =
         control_.mapToGlobal(QPoint(control_.width() - size.width() + 6, control_.height() + 6));
-    panel_->present(below, mainScreen(*platform_.screens));
+    panel_->present(below, mainScreen(platform_.screens->all()));
 }
 
 void Hint::hide() {

@@ -2,20 +2,26 @@
 
 #include "UI/Fade.h"
 #include "UI/Panels/FloatingPanel.h"
+#include "UI/ScreenChanges.h"
 
 namespace pavonel {
 
-/// Fades one panel in at a time; panels that it hides fade out on their own, retired.
+/// Fades one notice in at a time, on the main screen; those that it hides fade out on their own, retired. The
+/// one that is shown follows its screen, and goes to the main one when its own goes.
 class PanelStage {
 public:
+    struct Notice {
+        std::function<std::unique_ptr<FloatingPanel>()> make;
+        std::function<QPoint(const QRectF &visibleFrame)> corner; ///< The left upper one.
+        Seconds fadeIn;
+        Seconds fadeOut;
+    };
+
     explicit PanelStage(Platform &platform);
 
-    bool isEmpty() const { return !shown_; }
-
-    /// The stage must be empty.
-    void show(std::unique_ptr<FloatingPanel> panel, QPoint corner, const std::optional<Screen> &screen,
-              Seconds fadeIn);
-    void hide(Seconds fadeOut);
+    /// In place of one that is shown.
+    void show(Notice notice);
+    void hide();
 
 private:
     struct Actor {
@@ -25,9 +31,22 @@ private:
         Fade fade;
     };
 
+    struct Place {
+        QString screen;
+        QPoint corner;
+        bool operator==(const Place &) const = default;
+    };
+
+    Place placeOn(const std::optional<Screen> &screen) const;
+    void raise(const std::optional<Screen> &screen);
+    void follow();
+
     Platform &platform_;
+    Notice notice_;
+    Place place_;
     std::unique_ptr<Actor> shown_;
     std::vector<std::unique_ptr<Actor>> leaving_;
+    ScreenChanges screenChanges_;
 };
 
 } // namespace pavonel

@@ -11,10 +11,7 @@ constexpr int margin = 24;
 constexpr Seconds fade = 0.25;
 constexpr Seconds stay = 6.0;
 
-QPoint corner(const std::optional<Screen> &screen) {
-    if (!screen)
-        return {};
-    const QRectF &visible = screen->visibleFrame;
+QPoint corner(const QRectF &visible) {
     return QPointF(visible.center().x() - panelSize.width() / 2.0, visible.top() + margin).toPoint();
 }
 
@@ -23,7 +20,11 @@ QPoint corner(const std::optional<Screen> &screen) {
 ToastController::ToastController(Platform &platform) : platform_(platform), stage_(platform) {}
 
 void ToastController::show(const QString &text, const QString &symbol) {
-    hide();
+    stage_.show({[=, this] { return makePanel(text, symbol); }, corner, fade, fade});
+    dismissal_ = platform_.mainLoop->after(stay, [this] { hide(); });
+}
+
+std::unique_ptr<FloatingPanel> ToastController::makePanel(const QString &text, const QString &symbol) {
     auto panel =
         std::make_unique<FloatingPanel>(platform_, FloatingPanel::Make{QStringLiteral("Pavonel Toast"),
                                                                        panelSize,
@@ -32,14 +33,12 @@ void ToastController::show(const QString &text, const QString &symbol) {
                                                                        FloatingPanel::Mouse::ignored,
                                                                        {8, 24, 0.20}});
     new ToastView(*panel, text, symbol);
-    const auto screen = mainScreen(*platform_.screens);
-    stage_.show(std::move(panel), corner(screen), screen, fade);
-    dismissal_ = platform_.mainLoop->after(stay, [this] { hide(); });
+    return panel;
 }
 
 void ToastController::hide() {
     dismissal_.reset();
-    stage_.hide(fade);
+    stage_.hide();
 }
 
 } // namespace pavonel

@@ -14,6 +14,8 @@ public:
     void hide();
 
 private:
+    std::unique_ptr<FloatingPanel> makePanel(const QString &text, const QString &symbol);
+
     Platform &platform_;
     PanelStage stage_;
     TimerHandle dismissal_;
