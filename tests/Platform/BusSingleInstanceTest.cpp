@@ -5,7 +5,9 @@
 #include "support/waitUntil.h"
 
 #include <QDBusConnectionInterface>
+#include <QDBusError>
 #include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -128,6 +130,62 @@ TEST_F(BusSingleInstanceTest, a_token_longer_than_any_real_one_is_dropped) {
     const QByteArray longest(4096, 't');
     EXPECT_EQ(tokens, std::vector<QByteArray>({longest, longest}));
     qunsetenv("XDG_ACTIVATION_TOKEN");
+}
+
+/// A call with so many elements in each of its lists.
+class AbsurdCall : public BusSingleInstanceTest, public testing::WithParamInterface<int> {};
+
+INSTANTIATE_TEST_SUITE_P(Sizes, AbsurdCall, testing::Values(3, 200'000));
+
+TEST_P(AbsurdCall, is_answered_with_an_error_and_a_sensible_one_is_not) {
+    ASSERT_EQ(first->claim(), Role::first);
+    int reopened = 0;
+    int acted = 0;
+    first->onReopen([&] { ++reopened; });
+    first->onAction([&](OutsideAction) { ++acted; });
+    const QVariantList few(1, 1);
+    const QVariantList many(GetParam(), 1);
+    const QStringList names(GetParam(), QStringLiteral("file:///x"));
+    const QVariantMap none;
+    QVariantMap map;
+    for (int i = 0; i < GetParam(); ++i)
+        map.insert(QString::number(i), i);
+    const QString skip = QStringLiteral("skip");
+    const std::vector<QDBusPendingCall> calls = {
+        call(QStringLiteral("Activate"), {map}),
+        call(QStringLiteral("Open"), {names, none}),
+        call(QStringLiteral("Open"), {QStringList(), map}),
+        call(QStringLiteral("ActivateAction"), {skip, many, none}),
+        call(QStringLiteral("ActivateAction"), {skip, few, map}),
+    };
+    const bool absurd = GetParam() > 3;
+    for (const QDBusPendingCall &each : calls) {
+        ASSERT_TRUE(waitUntil([&] { return each.isFinished(); }));
+        EXPECT_EQ(each.isError(), absurd);
+        EXPECT_TRUE(!absurd || each.error().type() == QDBusError::LimitsExceeded);
+    }
+    EXPECT_EQ(reopened, absurd ? 0 : 3);
+    EXPECT_EQ(acted, absurd ? 0 : 2);
+}
+
+TEST_F(BusSingleInstanceTest, a_call_with_other_arguments_than_its_own_is_refused) {
+    ASSERT_EQ(first->claim(), Role::first);
+    first->onReopen([] { ADD_FAILURE(); });
+    first->onAction([](OutsideAction) { ADD_FAILURE(); });
+    const QString skip = QStringLiteral("skip");
+    const QVariantMap map;
+    const std::vector<QDBusPendingCall> calls = {
+        call(QStringLiteral("Activate"), {}),
+        call(QStringLiteral("Activate"), {skip}),
+        call(QStringLiteral("Activate"), {map, map}),
+        call(QStringLiteral("Open"), {QStringList(), map, 1}),
+        call(QStringLiteral("ActivateAction"), {skip}),
+        call(QStringLiteral("ActivateAction"), {skip, QVariantList(), map, QVariantList(1000, 1)}),
+    };
+    for (const QDBusPendingCall &each : calls) {
+        ASSERT_TRUE(waitUntil([&] { return each.isFinished(); }));
+        EXPECT_EQ(each.error().type(), QDBusError::InvalidArgs) << each.error().message().toStdString();
+    }
 }
 
 TEST_F(BusSingleInstanceTest, when_the_first_one_is_gone_the_next_is_the_first) {

@@ -35,7 +35,7 @@ QVariantMap platformData() {
 
 BusSingleInstance::BusSingleInstance(const QDBusConnection &bus, QString lockPath)
     : bus_(bus), lockPath_(std::move(lockPath)) {
-    new ApplicationInterface(&exported_, *this);
+    new ApplicationInterface(&exported_, bus_, *this);
     publisher_ = new StatusInterface(&exported_, bus_, path);
 }
 

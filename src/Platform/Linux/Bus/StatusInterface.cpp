@@ -1,5 +1,8 @@
 #include "Platform/Linux/Bus/StatusInterface.h"
 
+#include "Platform/Linux/Bus/refuse.h"
+
+#include <QDBusError>
 #include <QMetaProperty>
 
 #include <utility>
@@ -11,7 +14,7 @@ namespace {
 QString errorName(Refusal::Kind kind) {
     switch (kind) {
     case Refusal::Kind::badArgument:
-        return QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs");
+        return QDBusError::errorString(QDBusError::InvalidArgs);
     case Refusal::Kind::notNow:
         return QStringLiteral("org.pavonel.Pavonel1.Error.Refused");
     }
@@ -75,21 +78,14 @@ void StatusInterface::Resume(const QDBusMessage &call) {
     fulfil(call, nothing, [](RemoteControl &control) { return control.resume(); });
 }
 
-/// Qt takes a call with more arguments than there are for one with just enough.
 void StatusInterface::fulfil(const QDBusMessage &call, const QString &signature, const Wish &wish) {
-    if (call.signature() != signature)
-        refuse(call, {Refusal::Kind::badArgument,
-                      QStringLiteral("These are not the arguments of %1.").arg(call.member())});
-    else if (!control_)
-        refuse(call, {Refusal::Kind::notNow, QStringLiteral("Pavonel is just starting or ending.")});
-    else if (const auto refusal = wish(*control_))
-        refuse(call, *refusal);
-}
-
-void StatusInterface::refuse(const QDBusMessage &call, const Refusal &refusal) {
-    call.setDelayedReply(true); // or an empty reply would follow
-    if (call.isReplyRequired())
-        bus_.send(call.createErrorReply(errorName(refusal.kind), refusal.sentence));
+    if (refuseOthersThan(signature, call, bus_))
+        return;
+    const auto refusal =
+        control_ ? wish(*control_)
+                 : Refusal{Refusal::Kind::notNow, QStringLiteral("Pavonel is just starting or ending.")};
+    if (refusal)
+        refuse(call, bus_, errorName(refusal->kind), refusal->sentence);
 }
 
 QVariantMap StatusInterface::toldProperties() const {

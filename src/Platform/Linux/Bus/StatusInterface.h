@@ -114,7 +114,6 @@ private:
 
     using Wish = std::function<RemoteControl::Outcome(RemoteControl &)>;
     void fulfil(const QDBusMessage &call, const QString &signature, const Wish &wish);
-    void refuse(const QDBusMessage &call, const Refusal &refusal);
     QVariantMap toldProperties() const;
 
     QDBusConnection bus_;
