@@ -6,8 +6,11 @@
 // output gets the body of the response, except that of a redirect. When all of it is there, standard error
 // gets the status and the process ends with 0. Otherwise it ends with 1, or is killed by its alarm.
 //
-// A process of its own, because what it reads comes from strangers: whatever that costs ends with it.
+// A process of its own, because what it reads comes from strangers: whatever that costs ends with it. Where
+// the kernel knows Landlock it writes no file, starts no program and reads only what the system has for all.
 // Redirects are followed, never from HTTPS to HTTP, and credentials never go along to another server.
+
+#include "landlock.h"
 
 #include <algorithm>
 #include <chrono>
@@ -20,6 +23,7 @@
 #include <curl/curl.h>
 #include <dlfcn.h>
 #include <strings.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -30,6 +34,7 @@ constexpr long leastBytesASecond = 1024;         // less is next to nothing
 constexpr unsigned graceSeconds = 5;             // for what heeds no limit, as a resolver that hangs
 constexpr int mostRedirects = 16;
 constexpr rlim_t usualProcessorSeconds = 5;
+constexpr rlim_t mostOpenFiles = 64;
 constexpr rlim_t bytesAProcessorSecond = 10'000'000; // which every machine does with ease
 
 struct Request {
@@ -47,12 +52,18 @@ struct Allowance {
     std::size_t headers = mostHeaderBytes;
 };
 
+void limit(__rlimit_resource_t resource, rlim_t most) {
+    const rlimit value{most, most};
+    setrlimit(resource, &value);
+}
+
 /// For what the library itself does not limit.
 void limitProcess(const Request &request) {
     alarm(static_cast<unsigned>(request.longest.count()) + graceSeconds);
-    const rlim_t most = usualProcessorSeconds + request.largest / bytesAProcessorSecond;
-    const rlimit processor{most, most};
-    setrlimit(RLIMIT_CPU, &processor);
+    limit(RLIMIT_CPU, usualProcessorSeconds + request.largest / bytesAProcessorSecond);
+    limit(RLIMIT_NOFILE, mostOpenFiles);
+    limit(RLIMIT_FSIZE, 0); // all that is written goes into pipes
+    limit(RLIMIT_CORE, 0);  // it would hold the credentials
 }
 
 std::string standardInput() {
@@ -107,20 +118,32 @@ std::size_t takeHeader(char *, std::size_t, std::size_t size, void *to) {
     return size;
 }
 
-/// Where the desktop's settings lead; nothing where they are not known, and then the environment counts.
-const char *proxyFor(const std::string &url) {
-    void *library = dlopen("libproxy.so.1", RTLD_NOW);
-    if (!library)
-        return nullptr;
-    const auto make = reinterpret_cast<void *(*)()>(dlsym(library, "px_proxy_factory_new"));
-    const auto ask =
-        reinterpret_cast<char **(*)(void *, const char *)>(dlsym(library, "px_proxy_factory_get_proxies"));
-    void *factory = make && ask ? make() : nullptr;
-    char **proxies = factory ? ask(factory, url.c_str()) : nullptr;
-    if (!proxies || !proxies[0])
-        return nullptr;
-    return std::strcmp(proxies[0], "direct://") == 0 ? "" : proxies[0];
-}
+/// The desktop's settings of where requests are to go, which lie anywhere; so these are looked for, and first
+/// asked, before that can no longer be read.
+class Proxies {
+public:
+    Proxies() {
+        void *library = dlopen("libproxy.so.1", RTLD_NOW);
+        if (!library)
+            return;
+        const auto make = reinterpret_cast<void *(*)()>(dlsym(library, "px_proxy_factory_new"));
+        ask_ = reinterpret_cast<char **(*)(void *, const char *)>(
+            dlsym(library, "px_proxy_factory_get_proxies"));
+        factory_ = make && ask_ ? make() : nullptr;
+    }
+
+    /// Nothing where they are not known, and then the environment counts.
+    const char *forUrl(const std::string &url) const {
+        char **proxies = factory_ ? ask_(factory_, url.c_str()) : nullptr;
+        if (!proxies || !proxies[0])
+            return nullptr;
+        return std::strcmp(proxies[0], "direct://") == 0 ? "" : proxies[0];
+    }
+
+private:
+    char **(*ask_)(void *, const char *) = nullptr;
+    void *factory_ = nullptr;
+};
 
 void setLimits(CURL *curl, const Request &request, Allowance &left) {
     curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https"); // or it would read files of this machine too
@@ -134,16 +157,31 @@ void setLimits(CURL *curl, const Request &request, Allowance &left) {
 }
 
 /// The file of the certificates that the system trusts, or of those that who started us wants to be trusted:
-/// the library knows only where its own system has them, and may have come from another.
-void setTrust(CURL *curl) {
+/// the library knows only where its own system has them, and may have come from another. Null where it is to
+/// find them by itself.
+const char *trusted() {
     for (const char *file :
          {static_cast<const char *>(std::getenv("SSL_CERT_FILE")), "/etc/ssl/certs/ca-certificates.crt",
           "/etc/pki/tls/certs/ca-bundle.crt", "/etc/ssl/ca-bundle.pem", "/etc/ssl/cert.pem"}) {
-        if (file && access(file, R_OK) == 0) {
-            curl_easy_setopt(curl, CURLOPT_CAINFO, file);
-            return;
-        }
+        if (file && access(file, R_OK) == 0)
+            return file;
     }
+    return nullptr;
+}
+
+/// From here on, whoever takes over what reads a server's answers can do little. Names are looked up by what
+/// the system has in these folders.
+void giveRightsUp() {
+    prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+    const landlock::Rules rules(landlock::tcpBind);
+    for (const char *system : {"/usr", "/lib", "/lib64", "/etc", "/run/systemd/resolve", "/run/resolvconf",
+                               "/run/NetworkManager", "/var/lib/ca-certificates", "/nix/store", "/gnu/store"})
+        rules.allow(system, landlock::read);
+    for (const char *file : {trusted(), "/dev/null", "/dev/urandom"}) {
+        if (file)
+            rules.allow(file, landlock::readFile);
+    }
+    rules.enforce();
 }
 
 void setMethod(CURL *curl, const Request &request) {
@@ -201,12 +239,13 @@ bool follow(Request &request, const std::string &target, long status) {
     return true;
 }
 
-bool send(CURL *curl, const Request &request, std::chrono::steady_clock::time_point deadline) {
+bool send(CURL *curl, const Request &request, const char *proxy,
+          std::chrono::steady_clock::time_point deadline) {
     const auto left =
         std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
     curl_slist *headers = headersOf(request);
     curl_easy_setopt(curl, CURLOPT_URL, request.url.c_str());
-    curl_easy_setopt(curl, CURLOPT_PROXY, proxyFor(request.url));
+    curl_easy_setopt(curl, CURLOPT_PROXY, proxy);
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers);
     curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, std::max<long>(left.count(), 1));
     setMethod(curl, request);
@@ -220,9 +259,13 @@ long fetch(CURL *curl, Request request) {
     const auto deadline = std::chrono::steady_clock::now() + request.longest;
     Allowance left{curl, request.largest};
     setLimits(curl, request, left);
-    setTrust(curl);
+    if (const char *const file = trusted())
+        curl_easy_setopt(curl, CURLOPT_CAINFO, file);
+    const Proxies proxies;
+    const char *proxy = proxies.forUrl(request.url);
+    giveRightsUp();
     for (int redirects = 0; redirects <= mostRedirects; ++redirects) {
-        if (!send(curl, request, deadline))
+        if (!send(curl, request, proxy, deadline))
             return 0;
         const char *target = nullptr;
         curl_easy_getinfo(curl, CURLINFO_REDIRECT_URL, &target);
@@ -230,6 +273,7 @@ long fetch(CURL *curl, Request request) {
             return statusOf(curl);
         if (!follow(request, target, statusOf(curl)))
             return 0;
+        proxy = proxies.forUrl(request.url);
     }
     return 0;
 }
