@@ -19,7 +19,6 @@ constexpr Seconds timeToQuit = 0.4;
 
 const QString Updater::automaticKey = QStringLiteral("autoUpdate");
 const QString Updater::lastCheckKey = QStringLiteral("lastUpdateCheck");
-const QString Updater::signedImagesKey = QStringLiteral("updateImagesAreSigned");
 const QString Updater::teamID = QStringLiteral("PAVONELORG");
 
 std::optional<QUrl> Updater::feedAddress() {
@@ -46,12 +45,6 @@ bool Updater::automatic() const {
     const auto stored = platform_.defaults->value(automaticKey);
     const auto *wanted = stored ? std::get_if<bool>(&*stored) : nullptr;
     return !wanted || *wanted;
-}
-
-bool Updater::wasImageEverSigned() const {
-    const auto stored = platform_.defaults->value(signedImagesKey);
-    const auto *wasSigned = stored ? std::get_if<bool>(&*stored) : nullptr;
-    return wasSigned && *wasSigned;
 }
 
 QString Updater::currentVersion() const {
@@ -121,7 +114,8 @@ void Updater::install() {
         return;
     using ImageSignature = UpdaterInstall::ImageSignature;
     const UpdaterInstall install(platform_, *release_, teamID,
-                                 wasImageEverSigned() ? ImageSignature::required : ImageSignature::welcome);
+                                 platform_.installation->wereImagesSigned() ? ImageSignature::required
+                                                                            : ImageSignature::welcome);
     if (const auto objection = install.objection(manifest_)) {
         state = Failed{objection->message};
         return;
@@ -137,9 +131,9 @@ void Updater::install() {
                     QFile::remove(*file);
                 return;
             }
-            const UpdaterInstall::Notices notices{[&] { post([this] { keepThatImagesAreSigned(); }); },
-                                                  [&] { post([this] { state = ReadyToRestart{}; }); },
-                                                  [&] { post([this] { quitSoon(); }); }};
+            const UpdaterInstall::Notices notices{
+                [&] { post([this] { platform_.installation->keepThatImagesAreSigned(); }); },
+                [&] { post([this] { state = ReadyToRestart{}; }); }, [&] { post([this] { quitSoon(); }); }};
             const auto failure = file ? install.installFrom(*file, notices)
                                       : Failure{QStringLiteral("The download did not finish.")};
             if (failure)
@@ -162,12 +156,6 @@ bool Updater::giveWay(Opening opening) {
         return false;
     platform_.mainLoop->quit(0);
     return true;
-}
-
-/// At once, because the program is about to end.
-void Updater::keepThatImagesAreSigned() {
-    platform_.defaults->set(signedImagesKey, true);
-    platform_.defaults->flush();
 }
 
 void Updater::quitSoon() {

@@ -97,9 +97,6 @@ public:
     static const QString automaticKey;
     static const QString lastCheckKey;
 
-    /// Whether a release came whose feed entry held a good signature of the image. From then on each must.
-    static const QString signedImagesKey;
-
     /// The team that signs our releases.
     static const QString teamID;
 
@@ -110,8 +107,6 @@ private:
     Poster poster() const;
     void receive(CheckKind kind, const std::optional<HttpResponse> &response);
     State outcome(CheckKind kind, const std::optional<Release> &offered) const;
-    bool wasImageEverSigned() const;
-    void keepThatImagesAreSigned();
     void quitSoon();
 
     const HeadlessPlatform &platform_;

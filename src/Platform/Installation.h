@@ -35,6 +35,12 @@ public:
     /// cannot be had.
     virtual QString temporaryFolder() = 0;
 
+    /// Whether a release came whose image bore a good signature of its own: from then on each must. Kept
+    /// beside the store, not in it, for every process that updates has to know and tell it, whoever has the
+    /// store.
+    virtual bool wereImagesSigned() const = 0;
+    virtual void keepThatImagesAreSigned() = 0;
+
     /// Begins the replacing of this copy, which `script` is to end: the shell runs that when we are gone.
     /// False while an earlier replacing goes on, by this process, by another, or by such a script. It goes on
     /// until it is abandoned or this process ends. On any one thread.

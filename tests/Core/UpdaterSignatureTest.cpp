@@ -10,9 +10,7 @@ protected:
     const Offer signedOffer{.signature = QStringLiteral("signature")};
     const QString ofTheImage = QStringLiteral("codesign of the image");
 
-    bool isRequired() const {
-        return platform.defaults->value(Updater::signedImagesKey) == StoredValue(true);
-    }
+    bool isRequired() const { return platform.copy.imagesAreSigned; }
     bool isReady() const { return updater->state.get() == Updater::State(Updater::ReadyToRestart{}); }
 };
 

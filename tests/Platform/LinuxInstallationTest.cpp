@@ -23,7 +23,8 @@ protected:
     }
 
     LinuxInstallation installationOf(const QString &program) const {
-        return LinuxInstallation(ProgramFiles(program), path(QStringLiteral("cache/pavonel/tmp")));
+        return LinuxInstallation(ProgramFiles(program), path(temporary),
+                                 path(QStringLiteral("config/pavonel/signed")));
     }
     LinuxInstallation inBundle() const { return installationOf(path(QStringLiteral("Pavonel.app/pavonel"))); }
 
@@ -43,6 +44,17 @@ protected:
 TEST_F(LinuxInstallationTest, a_bundle_is_the_folder_around_the_program) {
     EXPECT_EQ(inBundle().bundle(), QFileInfo(path(QStringLiteral("Pavonel.app"))).canonicalFilePath());
     EXPECT_EQ(inBundle().limitation(), QString());
+}
+
+TEST_F(LinuxInstallationTest, that_images_are_signed_is_known_to_every_process_from_then_on) {
+    LinuxInstallation one = inBundle();
+    const LinuxInstallation other = inBundle();
+    EXPECT_FALSE(other.wereImagesSigned());
+    one.keepThatImagesAreSigned();
+    EXPECT_TRUE(other.wereImagesSigned());
+    EXPECT_TRUE(inBundle().wereImagesSigned());
+    one.keepThatImagesAreSigned();
+    EXPECT_TRUE(one.wereImagesSigned());
 }
 
 TEST_F(LinuxInstallationTest, a_bundle_that_is_reached_through_a_link_is_itself) {

@@ -252,6 +252,7 @@ struct FakeInstallation final : Installation {
     std::optional<QString> versionInPlace = runningVersion; ///< Of what lies in the bundle's place now.
     std::optional<QString> otherVersion = QStringLiteral("1.3.0"); ///< Of whichever other bundle.
     QString temporary;                                             ///< A test that writes there gives one.
+    bool imagesAreSigned = false;
     bool isBeingReplaced = false;
     QString replacingScript;
     std::function<void()> tellSuccessor;
@@ -267,6 +268,8 @@ struct FakeInstallation final : Installation {
     }
     void onSuccessor(std::function<void()> handler) override { tellSuccessor = std::move(handler); }
     QString temporaryFolder() override { return temporary; }
+    bool wereImagesSigned() const override { return imagesAreSigned; }
+    void keepThatImagesAreSigned() override { imagesAreSigned = true; }
     bool beginReplacing(const QString &script) override {
         replacingScript = script;
         return !std::exchange(isBeingReplaced, true);

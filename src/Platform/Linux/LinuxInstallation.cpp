@@ -100,10 +100,10 @@ QString folderOpenToOthers(const QString &path) {
 
 } // namespace
 
-LinuxInstallation::LinuxInstallation(const ProgramFiles &files, QString temporaryFolder)
+LinuxInstallation::LinuxInstallation(const ProgramFiles &files, QString temporaryFolder, QString signedMark)
     : program_(files.program()), identity_(identityOf(program_)), bundle_(bundleOf(program_)),
       version_(versionOf(bundle_).value_or(QStringLiteral(PAVONEL_VERSION))),
-      temporaryFolder_(std::move(temporaryFolder)) {}
+      temporaryFolder_(std::move(temporaryFolder)), signedMark_(std::move(signedMark)) {}
 
 QString LinuxInstallation::limitation() const {
     if (isPackaged(program_))
@@ -184,6 +184,18 @@ QString LinuxInstallation::temporaryFolder() {
         QFileInfo(temporaryFolder_).canonicalFilePath(); // no link on the way is asked again
     return isPrivateFolderOfOurs(temporaryFolder_) && folderOpenToOthers(folder).isEmpty() ? folder
                                                                                            : QString();
+}
+
+bool LinuxInstallation::wereImagesSigned() const {
+    return QFileInfo::exists(signedMark_);
+}
+
+/// On disk at once: the program is about to end.
+void LinuxInstallation::keepThatImagesAreSigned() {
+    makePrivateFolder(QFileInfo(signedMark_).path());
+    QFile mark(signedMark_);
+    if (mark.open(QFile::WriteOnly))
+        ::fsync(mark.handle());
 }
 
 bool LinuxInstallation::beginReplacing(const QString &script) {

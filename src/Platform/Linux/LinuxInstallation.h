@@ -18,7 +18,8 @@ namespace pavonel {
 /// file "version".
 class LinuxInstallation final : public Installation {
 public:
-    LinuxInstallation(const ProgramFiles &files, QString temporaryFolder);
+    /// `signedMark` is the file that tells of signed images by being there.
+    LinuxInstallation(const ProgramFiles &files, QString temporaryFolder, QString signedMark);
 
     QString limitation() const override;
     std::optional<QString> version() const override { return version_; }
@@ -27,6 +28,8 @@ public:
     QString successor() const override;
     void onSuccessor(std::function<void()> handler) override;
     QString temporaryFolder() override;
+    bool wereImagesSigned() const override;
+    void keepThatImagesAreSigned() override;
     bool beginReplacing(const QString &script) override;
     void abandonReplacing() override { replacing_.reset(); }
 
@@ -41,6 +44,7 @@ private:
     QString bundle_;
     QString version_; ///< From before anything could take the bundle's place.
     QString temporaryFolder_;
+    QString signedMark_;
     std::unique_ptr<FileLock> replacing_;
     std::unique_ptr<QFileSystemWatcher> watcher_;
     QTimer settled_;

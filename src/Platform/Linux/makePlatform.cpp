@@ -198,8 +198,9 @@ std::unique_ptr<LoginItem> makeLoginItem() {
 }
 
 std::unique_ptr<Installation> makeInstallation() {
-    return std::make_unique<LinuxInstallation>(ProgramFiles::ofThisProgram(),
-                                               cacheFolder() + QStringLiteral("/tmp"));
+    return std::make_unique<LinuxInstallation>(
+        ProgramFiles::ofThisProgram(), cacheFolder() + QStringLiteral("/tmp"),
+        configFolder() + QStringLiteral("/pavonel/updates-are-signed"));
 }
 
 StoredLook lookIntoStore(const QString &key) {
