@@ -1,4 +1,5 @@
 #include "Platform/Linux/Tray/TrayStatusItem.h"
+#include "Platform/Qt/QtMainLoop.h"
 #include "X11/server.h"
 #include "support/FakePlatform.h"
 #include "support/XClient.h"
@@ -57,7 +58,7 @@ protected:
     }
 
     void makeItem() {
-        item = std::make_unique<TrayStatusItem>(*bus, icons.path(), appearance,
+        item = std::make_unique<TrayStatusItem>(*bus, icons.path(), loop, appearance,
                                                 X11Connection::open(server().display()));
         item->setMenu([this] {
             ++menusMade;
@@ -116,6 +117,7 @@ protected:
     }
 
     QTemporaryDir icons;
+    QtMainLoop loop;
     FakeAppearance appearance;
     std::unique_ptr<QDBusConnection> bus;
     std::unique_ptr<ChildProcess> host;
@@ -308,6 +310,17 @@ protected:
                           QStringLiteral("--delay"), QStringLiteral("80"), QStringLiteral("1")});
     }
 
+    static void point(QPoint at) {
+        server().xdotool({QStringLiteral("mousemove"), QString::number(at.x()), QString::number(at.y())});
+    }
+    /// Presses on the item and holds the button until the menu is there.
+    void hold() {
+        point(place().center());
+        server().xdotool({QStringLiteral("mousedown"), QStringLiteral("1")});
+        ASSERT_TRUE(waitUntil([] { return openMenu(); }));
+    }
+    static void release() { server().xdotool({QStringLiteral("mouseup"), QStringLiteral("1")}); }
+
     XClient other{server().display()};
 };
 
@@ -330,6 +343,33 @@ TEST_P(EmbeddedAt, a_double_click_chooses_nothing) {
     clickItem(2);
     ASSERT_TRUE(waitUntil([&] { return menusMade > 0; }));
     EXPECT_FALSE(waitUntil([&] { return breaks > 0; }, 1000));
+}
+
+TEST_P(EmbeddedAt, a_button_that_is_held_and_let_go_chooses_nothing_and_leaves_the_menu_open) {
+    makeItem();
+    startTrayer();
+    for (const int milliseconds : {100, 1500}) { // less and more than what a double click may take
+        hold();
+        waitUntil([] { return false; }, milliseconds);
+        release();
+        EXPECT_FALSE(waitUntil([&] { return breaks > 0 || !openMenu(); }, 700)) << milliseconds;
+        server().xdotool({QStringLiteral("key"), QStringLiteral("Escape")});
+        ASSERT_TRUE(waitUntil([] { return !openMenu(); }));
+    }
+}
+
+TEST_P(EmbeddedAt, a_button_that_is_held_on_the_way_to_a_command_chooses_it_when_let_go) {
+    makeItem();
+    startTrayer();
+    hold();
+    const QMenu &menu = *openMenu();
+    const QPoint command = menu.mapToGlobal(menu.actionGeometry(menu.actions().at(1)).center());
+    for (const int step : {-3, -1, 0})
+        point(command + QPoint(step, 0));
+    EXPECT_TRUE(waitUntil([&] { return menu.activeAction() == menu.actions().at(1); }));
+    release();
+    EXPECT_TRUE(waitUntil([&] { return breaks == 1; }));
+    EXPECT_TRUE(waitUntil([] { return !openMenu(); }));
 }
 
 TEST_P(EmbeddedAt, a_click_elsewhere_closes_the_menu) {
@@ -401,9 +441,11 @@ TEST_F(Tray, the_icon_follows_the_desktop_that_turns_dark_at_once) {
         }());
         return reply.arguments().value(0).value<QDBusVariant>().variant().toString();
     };
+    ASSERT_TRUE(waitUntil([&] { return !shade().isEmpty(); }));
     const QString light = shade();
-    EXPECT_FALSE(light.isEmpty());
     appearance.change({true, false, {}});
+    EXPECT_NE(shade(), light);
+    EXPECT_TRUE(waitUntil([&] { return !shade().isEmpty(); }));
     EXPECT_NE(shade(), light);
 }
 

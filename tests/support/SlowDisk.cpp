@@ -65,11 +65,24 @@ bool SlowDisk::waitForWriter() {
 
 } // namespace pavonel::test
 
-/// Takes the place of the C library's in the program that this is linked into.
-extern "C" int fsync(int descriptor) {
+namespace {
+
+int syncUnlessBroken(long call, int descriptor) {
     if (pavonel::test::fails()) {
         errno = EIO;
         return -1;
     }
-    return static_cast<int>(::syscall(SYS_fsync, descriptor));
+    return static_cast<int>(::syscall(call, descriptor));
+}
+
+} // namespace
+
+// These take the place of the C library's in the program that they are linked into.
+
+extern "C" int fsync(int descriptor) {
+    return syncUnlessBroken(SYS_fsync, descriptor);
+}
+
+extern "C" int fdatasync(int descriptor) {
+    return syncUnlessBroken(SYS_fdatasync, descriptor);
 }

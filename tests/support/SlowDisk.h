@@ -2,8 +2,8 @@
 
 namespace pavonel::test {
 
-/// While there is one, it decides about every fsync of this process, and so about every write that must not
-/// get lost. One at a time.
+/// While there is one, it decides about every fsync and fdatasync of this process, and so about every write
+/// that must not get lost. One at a time.
 class SlowDisk {
 public:
     SlowDisk();

@@ -165,9 +165,10 @@ std::unique_ptr<HotKeyService> hotKeys(const std::shared_ptr<X11Connection> &x) 
     return none<unavailable::HotKeyService>("This desktop does not offer keyboard shortcuts.");
 }
 
-std::unique_ptr<StatusItem> statusItem(Appearance &appearance, const std::shared_ptr<X11Connection> &x) {
+std::unique_ptr<StatusItem> statusItem(MainLoop &loop, Appearance &appearance,
+                                       const std::shared_ptr<X11Connection> &x) {
     return std::make_unique<TrayStatusItem>(QDBusConnection::sessionBus(),
-                                            cacheFolder() + QStringLiteral("/menubar"), appearance, x);
+                                            cacheFolder() + QStringLiteral("/menubar"), loop, appearance, x);
 }
 
 HeadlessPlatform allButTheStore() {
@@ -236,7 +237,7 @@ std::unique_ptr<Platform> makePlatform() {
     platform->sounds = std::make_unique<EventSounds>(ProgramFiles::ofThisProgram(), *platform->mainLoop);
     platform->loginItem = makeLoginItem();
     platform->appearance = std::make_unique<PortalAppearance>(QDBusConnection::sessionBus());
-    platform->statusItem = statusItem(*platform->appearance, x11);
+    platform->statusItem = statusItem(*platform->mainLoop, *platform->appearance, x11);
     return platform;
 }
 

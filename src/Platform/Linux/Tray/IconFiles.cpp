@@ -1,11 +1,14 @@
 #include "Platform/Linux/Tray/IconFiles.h"
 
+#include <QBuffer>
 #include <QColor>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QPainter>
 #include <QSaveFile>
+
+#include <utility>
 
 namespace pavonel {
 
@@ -18,23 +21,55 @@ QString fingerprint(const QImage &image) {
     return QString::fromLatin1(hash.result().toHex().left(digits));
 }
 
-bool isWritten(const QString &path, const QImage &image) {
+QByteArray asPng(const QImage &image) {
+    QByteArray file;
+    QBuffer buffer(&file);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return file;
+}
+
+bool isInPlace(const QString &folder, const QString &name, const QByteArray &content) {
+    const QString path = folder + u'/' + name + QStringLiteral(".png");
     if (QFile::exists(path))
         return true;
     QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && image.save(&file, "PNG") && file.commit();
+    return QDir().mkpath(folder) && file.open(QIODevice::WriteOnly) &&
+           file.write(content) == content.size() && file.commit();
 }
 
 } // namespace
 
+IconFiles::IconFiles(QString folder, MainLoop &loop, std::function<void(const QString &)> isWritten)
+    : folder_(std::move(folder)), loop_(loop), isWritten_(std::move(isWritten)) {}
+
 QString IconFiles::nameFor(const QString &symbol, const std::vector<QImage> &tinted) {
-    if (tinted.empty() || !QDir().mkpath(folder_))
+    if (tinted.empty())
         return {};
     // Hosts keep icons by name, so another picture gets another name.
     const QImage &image = tinted.back();
-    const QString name =
-        QStringLiteral("pavonel-%1-%2").arg(QString(symbol).replace(u'.', u'-'), fingerprint(image));
-    return isWritten(folder_ + u'/' + name + QStringLiteral(".png"), image) ? name : QString();
+    wanted_ = {QStringLiteral("pavonel-%1-%2").arg(QString(symbol).replace(u'.', u'-'), fingerprint(image)),
+               asPng(image)};
+    write();
+    return written_.contains(wanted_.name) ? wanted_.name : QString();
+}
+
+void IconFiles::write() {
+    if (written_.contains(wanted_.name) || writing_.isOut())
+        return;
+    writing_ = Errand::begin(loop_, [this, folder = folder_, icon = wanted_]() -> Errand::Action {
+        if (!isInPlace(folder, icon.name, icon.file))
+            return {}; // tried again with the next icon
+        return [this, name = icon.name] { conclude(name); };
+    });
+}
+
+void IconFiles::conclude(const QString &name) {
+    written_.insert(name);
+    if (name == wanted_.name)
+        isWritten_(name);
+    else
+        write();
 }
 
 QImage tinted(const QImage &image, const QColor &colour) {

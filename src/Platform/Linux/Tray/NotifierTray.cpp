@@ -29,11 +29,12 @@ DBusPixmap busPixmap(const QImage &image) {
 
 } // namespace
 
-NotifierTray::NotifierTray(const QDBusConnection &bus, const QString &iconFolder,
+NotifierTray::NotifierTray(const QDBusConnection &bus, const QString &iconFolder, MainLoop &loop,
                            std::function<void()> presenceChanged, std::function<void(QPoint)> showMenu)
     : bus_(bus),
       serviceName_(QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid())),
-      files_(iconFolder), item_(iconFolder, std::move(showMenu)),
+      item_(iconFolder, std::move(showMenu)),
+      files_(iconFolder, loop, [this](const QString &name) { item_.setIcon(name, pixmaps_); }),
       presenceChanged_(std::move(presenceChanged)) {
     constexpr auto exported = QDBusConnection::ExportAllContents;
     if (!bus_.isConnected() || !bus_.registerObject(itemPath, &item_, exported) ||
@@ -70,10 +71,10 @@ void NotifierTray::announce() {
 }
 
 void NotifierTray::setIcon(const QString &symbol, const std::vector<QImage> &images) {
-    QList<DBusPixmap> pixmaps;
+    pixmaps_.clear();
     for (const QImage &image : images)
-        pixmaps.append(busPixmap(image));
-    item_.setIcon(files_.nameFor(symbol, images), pixmaps);
+        pixmaps_.append(busPixmap(image));
+    item_.setIcon(files_.nameFor(symbol, images), pixmaps_);
 }
 
 } // namespace pavonel

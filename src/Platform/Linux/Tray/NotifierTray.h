@@ -17,8 +17,8 @@ namespace pavonel {
 class NotifierTray {
 public:
     /// `presenceChanged` is called when a host of this kind came or went.
-    NotifierTray(const QDBusConnection &bus, const QString &iconFolder, std::function<void()> presenceChanged,
-                 std::function<void(QPoint)> showMenu);
+    NotifierTray(const QDBusConnection &bus, const QString &iconFolder, MainLoop &loop,
+                 std::function<void()> presenceChanged, std::function<void(QPoint)> showMenu);
     ~NotifierTray();
 
     /// Whether there is somebody to show the item.
@@ -33,8 +33,9 @@ private:
 
     QDBusConnection bus_;
     QString serviceName_;
-    IconFiles files_;
     NotifierItem item_;
+    QList<DBusPixmap> pixmaps_;
+    IconFiles files_;
     DBusMenu menu_;
     QDBusServiceWatcher watcher_;
     std::function<void()> presenceChanged_;

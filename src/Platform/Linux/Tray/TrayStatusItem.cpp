@@ -14,10 +14,10 @@ QColor iconColour(bool darkDesktop) {
 
 } // namespace
 
-TrayStatusItem::TrayStatusItem(const QDBusConnection &bus, const QString &iconFolder, Appearance &appearance,
-                               const std::shared_ptr<X11Connection> &x)
+TrayStatusItem::TrayStatusItem(const QDBusConnection &bus, const QString &iconFolder, MainLoop &loop,
+                               Appearance &appearance, const std::shared_ptr<X11Connection> &x)
     : appearance_(appearance), notifier_(
-                                   bus, iconFolder, [this] { chooseTray(); },
+                                   bus, iconFolder, loop, [this] { chooseTray(); },
                                    [this](QPoint at) {
                                        const QRect pointer(at, QSize(1, 1));
                                        showMenu({pointer, pointer});

@@ -17,8 +17,8 @@ namespace pavonel {
 class TrayStatusItem final : public StatusItem {
 public:
     /// `x` may be null: not every desktop has an X server.
-    TrayStatusItem(const QDBusConnection &bus, const QString &iconFolder, Appearance &appearance,
-                   const std::shared_ptr<X11Connection> &x);
+    TrayStatusItem(const QDBusConnection &bus, const QString &iconFolder, MainLoop &loop,
+                   Appearance &appearance, const std::shared_ptr<X11Connection> &x);
 
     QString limitation() const override;
     void setIcon(const QString &name, const std::vector<QImage> &images) override;
