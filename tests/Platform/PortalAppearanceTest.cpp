@@ -5,6 +5,7 @@
 
 #include <QDBusArgument>
 #include <QDBusContext>
+#include <QDBusError>
 #include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QGuiApplication>
@@ -73,6 +74,7 @@ public:
     DesktopSettings settings;
     QStringList asked;
     bool deaf = false;
+    bool refuses = false;
 
     Q_SIGNAL void SettingChanged(const QString &space, const QString &key, const QDBusVariant &value);
 
@@ -80,6 +82,8 @@ public:
         asked = spaces;
         if (deaf)
             setDelayedReply(true);
+        if (refuses)
+            sendErrorReply(QDBusError::Failed, QStringLiteral("The settings cannot be read."));
         DesktopSettings answer;
         for (const QString &space : spaces) {
             if (settings.contains(space))
@@ -158,6 +162,27 @@ TEST_F(PortalAppearanceTest, without_a_portal_the_palette_decides) {
     const auto appearance = makeAppearance();
     EXPECT_EQ(appearance->wishes(), (AppearanceWishes{.dark = true, .reducedMotion = false, .accent = {}}));
     setPalette(Qt::white);
+    EXPECT_TRUE(waitUntil([&] { return !appearance->wishes().dark; }));
+}
+
+TEST_F(PortalAppearanceTest, with_one_that_refuses_the_palette_decides_until_a_signal_tells_more) {
+    setPalette(Qt::white);
+    portal.refuses = true;
+    portal.set(common, QStringLiteral("color-scheme"), 1u);
+    const auto appearance = makeInformed();
+    EXPECT_FALSE(appearance->wishes().dark);
+    portal.change(common, "color-scheme", 1u);
+    EXPECT_TRUE(waitUntil([&] { return appearance->wishes().dark; }));
+}
+
+TEST_F(PortalAppearanceTest, one_that_refuses_after_a_restart_makes_nothing_of_the_earlier_ones_word_last) {
+    setPalette(Qt::white);
+    portal.set(common, QStringLiteral("color-scheme"), 1u);
+    const auto appearance = makeInformed();
+    EXPECT_TRUE(appearance->wishes().dark);
+    portal.vanish();
+    portal.refuses = true;
+    portal.appear();
     EXPECT_TRUE(waitUntil([&] { return !appearance->wishes().dark; }));
 }
 

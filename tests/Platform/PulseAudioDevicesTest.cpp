@@ -1,8 +1,11 @@
 #include "Platform/Linux/Audio/PulseAudioDevices.h"
 
+#include "support/HostileSocket.h"
 #include "support/RecordingStream.h"
 #include "support/SoundServer.h"
 #include "support/waitUntil.h"
+
+#include <QRandomGenerator>
 
 #include <gtest/gtest.h>
 
@@ -164,6 +167,42 @@ TEST_P(SoundServerTest, only_the_device_that_is_the_default_one_now_counts) {
     }
     makeDefault("mic");
     EXPECT_TRUE(becomes(input(), true));
+}
+
+TEST(PulseAudioDevices, a_server_that_means_harm_holds_nothing_and_nobody_up) {
+    SoundServer honest(SoundServer::Kind::pulseAudio);
+    honest.start();
+    const QString address = qEnvironmentVariable("PULSE_SERVER");
+    const QString trueServer = address.sliced(QStringLiteral("unix:").size());
+    const auto recorder = honest.record();
+    const auto cutAfter = [&](qsizetype bytes) {
+        return HostileSocket::between(
+            trueServer, [](const QByteArray &piece) { return piece; }, bytes);
+    };
+    QByteArray noise(1 << 20, '\0');
+    QRandomGenerator generator(4711);
+    generator.fillRange(reinterpret_cast<quint32 *>(noise.data()), noise.size() / 4);
+    const HostileSocket::Conduct conducts[] = {
+        HostileSocket::silent(),
+        HostileSocket::pouring(noise),
+        HostileSocket::pouring(QByteArray(1 << 16, '\0')),
+        cutAfter(0),
+        cutAfter(20),
+        cutAfter(100),
+    };
+    for (const auto &conduct : conducts) {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("native"));
+        const HostileSocket hostile(path, conduct);
+        qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(path));
+        PulseAudioDevices devices;
+        EXPECT_TRUE(waitUntil([&] {
+            EXPECT_FALSE(devices.isDefaultInputRunning());
+            return hostile.connections() > 0;
+        }));
+        EXPECT_FALSE(waitUntil([&] { return devices.isDefaultInputRunning(); }, 500));
+        qputenv("PULSE_SERVER", address.toLocal8Bit());
+    }
 }
 
 TEST(PulseAudioDevices, without_a_server_every_answer_is_harmless_and_the_reason_is_given) {

@@ -16,6 +16,8 @@
 #include <QScreen>
 #include <QWidget>
 
+#include <numeric>
+
 #include <gtest/gtest.h>
 
 namespace pavonel::test {
@@ -226,6 +228,29 @@ TEST_F(X11WindowsTest, a_window_with_absurd_properties_is_a_window_like_any_othe
         return front && front->windowClass.startsWith(u'x');
     }));
     EXPECT_LE(windows->front()->windowClass.size(), 256);
+}
+
+TEST_F(X11WindowsTest, windows_that_only_a_list_claims_are_not_on_the_screen) {
+    server().start(WindowManager::openbox);
+    open({0, 0, 800, 600});
+    ASSERT_TRUE(waitUntil([&] { return windows->onScreen().size() == 1; }));
+    const auto x = X11Connection::open(server().display());
+    std::vector<std::uint32_t> claimed(60'000);
+    std::iota(claimed.begin(), claimed.end(), 0x700000);
+    const auto claim = [&](const char *list) {
+        xcb_change_property(other->xcb(), XCB_PROP_MODE_REPLACE, other->root(), other->atom(list),
+                            XCB_ATOM_WINDOW, 32, static_cast<std::uint32_t>(claimed.size()), claimed.data());
+        xcb_flush(other->xcb());
+        ASSERT_TRUE(waitUntil([&] {
+            const auto listed = x->numbers(x->root(), list);
+            return !listed.empty() && listed.front() == claimed.front();
+        }));
+        waitUntil([&] { return windows->onScreen().size() != 1; }, 500);
+    };
+    claim("_NET_CLIENT_LIST_STACKING");
+    EXPECT_EQ(windows->onScreen().size(), 1U) << "the other list still names the true one";
+    claim("_NET_CLIENT_LIST");
+    EXPECT_TRUE(waitUntil([&] { return windows->onScreen().empty(); }));
 }
 
 TEST_F(X11WindowsTest, a_machine_that_is_renamed_keeps_its_windows_and_gets_new_ones) {
