@@ -36,6 +36,11 @@ void HotKeyManager::registerBinding(Binding binding) {
         refs_.insert_or_assign(id, std::move(registration));
 }
 
+bool HotKeyManager::holds(std::uint32_t id) const {
+    const auto found = refs_.find(id);
+    return found != refs_.end() && found->second->isHeld();
+}
+
 void HotKeyManager::unregisterEscape() {
     if (refs_.erase(escapeID) > 0)
         bindings_.erase(escapeID);

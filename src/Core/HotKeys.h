@@ -34,7 +34,7 @@ public:
     void registerBinding(Binding binding);
 
     /// Whether the combination of a registered binding is ours; another program may own it.
-    bool holds(std::uint32_t id) const { return refs_.contains(id); }
+    bool holds(std::uint32_t id) const;
     void unregisterEscape();
 
     /// Every registered one, held or not.

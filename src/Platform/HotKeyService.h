@@ -15,6 +15,9 @@ public:
     HotKeyRegistration(const HotKeyRegistration &) = delete;
     HotKeyRegistration &operator=(const HotKeyRegistration &) = delete;
     virtual ~HotKeyRegistration() = default;
+
+    /// Whether the key is ours now. Some desktops tell only a moment later.
+    virtual bool isHeld() const { return true; }
 };
 
 /// System-wide keyboard shortcuts. Key codes and modifier bits are those of the Mac's hot-key service

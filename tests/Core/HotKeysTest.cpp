@@ -88,6 +88,28 @@ TEST(HotKeyManager, tells_which_combinations_it_could_not_have) {
     EXPECT_FALSE(bench.manager.holds(2));
 }
 
+TEST(HotKeyManager, a_combination_is_held_once_a_slow_desktop_says_so) {
+    struct Late final : HotKeyService {
+        struct Registration final : HotKeyRegistration {
+            explicit Registration(const bool &told) : held(told) {}
+            bool isHeld() const override { return held; }
+            const bool &held;
+        };
+        void setPressHandler(PressHandler) override {}
+        std::unique_ptr<HotKeyRegistration> registerKey(std::uint32_t, std::uint32_t,
+                                                        std::uint32_t) override {
+            return std::make_unique<Registration>(held);
+        }
+        bool held = false;
+    } late;
+    FakePlatform platform;
+    HotKeyManager manager(late, platform.loop);
+    manager.registerBinding({1, 11, 0x1900, {}, {}});
+    EXPECT_FALSE(manager.holds(1));
+    late.held = true;
+    EXPECT_TRUE(manager.holds(1));
+}
+
 TEST(HotKeyManager, a_combination_that_another_program_owns_stays_silently_without_effect) {
     HotKeysBench bench;
     bench.platform.keys.refuses = true;

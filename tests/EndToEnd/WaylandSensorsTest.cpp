@@ -1,28 +1,19 @@
-#include "EndToEnd/WaylandDesktop.h"
-#include "support/KWin.h"
-#include "support/Sway.h"
+#include "EndToEnd/WaylandPlaces.h"
 #include "support/files.h"
 #include "support/waitUntil.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDir>
 #include <QJsonArray>
+
+#include <csignal>
 
 #include <gtest/gtest.h>
 
 namespace pavonel::test {
 
 namespace {
-
-struct OnSway {
-    OnSway() { desktop.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address()); }
-    MessageBus bus;
-    WaylandDesktop desktop{std::make_unique<Sway>()};
-};
-
-/// KWin brings a bus.
-struct OnKWin {
-    WaylandDesktop desktop{std::make_unique<KWin>()};
-};
 
 /// What the built program notices of the user and of other programs, as its status tells.
 template <class Place> struct SensorsOnWayland : testing::Test {
@@ -68,14 +59,8 @@ template <class Place> struct SensorsOnWayland : testing::Test {
     WaylandDesktop &desktop = place.desktop;
 };
 
-struct Name {
-    template <class Place> static std::string GetName(int) {
-        return std::is_same_v<Place, OnSway> ? "sway" : "KWin";
-    }
-};
-
-using Places = testing::Types<OnSway, OnKWin>;
-TYPED_TEST_SUITE(SensorsOnWayland, Places, Name);
+using Places = testing::Types<OnSway, OnSwayWithoutIpc, OnKWin>;
+TYPED_TEST_SUITE(SensorsOnWayland, Places, NameOfPlace);
 
 TYPED_TEST(SensorsOnWayland, being_away_for_as_long_as_a_break_is_one) {
     this->start({{QStringLiteral("idleResetSeconds"), 6}, {QStringLiteral("microDuration"), 8}});
@@ -115,6 +100,27 @@ TYPED_TEST(SensorsOnWayland, a_focus_application_holds_while_it_is_in_front) {
     EXPECT_TRUE(this->isHeldFor(QStringLiteral("deepFocus")));
     const auto other = this->open(QStringLiteral("other"));
     EXPECT_TRUE(this->isHeldFor({}));
+}
+
+struct SensorsOnKWin : SensorsOnWayland<OnKWin> {
+    bool hasScript() {
+        auto call = QDBusMessage::createMethodCall(
+            QStringLiteral("org.kde.KWin"), QStringLiteral("/Scripting"),
+            QStringLiteral("org.kde.kwin.Scripting"), QStringLiteral("isScriptLoaded"));
+        call << QStringLiteral("pavonel");
+        return outsider.call(call).arguments().value(0).toBool();
+    }
+    ~SensorsOnKWin() override { QDBusConnection::disconnectFromBus(QStringLiteral("outsider")); }
+
+    QDBusConnection outsider = QDBusConnection::connectToBus(static_cast<KWin &>(desktop.compositor()).bus(),
+                                                             QStringLiteral("outsider"));
+};
+
+TEST_F(SensorsOnKWin, leaves_no_script_behind) {
+    start(neverAway);
+    ASSERT_TRUE(waitUntil([this] { return hasScript(); }));
+    EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
+    EXPECT_TRUE(waitUntil([this] { return !hasScript(); }));
 }
 
 } // namespace

@@ -1,9 +1,5 @@
+#include "Platform/FakeSway.h"
 #include "Platform/Linux/Sway/SwayWindows.h"
-#include "support/waitUntil.h"
-
-#include <QLocalServer>
-#include <QLocalSocket>
-#include <QTemporaryDir>
 
 #include <cstring>
 
@@ -13,37 +9,15 @@ namespace pavonel::test {
 
 namespace {
 
-constexpr std::uint32_t tree = 4;
+constexpr std::uint32_t tree = FakeSway::getTree;
 constexpr std::uint32_t windowEvent = 0x80000003;
+constexpr auto message = FakeSway::message;
 
-QByteArray message(std::uint32_t type, const QByteArray &text) {
-    const auto length = static_cast<std::uint32_t>(text.size());
-    QByteArray all("i3-ipc");
-    all.append(reinterpret_cast<const char *>(&length), sizeof length);
-    all.append(reinterpret_cast<const char *>(&type), sizeof type);
-    return all + text;
-}
-
-/// A sway that says what a test wants.
 class SwayIpcTest : public testing::Test {
 protected:
-    SwayIpcTest() {
-        server.listen(folder.filePath(QStringLiteral("ipc")));
-        qputenv("SWAYSOCK", server.fullServerName().toLocal8Bit());
-        windows = SwayWindows::make();
-        waitUntil([&] { return server.hasPendingConnections(); });
-        sway = server.nextPendingConnection();
-    }
-    ~SwayIpcTest() override { qunsetenv("SWAYSOCK"); }
-
-    bool isAsked(int times) {
-        return waitUntil([&] {
-            asked += sway->readAll();
-            return asked.count(message(tree, {})) == times;
-        });
-    }
+    bool isAsked(int times) { return fake.isAsked(message(tree, {}), times); }
     void answer(const QByteArray &text) {
-        sway->write(message(2, R"({"success":true})") + message(tree, text));
+        sway->write(message(FakeSway::subscribe, R"({"success":true})") + message(tree, text));
     }
     bool tells() {
         return waitUntil([&] { return windows->isTelling(); });
@@ -52,11 +26,9 @@ protected:
         return waitUntil([&] { return !windows->isTelling(); });
     }
 
-    QTemporaryDir folder;
-    QLocalServer server;
-    std::unique_ptr<SwayWindows> windows;
-    QLocalSocket *sway = nullptr;
-    QByteArray asked;
+    FakeSway fake;
+    std::unique_ptr<SwayWindows> windows = SwayWindows::make();
+    QLocalSocket *sway = fake.client();
 };
 
 TEST_F(SwayIpcTest, is_not_there_without_a_socket) {

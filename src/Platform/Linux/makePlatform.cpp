@@ -6,15 +6,18 @@
 #include "Platform/Linux/AutostartLoginItem.h"
 #include "Platform/Linux/Bus/BusRunningPavonel.h"
 #include "Platform/Linux/Bus/BusSingleInstance.h"
+#include "Platform/Linux/Bus/KGlobalAccelHotKeys.h"
 #include "Platform/Linux/Bus/LockAwareIdleTime.h"
 #include "Platform/Linux/Bus/LogindPowerEvents.h"
 #include "Platform/Linux/Bus/PortalAppearance.h"
+#include "Platform/Linux/Bus/PortalHotKeys.h"
 #include "Platform/Linux/DetachedLauncher.h"
 #include "Platform/Linux/Fetch/FetchClient.h"
 #include "Platform/Linux/FirstIdleTime.h"
 #include "Platform/Linux/KWin/KWinWindows.h"
 #include "Platform/Linux/LinuxInstallation.h"
 #include "Platform/Linux/PipeWire/PipeWireScreenCasts.h"
+#include "Platform/Linux/Sway/SwayHotKeys.h"
 #include "Platform/Linux/Sway/SwayWindows.h"
 #include "Platform/Linux/Tray/TrayStatusItem.h"
 #include "Platform/Linux/Wayland/ForeignToplevels.h"
@@ -157,12 +160,17 @@ std::unique_ptr<WindowLayers> windowLayers(const std::shared_ptr<X11Connection> 
     return std::make_unique<QtWindowLayers>();
 }
 
+/// In the order in which they are preferred.
 std::unique_ptr<HotKeyService> hotKeys(const std::shared_ptr<X11Connection> &x) {
     if (seesAllInput(x)) {
         if (auto service = X11HotKeys::make(x))
             return service;
     }
-    return none<unavailable::HotKeyService>("This desktop does not offer keyboard shortcuts.");
+    if (auto plasma = KGlobalAccelHotKeys::make(QDBusConnection::sessionBus()))
+        return makeHotKeyService(std::move(plasma));
+    if (auto sway = SwayHotKeys::make())
+        return makeHotKeyService(std::move(sway));
+    return makeHotKeyService(std::make_shared<PortalHotKeys>(QDBusConnection::sessionBus()));
 }
 
 std::unique_ptr<StatusItem> statusItem(MainLoop &loop, Appearance &appearance,

@@ -29,25 +29,10 @@ public:
     std::optional<Application> frontmost() override { return {}; }
 };
 
-class WindowList final : public Unavailable<pavonel::WindowList> {
-public:
-    using Unavailable::Unavailable;
-    std::vector<OnScreenWindow> onScreenWindows() override { return {}; }
-};
-
 class Pointer final : public Unavailable<pavonel::Pointer> {
 public:
     using Unavailable::Unavailable;
     std::optional<QPointF> position() override { return {}; }
-};
-
-class HotKeyService final : public Unavailable<pavonel::HotKeyService> {
-public:
-    using Unavailable::Unavailable;
-    void setPressHandler(PressHandler) override {}
-    std::unique_ptr<HotKeyRegistration> registerKey(std::uint32_t, std::uint32_t, std::uint32_t) override {
-        return nullptr;
-    }
 };
 
 class StatusItem final : public Unavailable<pavonel::StatusItem> {

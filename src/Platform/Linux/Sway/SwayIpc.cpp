@@ -1,11 +1,14 @@
 #include "Platform/Linux/Sway/SwayIpc.h"
 
+#include <QDeadlineTimer>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <utility>
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -81,6 +84,15 @@ void SwayIpc::ask(Request request, const QByteArray &text, Answered answered) {
     if (::send(socket_, message.constData(), static_cast<std::size_t>(message.size()), MSG_NOSIGNAL) !=
         message.size())
         end();
+}
+
+void SwayIpc::awaitAnswers(std::chrono::milliseconds longest) {
+    const QDeadlineTimer deadline(longest);
+    pollfd socket{socket_, POLLIN, 0};
+    while (isAlive() && !asked_.empty() && !deadline.hasExpired()) {
+        if (::poll(&socket, 1, static_cast<int>(deadline.remainingTime())) > 0)
+            read();
+    }
 }
 
 /// A piece at a time, so that nobody holds us up by saying much.

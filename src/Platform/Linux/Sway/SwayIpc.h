@@ -4,6 +4,7 @@
 #include <QJsonDocument>
 #include <QSocketNotifier>
 
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -29,6 +30,9 @@ public:
     /// Sway's numbers of them.
     enum class Event : std::uint32_t { workspace = 0x80000000, window = 0x80000003, binding = 0x80000005 };
     void onEvent(std::function<void(Event, const QJsonDocument &)> handler) { handler_ = std::move(handler); }
+
+    /// Until all questions are answered, or for this long.
+    void awaitAnswers(std::chrono::milliseconds longest);
 
     bool isAlive() const { return notifier_.isEnabled(); }
 

@@ -1,5 +1,6 @@
 #include "Platform/Linux/X11/X11Keyboard.h"
 
+#include "Platform/Linux/Keyboard/UsKey.h"
 #include "Platform/Linux/X11/macKeyPositions.h"
 
 #include <algorithm>
@@ -17,10 +18,6 @@ namespace pavonel {
 
 namespace {
 
-constexpr std::uint32_t macCommand = 0x0100;
-constexpr std::uint32_t macShift = 0x0200;
-constexpr std::uint32_t macOption = 0x0800;
-constexpr std::uint32_t macControl = 0x1000;
 constexpr std::uint16_t allModifiers = 0xff; // the rest of a key event's state are buttons and layout groups
 
 // The numbers of these key symbols are fixed by the protocol.
@@ -141,8 +138,8 @@ std::optional<X11Keyboard::Combination> X11Keyboard::resolve(std::uint32_t macKe
         macModifiers &= ~macBit;
         return modifier != 0;
     };
-    const bool complete = add(macCommand, command_) && add(macOption, option_) &&
-                          add(macControl, XCB_MOD_MASK_CONTROL) && add(macShift, XCB_MOD_MASK_SHIFT);
+    const bool complete = add(mac::command, command_) && add(mac::option, option_) &&
+                          add(mac::control, XCB_MOD_MASK_CONTROL) && add(mac::shift, XCB_MOD_MASK_SHIFT);
     return complete && macModifiers == 0 ? std::optional(combination) : std::nullopt;
 }
 
