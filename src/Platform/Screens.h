@@ -25,6 +25,10 @@ public:
 
     /// In the system's order; empty when no screen is attached.
     virtual std::vector<Screen> all() = 0;
+
+    /// Whether a screen that goes and comes back has the name that it had. Where it may get another one,
+    /// nobody can tell it from a new one.
+    virtual bool keepNames() const { return true; }
 };
 
 } // namespace pavonel

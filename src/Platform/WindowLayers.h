@@ -40,8 +40,13 @@ public:
     /// are not, they come out black.
     virtual bool canBlend() const = 0;
 
-    /// Whether `QWidget::setWindowOpacity` has an effect, at this moment.
+    /// Whether `QWidget::setWindowOpacity` has an effect, at this moment. Where it has none and windows are
+    /// blended, fades are painted.
     virtual bool canFade() const = 0;
+
+    /// Whether a small change in a large window costs little. Where it does not, what moves has to be a small
+    /// window of its own within the large one.
+    virtual bool updatesInPart() const { return true; }
 
     /// Cuts a window to this shape: clicks beside it reach what lies below, and where nothing is blended only
     /// the shape is seen. In device pixels, from the window's left upper corner; the window has its native

@@ -29,8 +29,8 @@ double pixelRatio(const Screen &screen) {
 
 } // namespace
 
-OverlayWindow::OverlayWindow(const Screen &screen, std::unique_ptr<BreakOverlayView> view)
-    : screenName_(screen.name) {
+OverlayWindow::OverlayWindow(const Screen &screen, Fading fading, std::unique_ptr<BreakOverlayView> view)
+    : screenName_(screen.name), opacity_(*this, fading) {
     setWindowTitle(QStringLiteral("Pavonel Break"));
     setAccessibleName(windowTitle());
     setAttribute(Qt::WA_NoSystemBackground); // the view covers it
@@ -44,10 +44,9 @@ void OverlayWindow::setView(std::unique_ptr<BreakOverlayView> view) {
     view_->show();
 }
 
-void OverlayWindow::orderFront(WindowLayers &layers, const Screen &screen, double opacity) {
+void OverlayWindow::orderFront(WindowLayers &layers, const Screen &screen) {
     setWindowFlags(layers.windowFlags(WindowLayer::overlay));
     setGeometry(screen.frame.toRect());
-    setWindowOpacity(opacity);
     winId();
     // Now, for while the server takes over another window's painting it lets us wait for the memory.
     backingStore()->resize(size());
@@ -66,10 +65,8 @@ void OverlayWindow::resizeEvent(QResizeEvent *event) {
 
 OverlayManager::Set::Set(Platform &platform)
     : fade(*platform.mainLoop, *platform.appearance, [this](double opacity) {
-          if (!fades)
-              return;
           for (const auto &window : windows)
-              window->setWindowOpacity(opacity);
+              window->setOpacity(opacity);
       }) {}
 
 /// The windows stay exactly on their screens, and go with them.
@@ -80,6 +77,12 @@ void OverlayManager::Set::follow(const std::vector<Screen> &attached) {
             window->setGeometry(screen->frame.toRect());
         return screen == attached.end();
     });
+}
+
+/// The fade is over, and what moves may have windows of its own.
+void OverlayManager::Set::settle() {
+    for (const auto &window : windows)
+        window->view().settle();
 }
 
 bool OverlayManager::Set::covers(const Screen &screen) const {
@@ -130,22 +133,22 @@ void OverlayManager::show() {
         return;
     expect();
     backgrounds_.awaitPictures();
-    current_->fades = platform_.windowLayers->canFade();
     for (const Screen &screen : platform_.screens->all()) {
         build(screen, screen.isMain ? BreakOverlayView::Role::primary : BreakOverlayView::Role::secondary);
         current_->screens.push_back(screen.name);
         current_->showsText |= screen.isMain;
     }
     takeKeyboard();
-    current_->fade.to(1, fadeIn);
+    current_->fade.to(1, fadeIn, [shown = current_.get()] { shown->settle(); });
     bindEscape();
     qGuiApp->installEventFilter(this);
 }
 
 void OverlayManager::build(const Screen &screen, BreakOverlayView::Role role) {
-    current_->windows.push_back(std::make_unique<OverlayWindow>(screen, makeView(role)));
-    const double opacity = current_->fades ? current_->fade.opacity() : 1;
-    current_->windows.back()->orderFront(*platform_.windowLayers, screen, opacity);
+    const Fading fading = fadingOn(*platform_.windowLayers);
+    current_->windows.push_back(std::make_unique<OverlayWindow>(screen, fading, makeView(role)));
+    current_->windows.back()->setOpacity(current_->fade.opacity());
+    current_->windows.back()->orderFront(*platform_.windowLayers, screen);
 }
 
 std::unique_ptr<BreakOverlayView> OverlayManager::makeView(BreakOverlayView::Role role) {
@@ -201,7 +204,6 @@ void OverlayManager::hide() {
     Set *leaving = leaving_.back().get();
     for (const auto &window : leaving->windows)
         window->view().freeze();
-    leaving->fades = platform_.windowLayers->canFade();
     leaving->fade.to(0, fadeOut, [this, leaving] { letGo(leaving); });
 }
 
@@ -221,9 +223,12 @@ void OverlayManager::followScreens() {
     for (const auto &set : leaving_)
         set->follow(attached);
     current_->follow(attached);
+    if (current_->screens.empty())
+        return;
     // While its mode changes, a screen may be gone for a moment.
+    const bool anyMayBeBack = !platform_.screens->keepNames();
     for (const Screen &screen : attached) {
-        if (current_->screens.contains(screen.name) && !current_->covers(screen))
+        if ((anyMayBeBack || current_->screens.contains(screen.name)) && !current_->covers(screen))
             build(screen, BreakOverlayView::Role::secondary);
     }
     keepText();

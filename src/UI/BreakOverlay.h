@@ -7,6 +7,7 @@
 #include "UI/BreakOverlayView.h"
 #include "UI/Fade.h"
 #include "UI/ScreenChanges.h"
+#include "UI/WindowOpacity.h"
 
 #include <memory>
 #include <vector>
@@ -16,7 +17,7 @@ namespace pavonel {
 /// Covers one screen: takes the keyboard and swallows clicks, and nobody but the manager closes it.
 class OverlayWindow final : public QWidget {
 public:
-    OverlayWindow(const Screen &screen, std::unique_ptr<BreakOverlayView> view);
+    OverlayWindow(const Screen &screen, Fading fading, std::unique_ptr<BreakOverlayView> view);
 
     const QString &screenName() const { return screenName_; }
 
@@ -24,7 +25,9 @@ public:
     void setView(std::unique_ptr<BreakOverlayView> view);
 
     /// Shows it above everything.
-    void orderFront(WindowLayers &layers, const Screen &screen, double opacity);
+    void orderFront(WindowLayers &layers, const Screen &screen);
+
+    void setOpacity(double opacity) { opacity_.set(opacity); }
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -33,6 +36,7 @@ protected:
 private:
     QString screenName_;
     std::unique_ptr<BreakOverlayView> view_;
+    WindowOpacity opacity_;
 };
 
 /// Puts the break screen on every screen when a break starts and takes it away when the break ends.
@@ -66,12 +70,12 @@ private:
 
         void follow(const std::vector<Screen> &screens);
         bool covers(const Screen &screen) const;
+        void settle();
 
         Windows windows;
         QStringList screens;    ///< The names of all that it began with; empty while hidden.
         bool showsText = false; ///< On one of its windows, whichever screens go.
         Fade fade;
-        bool fades = false; ///< Asked when a fade begins: each frame's question would wait for the server.
     };
 
     void build(const Screen &screen, BreakOverlayView::Role role);

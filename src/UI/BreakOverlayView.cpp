@@ -5,6 +5,7 @@
 #include "UI/Backgrounds.h"
 #include "UI/BreakScreenText.h"
 #include "UI/Ring.h"
+#include "UI/RingInset.h"
 #include "UI/SkipButton.h"
 
 #include <QPaintEvent>
@@ -18,7 +19,7 @@ namespace pavonel {
 BreakOverlayView::BreakOverlayView(BreakController &controller, Settings &settings, Platform &platform,
                                    Backgrounds &backgrounds, Role role, QWidget *parent)
     : QWidget(parent), controller_(controller), settings_(settings), loop_(*platform.mainLoop),
-      backgrounds_(backgrounds), role_(role),
+      layers_(*platform.windowLayers), backgrounds_(backgrounds), role_(role),
       glide_(*platform.mainLoop, *platform.appearance, [this] { updateArc(); }) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     shown_ = content();
@@ -43,9 +44,23 @@ double BreakOverlayView::progress() const {
     return over > 0 ? std::min(over, 1.0) : 0; // what is no number is not over either
 }
 
+void BreakOverlayView::settle() {
+    if (!isPrimary() || layers_.updatesInPart() || !window()->windowHandle())
+        return;
+    inset_ =
+        std::make_unique<RingInset>(*window()->windowHandle(), insetPlace(),
+                                    [this](QPainter &painter, const QRect &due) { paint(painter, due); });
+    update(); // such a window appears with the next picture of the large one
+}
+
+QRect BreakOverlayView::insetPlace() const {
+    return layout_.ring.adjusted(-1, -1, 1, 1).toAlignedRect().translated(mapTo(window(), QPoint()));
+}
+
 void BreakOverlayView::freeze() {
     observations_.clear();
     refresh();
+    inset_.reset();
     if (skip_)
         skip_->setEnabled(false); // a late click must not end the next break
 }
@@ -78,7 +93,7 @@ void BreakOverlayView::refresh() {
     refreshPending_ = false;
     const Content before = std::exchange(shown_, content());
     if (shown_.time != before.time)
-        update(breakScreen::timeRect(layout_.ring).toAlignedRect());
+        updateTime();
     if (shown_.still != before.still) {
         arrange();
         update();
@@ -90,11 +105,21 @@ void BreakOverlayView::refresh() {
     }
 }
 
-/// At once: to ask for it would wake the loop a second time in each frame.
+void BreakOverlayView::updateTime() {
+    const QRect changed = breakScreen::timeRect(layout_.ring).toAlignedRect();
+    if (inset_)
+        inset_->updatePart(changed);
+    else
+        update(changed);
+}
+
 void BreakOverlayView::updateArc() {
     const QRectF changed = ring::changed(layout_.ring, drawnProgress_, glide_.reached());
     drawnProgress_ = glide_.reached();
-    repaint(changed.toAlignedRect());
+    if (inset_)
+        inset_->updatePart(changed.toAlignedRect());
+    else
+        repaint(changed.toAlignedRect()); // at once: to ask for it would wake the loop again in each frame
 }
 
 void BreakOverlayView::arrange() {
@@ -115,6 +140,8 @@ void BreakOverlayView::arrange() {
     setAccessibleDescription(shown_.still.message);
     skip_->setVisible(shown_.still.skipPermitted);
     skip_->setGeometry(QRect(layout_.skip.topLeft().toPoint(), skip_->sizeHint()));
+    if (inset_)
+        inset_->setGeometry(insetPlace());
 }
 
 void BreakOverlayView::breakMessage(double scale, double room) {
@@ -129,14 +156,16 @@ void BreakOverlayView::resizeEvent(QResizeEvent *event) {
 
 void BreakOverlayView::paintEvent(QPaintEvent *event) {
     QPainter painter(this);
+    paint(painter, event->rect());
+}
+
+void BreakOverlayView::paint(QPainter &painter, const QRect &due) {
     paintBackground(painter);
     if (!isPrimary())
         return;
-    const auto isDue = [event](const QRectF &rect) {
-        return event->region().intersects(rect.toAlignedRect());
-    };
+    const auto isDue = [&due](const QRectF &rect) { return due.intersects(rect.toAlignedRect()); };
     if (isDue(layout_.ring.adjusted(-1, -1, 1, 1)))
-        ring::paint(painter, layout_.ring, glide_.reached(), event->rect());
+        ring::paint(painter, layout_.ring, glide_.reached(), due);
     if (isDue(breakScreen::timeRect(layout_.ring)))
         breakScreen::paintTime(painter, layout_.ring, shown_.time);
     if (isDue(layout_.title))
@@ -149,12 +178,13 @@ void BreakOverlayView::paintEvent(QPaintEvent *event) {
 void BreakOverlayView::paintBackground(QPainter &painter) {
     const double ratio = painter.deviceTransform().m11(); // of the image too, when it is drawn into one
     const QImage &image = backgrounds_.image(size() * ratio);
+    painter.save();
     painter.scale(1 / ratio, 1 / ratio);
     if (image.isNull())
         painter.fillRect(QRect(QPoint(0, 0), size() * ratio), Qt::black);
     else
         painter.drawImage(QPoint(0, 0), image);
-    painter.resetTransform();
+    painter.restore();
 }
 
 } // namespace pavonel

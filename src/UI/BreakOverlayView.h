@@ -10,7 +10,9 @@
 namespace pavonel {
 
 class Backgrounds;
+class RingInset;
 class SkipButton;
+class WindowLayers;
 
 /// What the break screen of one window shows: the background, and on the primary screen over it the title,
 /// the ring with the time, the message and, where skipping is permitted, the button. It follows the
@@ -27,6 +29,10 @@ public:
 
     /// The share of the break that is over, 0 to 1; 0 for a break without length.
     double progress() const;
+
+    /// To be called once the window is on the screen and opaque: what moves gets a window of its own where
+    /// that is cheaper.
+    void settle();
 
     /// Takes over the last state and follows no further; for a break that has ended.
     void freeze();
@@ -62,12 +68,16 @@ private:
     void refresh();
     void arrange();
     void breakMessage(double scale, double room);
+    void updateTime();
     void updateArc();
+    void paint(QPainter &painter, const QRect &due);
+    QRect insetPlace() const;
     void paintBackground(QPainter &painter);
 
     BreakController &controller_;
     Settings &settings_;
     MainLoop &loop_;
+    WindowLayers &layers_;
     Backgrounds &backgrounds_;
     Role role_;
     Content shown_;
@@ -75,7 +85,8 @@ private:
     std::optional<MessageText> message_;
     SkipButton *skip_ = nullptr; ///< A child; hidden while skipping is not permitted.
     RingGlide glide_;
-    double drawnProgress_ = 0; ///< Where the arc ends on the screen.
+    std::unique_ptr<RingInset> inset_; ///< Shows ring and time in our stead.
+    double drawnProgress_ = 0;         ///< Where the arc ends on the screen.
     bool refreshPending_ = false;
     std::vector<Observable::Observation> observations_;
 };

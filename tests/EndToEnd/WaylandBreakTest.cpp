@@ -3,6 +3,8 @@
 #include "support/Sway.h"
 #include "support/waitUntil.h"
 
+#include <QJsonArray>
+
 #include <csignal>
 
 #include <gtest/gtest.h>
@@ -30,8 +32,26 @@ struct BreakOnWayland : testing::TestWithParam<std::unique_ptr<Compositor> (*)()
     Compositor &compositor = desktop.compositor();
 };
 
-/// As pulling a cable does, which only sway lets us do.
+/// What only sway lets us do: pull cables, and change what its outputs are.
 struct BreakOnSway : testing::Test {
+    void startBreak() {
+        desktop.store(longBreakSoon);
+        desktop.startProgram();
+        ASSERT_TRUE(desktop.waitForBreak());
+    }
+    bool isCovered(const char *output) {
+        const QString name = QString::fromLatin1(output);
+        return waitUntil([&] { return WaylandDesktop::isCovered(sway.picture(name)); });
+    }
+    bool isFree(const char *output) {
+        const QString name = QString::fromLatin1(output);
+        return waitUntil([&] {
+            const QImage picture = sway.picture(name);
+            return picture.pixelColor(picture.width() / 2, 5) == Compositor::background();
+        });
+    }
+    void escape() { sway.input().press(VirtualInput::escape); }
+
     WaylandDesktop desktop{std::make_unique<Sway>()};
     Sway &sway = static_cast<Sway &>(desktop.compositor());
 };
@@ -93,17 +113,44 @@ TEST_P(BreakOnWayland, cannot_be_escaped_in_strict_mode) {
     EXPECT_EQ(desktop.statistics()[QStringLiteral("skipped")].toInt(), 0);
 }
 
-TEST_F(BreakOnSway, survives_outputs_that_go_and_come) {
-    desktop.store(longBreakSoon);
-    desktop.startProgram();
-    ASSERT_TRUE(desktop.waitForBreak());
+TEST_F(BreakOnSway, covers_outputs_that_are_attached_during_it) {
+    startBreak();
     sway.removeOutput(QStringLiteral("X11-1"));
     EXPECT_TRUE(waitUntil([&] { return sway.picture().width() == Compositor::outputSize.width(); }));
-    EXPECT_TRUE(desktop.isRunning());
+    EXPECT_TRUE(isCovered("X11-2"));
     sway.addOutput();
-    EXPECT_TRUE(waitUntil([&] { return sway.picture().width() == 2 * Compositor::outputSize.width(); }));
-    sway.input().press(VirtualInput::escape);
-    EXPECT_TRUE(desktop.waitForNoBreak());
+    EXPECT_TRUE(isCovered("X11-3"));
+    EXPECT_TRUE(isCovered("X11-2"));
+    escape();
+    EXPECT_TRUE(isFree("X11-2"));
+    EXPECT_TRUE(isFree("X11-3"));
+    EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
+}
+
+TEST_F(BreakOnSway, follows_an_output_that_changes_its_scale_and_its_mode) {
+    startBreak();
+    for (const char *scale : {"2", "1.5", "1"}) {
+        sway.command(QStringLiteral("output X11-1 scale ") + QString::fromLatin1(scale));
+        EXPECT_TRUE(isCovered("X11-1")) << scale;
+    }
+    sway.command(QStringLiteral("output X11-2 mode --custom 800x600"));
+    EXPECT_TRUE(waitUntil([&] { return sway.picture(QStringLiteral("X11-2")).size() == QSize(800, 600); }));
+    EXPECT_TRUE(isCovered("X11-2"));
+    EXPECT_TRUE(isCovered("X11-1"));
+    escape();
+    EXPECT_TRUE(isFree("X11-1"));
+    EXPECT_TRUE(isFree("X11-2"));
+}
+
+TEST_F(BreakOnSway, runs_on_while_every_output_is_gone) {
+    startBreak();
+    sway.removeOutput(QStringLiteral("X11-1"));
+    sway.removeOutput(QStringLiteral("X11-2"));
+    EXPECT_TRUE(waitUntil([&] { return sway.ask(QStringLiteral("get_outputs")).array().isEmpty(); }));
+    sway.addOutput();
+    EXPECT_TRUE(isCovered("X11-3"));
+    escape();
+    EXPECT_TRUE(isFree("X11-3"));
     EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
 }
 

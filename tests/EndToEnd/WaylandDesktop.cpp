@@ -6,21 +6,17 @@
 
 namespace pavonel::test {
 
-namespace {
-
-/// To its very edges.
-bool isCovered(const QImage &picture, const QRect &screen) {
-    return picture.rect().contains(screen) && !shows(picture, screen, Compositor::background()) &&
-           !shows(picture, screen, OtherWindow::colour());
-}
-
-} // namespace
-
 WaylandDesktop::WaylandDesktop(std::unique_ptr<Compositor> compositor)
     : ProgramAtHome(compositor->environment()), compositor_(std::move(compositor)) {}
 
 WaylandDesktop::~WaylandDesktop() {
     stopProgram();
+}
+
+/// To its very edges.
+bool WaylandDesktop::isCovered(const QImage &picture, const QRect &part) {
+    return picture.rect().contains(part) && !shows(picture, part, Compositor::background()) &&
+           !shows(picture, part, OtherWindow::colour());
 }
 
 bool WaylandDesktop::waitForBreak(int outputs) {

@@ -22,6 +22,10 @@ public:
 
     Compositor &compositor() { return *compositor_; }
 
+    /// Whether nothing but a break can be seen on this part of a picture, or on all of it.
+    static bool isCovered(const QImage &picture, const QRect &part);
+    static bool isCovered(const QImage &picture) { return isCovered(picture, picture.rect()); }
+
     /// Whether a break covers so many outputs, and nothing else can be seen on these.
     bool waitForBreak(int outputs = 2);
     bool showsNoBreak();

@@ -435,6 +435,36 @@ TEST_F(Overlay, screens_that_come_during_a_break_get_no_window) {
     EXPECT_EQ(windows().size(), 1U);
 }
 
+TEST_F(Overlay, screens_that_come_during_a_break_are_covered_where_one_that_is_back_may_have_another_name) {
+    scenario.platform.fakeScreens.keepsNames = false;
+    startBreak();
+    useThreeScreens();
+    Q_EMIT qGuiApp->screenAdded(QGuiApplication::primaryScreen());
+    EXPECT_EQ(windows().size(), 3U);
+    overlays->hide();
+    Q_EMIT qGuiApp->screenAdded(QGuiApplication::primaryScreen());
+    scenario.platform.loop.advance(1);
+    EXPECT_TRUE(visibleWindows(title).empty()) << "the break is over";
+}
+
+TEST_F(Overlay, paints_its_fades_where_the_desktop_only_blends) {
+    scenario.platform.layers.fades = false;
+    startBreak();
+    QWidget &window = *windows().front();
+    const auto alpha = [&] { return window.grab().toImage().pixelColor(5, 5).alpha(); };
+    EXPECT_EQ(alpha(), 0);
+    scenario.platform.loop.advance(0.2);
+    EXPECT_GT(alpha(), 0);
+    EXPECT_LT(alpha(), 255);
+    scenario.platform.loop.advance(0.3);
+    EXPECT_EQ(alpha(), 255);
+    EXPECT_EQ(window.graphicsEffect(), nullptr);
+    overlays->hide();
+    scenario.platform.loop.advance(0.15);
+    EXPECT_GT(alpha(), 0);
+    EXPECT_LT(alpha(), 255);
+}
+
 TEST_F(Overlay, a_manager_that_is_gone_makes_escape_do_nothing) {
     startBreak();
     overlays.reset();

@@ -65,7 +65,9 @@ struct FakePowerEvents final : Limited<PowerEvents> {
 struct FakeScreens final : Screens {
     std::vector<Screen> screens{{QStringLiteral("A"), {0, 0, 1920, 1080}, {0, 24, 1920, 1056}, true}};
     int queries = 0;
+    bool keepsNames = true;
 
+    bool keepNames() const override { return keepsNames; }
     std::vector<Screen> all() override {
         ++queries;
         return screens;
@@ -151,6 +153,7 @@ struct FakeWindowLayers final : Limited<WindowLayers> {
     int keyboardTaken = 0;
     int keyboardYielded = 0;
     bool blends = true;
+    bool fades = true; ///< As far as it blends.
     mutable int fadeQuestions = 0;
     QRegion lastCut;
 
@@ -165,7 +168,7 @@ struct FakeWindowLayers final : Limited<WindowLayers> {
     bool canBlend() const override { return blends; }
     bool canFade() const override {
         ++fadeQuestions;
-        return blends;
+        return blends && fades;
     }
     void cutTo(QWindow &, const QRegion &pixels) override { lastCut = pixels; }
     void takeKeyboard(QWindow &) override { ++keyboardTaken; }

@@ -18,6 +18,7 @@ public:
     explicit QtScreens(std::shared_ptr<WorkedOn> workedOn = std::make_shared<WorkedOn>());
 
     std::vector<Screen> all() override;
+    bool keepNames() const override { return false; }
 
 private:
     std::shared_ptr<WorkedOn> workedOn_;

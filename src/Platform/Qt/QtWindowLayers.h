@@ -12,6 +12,7 @@ public:
     void show(QWindow &window, WindowLayer layer, const Screen &screen) override;
     bool canBlend() const override;
     bool canFade() const override { return false; }
+    bool updatesInPart() const override { return false; } // Qt copies all of it
     void cutTo(QWindow &window, const QRegion &pixels) override;
     void takeKeyboard(QWindow &window) override;
     void yieldKeyboard() override {}

@@ -34,7 +34,7 @@ QRegion touchedBy(const QPainterPath &shape, QSize size, qreal devicePixelRatio)
 
 FloatingPanel::FloatingPanel(Platform &platform, const Make &make)
     : platform_(platform), make_(make), palette_(platform.appearance->wishes()),
-      blends_(platform.windowLayers->canBlend()), fades_(platform.windowLayers->canFade()) {
+      blends_(platform.windowLayers->canBlend()), opacity_(*this, fadingOn(*platform.windowLayers)) {
     Qt::WindowFlags flags = platform.windowLayers->windowFlags(WindowLayer::panel);
     if (make.mouse == Mouse::ignored)
         flags |= Qt::WindowTransparentForInput;
@@ -62,22 +62,25 @@ void FloatingPanel::present(QPoint corner, const std::optional<Screen> &screen) 
     platform_.windowLayers->show(*windowHandle(), WindowLayer::panel, place);
 }
 
-void FloatingPanel::setOpacity(double opacity) {
-    if (fades_)
-        setWindowOpacity(opacity);
-}
-
 void FloatingPanel::moveTo(QPoint corner) {
     move(corner - contentsRect().topLeft());
 }
 
 void FloatingPanel::retire() {
-    setUpdatesEnabled(false);
+    opacity_.set(1); // of the picture; the fade goes on from where it stands
+    last_ = grab();
     setEnabled(false);
+    const auto contents = findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
+    for (QWidget *content : contents)
+        content->hide();
 }
 
 void FloatingPanel::paintEvent(QPaintEvent *) {
     QPainter painter(this);
+    if (!last_.isNull()) {
+        painter.drawPixmap(0, 0, last_);
+        return;
+    }
     if (shadow_)
         shadow_->paint(painter);
     paintMaterial(painter);

@@ -3,7 +3,9 @@
 #include "Platform/Platform.h"
 #include "UI/Palette.h"
 #include "UI/Panels/PanelShadow.h"
+#include "UI/WindowOpacity.h"
 
+#include <QPixmap>
 #include <QWidget>
 
 namespace pavonel {
@@ -38,7 +40,7 @@ public:
     void moveTo(QPoint corner);
 
     /// From 0 to 1, where windows can be faded.
-    void setOpacity(double opacity);
+    void setOpacity(double opacity) { opacity_.set(opacity); }
 
     /// For its last moments on screen: it keeps its picture and is deaf to the mouse from now on.
     void retire();
@@ -53,7 +55,8 @@ private:
     Make make_;
     Palette palette_;
     bool blends_;
-    bool fades_;
+    WindowOpacity opacity_;
+    QPixmap last_;                      ///< How it looked when it was retired.
     std::optional<PanelShadow> shadow_; ///< Where windows are blended.
 };
 

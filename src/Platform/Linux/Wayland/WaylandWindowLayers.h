@@ -22,6 +22,7 @@ public:
     void show(QWindow &window, WindowLayer layer, const Screen &screen) override;
     bool canBlend() const override { return true; }
     bool canFade() const override { return false; }
+    bool updatesInPart() const override { return false; } // Qt copies all of it
     void cutTo(QWindow &window, const QRegion &pixels) override;
     void takeKeyboard(QWindow &) override {} // the compositor gives it to each overlay that appears
     void yieldKeyboard() override {}
