@@ -4,6 +4,8 @@
 #include <QDate>
 #include <QDir>
 
+#include <algorithm>
+
 /// draw_settings FOLDER: every page of the settings window, light and dark, at the ratio of the environment's
 /// QT_SCALE_FACTOR. With a second argument the window is as tall as the page.
 namespace {
@@ -44,10 +46,19 @@ void furnish(test::OpenSettings &open) {
     scenario.stats.setDays(week);
 }
 
-QString nameOf(const PageEntry &entry, bool dark) {
+QString nameOf(const QString &page, bool dark) {
     return QStringLiteral("settings-%1-%2%3.png")
-        .arg(entry.id, dark ? QStringLiteral("dark") : QStringLiteral("light"),
+        .arg(page, dark ? QStringLiteral("dark") : QStringLiteral("light"),
              qApp->devicePixelRatio() > 1 ? QStringLiteral("@2x") : QString());
+}
+
+/// The phone's page while a code is shown.
+QImage pictureOfCode(test::OpenSettings &open) {
+    const auto entry = std::ranges::find(allPages(), Page::phone, &PageEntry::page);
+    open.phone.state = Phone::Waiting{QStringLiteral("K7WQ3M")};
+    const QImage image = picture(open, *entry, false);
+    open.phone.state = Phone::Unpaired{};
+    return image;
 }
 
 } // namespace
@@ -63,9 +74,11 @@ int main(int argc, char **argv) {
     for (const bool dark : {false, true}) {
         open.platform.look.change({dark, true, {}});
         for (const PageEntry &entry : allPages()) {
-            if (!picture(open, entry, argc > 2).save(folder.filePath(nameOf(entry, dark))))
+            if (!picture(open, entry, argc > 2).save(folder.filePath(nameOf(entry.id, dark))))
                 return 1;
         }
+        if (!pictureOfCode(open).save(folder.filePath(nameOf(QStringLiteral("phone-code"), dark))))
+            return 1;
     }
     return 0;
 }

@@ -73,6 +73,20 @@ Phone &Phone::shared() {
     return phone;
 }
 
+QString Phone::serviceName() const {
+    return base_.scheme().startsWith(u"http") ? base_.authority(QUrl::PrettyDecoded).section(u'@', -1)
+                                              : QString();
+}
+
+QString Phone::pageFor(const QString &code) const {
+    if (serviceName().isEmpty() || code == placeholderCode())
+        return {};
+    QUrl page = appended(base_, "/");
+    page.setUserInfo({});
+    page.setFragment(code);
+    return page.toString(QUrl::FullyEncoded);
+}
+
 void Phone::startPairing() {
     state = Waiting{placeholderCode()};
     request("POST", "/pair/start", Credentials::none, {}, [this, attempt = ++attempt_](const Result &result) {

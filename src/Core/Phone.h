@@ -50,6 +50,12 @@ public:
 
     static Phone &shared();
 
+    /// Where the service is, as people name it: its host, and the port where it has one. Empty without one.
+    QString serviceName() const;
+
+    /// The address of the phone's page that brings the code along; empty without a service or a code yet.
+    QString pageFor(const QString &code) const;
+
     Published<State> state{*this, Unpaired{}};
 
     /// Asks for a new code and waits for the phone to enter it.

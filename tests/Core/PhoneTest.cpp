@@ -61,6 +61,20 @@ TEST_F(PhoneLink, starts_unpaired_without_a_token) {
     EXPECT_EQ(phone->state.get(), Phone::State(Phone::Unpaired{}));
 }
 
+TEST_F(PhoneLink, names_the_service_and_the_phones_page_that_brings_a_code_along) {
+    const auto expect = [this](const char *address, const char *name, const char *page) {
+        const Phone other(platform, QUrl(QString::fromLatin1(address)));
+        EXPECT_EQ(other.serviceName(), QLatin1StringView(name)) << address;
+        EXPECT_EQ(other.pageFor(QStringLiteral("K7WQ3M")), QLatin1StringView(page)) << address;
+        EXPECT_EQ(other.pageFor(QStringLiteral("······")), QString()) << "no code yet";
+    };
+    expect("https://pair.example.org", "pair.example.org", "https://pair.example.org/#K7WQ3M");
+    expect("http://127.0.0.1:8787/", "127.0.0.1:8787", "http://127.0.0.1:8787/#K7WQ3M");
+    expect("https://example.org/pair", "example.org", "https://example.org/pair/#K7WQ3M");
+    expect("http://me:secret@[::1]:8787", "[::1]:8787", "http://[::1]:8787/#K7WQ3M");
+    expect("", "", "");
+}
+
 TEST_F(PhoneLink, starts_paired_with_a_token_even_if_no_phone_ever_confirmed_it) {
     storeToken();
     phone.emplace(platform, service);

@@ -1,7 +1,10 @@
 #include "UI/Controls/Button.h"
 #include "UI/SettingsWindow/CodeView.h"
+#include "UI/SettingsWindow/QrCodeView.h"
 #include "support/OpenSettings.h"
 #include "support/windows.h"
+
+#include <QImage>
 
 #include <gtest/gtest.h>
 
@@ -63,6 +66,46 @@ TEST_F(PhonePage, while_waiting_shows_the_code) {
     press(u"Cancel"_s);
     EXPECT_EQ(phone.state.get(), Phone::State(Phone::Unpaired{}));
     EXPECT_TRUE(shows(explanation));
+}
+
+TEST_F(PhonePage, while_waiting_the_code_can_be_taken_by_camera_and_the_service_is_named) {
+    const auto codes = [this] { return childrenOf<QrCodeView>(open.window()); };
+    enter(Phone::Waiting{u"······"_s});
+    EXPECT_TRUE(codes().empty()) << "there is no code yet";
+    enter(Phone::Waiting{u"K7WQ3M"_s});
+    ASSERT_EQ(codes().size(), 1U);
+    EXPECT_EQ(codes().front()->accessibleDescription(), u"https://pair.example/#K7WQ3M"_s);
+    EXPECT_TRUE(shows(u"K7WQ3M"_s)) << "the code in large type stays";
+    EXPECT_TRUE(shows(u"Or point the phone’s camera at it, or open pair.example there."_s));
+}
+
+TEST_F(PhonePage, without_a_phone_says_what_happens_without_a_service) {
+    EXPECT_TRUE(shows(u"The phone is reached through the pairing service at pair.example; without it, breaks "
+                      u"stay on this computer."_s));
+}
+
+TEST(QrCodeView, is_dark_on_white_with_whole_modules_and_a_margin) {
+    QrCodeView view(u"http://192.168.1.20:8787/#K7WQ3M"_s);
+    const QrCode code = QrCode::of("http://192.168.1.20:8787/#K7WQ3M");
+    ASSERT_EQ(code.side, 29);
+    for (const int ratio : {1, 2}) {
+        QImage image(view.size() * ratio, QImage::Format_RGB32);
+        image.setDevicePixelRatio(ratio);
+        view.render(&image);
+        const int module = image.width() / (code.side + 6);
+        const int first = (image.width() - module * code.side) / 2;
+        EXPECT_GE(first, 3 * module) << "the margin";
+        for (int y = 0; y < code.side; ++y) {
+            for (int x = 0; x < code.side; ++x)
+                ASSERT_EQ(image.pixelColor(first + x * module, first + y * module).lightness() < 128,
+                          code.isDark(x, y))
+                    << x << ' ' << y << " at " << ratio;
+        }
+    }
+}
+
+TEST(QrCode, of_a_text_that_is_too_long_is_empty) {
+    EXPECT_EQ(QrCode::of(QByteArray(5000, 'a')).side, 0);
 }
 
 TEST_F(PhonePage, a_code_is_told_as_it_is_shown_without_half_a_character) {

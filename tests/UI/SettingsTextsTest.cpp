@@ -48,6 +48,7 @@ const std::vector<PageTexts> pages{
       "countdown appears there — on the Lock Screen and in the Dynamic Island — and clears when you end the "
       "break here.\n\nAway from the Mac, the app keeps its own hours: breaks as often and as long as you "
       "like. While this Mac is running Pavonel, this Mac decides."_s,
+      u"The phone is reached through the pairing service at pair.example; without it, breaks stay on this computer."_s,
       u"Only the break itself travels to the phone: its kind, its name and when it ends. Settings and "
       "statistics never leave this computer."_s}},
     {Page::pausing,

@@ -5,6 +5,7 @@
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/CodeView.h"
+#include "UI/SettingsWindow/QrCodeView.h"
 #include "UI/SettingsWindow/Rows.h"
 #include "UI/SettingsWindow/SymbolView.h"
 
@@ -31,14 +32,19 @@ struct CardText {
     }
 };
 
+/// A code to be typed; where the phone's page is known, one for its camera stands beside.
 struct Code {
     QString code;
+    QString page;
 
     QWidget *make(Look &look) const {
         auto *place = new QWidget;
-        auto *lines = new QVBoxLayout(place);
-        lines->setContentsMargins(CardRow::margin, 2, CardRow::margin, 12);
-        lines->addWidget(new CodeView(look, code));
+        auto *line = new QHBoxLayout(place);
+        line->setContentsMargins(CardRow::margin, 2, CardRow::margin, 12);
+        line->setSpacing(CardRow::margin);
+        line->addWidget(new CodeView(look, code));
+        if (!page.isEmpty())
+            line->addWidget(new QrCodeView(page));
         return place;
     }
 };
@@ -58,6 +64,14 @@ struct PairedRow {
     }
 };
 
+QString aboutService(const Phone &phone) {
+    const QString name = phone.serviceName();
+    if (name.isEmpty())
+        return u"There is no pairing service, so breaks stay on this computer."_s;
+    return u"The phone is reached through the pairing service at %1; without it, breaks stay on this computer."_s
+        .arg(name);
+}
+
 Pieces unpairedParts(Phone &phone, const QString &failure) {
     Pieces card{CardText{
         u"A break on the Mac is only half a break if you pick up your phone. Pair the two and the same "
@@ -71,6 +85,8 @@ Pieces unpairedParts(Phone &phone, const QString &failure) {
         widget->setAccessibleName(u"Pavonel for iPhone"_s); // it has no title
         return widget;
     }};
+    parts.push_back(
+        CardText{aboutService(phone), Text::Style::secondary, {FocusRing::room, 0, FocusRing::room, 0}});
     if (!failure.isEmpty())
         parts.push_back(CardText{failure, Text::Style::label, {FocusRing::room, 0, FocusRing::room, 0}});
     parts.push_back(
@@ -79,13 +95,18 @@ Pieces unpairedParts(Phone &phone, const QString &failure) {
 }
 
 Pieces waitingParts(Phone &phone, const QString &code) {
-    return {Card{u"Pavonel for iPhone"_s,
-                 u"Type this code into Pavonel on your phone"_s,
-                 {Code{code},
-                  CardText{u"The code is good for fifteen minutes."_s,
-                           Text::Style::secondary,
-                           {CardRow::margin, 0, CardRow::margin, 2}},
-                  CardText{u"Waiting for your phone…"_s, Text::Style::secondary}}},
+    const auto sentence = [](const QString &text, int below) {
+        return CardText{text, Text::Style::secondary, {CardRow::margin, 0, CardRow::margin, below}};
+    };
+    constexpr int toNext = 2;
+    constexpr int toEnd = 12;
+    Pieces card{Code{code, phone.pageFor(code)}};
+    if (const QString service = phone.serviceName(); !service.isEmpty())
+        card.push_back(
+            sentence(u"Or point the phone’s camera at it, or open %1 there."_s.arg(service), toNext));
+    card.push_back(sentence(u"The code is good for fifteen minutes."_s, toNext));
+    card.push_back(sentence(u"Waiting for your phone…"_s, toEnd));
+    return {Card{u"Pavonel for iPhone"_s, u"Type this code into Pavonel on your phone"_s, card},
             ButtonRow{u"Cancel"_s, [&phone] { phone.unpair(); }}};
 }
 
