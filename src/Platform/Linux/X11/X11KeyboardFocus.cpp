@@ -9,10 +9,20 @@ namespace {
 /// Some managers focus a new window more than once, and some programs do it besides.
 constexpr int patience = 3;
 
+/// After which a loss inside a Wayland session counts as that to another window.
+constexpr int renewal = 2000; // milliseconds
+
+/// How long we wait for the compositor to hear of us, twice as long each time.
+constexpr int firstInsistence = 50;   // milliseconds
+constexpr int lastInsistence = 10000; // milliseconds
+
 } // namespace
 
 X11KeyboardFocus::X11KeyboardFocus(std::shared_ptr<X11Connection> connection)
-    : connection_(std::move(connection)) {}
+    : connection_(std::move(connection)) {
+    insistence_.setSingleShot(true);
+    QObject::connect(&insistence_, &QTimer::timeout, &insistence_, [this] { insist(); });
+}
 
 void X11KeyboardFocus::take(xcb_window_t window) {
     const xcb_window_t focus = focused();
@@ -24,6 +34,8 @@ void X11KeyboardFocus::take(xcb_window_t window) {
     listening_ = connection_->listen([this](const xcb_generic_event_t &event) { notice(event); });
     setFocus(window); // refused while it is not on screen yet: `noticeMapped` repeats it
     connection_->flush();
+    if (connection_->isInsideWayland())
+        insistence_.start(firstInsistence);
 }
 
 void X11KeyboardFocus::yield() {
@@ -31,6 +43,7 @@ void X11KeyboardFocus::yield() {
         return;
     watch_.reset();
     listening_.reset();
+    insistence_.stop();
     const xcb_window_t ours = std::exchange(ours_, XCB_WINDOW_NONE);
     if (focused() == ours) {
         const xcb_window_t active = connection_->number(connection_->root(), "_NET_ACTIVE_WINDOW");
@@ -55,10 +68,32 @@ void X11KeyboardFocus::notice(const xcb_generic_event_t &event) {
     const auto &out = reinterpret_cast<const xcb_focus_out_event_t &>(event);
     const bool focusMoved = out.mode == XCB_NOTIFY_MODE_NORMAL && out.detail != XCB_NOTIFY_DETAIL_INFERIOR &&
                             out.detail != XCB_NOTIFY_DETAIL_POINTER;
-    if (out.event == ours_ && focusMoved && takesBack_ > 0) {
-        --takesBack_;
-        setFocus(ours_);
-    }
+    if (out.event == ours_ && focusMoved && focused() != ours_)
+        takeBack();
+}
+
+void X11KeyboardFocus::takeBack() {
+    const bool isInsideWayland = connection_->isInsideWayland();
+    if (isInsideWayland && sinceTakenBack_.isValid() && sinceTakenBack_.hasExpired(renewal))
+        takesBack_ = patience;
+    if (takesBack_ == 0)
+        return;
+    --takesBack_;
+    sinceTakenBack_.start();
+    setFocus(ours_);
+    if (isInsideWayland)
+        insistence_.start(firstInsistence);
+}
+
+/// The compositor names the window that it gives the keys to as the active one. It hears of changes only.
+void X11KeyboardFocus::insist() {
+    if (connection_->number(connection_->root(), "_NET_ACTIVE_WINDOW") == ours_)
+        return;
+    setFocus(XCB_INPUT_FOCUS_POINTER_ROOT);
+    setFocus(ours_);
+    connection_->flush();
+    if (insistence_.interval() < lastInsistence)
+        insistence_.start(2 * insistence_.interval());
 }
 
 xcb_window_t X11KeyboardFocus::focused() const {
