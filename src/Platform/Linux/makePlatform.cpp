@@ -9,11 +9,16 @@
 #include "Platform/Linux/Bus/KGlobalAccelHotKeys.h"
 #include "Platform/Linux/Bus/LockAwareIdleTime.h"
 #include "Platform/Linux/Bus/LogindPowerEvents.h"
+#include "Platform/Linux/Bus/MutterIdleTime.h"
 #include "Platform/Linux/Bus/PortalAppearance.h"
 #include "Platform/Linux/Bus/PortalHotKeys.h"
 #include "Platform/Linux/DetachedLauncher.h"
 #include "Platform/Linux/Fetch/FetchClient.h"
 #include "Platform/Linux/FirstIdleTime.h"
+#include "Platform/Linux/Gnome/GnomeExtension.h"
+#include "Platform/Linux/Gnome/GnomeHotKeys.h"
+#include "Platform/Linux/Gnome/GnomePointer.h"
+#include "Platform/Linux/Gnome/GnomeWindows.h"
 #include "Platform/Linux/KWin/KWinWindows.h"
 #include "Platform/Linux/LinuxInstallation.h"
 #include "Platform/Linux/PipeWire/PipeWireScreenCasts.h"
@@ -42,7 +47,6 @@
 #include "Platform/Qt/QtWindowLayers.h"
 #include "Platform/Qt/SignalTermination.h"
 #include "Platform/Qt/StoreFile.h"
-#include "Platform/Qt/Unavailable.h"
 
 #include <QDBusConnection>
 #include <QDir>
@@ -52,10 +56,6 @@
 namespace pavonel {
 
 namespace {
-
-template <class Service> std::unique_ptr<Service> none(const char *reason) {
-    return std::make_unique<Service>(QString::fromUtf8(reason));
-}
 
 /// A relative `XDG_CONFIG_HOME` counts as none, as its standard demands.
 QString configFolder() {
@@ -101,11 +101,11 @@ std::unique_ptr<Screens> screens(const std::shared_ptr<X11Connection> &x,
     return std::make_unique<QtScreens>(workedOn);
 }
 
-std::unique_ptr<Pointer> pointer(const std::shared_ptr<X11Connection> &x) {
+std::unique_ptr<Pointer> pointer(const std::shared_ptr<X11Connection> &x,
+                                 const std::shared_ptr<GnomeExtension> &gnome) {
     if (seesAllInput(x))
         return std::make_unique<QtPointer>();
-    return none<unavailable::Pointer>(
-        "This desktop does not tell where the pointer is, so the countdown stays in a corner.");
+    return std::make_unique<GnomePointer>(gnome);
 }
 
 /// In the order in which they are preferred.
@@ -118,16 +118,18 @@ std::unique_ptr<IdleTime> idleTime(const std::shared_ptr<X11Connection> &x,
     std::vector<std::unique_ptr<IdleTime>> sources;
     if (wayland)
         sources.push_back(std::make_unique<WaylandIdleTime>(wayland));
-    sources.push_back(none<unavailable::IdleTime>("This desktop does not tell how long you have been away."));
+    sources.push_back(std::make_unique<MutterIdleTime>(QDBusConnection::sessionBus()));
     return std::make_unique<FirstIdleTime>(std::move(sources));
 }
 
 /// In the order in which they are preferred.
-std::shared_ptr<WindowSources> windowSources(const std::shared_ptr<WaylandConnection> &wayland) {
+std::shared_ptr<WindowSources> windowSources(const std::shared_ptr<WaylandConnection> &wayland,
+                                             const std::shared_ptr<GnomeExtension> &gnome) {
     std::vector<std::unique_ptr<WindowSource>> sources;
     if (auto sway = SwayWindows::make())
         sources.push_back(std::move(sway));
     sources.push_back(std::make_unique<KWinWindows>(QDBusConnection::sessionBus()));
+    sources.push_back(std::make_unique<GnomeWindows>(gnome));
     if (wayland)
         sources.push_back(std::make_unique<ForeignToplevels>(wayland));
     return std::make_shared<WindowSources>(std::move(sources));
@@ -135,14 +137,15 @@ std::shared_ptr<WindowSources> windowSources(const std::shared_ptr<WaylandConnec
 
 /// Both ask about the same windows.
 void installWindowSensors(Platform &platform, const std::shared_ptr<X11Connection> &x,
-                          const std::shared_ptr<WaylandConnection> &wayland) {
+                          const std::shared_ptr<WaylandConnection> &wayland,
+                          const std::shared_ptr<GnomeExtension> &gnome) {
     std::unique_ptr<FrontWindowSource> front;
     if (seesAllInput(x)) {
         const auto windows = std::make_shared<X11Windows>(x);
         front = std::make_unique<X11FrontWindow>(windows);
         platform.windowList = std::make_unique<X11WindowList>(windows);
     } else {
-        const auto sources = windowSources(wayland);
+        const auto sources = windowSources(wayland, gnome);
         front = std::make_unique<ToldFrontWindow>(sources);
         platform.windowList = std::make_unique<ToldWindowList>(sources);
     }
@@ -161,7 +164,8 @@ std::unique_ptr<WindowLayers> windowLayers(const std::shared_ptr<X11Connection> 
 }
 
 /// In the order in which they are preferred.
-std::unique_ptr<HotKeyService> hotKeys(const std::shared_ptr<X11Connection> &x) {
+std::unique_ptr<HotKeyService> hotKeys(const std::shared_ptr<X11Connection> &x,
+                                       const std::shared_ptr<GnomeExtension> &gnome) {
     if (seesAllInput(x)) {
         if (auto service = X11HotKeys::make(x))
             return service;
@@ -170,6 +174,8 @@ std::unique_ptr<HotKeyService> hotKeys(const std::shared_ptr<X11Connection> &x) 
         return makeHotKeyService(std::move(plasma));
     if (auto sway = SwayHotKeys::make())
         return makeHotKeyService(std::move(sway));
+    if (gnome->isShellThere())
+        return std::make_unique<GnomeHotKeys>(gnome);
     return makeHotKeyService(std::make_shared<PortalHotKeys>(QDBusConnection::sessionBus()));
 }
 
@@ -233,15 +239,16 @@ std::unique_ptr<Platform> makePlatform() {
     platform->power = std::make_unique<LogindPowerEvents>(QDBusConnection::systemBus());
     const auto workedOn = std::make_shared<WorkedOn>();
     platform->screens = screens(x11, workedOn);
-    platform->pointer = pointer(x11);
+    const auto gnome = std::make_shared<GnomeExtension>(QDBusConnection::sessionBus());
+    platform->pointer = pointer(x11, gnome);
     platform->idleTime = std::make_unique<LockAwareIdleTime>(
         idleTime(x11, wayland), QDBusConnection::systemBus(), QDBusConnection::sessionBus());
     platform->audioDevices = std::make_unique<PulseAudioDevices>();
-    installWindowSensors(*platform, x11, wayland);
+    installWindowSensors(*platform, x11, wayland, gnome);
     platform->installedApplications = std::make_unique<LinuxInstalledApplications>(
         LinuxInstalledApplications::Surroundings::ofThisDesktop(), *platform->mainLoop);
     platform->windowLayers = windowLayers(x11, workedOn);
-    platform->hotKeys = hotKeys(x11);
+    platform->hotKeys = hotKeys(x11, gnome);
     platform->sounds = std::make_unique<EventSounds>(ProgramFiles::ofThisProgram(), *platform->mainLoop);
     platform->loginItem = makeLoginItem();
     platform->appearance = std::make_unique<PortalAppearance>(QDBusConnection::sessionBus());

@@ -13,6 +13,8 @@ namespace pavonel {
 namespace {
 
 const QString watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
+/// Our extension of GNOME Shell shows the item by itself while it is there; nobody tells it.
+const QString companionName = QStringLiteral("org.pavonel.Shell");
 const QString itemPath = QStringLiteral("/StatusNotifierItem");
 
 DBusPixmap busPixmap(const QImage &image) {
@@ -43,15 +45,22 @@ NotifierTray::NotifierTray(const QDBusConnection &bus, const QString &iconFolder
     watcher_.setConnection(bus_);
     watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
     watcher_.addWatchedService(watcherName);
+    watcher_.addWatchedService(companionName);
     QObject::connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, &item_,
-                     [this](const QString &, const QString &, const QString &newOwner) {
-                         present_ = !newOwner.isEmpty();
-                         if (present_)
-                             announce();
+                     [this](const QString &host, const QString &, const QString &newOwner) {
+                         notePresence(host, !newOwner.isEmpty());
                          presenceChanged_();
                      });
-    present_ = bus_.interface()->isServiceRegistered(watcherName);
-    if (present_)
+    for (const QString &host : {watcherName, companionName})
+        notePresence(host, bus_.interface()->isServiceRegistered(host));
+}
+
+void NotifierTray::notePresence(const QString &host, bool isThere) {
+    if (isThere)
+        hosts_.insert(host);
+    else
+        hosts_.remove(host);
+    if (isThere && host == watcherName)
         announce();
 }
 

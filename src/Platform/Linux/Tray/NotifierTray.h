@@ -7,6 +7,7 @@
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
 #include <QPoint>
+#include <QSet>
 
 #include <functional>
 
@@ -22,13 +23,14 @@ public:
     ~NotifierTray();
 
     /// Whether there is somebody to show the item.
-    bool isPresent() const { return present_; }
+    bool isPresent() const { return !hosts_.isEmpty(); }
 
     void setIcon(const QString &symbol, const std::vector<QImage> &images);
     void setTitle(const QString &title) { item_.setLabel(title); }
     void setMenu(std::function<Menu()> makeMenu) { menu_.setMaker(std::move(makeMenu)); }
 
 private:
+    void notePresence(const QString &host, bool isThere);
     void announce();
 
     QDBusConnection bus_;
@@ -39,7 +41,7 @@ private:
     DBusMenu menu_;
     QDBusServiceWatcher watcher_;
     std::function<void()> presenceChanged_;
-    bool present_ = false;
+    QSet<QString> hosts_; ///< The names of those that are there.
 };
 
 } // namespace pavonel
