@@ -38,4 +38,13 @@ void WindowOpacity::set(double opacity) {
     effect_->setOpacity(opacity);
 }
 
+QPixmap WindowOpacity::wholePicture() {
+    if (effect_)
+        effect_->setEnabled(false);
+    const QPixmap picture = window_.grab();
+    if (effect_)
+        effect_->setEnabled(true);
+    return picture;
+}
+
 } // namespace pavonel

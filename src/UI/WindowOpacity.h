@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPixmap>
 #include <QPointer>
 
 class QGraphicsOpacityEffect;
@@ -30,6 +31,9 @@ public:
 
     /// From 0 to 1.
     void set(double opacity);
+
+    /// How the window looks when it is wholly opaque.
+    QPixmap wholePicture();
 
 private:
     QWidget &window_;

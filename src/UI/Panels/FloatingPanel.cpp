@@ -67,8 +67,7 @@ void FloatingPanel::moveTo(QPoint corner) {
 }
 
 void FloatingPanel::retire() {
-    opacity_.set(1); // of the picture; the fade goes on from where it stands
-    last_ = grab();
+    last_ = opacity_.wholePicture(); // the fade goes on from where it stands
     setEnabled(false);
     const auto contents = findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
     for (QWidget *content : contents)
