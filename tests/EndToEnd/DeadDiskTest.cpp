@@ -4,6 +4,7 @@
 #include "support/InChild.h"
 #include "support/files.h"
 
+#include <QDir>
 #include <QImage>
 
 #include <csignal>
@@ -120,6 +121,21 @@ TEST_F(DeadStore, what_could_not_be_saved_is_saved_when_it_answers_again) {
     EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
     const QByteArray stored = readFile(disk.file(QStringLiteral("defaults.json")));
     EXPECT_TRUE(stored.contains("stats.days")) << stored.toStdString();
+}
+
+TEST(DeadCache, breaks_come_where_the_icons_of_the_menu_bar_lie_on_it) {
+    if (!mayMount())
+        GTEST_SKIP() << "This machine does not let a test mount a disk.";
+    Desktop desktop;
+    const QString cache = desktop.environment().value(QStringLiteral("XDG_CACHE_HOME"));
+    ASSERT_TRUE(QDir().mkpath(cache + QStringLiteral("/pavonel")));
+    DeadDisk disk(cache + QStringLiteral("/pavonel"));
+    disk.die();
+    desktop.store({{QStringLiteral("microInterval"), 3}, {QStringLiteral("microDuration"), 2}});
+    desktop.startProgram(disk.inFront());
+    EXPECT_TRUE(desktop.waitForOverlays());
+    EXPECT_TRUE(desktop.waitForNoOverlay());
+    EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
 }
 
 } // namespace pavonel::test
