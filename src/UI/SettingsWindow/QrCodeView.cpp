@@ -26,7 +26,7 @@ void QrCodeView::paintEvent(QPaintEvent *) {
     drawBody(painter, rect(), radius, Qt::white, Qt::transparent);
     if (code_.side == 0)
         return;
-    const double ratio = devicePixelRatioF();
+    const double ratio = painter.deviceTransform().m11(); // device pixels a point, wherever this is drawn
     const int pixels = qRound(side * ratio);
     const int module = std::max(1, pixels / (code_.side + 2 * margin));
     const int first = (pixels - module * code_.side) / 2;
