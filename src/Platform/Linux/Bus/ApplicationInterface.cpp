@@ -35,6 +35,7 @@ bool isLong(const QVariant &list) {
             argument >> element;
         }
     }
+    isMap ? argument.endMap() : argument.endArray(); // or Qt keeps it for ever
     return elements > mostElements;
 }
 
@@ -50,6 +51,7 @@ QString textIn(const QVariant &platformData, QStringView wanted) {
             map >> text;
         map.endMapEntry();
     }
+    map.endMap();
     return text.variant().toString();
 }
 
