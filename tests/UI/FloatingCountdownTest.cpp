@@ -43,6 +43,20 @@ TEST_F(FloatingCountdown, stands_16_points_right_of_and_12_below_the_pointer_at_
     EXPECT_EQ(slabOf(panel()), QRect(656, 492, 86, 30));
 }
 
+TEST_F(FloatingCountdown, turns_dark_as_a_whole_with_the_desktop) {
+    countdown.show();
+    QApplication::processEvents();
+    PaintCount counted;
+    panel()->installEventFilter(&counted);
+    scenario.platform.look.change({true, false, {}});
+    QApplication::processEvents();
+    EXPECT_EQ(counted.paints, 1) << "it does not wait for the next second";
+    const QImage turned = picture();
+    countdown.hide();
+    countdown.show();
+    EXPECT_EQ(turned, picture()) << "it looks like one that was dark from the start";
+}
+
 TEST_F(FloatingCountdown, follows_the_pointer_thirty_times_a_second) {
     countdown.show();
     MoveCount counted;

@@ -203,6 +203,16 @@ TEST_F(HeadsUp, its_buttons_follow_the_settings_while_it_is_shown) {
     EXPECT_EQ(buttonTexts(), allButtons);
 }
 
+TEST_F(HeadsUp, turns_dark_as_a_whole_with_the_desktop) {
+    show();
+    const QImage light = picture();
+    scenario.platform.look.change({true, false, {}});
+    const QImage turned = picture();
+    EXPECT_NE(turned, light);
+    show();
+    EXPECT_EQ(turned, picture()) << "it looks like one that was dark from the start";
+}
+
 TEST_F(HeadsUp, its_time_runs_with_the_controller) {
     runUpToNotice();
     const QImage at30 = picture();

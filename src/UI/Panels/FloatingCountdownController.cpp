@@ -20,7 +20,7 @@ constexpr Seconds frame = 1.0 / 30;
 class CountdownView final : public QWidget {
 public:
     CountdownView(Platform &platform, FloatingPanel &panel, BreakController &controller)
-        : QWidget(&panel), controller_(controller), ink_(panel.colours().text),
+        : QWidget(&panel), controller_(controller), colours_(panel.colours()),
           refresher_(*platform.mainLoop, {&controller}, [this] { refresh(); }) {
         setGeometry(panel.contentsRect());
         refresh();
@@ -30,7 +30,7 @@ protected:
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
         painter.setFont(fonts::ui(13, QFont::Medium));
-        painter.setPen(ink_);
+        painter.setPen(colours_.text);
         const QFontMetricsF metrics(painter.font());
         const double left = (width() - fonts::tabularWidth(metrics, text_)) / 2;
         fonts::drawTabular(painter, QPointF(left, (height() + metrics.capHeight()) / 2), text_);
@@ -48,7 +48,7 @@ private:
     }
 
     BreakController &controller_;
-    QColor ink_;
+    const Palette &colours_;
     QString text_;
     Refresher refresher_;
 };

@@ -34,6 +34,7 @@ QRegion touchedBy(const QPainterPath &shape, QSize size, qreal devicePixelRatio)
 
 FloatingPanel::FloatingPanel(Platform &platform, const Make &make)
     : platform_(platform), make_(make), palette_(platform.appearance->wishes()),
+      onAppearance_(platform.appearance->onChange([this] { takeColours(); })),
       blends_(platform.windowLayers->canBlend()), opacity_(*this, fadingOn(*platform.windowLayers)) {
     Qt::WindowFlags flags = platform.windowLayers->windowFlags(WindowLayer::panel);
     if (make.mouse == Mouse::ignored)
@@ -49,6 +50,11 @@ FloatingPanel::FloatingPanel(Platform &platform, const Make &make)
         setContentsMargins(PanelShadow::room(make.shadow));
     }
     setFixedSize(make.size.grownBy(contentsMargins()));
+}
+
+void FloatingPanel::takeColours() {
+    palette_ = Palette(platform_.appearance->wishes());
+    update();
 }
 
 void FloatingPanel::present(QPoint corner, const std::optional<Screen> &screen) {

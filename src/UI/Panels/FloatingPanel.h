@@ -30,6 +30,7 @@ public:
 
     FloatingPanel(Platform &platform, const Make &make);
 
+    /// They follow the user's wishes for as long as the panel lives.
     const Palette &colours() const { return palette_; }
 
     /// Shows it with its left upper corner there, in front, without activating it. `screen` is the one it
@@ -49,11 +50,13 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void takeColours();
     void paintMaterial(QPainter &painter) const;
 
     Platform &platform_;
     Make make_;
     Palette palette_;
+    Appearance::Listening onAppearance_;
     bool blends_;
     WindowOpacity opacity_;
     QPixmap last_;                      ///< How it looked when it was retired.

@@ -18,7 +18,7 @@ constexpr int fontSize = 11;
 class HintText final : public QWidget {
 public:
     HintText(const QString &text, FloatingPanel &panel)
-        : QWidget(&panel), text_(text), ink_(panel.colours().text) {
+        : QWidget(&panel), text_(text), colours_(panel.colours()) {
         setFont(fonts::ui(fontSize));
         setGeometry(panel.contentsRect());
     }
@@ -26,13 +26,13 @@ public:
 protected:
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
-        painter.setPen(ink_);
+        painter.setPen(colours_.text);
         painter.drawText(rect(), Qt::AlignCenter, text_);
     }
 
 private:
     QString text_;
-    QColor ink_;
+    const Palette &colours_;
 };
 
 } // namespace
