@@ -58,6 +58,21 @@ struct SettingsControls : testing::Test {
     }
 };
 
+/// From the right edge of what is drawn on the button to the button's own.
+int airAtTheRight(PopUpButton &button) {
+    button.resize(button.sizeHint());
+    const QImage picture = button.grab().toImage();
+    const QRect body = button.rect().adjusted(FocusRing::room, FocusRing::room, -FocusRing::room, 0);
+    const QColor fill = picture.pixelColor(body.left() + 5, body.center().y());
+    for (int air = 2; air < body.width(); ++air) { // within the outline
+        for (int y = body.top() + 6; y < body.bottom() - 6 - FocusRing::room; ++y) {
+            if (contrast(picture.pixelColor(body.right() - air, y), fill) > 2)
+                return air;
+        }
+    }
+    return 0;
+}
+
 struct SettingsStepper : SettingsControls {
     Stepper stepper{look, u"Every"_s, {60, 7200}, 60, [](double value) { return QString::number(value); }};
     std::vector<double> steps;
@@ -175,6 +190,20 @@ TEST_F(SettingsStepper, is_a_spin_box_with_a_value_to_assistive_technology) {
     EXPECT_EQ(steps, std::vector<double>{7200});
     box->actionInterface()->doAction(QAccessibleActionInterface::decreaseAction());
     EXPECT_EQ(stepper.value(), 7140);
+}
+
+TEST_F(SettingsControls, the_chevrons_of_a_pop_up_button_keep_their_distance_with_the_largest_text) {
+    PopUpButton ordinary(look, u"Minute"_s, {u"00"_s});
+    const int usual = airAtTheRight(ordinary);
+    const QFont before = QApplication::font();
+    QFont largest = before;
+    largest.setPixelSize(38);
+    QApplication::setFont(largest);
+    const Styled styledLarge(platform);
+    Look large(platform);
+    PopUpButton button(large, u"Minute"_s, {u"00"_s});
+    EXPECT_NEAR(airAtTheRight(button), usual, 1);
+    QApplication::setFont(before);
 }
 
 TEST_F(SettingsControls, a_switch_acts_on_space_and_return_and_leaves_arrow_keys_to_the_page) {

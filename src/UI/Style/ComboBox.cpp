@@ -15,6 +15,7 @@ namespace {
 
 constexpr int bodyHeight = 28;
 constexpr int padding = 12;
+constexpr int chevronInset = 10; // however large they are
 constexpr int narrowest = 72;
 constexpr int widest = 260;
 constexpr double radius = 8;
@@ -25,12 +26,13 @@ int chevronRoom(const Look &look) {
     return look.length(18);
 }
 
-/// Two small ones, one up and one down, about this centre.
-void drawChevrons(QPainter &painter, const QPointF &centre, const Look &look) {
+/// Two small ones, one up and one down, that end at this point's left.
+void drawChevrons(QPainter &painter, const QPointF &end, const Look &look) {
     const double unit = look.length(30) / 30.0;
     const double half = 3 * unit;
     const double rise = 3 * unit;
     const double apart = 2.2 * unit;
+    const QPointF centre = end - QPointF(half, 0);
     painter.setPen(QPen(look.palette().secondaryText, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     for (const double way : {-1.0, 1.0}) {
         const QPointF base = centre + QPointF(0, way * apart);
@@ -68,7 +70,7 @@ void drawComboBox(const Context &context, const QStyleOptionComboBox &box) {
     const ButtonColours &colours = context.look.palette().plainButton;
     const QRectF body = QRectF(box.rect).adjusted(room, room, -room, -room);
     drawBody(painter, body, radius, colours, box.state);
-    drawChevrons(painter, {body.right() - padding - 1, body.center().y()}, context.look);
+    drawChevrons(painter, {body.right() - chevronInset, body.center().y()}, context.look);
     if (context.widget)
         FocusRing::draw(painter, *context.widget, body, radius, context.look.palette().accentText);
     painter.restore();
