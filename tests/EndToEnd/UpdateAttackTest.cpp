@@ -1,5 +1,6 @@
 #include "EndToEnd/UpdateBench.h"
 
+#include <csignal>
 #include <ostream>
 
 namespace pavonel::test {
@@ -148,6 +149,15 @@ TEST_F(UpdateAttack, once_a_feed_was_signed_one_without_a_signature_is_refused) 
     expectRefused("That disk image contains version 1.0 instead of 1.1. Nothing was installed.");
     shell("resign 1.1" THEN_OFFER);
     expectRefused("The update server left out the signature of the update. Nothing was installed.");
+}
+
+TEST_F(UpdateAttack, once_a_feed_was_signed_that_holds_beside_a_program_that_has_the_store_too) {
+    home.start();
+    shell("resign 1.0; pack 1.1; offer_signed 1.1");
+    expectRefused("That disk image contains version 1.0 instead of 1.1. Nothing was installed.");
+    shell("resign 1.1" THEN_OFFER);
+    expectRefused("The update server left out the signature of the update. Nothing was installed.");
+    EXPECT_EQ(home.end(SIGTERM), 0);
 }
 
 TEST_F(UpdateAttack, a_copy_where_others_may_write_is_not_replaced) {
