@@ -51,8 +51,9 @@ int runUntilQuit(SingleInstance &instance) {
                          Phone::shared(), Updater::shared());
     std::atexit(saveAtExit);
     delegate.setUp();
-    // The call for which the bus started us is no second launch.
+    // The call for which the bus started us is no second launch. It may have been another than a launch.
     bool isFirstCall = QCoreApplication::arguments().contains(QStringLiteral("--gapplication-service"));
+    instance.afterWaitingCalls([&] { isFirstCall = false; });
     instance.onReopen([&] {
         if (!std::exchange(isFirstCall, false))
             delegate.reopen();

@@ -29,6 +29,9 @@ public:
     virtual void onReopen(std::function<void()> reopen) = 0;
     virtual void onAction(std::function<void(OutsideAction)> act) = 0;
 
+    /// `then` runs once all calls have been passed on that came while this program started.
+    virtual void afterWaitingCalls(std::function<void()> then) = 0;
+
     /// Where others learn what goes on here. It goes with this object.
     virtual StatusPublisher &publisher() = 0;
 };

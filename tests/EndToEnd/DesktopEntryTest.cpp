@@ -8,6 +8,7 @@
 #include <QFile>
 
 #include <csignal>
+#include <optional>
 
 #include <gtest/gtest.h>
 
@@ -135,23 +136,41 @@ TEST_F(DesktopEntry, where_the_program_does_not_run_the_bus_starts_it_and_the_ac
     EXPECT_TRUE(waitUntil([&] { return program.storedToday(QStringLiteral("skipped")) == 1; }));
 }
 
-/// The entry promises DBusActivatable: a menu then calls Activate and nothing else.
-TEST(DesktopEntryOnScreen, a_menu_starts_the_program_silently_and_then_shows_its_settings) {
-    Desktop desktop;
-    const QTemporaryDir services;
-    installService(services);
-    const MessageBus starter(services.path(), desktop.environment());
-    desktop.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), starter.address());
-    const Remote menu(desktop.environment());
+/// A bus that starts the program on a desktop, by its service.
+struct DesktopEntryOnScreen : testing::Test {
+    DesktopEntryOnScreen() {
+        installService(services);
+        starter.emplace(services.path(), desktop.environment());
+        desktop.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), starter->address());
+    }
+    ~DesktopEntryOnScreen() override {
+        menu().choose(QStringLiteral("Quit Pavonel"));
+        EXPECT_TRUE(waitUntil([this] { return desktop.overlays().empty(); }));
+    }
 
-    EXPECT_EQ(menu.run(QStringLiteral("gapplication launch org.pavonel.Pavonel")), 0);
-    EXPECT_EQ(menu.run(QStringLiteral("gapplication action org.pavonel.Pavonel take-micro-break")), 0);
+    Remote menu() { return Remote(desktop.environment()); }
+    void run(const char *command) { EXPECT_EQ(menu().run(QString::fromUtf8(command)), 0); }
+
+    Desktop desktop;
+    QTemporaryDir services;
+    std::optional<MessageBus> starter;
+};
+
+/// The entry promises DBusActivatable: a menu then calls Activate and nothing else.
+TEST_F(DesktopEntryOnScreen, a_menu_starts_the_program_silently_and_then_shows_its_settings) {
+    run("gapplication launch org.pavonel.Pavonel");
+    run("gapplication action org.pavonel.Pavonel take-micro-break");
     EXPECT_TRUE(waitUntil([&] { return desktop.overlays().size() == Desktop::screens; }));
     EXPECT_FALSE(desktop.shows("Pavonel"));
-    EXPECT_EQ(menu.run(QStringLiteral("gapplication launch org.pavonel.Pavonel")), 0);
+    run("gapplication launch org.pavonel.Pavonel");
     EXPECT_TRUE(waitUntil([&] { return desktop.shows("Pavonel"); }));
-    menu.choose(QStringLiteral("Quit Pavonel"));
-    EXPECT_TRUE(waitUntil([&] { return desktop.overlays().empty(); }));
+}
+
+TEST_F(DesktopEntryOnScreen, a_menu_shows_the_settings_of_one_that_a_bars_question_started) {
+    run("gdbus call --session --dest org.pavonel.Pavonel --object-path /org/pavonel/Pavonel "
+        "--method org.freedesktop.DBus.Properties.GetAll org.pavonel.Pavonel1");
+    run("gapplication launch org.pavonel.Pavonel");
+    EXPECT_TRUE(waitUntil([&] { return desktop.shows("Pavonel"); }));
 }
 
 } // namespace pavonel::test

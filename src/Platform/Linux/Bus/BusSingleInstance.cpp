@@ -6,6 +6,7 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
 #include <QThread>
 
 #include <utility>
@@ -72,6 +73,19 @@ void BusSingleInstance::onAction(std::function<void(OutsideAction)> act) {
     act_ = std::move(act);
     for (const OutsideAction action : std::exchange(waiting_, {}))
         act_(action);
+}
+
+/// Qt passes calls on from when the event loop runs, in their order and that of the bus's answers to us.
+void BusSingleInstance::afterWaitingCalls(std::function<void()> then) {
+    const auto ask = [this, then = std::move(then)] {
+        const QString bus = QStringLiteral("org.freedesktop.DBus");
+        const auto question = QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"),
+                                                             bus, QStringLiteral("GetId"));
+        auto *watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question), &exported_);
+        QObject::connect(watcher, &QDBusPendingCallWatcher::finished, &exported_, then);
+        QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, &QObject::deleteLater);
+    };
+    QMetaObject::invokeMethod(&exported_, ask, Qt::QueuedConnection);
 }
 
 StatusPublisher &BusSingleInstance::publisher() {

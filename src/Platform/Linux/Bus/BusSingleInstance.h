@@ -24,6 +24,7 @@ public:
     Role claim() override;
     void onReopen(std::function<void()> reopen) override;
     void onAction(std::function<void(OutsideAction)> act) override;
+    void afterWaitingCalls(std::function<void()> then) override;
     StatusPublisher &publisher() override;
 
     void reopen();
