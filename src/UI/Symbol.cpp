@@ -27,6 +27,20 @@ void fillShape(QImage &image, const QColor &tint) {
     painter.fillRect(image.rect(), tint);
 }
 
+/// Qt puts a stroke that is thinner than a pixel half a pixel aside, so a small drawing is made larger first.
+QImage drawn(const QString &file, int pixels) {
+    constexpr int thickStrokes = 16; // pixels of a whole drawing
+    constexpr int enlarged = 4;
+    const int side = pixels < thickStrokes ? pixels * enlarged : pixels;
+    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    QSvgRenderer(file).render(&painter);
+    painter.end();
+    return side == pixels ? image
+                          : image.scaled(pixels, pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
 } // namespace
 
 QImage image(const QString &name, qreal side, const QColor &tint, qreal devicePixelRatio) {
@@ -36,11 +50,7 @@ QImage image(const QString &name, qreal side, const QColor &tint, qreal devicePi
     const QString file = name + QStringLiteral(".svg");
     if (!(pixels >= 1 && pixels <= largest) || name.contains(QLatin1Char('/')) || !folder.exists(file))
         return {};
-    QImage image(static_cast<int>(pixels), static_cast<int>(pixels), QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    QSvgRenderer(folder.filePath(file)).render(&painter);
-    painter.end();
+    QImage image = drawn(folder.filePath(file), static_cast<int>(pixels));
     fillShape(image, tint);
     image.setDevicePixelRatio(devicePixelRatio);
     return image;

@@ -139,6 +139,21 @@ TEST_F(HeadsUp, without_a_main_screen_it_is_shown_at_the_origin) {
     EXPECT_EQ(slabOf(panel()), QRect(0, 0, 340, 132));
 }
 
+TEST_F(HeadsUp, the_cross_that_closes_it_is_even_and_in_the_middle_at_one_pixel_a_point) {
+    show();
+    const QImage picture = button(QStringLiteral("Dismiss this notice"))->grab().toImage();
+    ASSERT_EQ(picture.size(), QSize(18, 18));
+    const auto shade = [&](int x, int y) { return qGray(picture.pixel(x, y)); };
+    constexpr int rounding = 8;
+    for (int y = 0; y < 18; ++y) {
+        for (int x = 0; x < 18; ++x) {
+            EXPECT_NEAR(shade(x, y), shade(17 - x, y), rounding) << x << ' ' << y;
+            EXPECT_NEAR(shade(x, y), shade(x, 17 - y), rounding) << x << ' ' << y;
+        }
+    }
+    EXPECT_LT(shade(8, 8), shade(8, 4) - 60) << "it is hardly to be seen";
+}
+
 TEST_F(HeadsUp, lies_in_the_panel_layer_and_never_takes_the_keyboard) {
     show();
     const auto &assignment = scenario.platform.layers.assignments.back();
