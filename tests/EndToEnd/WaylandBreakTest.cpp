@@ -69,7 +69,9 @@ TEST_P(BreakOnWayland, covers_every_output_and_shows_its_text_on_one) {
 TEST_P(BreakOnWayland, lies_above_a_fullscreen_window) {
     OtherWindow other(compositor.environment(), QStringLiteral("player"), OtherWindow::State::fullscreen);
     ASSERT_TRUE(other.isPainted(Compositor::outputSize));
-    start();
+    QJsonObject settings = longBreakSoon;
+    settings[QStringLiteral("pauseOnFullscreen")] = false;
+    start(settings);
     EXPECT_TRUE(desktop.waitForBreak());
 }
 
