@@ -8,6 +8,8 @@
 #include <QRandomGenerator>
 #include <QStandardPaths>
 
+#include <cstring>
+
 #include <gtest/gtest.h>
 
 namespace pavonel::test {
@@ -57,6 +59,37 @@ private:
     }
 };
 
+/// Passes on what a PipeWire server says, and says twice what objects there are.
+class Stammerer {
+public:
+    QByteArray operator()(const QByteArray &piece) {
+        unread_ += piece;
+        QByteArray result;
+        while (unread_.size() >= headerSize) {
+            const qsizetype size = headerSize + (word(1) & 0xff'ffff);
+            if (unread_.size() < size)
+                break;
+            const bool isObject = word(0) == registry && word(1) >> 24 == 0;
+            const QByteArray message = unread_.first(size);
+            result += isObject ? message + message : message;
+            unread_.remove(0, size);
+        }
+        return result;
+    }
+
+private:
+    static constexpr qsizetype headerSize = 16;
+    static constexpr quint32 registry = 2; ///< The first object that a client makes, after itself.
+
+    quint32 word(int index) const {
+        quint32 value = 0;
+        std::memcpy(&value, unread_.constData() + 4 * index, sizeof value);
+        return value;
+    }
+
+    QByteArray unread_;
+};
+
 /// A socket where programs look for PipeWire, in a folder of its own.
 class HostilePipeWire {
 public:
@@ -83,6 +116,23 @@ HostileSocket::Conduct cutAfter(qsizetype bytes) {
 }
 
 } // namespace
+
+TEST_F(PipeWireScreenCastsTest,
+       a_server_that_names_everything_twice_is_understood_and_nothing_is_lost_track_of) {
+    const QString honest = qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/pipewire-0");
+    const HostilePipeWire stammering(HostileSocket::between(honest, Stammerer()));
+    EXPECT_FALSE(casts.anyLive());
+    ASSERT_TRUE(waitUntil([&] { return stammering.isConnected(); }));
+    qunsetenv("PIPEWIRE_RUNTIME_DIR"); // other programs speak with the honest one
+    for (int life = 0; life < 2; ++life) {
+        auto cast = source("Screen");
+        ASSERT_TRUE(waitUntil([&] { return isListed(""); })) << "a viewer without a source gives up";
+        const auto looking = viewer();
+        ASSERT_TRUE(waitUntil([&] { return casts.anyLive(); }));
+        cast.reset();
+        EXPECT_TRUE(waitUntil([&] { return !casts.anyLive(); }));
+    }
+}
 
 TEST_F(PipeWireScreenCastsTest, a_server_that_means_harm_holds_nothing_and_nobody_up) {
     QByteArray noise(1 << 20, '\0');
