@@ -216,8 +216,8 @@ class PhoneLink(unittest.TestCase):
 
     def test_without_a_network_the_page_still_opens_and_says_so(self):
         self.pair()
-        wait_until(lambda: self.phone.run("return navigator.serviceWorker.controller !== null"),
-                   "the page was kept for later")
+        kept = "return navigator.serviceWorker.getRegistration().then((kept) => kept?.active?.state === 'activated')"
+        wait_until(lambda: self.phone.run(kept), "the page was kept for later")
         self.assertEqual(self.service.stop(), 0)
         self.phone.reload()
         self.phone.waits_for_screen("waiting")
