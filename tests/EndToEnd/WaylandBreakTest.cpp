@@ -162,7 +162,8 @@ TEST_P(BreakOnWayland, is_announced_by_a_notice_that_takes_clicks_and_leaves_the
     start({{QStringLiteral("microInterval"), 600},
            {QStringLiteral("preNotifySeconds"), 599},
            {QStringLiteral("microDuration"), 600},
-           {QStringLiteral("showFloatingCountdown"), true}});
+           {QStringLiteral("showFloatingCountdown"), true},
+           {QStringLiteral("pauseOnFullscreen"), false}});
     const QRect notice(Compositor::outputSize.width() - 18 - 340, 18, 340, 132);
     const QRect countdown(notice.right() + 1 - 86, notice.bottom() + 1 + 12, 86, 30);
     for (const QRect &slab : {notice, countdown}) {
