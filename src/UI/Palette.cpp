@@ -9,6 +9,7 @@ namespace pavonel {
 namespace {
 
 constexpr double readable = 4.5;
+constexpr double discernible = 3; // for shapes
 
 double luminance(const QColor &colour) {
     const auto linear = [](double channel) {
@@ -27,15 +28,16 @@ QColor mixed(const QColor &colour, const QColor &towards, double share) {
     return blended(withAlpha(towards, share), colour);
 }
 
-bool isReadable(const QColor &ink, const std::vector<QColor> &surfaces) {
+bool reaches(double wanted, const QColor &ink, const std::vector<QColor> &surfaces) {
     return std::all_of(surfaces.begin(), surfaces.end(),
-                       [&](const QColor &surface) { return contrast(ink, surface) >= readable; });
+                       [&](const QColor &surface) { return contrast(ink, surface) >= wanted; });
 }
 
-/// The nearest shade on the way to `towards` that can be read on all of the surfaces.
-QColor deepened(const QColor &ink, const QColor &towards, const std::vector<QColor> &surfaces) {
+/// The nearest shade on the way to `towards` that has this contrast to all of the surfaces.
+QColor deepened(const QColor &ink, const QColor &towards, const std::vector<QColor> &surfaces,
+                double wanted = readable) {
     QColor shade = ink;
-    for (int percent = 0; percent <= 100 && !isReadable(shade, surfaces); ++percent)
+    for (int percent = 0; percent <= 100 && !reaches(wanted, shade, surfaces); ++percent)
         shade = mixed(ink, towards, percent / 100.0);
     return shade;
 }
@@ -70,6 +72,7 @@ void chooseSurfaces(Palette &p, bool dark) {
     p.panel = dark ? withAlpha(QColor(40, 40, 43), 0.95) : withAlpha(QColor(246, 246, 248), 0.96);
     p.panelOutline = withAlpha(Qt::black, dark ? 0 : 0.13);
     p.track = dark ? QColor(0x4A, 0x4A, 0x50) : QColor(0xD5, 0xD5, 0xDA);
+    p.track = deepened(p.track, line, {p.window, p.card}, discernible);
     p.text = dark ? QColor(0xF2, 0xF2, 0xF4) : QColor(0x1C, 0x1C, 0x1E);
 }
 
@@ -95,6 +98,7 @@ Palette::Palette(const AppearanceWishes &wishes) {
     const std::vector<QColor> surfaces{window, sidebar, card, blended(panel, Qt::black),
                                        blended(panel, Qt::white)};
     secondaryText = deepened(dark ? QColor(0x9A, 0x9A, 0xA1) : QColor(0x6C, 0x6C, 0x72), farthest, surfaces);
+    failure = deepened(dark ? QColor(0xFF, 0x6B, 0x60) : QColor(0xC9, 0x2A, 0x2A), farthest, surfaces);
     std::vector<QColor> selectable = surfaces;
     selectable.push_back(blended(selection, sidebar));
     accentText = deepened(wanted, farthest, selectable);

@@ -31,12 +31,13 @@ struct Palette {
 
     QColor text; ///< On every surface.
     QColor secondaryText;
+    QColor failure;    ///< As an ink.
     QColor accentText; ///< The accent as an ink, also on a selected row.
 
     QColor accent;    ///< Fills.
     QColor onAccent;  ///< The ink on such a fill.
     QColor selection; ///< A selected row of the sidebar.
-    QColor track;     ///< A switch that is off.
+    QColor track;     ///< A switch that is off, and other shapes that must be told from the surface.
 
     ButtonColours prominentButton;
     ButtonColours plainButton; ///< On cards and windows.

@@ -98,6 +98,8 @@ const std::vector<FieldCase> fields{
 
 template <class Case> class RowTest : public testing::TestWithParam<Case> {
 protected:
+    RowTest() { open.settings.blinkEnabled = true; } // else its row cannot be used; all others can
+
     OpenSettings open;
 
     template <class Control> Control *shown(QAccessible::Role role) {

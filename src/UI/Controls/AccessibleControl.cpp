@@ -1,6 +1,7 @@
 #include "UI/Controls/AccessibleControl.h"
 
 #include <QAccessible>
+#include <QWidget>
 
 namespace pavonel {
 
@@ -19,6 +20,15 @@ AccessibleControl::AccessibleControl() {
         return true;
     }();
     static_cast<void>(installed);
+}
+
+void announce(QWidget &widget) {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    QAccessibleAnnouncementEvent event(&widget, widget.accessibleName());
+#else
+    QAccessibleEvent event(&widget, QAccessible::Alert);
+#endif
+    QAccessible::updateAccessibility(&event);
 }
 
 } // namespace pavonel

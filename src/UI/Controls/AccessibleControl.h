@@ -1,6 +1,7 @@
 #pragma once
 
 class QAccessibleInterface;
+class QWidget;
 
 namespace pavonel {
 
@@ -17,5 +18,9 @@ public:
 protected:
     ~AccessibleControl() = default;
 };
+
+/// Tells assistive technology now what the widget says: its accessible name. Before Qt 6.8 this is an alert,
+/// which not every bridge passes on.
+void announce(QWidget &widget);
 
 } // namespace pavonel

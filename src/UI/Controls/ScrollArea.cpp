@@ -1,6 +1,7 @@
 #include "UI/Controls/ScrollArea.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QScrollBar>
 #include <QWheelEvent>
 
@@ -36,6 +37,14 @@ ScrollArea::~ScrollArea() {
 void ScrollArea::follow(QWidget *focused) {
     if (focused && widget()->isAncestorOf(focused) && !focused->underMouse())
         ensureWidgetVisible(focused);
+}
+
+/// One that shows all it has leaves the keys to others.
+void ScrollArea::keyPressEvent(QKeyEvent *event) {
+    if (verticalScrollBar()->maximum() > verticalScrollBar()->minimum())
+        QScrollArea::keyPressEvent(event);
+    else
+        event->ignore();
 }
 
 void ScrollArea::wheelEvent(QWheelEvent *event) {

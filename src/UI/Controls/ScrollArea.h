@@ -14,6 +14,7 @@ public:
     ~ScrollArea() override;
 
 protected:
+    void keyPressEvent(QKeyEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:

@@ -1,5 +1,7 @@
 #include "UI/Controls/Text.h"
 
+#include "UI/Controls/Pixels.h"
+
 #include <QAccessibleWidget>
 #include <QPainter>
 #include <QTextLayout>
@@ -27,13 +29,18 @@ QFont fontOf(const Look &look, Text::Style style) {
         return look.font(13);
     case Text::Style::note:
         return look.font(11);
+    case Text::Style::failure:
+        return look.font(11, QFont::Medium);
     }
     return look.font(13);
 }
 
-bool isQuiet(Text::Style style) {
-    return style == Text::Style::cardSubtitle || style == Text::Style::secondary ||
-           style == Text::Style::note;
+QColor inkOf(const Palette &palette, Text::Style style) {
+    if (style == Text::Style::failure)
+        return palette.failure;
+    const bool quiet =
+        style == Text::Style::cardSubtitle || style == Text::Style::secondary || style == Text::Style::note;
+    return quiet ? palette.secondaryText : palette.text;
 }
 
 /// Breaks the text into lines of this width; the height of all.
@@ -63,6 +70,14 @@ Text::Text(Look &look, const QString &text, Style style) : look_(look), style_(s
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     setText(text);
+}
+
+void Text::setStyle(Style style) {
+    style_ = style;
+    setFont(fontOf(look_, style));
+    whole_ = {};
+    heightKnownFor_ = -1;
+    update();
 }
 
 void Text::setText(const QString &text) {
@@ -115,8 +130,8 @@ QAccessibleInterface *Text::makeAccessible() {
 void Text::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     if (!isEnabled())
-        painter.setOpacity(0.45);
-    painter.setPen(isQuiet(style_) ? look_.palette().secondaryText : look_.palette().text);
+        painter.setOpacity(disabledOpacity);
+    painter.setPen(inkOf(look_.palette(), style_));
     QTextLayout layout(text_, font());
     const double spare = QWidget::height() - breakLines(layout, width());
     layout.draw(&painter, QPointF(0, std::max(0.0, std::floor(spare / 2))));

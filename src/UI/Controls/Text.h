@@ -7,7 +7,8 @@
 
 namespace pavonel {
 
-/// A text that wraps to its width, in one of the inks that can be read on every surface.
+/// A text that wraps to its width, in one of the inks that can be read on every surface. Not a `QLabel`,
+/// which is never a heading to assistive technology and does not break a word that is longer than the line.
 class Text : public QWidget, public AccessibleControl {
 public:
     enum class Style {
@@ -18,9 +19,12 @@ public:
         label,
         secondary, ///< A subtitle or a sentence on a page.
         note,      ///< Small, under a label.
+        failure,   ///< What went wrong.
     };
 
     Text(Look &look, const QString &text, Style style);
+
+    void setStyle(Style style);
 
     const QString &text() const { return text_; }
     void setText(const QString &text);

@@ -8,7 +8,7 @@ class MainLoop;
 class Observable;
 
 /// A part of a page that is another one in every state of what it watches: made anew, from the loop, after
-/// each change. The keyboard stays in it.
+/// each change. The keyboard stays in it, and what it says anew is announced.
 struct Changing {
     MainLoop &loop;
     std::vector<Observable *> watched;

@@ -74,6 +74,7 @@ private:
                        : state == State::unreadable
                            ? QStringLiteral("It cannot be read, so the style is shown.")
                            : QString());
+        note_->setStyle(state == State::unreadable ? Text::Style::failure : Text::Style::note);
         note_->setVisible(!note_->text().isEmpty());
         setMinimumHeight(look().lineHeight(state == State::none ? plainHeight : withPicture));
         thumbnail_->setVisible(state != State::none);

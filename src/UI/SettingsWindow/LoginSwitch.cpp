@@ -18,7 +18,7 @@ void LoginSwitch::set(bool on) {
 
 QString LoginSwitch::words() const {
     if (!failure_.isEmpty())
-        return failure_;
+        return {};
     if (QString limitation = item_.limitation(); !limitation.isEmpty())
         return limitation;
     if (item_.isEnabled() == isOn())

@@ -16,8 +16,10 @@ public:
     bool isOn() const;
     void set(bool on);
 
-    /// Why the last flip failed, or else that the system has it otherwise; empty when all is as the switch
-    /// says.
+    /// Why the last flip failed; empty when it did not.
+    QString failure() const { return failure_; }
+
+    /// That the system has it otherwise; empty when all is as the switch says, and after a failure.
     QString words() const;
 
 private:

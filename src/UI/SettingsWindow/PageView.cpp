@@ -5,6 +5,7 @@
 #include "UI/Controls/Text.h"
 
 #include <QHBoxLayout>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace pavonel {
@@ -47,7 +48,8 @@ PageView::PageView(Look &look, const PageEntry &entry, PageContext &context) {
     place->addStretch(1);
     auto *whole = new QVBoxLayout(this);
     whole->setContentsMargins({});
-    whole->addWidget(new ScrollArea(look, content));
+    area_ = new ScrollArea(look, content);
+    whole->addWidget(area_);
     setAccessibleName(entry.title);
 }
 
@@ -57,6 +59,10 @@ void PageView::readAgain() {
         if (auto *follower = dynamic_cast<Follower *>(widget))
             follower->readAgain();
     }
+}
+
+void PageView::scroll(QAbstractSlider::SliderAction action) {
+    area_->verticalScrollBar()->triggerAction(action);
 }
 
 } // namespace pavonel

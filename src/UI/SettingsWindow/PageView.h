@@ -3,7 +3,10 @@
 #include "UI/Controls/Look.h"
 #include "UI/SettingsWindow/Page.h"
 
+#include <QAbstractSlider>
 #include <QWidget>
+
+class QScrollArea;
 
 namespace pavonel {
 
@@ -14,6 +17,11 @@ public:
 
     /// Lets every row show what its setting is now.
     void readAgain();
+
+    void scroll(QAbstractSlider::SliderAction action);
+
+private:
+    QScrollArea *area_;
 };
 
 } // namespace pavonel

@@ -55,7 +55,7 @@ struct PairedRow {
 
     QWidget *make(Look &look) const {
         auto *row = new CardRow(look);
-        row->add(new SymbolView(look, u"checkmark.circle.fill"_s, 28));
+        row->add(new SymbolView(look, u"checkmark.circle.fill"_s, look.length(28)));
         row->addLabel(u"Your phone is connected"_s, u"When a break starts here, it starts there too."_s);
         auto *button = new Button(u"Disconnect"_s);
         row->add(button);
@@ -88,7 +88,7 @@ Pieces unpairedParts(Phone &phone, const QString &failure) {
     parts.push_back(
         CardText{aboutService(phone), Text::Style::secondary, {FocusRing::room, 0, FocusRing::room, 0}});
     if (!failure.isEmpty())
-        parts.push_back(CardText{failure, Text::Style::label, {FocusRing::room, 0, FocusRing::room, 0}});
+        parts.push_back(CardText{failure, Text::Style::failure, {FocusRing::room, 0, FocusRing::room, 0}});
     parts.push_back(
         ButtonRow{u"Show pairing code"_s, [&phone] { phone.startPairing(); }, {}, Button::Role::prominent});
     return parts;

@@ -12,6 +12,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QVBoxLayout>
 
 namespace pavonel {
@@ -30,6 +31,13 @@ public:
     }
 
     void readAgain() override { switch_->setOn(isOn_.get()); }
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override { event->accept(); }
+    void mouseReleaseEvent(QMouseEvent *event) override {
+        if (event->button() == Qt::LeftButton && rect().contains(event->pos()))
+            switch_->click();
+    }
 
 private:
     Bound<bool> isOn_;
@@ -106,6 +114,20 @@ private:
     QLineEdit *field_;
 };
 
+/// Never seen itself: it lets the row that it lies in be used or not.
+class Dependence final : public QWidget, public Follower {
+public:
+    Dependence(QWidget &row, std::function<bool()> holds) : QWidget(&row), holds_(std::move(holds)) {
+        hide();
+        Dependence::readAgain();
+    }
+
+    void readAgain() override { parentWidget()->setEnabled(holds_()); }
+
+private:
+    std::function<bool()> holds_;
+};
+
 /// A text that comes and goes.
 class WordsWidget final : public QWidget, public Follower {
 public:
@@ -118,8 +140,11 @@ public:
     }
 
     void readAgain() override {
+        const QString before = text_->text();
         text_->setText(words_());
         letSee(*this, !text_->text().isEmpty());
+        if (text_->text() != before && isVisible())
+            announce(*text_);
     }
 
 private:
@@ -137,6 +162,12 @@ QWidget *StepRow::make(Look &look) const {
     return new StepRowWidget(look, *this);
 }
 
+QWidget *OnlyWhile::make(Look &look) const {
+    QWidget *widget = row.make(look);
+    new Dependence(*widget, holds);
+    return widget;
+}
+
 QWidget *PickerRow::make(Look &look) const {
     return new PickerRowWidget(look, *this);
 }
@@ -146,11 +177,11 @@ QWidget *LabeledField::make(Look &look) const {
 }
 
 QWidget *CardNote::make(Look &look) const {
-    return new WordsWidget(look, text, Text::Style::note, {CardRow::margin, 0, CardRow::margin, 9});
+    return new WordsWidget(look, text, style, {CardRow::margin, 0, CardRow::margin, 9});
 }
 
 QWidget *PageNote::make(Look &look) const {
-    return new WordsWidget(look, text, Text::Style::secondary, {FocusRing::room, 0, FocusRing::room, 0});
+    return new WordsWidget(look, text, style, {FocusRing::room, 0, FocusRing::room, 0});
 }
 
 QWidget *ButtonRow::make(Look &) const {

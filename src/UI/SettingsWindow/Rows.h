@@ -2,6 +2,7 @@
 
 #include "UI/Controls/Button.h"
 #include "UI/Controls/Stepper.h"
+#include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Bound.h"
 #include "UI/SettingsWindow/Piece.h"
 
@@ -25,6 +26,14 @@ struct StepRow {
     Range range;
     double step;
     QString suffix = {};
+
+    QWidget *make(Look &look) const;
+};
+
+/// A row that can be used only while something else is as it must be, and is pale otherwise.
+struct OnlyWhile {
+    std::function<bool()> holds;
+    Piece row;
 
     QWidget *make(Look &look) const;
 };
@@ -62,7 +71,10 @@ struct CardNote {
     CardNote(Words words) : text(std::move(words)) {}
     CardNote(const QString &words) : text([words] { return words; }) {}
 
+    CardNote(Words words, Text::Style inStyle) : text(std::move(words)), style(inStyle) {}
+
     Words text;
+    Text::Style style = Text::Style::note;
 
     QWidget *make(Look &look) const;
 };
@@ -70,9 +82,11 @@ struct CardNote {
 /// A sentence on the page itself, below a card; takes no room while it is empty.
 struct PageNote {
     PageNote(Words words) : text(std::move(words)) {}
-    PageNote(const QString &words) : text([words] { return words; }) {}
+    PageNote(const QString &words, Text::Style inStyle = Text::Style::secondary)
+        : text([words] { return words; }), style(inStyle) {}
 
     Words text;
+    Text::Style style = Text::Style::secondary;
 
     QWidget *make(Look &look) const;
 };

@@ -8,6 +8,7 @@
 #include <QAccessibleWidget>
 #include <QBackingStore>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QShowEvent>
 
@@ -70,6 +71,18 @@ void SettingsView::followLook() {
     look_.refresh();
     setPalette(look_.toolkitPalette()); // and thereby a repaint of everything
     update();
+}
+
+/// What nothing in it wanted: ways to close it, and to scroll from wherever the keyboard is.
+void SettingsView::keyPressEvent(QKeyEvent *event) {
+    if (event->matches(QKeySequence::Close) || event->key() == Qt::Key_Escape) {
+        close();
+    } else if (page_ && (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown)) {
+        page_->scroll(event->key() == Qt::Key_PageUp ? QAbstractSlider::SliderPageStepSub
+                                                     : QAbstractSlider::SliderPageStepAdd);
+    } else {
+        QWidget::keyPressEvent(event);
+    }
 }
 
 void SettingsView::showEvent(QShowEvent *event) {

@@ -7,6 +7,8 @@
 #include <QPixmap>
 #include <QScreen>
 
+#include <algorithm>
+
 namespace pavonel {
 
 namespace {
@@ -18,15 +20,22 @@ void fit(SettingsView &window) {
     const QScreen *screen = QGuiApplication::primaryScreen();
     const QRect free = screen ? screen->availableGeometry() : QRect();
     const auto fitting = [&](const QSize &points) {
-        return window.grown(points).boundedTo(free.size() * 0.9).expandedTo(points);
+        return windowPlace(free, window.grown(points).boundedTo(free.size() * 0.9).expandedTo(points));
     };
-    window.setMinimumSize(fitting({640, 400}));
-    QRect place({}, fitting({800, 560}));
-    place.moveCenter(free.center());
-    window.setGeometry(place);
+    window.setMinimumSize(fitting({660, 400}).size());
+    window.setGeometry(fitting({800, 560}));
 }
 
 } // namespace
+
+QRect windowPlace(const QRect &free, const QSize &wanted) {
+    constexpr int titleBar = 40; // at most, and the frame
+    const QRect room = free.adjusted(0, titleBar, 0, 0);
+    QRect place({}, wanted.boundedTo(room.size()));
+    place.moveCenter(free.center());
+    place.moveTop(std::max(place.top(), room.top()));
+    return place;
+}
 
 SettingsWindowController::SettingsWindowController(const PageContext &context) : context_(context) {}
 

@@ -6,6 +6,8 @@
 #include <memory>
 #include <optional>
 
+class QRect;
+class QSize;
 class QWidget;
 
 namespace pavonel {
@@ -25,5 +27,9 @@ private:
     PageContext context_;
     std::unique_ptr<QWidget> window_;
 };
+
+/// So large within what is free of a screen, as far as it goes, and in its middle, with the title bar on it
+/// too.
+QRect windowPlace(const QRect &free, const QSize &wanted);
 
 } // namespace pavonel

@@ -67,7 +67,8 @@ public:
         texts->setContentsMargins(0, air, FocusRing::room, air);
         texts->setSpacing(betweenLines);
         texts->addWidget(new Text(look, u"Version "_s + updater.currentVersion(), Text::Style::label));
-        line_ = new Text(look, {}, Text::Style::note);
+        const bool failed = std::holds_alternative<Updater::Failed>(updater.state.get());
+        line_ = new Text(look, {}, failed ? Text::Style::failure : Text::Style::note);
         texts->addWidget(line_);
         addState(*texts);
         auto *place = new QWidget;

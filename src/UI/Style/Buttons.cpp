@@ -83,13 +83,13 @@ QColor between(const QColor &one, const QColor &other, double share) {
     return blended(veil, one);
 }
 
-void drawKnob(QPainter &painter, const QRectF &knob) {
+void drawKnob(QPainter &painter, const QRectF &knob, const QColor &fill) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(0, 0, 0, 18));
     painter.drawEllipse(knob.adjusted(-0.5, 0, 0.5, 1));
     painter.setBrush(QColor(0, 0, 0, 32));
     painter.drawEllipse(knob.translated(0, 0.5));
-    painter.setBrush(Qt::white);
+    painter.setBrush(fill);
     painter.drawEllipse(knob);
 }
 
@@ -149,7 +149,8 @@ void drawSwitch(const Context &context, const QStyleOption &option) {
     drawBody(painter, body, body.height() / 2, track, Qt::transparent);
     const double side = body.height() - 2 * knobInset;
     const double way = body.width() - side - 2 * knobInset;
-    drawKnob(painter, {body.left() + knobInset + way * share, body.top() + knobInset, side, side});
+    drawKnob(painter, {body.left() + knobInset + way * share, body.top() + knobInset, side, side},
+             between(Qt::white, palette.onAccent, share)); // on a light accent white would not be seen
     if (context.widget)
         FocusRing::draw(painter, *context.widget, body, body.height() / 2, palette.accentText);
     painter.restore();

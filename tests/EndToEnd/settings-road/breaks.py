@@ -37,6 +37,6 @@ heads_up.switch("Countdown follows the cursor", False)
 
 behaviour = page.card("Behaviour")
 behaviour.reads("No skipping, no postponing")
-behaviour.switch("Strict mode", True)
 behaviour.switch("Breaks can be skipped", False)
 behaviour.switch("Breaks can be postponed", False)
+behaviour.switch("Strict mode", True)

@@ -26,8 +26,8 @@ pause.switch("While video or audio is playing", True)
 pause.switch("During screen recording or sharing", False)
 
 natural = page.card("Natural breaks")
-natural.switch("Reset the timer when I step away", False)
 natural.step("After", 120, "2m of no input", least=20, most=600, by=10)
+natural.switch("Reset the timer when I step away", False)
 
 focus = page.card("Focus apps")
 focus.reads("None yet")

@@ -14,13 +14,12 @@ window.walk(
     ("Posture", "Enabled"),
     ("Posture", "Every"),
     ("Blinking", "Enabled"),
-    ("Blinking", "Every"),
 )
 
 posture = page.card("Posture")
 posture.reads("Shoulders back, screen at eye level")
-posture.switch("Enabled", False)
 posture.step("Every", 3600, "1h", least=300, most=7200, by=300)
+posture.switch("Enabled", False)
 
 blinking = page.card("Blinking")
 blinking.reads("Screens make you blink less")

@@ -43,12 +43,11 @@ Card systemCard(PageContext &context) {
                 {
                     SwitchRow{u"Launch at login"_s,
                               {[login] { return login->isOn(); }, [login](bool on) { login->set(on); }}},
+                    CardNote([login] { return login->failure(); }, Text::Style::failure),
                     CardNote([login] { return login->words(); }),
                     SwitchRow{u"Global shortcuts"_s, settings.hotKeysEnabled,
                               u"⌃⌥⌘B take a break · ⌃⌥⌘S skip · ⌃⌥⌘P pause"_s},
                     CardNote(shortcuts),
-                    limitationNote(*context.platform.statusItem),
-                    limitationNote(*context.platform.power),
                 }};
 }
 
@@ -59,6 +58,8 @@ Pieces advancedPage(PageContext &context) {
     return {
         updateCard(context),
         systemCard(context),
+        PageNote([&context] { return context.platform.statusItem->limitation(); }),
+        PageNote([&context] { return context.platform.power->limitation(); }),
         Card{u"Automation"_s,
              {},
              {

@@ -30,7 +30,8 @@ Pieces pausingPage(PageContext &context) {
              {},
              {
                  SwitchRow{u"Reset the timer when I step away"_s, settings.naturalBreakEnabled},
-                 StepRow{u"After"_s, settings.idleResetSeconds, {20, 600}, 10, u"of no input"_s},
+                 OnlyWhile{[&settings] { return settings.naturalBreakEnabled.get(); },
+                           StepRow{u"After"_s, settings.idleResetSeconds, {20, 600}, 10, u"of no input"_s}},
                  limitationNote(*platform.idleTime),
              }},
         Card{u"Focus apps"_s, {}, focusApps},

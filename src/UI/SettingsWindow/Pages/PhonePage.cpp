@@ -17,7 +17,8 @@ Pieces phonePage(PageContext &context) {
         Changing{*context.platform.mainLoop, {&phone}, [&phone] { return phoneParts(phone); }, betweenCards},
         PageNote(
             u"Only the break itself travels to the phone: its kind, its name and when it ends. Settings and "
-            "statistics never leave this computer."_s),
+            "statistics never leave this computer."_s,
+            Text::Style::note),
     };
 }
 

@@ -14,13 +14,15 @@ Pieces wellnessPage(PageContext &context) {
              u"Shoulders back, screen at eye level"_s,
              {
                  SwitchRow{u"Enabled"_s, settings.postureEnabled},
-                 StepRow{u"Every"_s, settings.postureInterval, {300, 7200}, 300},
+                 OnlyWhile{[&settings] { return settings.postureEnabled.get(); },
+                           StepRow{u"Every"_s, settings.postureInterval, {300, 7200}, 300}},
              }},
         Card{u"Blinking"_s,
              u"Screens make you blink less"_s,
              {
                  SwitchRow{u"Enabled"_s, settings.blinkEnabled},
-                 StepRow{u"Every"_s, settings.blinkInterval, {60, 3600}, 60},
+                 OnlyWhile{[&settings] { return settings.blinkEnabled.get(); },
+                           StepRow{u"Every"_s, settings.blinkInterval, {60, 3600}, 60}},
              }},
         PageNote(u"Reminders appear as a small strip at the top of the screen for a few seconds. Nothing to "
                  "click, and they never show during a break."_s),
