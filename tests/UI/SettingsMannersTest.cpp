@@ -169,6 +169,33 @@ TEST_F(SettingsManners, what_comes_of_an_act_is_announced) {
     EXPECT_TRUE(told.texts().last().contains(u"Could not reach the pairing service."_s));
 }
 
+TEST_F(SettingsManners, a_steppers_spoken_value_is_the_shown_text) {
+    open.show(Page::breaks);
+    QAccessibleInterface *stepper = open.find(QAccessible::SpinBox, u"Every"_s, u"Micro break"_s);
+    ASSERT_NE(stepper, nullptr);
+    ASSERT_NE(stepper->textInterface(), nullptr);
+    QAccessibleTextInterface &text = *stepper->textInterface();
+    EXPECT_EQ(text.text(0, text.characterCount()), u"20m"_s);
+}
+
+TEST_F(SettingsManners, a_held_stepper_stops_when_the_pointer_leaves) {
+    open.show(Page::breaks);
+    auto *stepper = open.widget<Stepper>(QAccessible::SpinBox, u"Every"_s, u"Micro break"_s);
+    const QPointF plus(stepper->width() - 16.0, stepper->height() / 2.0);
+    const auto send = [&](QEvent::Type type, QPointF where) {
+        QMouseEvent event(type, where, stepper->mapToGlobal(where), Qt::LeftButton, Qt::LeftButton,
+                          Qt::NoModifier);
+        QApplication::sendEvent(stepper, &event);
+    };
+    send(QEvent::MouseButtonPress, plus);
+    open.platform.loop.advance(1);
+    EXPECT_GT(stepper->value(), 1260);
+    send(QEvent::MouseMove, plus + QPointF(0, 200));
+    const double left = stepper->value();
+    open.platform.loop.advance(3);
+    EXPECT_EQ(stepper->value(), left);
+}
+
 TEST_F(SettingsManners, a_context_menu_shows_what_cannot_be_done_as_such) {
     open.show(Page::appearance);
     auto *field = open.widget<QLineEdit>(QAccessible::EditableText, u"Add a message"_s);

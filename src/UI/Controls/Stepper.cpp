@@ -15,8 +15,8 @@ namespace pavonel {
 namespace {
 
 constexpr double radius = 7;
-constexpr Seconds patience = 0.4; // before a held half steps again
-constexpr Seconds pace = 0.08;
+constexpr Seconds repeatDelay = 0.4; // of a half that is held
+constexpr Seconds repeatInterval = 0.08;
 
 } // namespace
 
@@ -31,8 +31,9 @@ Stepper::Stepper(Look &look, const QString &name, Range range, double step, Word
 void Stepper::setValue(double value) {
     if (std::isnan(value) || value == value_)
         return;
+    const QString before = valueText();
     value_ = value;
-    reportValue();
+    reportValue(before);
     if (onChange)
         onChange(value_);
     update();
@@ -104,9 +105,14 @@ void Stepper::mousePressEvent(QMouseEvent *event) {
     if (!held_)
         return;
     step(*held_);
-    repeat_ = look_.loop().after(patience,
-                                 [this] { repeat_ = look_.loop().every(pace, [this] { step(*held_); }); });
+    repeat_ = look_.loop().after(
+        repeatDelay, [this] { repeat_ = look_.loop().every(repeatInterval, [this] { step(*held_); }); });
     update();
+}
+
+void Stepper::mouseMoveEvent(QMouseEvent *event) {
+    if (held_ && halfAt(event->position()) != held_)
+        release();
 }
 
 void Stepper::mouseReleaseEvent(QMouseEvent *event) {

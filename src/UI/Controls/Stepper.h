@@ -18,8 +18,9 @@ struct Range {
     double most;
 };
 
-/// Two halves, − and +, that move a number by a step within its range, again and again while one is held.
-/// A number outside of the range stays as it is until the next step, which lands within.
+/// Not a `QAbstractSpinBox`, which brings its number back into its range before the user has touched it: two
+/// halves, − and +, that move a number by a step within its range, again and again while one is held and the
+/// pointer on it. A number outside of the range stays as it is until the next step, which lands within.
 class Stepper : public QWidget, public AccessibleControl {
 public:
     /// The number as people read it.
@@ -57,6 +58,7 @@ protected:
     bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -69,7 +71,7 @@ private:
     std::optional<Direction> halfAt(QPointF point) const;
     void drawHalf(QPainter &painter, Direction direction) const;
     void release();
-    void reportValue();
+    void reportValue(const QString &textBefore);
 
     Look &look_;
     Range range_;

@@ -73,7 +73,7 @@ class Place(Item):
         item.act("Increase")
         is_at(to)
         self.reads(reading)
-        assert item.description == reading, f"{item} is described as “{item.description}”, not “{reading}”"
+        assert item.text == reading, f"{item} is read as “{item.text}”, not “{reading}”"
 
     def entry(self, pop_up, choice, then=lambda entry: True):
         """Of the opened list, also where that must be scrolled to show it."""
