@@ -262,6 +262,83 @@ TEST_F(SettingsManners, a_click_on_a_rows_label_turns_its_switch) {
     EXPECT_TRUE(open.settings.strictMode);
 }
 
+TEST_F(SettingsManners, an_added_planned_break_is_seen_with_the_keyboard_in_its_label) {
+    open.settings.plannedBreaks = PlannedBreaks(12);
+    open.show(Page::planned);
+    click(*button(u"Add planned break"_s));
+    settle();
+    auto *label = qobject_cast<QLineEdit *>(open.window()->focusWidget());
+    ASSERT_NE(label, nullptr);
+    EXPECT_EQ(label->accessibleName(), u"Label"_s);
+    EXPECT_EQ(label->selectedText(), label->text());
+    const QRect seen(label->mapTo(open.window(), QPoint(0, 0)), label->size());
+    EXPECT_TRUE(open.window()->rect().contains(seen)) << seen.top();
+}
+
+TEST_F(SettingsManners, the_time_of_a_planned_break_has_its_colon_and_its_length_a_label) {
+    open.scenario.plan(12, 30, 1800);
+    open.show(Page::planned);
+    EXPECT_TRUE(open.texts().contains(u":"_s));
+    EXPECT_EQ(open.texts().indexOf(u"For"_s) + 1, open.texts().indexOf(u"30m"_s));
+}
+
+TEST_F(SettingsManners, removing_a_planned_break_can_be_undone) {
+    open.scenario.plan(9, 0, 600, u"Tea"_s);
+    open.scenario.plan(12, 30, 1800, u"Lunch"_s);
+    const PlannedBreaks before = open.settings.plannedBreaks;
+    open.show(Page::planned);
+    EXPECT_EQ(button(u"Undo removing Tea"_s), nullptr);
+    click(*button(u"Remove Tea"_s));
+    settle();
+    EXPECT_EQ(open.settings.plannedBreaks->size(), 1U);
+    click(*button(u"Undo removing Tea"_s));
+    settle();
+    EXPECT_EQ(open.settings.plannedBreaks.get(), before);
+    EXPECT_EQ(button(u"Undo removing Tea"_s), nullptr);
+}
+
+TEST_F(SettingsManners, removing_a_message_or_an_application_can_be_undone) {
+    open.settings.messages = QStringList{u"a"_s, u"b"_s, u"c"_s};
+    open.show(Page::appearance);
+    click(*button(u"Remove b"_s));
+    settle();
+    click(*button(u"Undo removing b"_s));
+    EXPECT_EQ(open.settings.messages.get(), (QStringList{u"a"_s, u"b"_s, u"c"_s}));
+    open.settings.deepFocusApps = QStringList{u"org.example.quill"_s};
+    open.show(Page::pausing);
+    click(*button(u"Remove org.example.quill"_s));
+    settle();
+    EXPECT_TRUE(open.settings.deepFocusApps->isEmpty());
+    click(*button(u"Undo removing org.example.quill"_s));
+    EXPECT_EQ(open.settings.deepFocusApps.get(), QStringList{u"org.example.quill"_s});
+}
+
+TEST_F(SettingsManners, a_message_can_be_read_whole_and_edited_in_its_place) {
+    const QString longOne = u"Look at the <b>farthest</b> thing "_s.repeated(20).trimmed();
+    open.settings.messages = QStringList{longOne, u"b"_s};
+    open.show(Page::appearance);
+    const auto rows = childrenOf<ListRow>(open.window());
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_TRUE(rows[0]->toolTip().contains(longOne.toHtmlEscaped()));
+    QWidget *remove = button(u"Remove b"_s);
+    press(remove, Qt::Key_F2);
+    auto *field = open.widget<QLineEdit>(QAccessible::EditableText, u"Edit b"_s);
+    ASSERT_NE(field, nullptr);
+    EXPECT_EQ(field->text(), u"b"_s);
+    field->setText(u"Breathe"_s);
+    press(field, Qt::Key_Return);
+    settle();
+    EXPECT_EQ(open.settings.messages.get(), (QStringList{longOne, u"Breathe"_s}));
+    press(button(u"Remove Breathe"_s), Qt::Key_F2);
+    field = open.widget<QLineEdit>(QAccessible::EditableText, u"Edit Breathe"_s);
+    ASSERT_NE(field, nullptr);
+    field->setText(u"not this"_s);
+    press(field, Qt::Key_Escape);
+    settle();
+    EXPECT_EQ(open.settings.messages->last(), u"Breathe"_s) << "Escape leaves it as it was";
+    EXPECT_TRUE(open.window()->isVisible()) << "and the window open";
+}
+
 TEST_F(SettingsManners, notes_of_the_tray_and_of_waking_belong_to_no_setting) {
     open.platform.menuBar.reason = u"There is no tray."_s;
     open.platform.powerEvents.reason = u"Nobody tells of sleep."_s;

@@ -4,8 +4,11 @@
 #include "UI/Controls/CardRow.h"
 
 #include <QImage>
+#include <QPointer>
 
 #include <functional>
+
+class QLineEdit;
 
 namespace pavonel {
 
@@ -21,21 +24,31 @@ public:
         QImage picture = {};
     };
 
-    static constexpr int pictureSide = 24;
+    static int pictureSide(const Look &look) { return look.length(24); }
 
     /// In the middle of `place`, one behind the other; the detail gives way first.
     static void draw(QPainter &painter, const QRectF &place, const Entry &entry, const Look &look,
                      const QColor &ink, const QColor &detailInk);
 
-    /// `remove` may destroy the row.
-    ListRow(Look &look, const Entry &entry, std::function<void()> remove);
+    /// `remove` may destroy the row, as may `edit`, which is given another text. Where there is an `edit`, a
+    /// double click or F2 lets the text be edited in its place.
+    ListRow(Look &look, const Entry &entry, std::function<void()> remove,
+            std::function<void(const QString &)> edit = {});
 
     QAccessibleInterface *makeAccessible() override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void beginEditing();
+    void endEditing();
+
+    QString whole_; ///< The text, of which the row shows what fits.
+    std::function<void(const QString &)> edit_;
+    QPointer<QLineEdit> field_; ///< While it is edited.
     Entry entry_;
     Button *remove_;
 };

@@ -30,6 +30,17 @@ constexpr int padding = 16;
 constexpr int rowHeight = 40;
 constexpr double radius = 14;
 
+class SheetAccessible final : public QAccessibleWidget {
+public:
+    explicit SheetAccessible(QWidget *sheet) : QAccessibleWidget(sheet, QAccessible::Dialog) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.modal = true;
+        return state;
+    }
+};
+
 /// Its rows are left by the arrow keys, before what scrolls it takes them.
 class Column final : public QWidget {
 protected:
@@ -87,7 +98,7 @@ AppChooser::AppChooser(Look &look, InstalledApplications &applications, QWidget 
     connect(cancel, &Button::clicked, this, [this] { leave(); });
     connect(search_, &QLineEdit::textChanged, this, [this](const QString &words) { search(words); });
     connect(search_, &QLineEdit::returnPressed, this, [this] {
-        if (!rows_->keys().isEmpty())
+        if (!search_->text().trimmed().isEmpty() && !rows_->keys().isEmpty())
             take(rows_->keys().front());
     });
     parentWidget()->installEventFilter(this);
@@ -113,8 +124,8 @@ QWidget *AppChooser::list() {
 
 QWidget *AppChooser::row(const QString &identifier) {
     const InstalledApplication application = byIdentifier_.value(identifier);
-    auto *row =
-        new AppRow(look_, application, appIcon(applications_, application, ListRow::pictureSide, look_));
+    auto *row = new AppRow(look_, application,
+                           appIcon(applications_, application, ListRow::pictureSide(look_), look_));
     connect(row, &AppRow::clicked, this, [this, identifier] { take(identifier); });
     return row;
 }
@@ -198,7 +209,7 @@ bool AppChooser::focusNextPrevChild(bool next) {
 }
 
 QAccessibleInterface *AppChooser::makeAccessible() {
-    return new QAccessibleWidget(this, QAccessible::Dialog);
+    return new SheetAccessible(this);
 }
 
 } // namespace pavonel

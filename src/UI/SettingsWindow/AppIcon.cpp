@@ -16,7 +16,7 @@ constexpr qsizetype longestCharacter = 16; // of those that are made of several
 void paintLetter(QPainter &painter, int side, const QString &name, const Look &look) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(look.palette().track);
+    painter.setBrush(look.palette().panelButton.hovered);
     painter.drawRoundedRect(QRectF(1, 1, side - 2, side - 2), side * 0.22, side * 0.22);
     painter.setPen(look.palette().text);
     painter.setFont(look.font(side / 2, QFont::DemiBold));

@@ -40,7 +40,7 @@ ListRow::Entry entryOf(Names &names, const QString &identifier, const Look &look
     const InstalledApplication *known = names.find(identifier);
     const InstalledApplication shown = known ? *known : InstalledApplication{identifier, identifier};
     return {shown.name, known ? identifier : QString(),
-            appIcon(names.applications(), shown, ListRow::pictureSide, look)};
+            appIcon(names.applications(), shown, ListRow::pictureSide(look), look)};
 }
 
 QWidget *chooseButton(Look &look, InstalledApplications &applications,

@@ -7,8 +7,13 @@
 #include "UI/SettingsWindow/PlannedEditing.h"
 #include "UI/SettingsWindow/PlannedRow.h"
 #include "UI/SettingsWindow/RowList.h"
+#include "UI/SettingsWindow/UndoRow.h"
 
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace pavonel {
 
@@ -16,8 +21,8 @@ namespace {
 
 class PlannedListWidget final : public QWidget, public Follower {
 public:
-    PlannedListWidget(Look &look, Settings &settings)
-        : settings_(settings), state_(new Text(look, {}, Text::Style::secondary)),
+    PlannedListWidget(Look &look, const PlannedList &list)
+        : settings_(list.settings), added_(list.added), state_(new Text(look, {}, Text::Style::secondary)),
           rows_(new RowList(look, PlannedRow::rowHeight(look), RowList::Lines::all,
                             [this, &look](const QString &key) { return row(look, key); })) {
         auto *lines = new QVBoxLayout(this);
@@ -28,6 +33,8 @@ public:
         head->addWidget(state_);
         lines->addLayout(head);
         lines->addWidget(rows_);
+        undo_ = new UndoRow(look);
+        lines->addWidget(undo_);
         PlannedListWidget::readAgain();
     }
 
@@ -40,6 +47,9 @@ public:
             if (auto *row = static_cast<PlannedRow *>(rows_->rowAt(static_cast<std::size_t>(index))))
                 row->display(breaks[static_cast<std::size_t>(index)]);
         }
+        if (std::exchange(*added_, false) && !keys.isEmpty())
+            static_cast<PlannedRow &>(rows_->reveal(static_cast<std::size_t>(keys.size()) - 1))
+                .takeKeyboard();
     }
 
 private:
@@ -49,21 +59,36 @@ private:
             [this, key](const PlannedRow::Edit &edit) {
                 settings_.plannedBreaks = edited(settings_.plannedBreaks, key, edit);
             },
-            [this, key] { settings_.plannedBreaks = without(settings_.plannedBreaks, key); });
+            [this, key] { remove(key); });
         if (const PlannedBreak *planned = plannedBreak(settings_.plannedBreaks, key))
             row->display(*planned);
         return row;
     }
 
+    void remove(const QString &key) {
+        const PlannedBreaks before = settings_.plannedBreaks;
+        const PlannedBreak *planned = plannedBreak(before, key);
+        if (!planned)
+            return;
+        settings_.plannedBreaks = without(before, key);
+        undo_->offer(planned->label, [this, gone = *planned, place = planned - before.data()] {
+            PlannedBreaks breaks = settings_.plannedBreaks;
+            breaks.insert(breaks.begin() + std::min(place, std::ssize(breaks)), gone);
+            settings_.plannedBreaks = std::move(breaks);
+        });
+    }
+
     Settings &settings_;
+    std::shared_ptr<bool> added_;
     Text *state_;
     RowList *rows_;
+    UndoRow *undo_;
 };
 
 } // namespace
 
 QWidget *PlannedList::make(Look &look) const {
-    return new PlannedListWidget(look, settings);
+    return new PlannedListWidget(look, *this);
 }
 
 } // namespace pavonel

@@ -49,6 +49,11 @@ PlannedRow::PlannedRow(Look &look, std::function<void(const Edit &)> change, std
             Qt::QueuedConnection); // this row goes with it
 }
 
+void PlannedRow::takeKeyboard() {
+    label_->setFocus(Qt::TabFocusReason);
+    label_->selectAll();
+}
+
 int PlannedRow::rowHeight(const Look &look) {
     return 2 * look.length(lineHeight) + 2 * air;
 }
@@ -71,6 +76,7 @@ QWidget *PlannedRow::firstLine(Look &look) {
     row->addWidget(label_, 1);
     row->addSpacing(8);
     row->addWidget(hour_);
+    row->addWidget(new Text(look, QStringLiteral(":"), Text::Style::label));
     row->addWidget(minute_);
     row->addSpacing(8);
     row->addWidget(enabled_);
@@ -97,6 +103,8 @@ QWidget *PlannedRow::secondLine(Look &look) {
     };
     duration_->onChange = [this](double seconds) { durationText_->setValue(seconds); };
     row->addStretch();
+    row->addWidget(new Text(look, QStringLiteral("For"), Text::Style::secondary));
+    row->addSpacing(6);
     row->addWidget(durationText_);
     row->addSpacing(6);
     row->addWidget(duration_);

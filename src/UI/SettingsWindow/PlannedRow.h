@@ -31,6 +31,9 @@ public:
     /// Without a report.
     void display(const PlannedBreak &planned);
 
+    /// To its label, all of which the next letter replaces.
+    void takeKeyboard();
+
     static int rowHeight(const Look &look);
 
     QAccessibleInterface *makeAccessible() override;

@@ -3,6 +3,7 @@
 #include "UI/Controls/CardRow.h"
 
 #include <QAccessibleWidget>
+#include <QCoreApplication>
 #include <QEvent>
 #include <QHash>
 #include <QPaintEvent>
@@ -106,12 +107,9 @@ void RowList::arrange() {
     const Span span = nearby(1);
     bool grown = false;
     for (std::size_t index = span.begin; index < span.end; ++index) {
-        QWidget *&row = rows_[index];
-        if (row)
+        if (rows_[index])
             continue;
-        row = make_(keys_[static_cast<qsizetype>(index)]);
-        row->setParent(this);
-        row->show();
+        make(index);
         grown = true;
     }
     dropFarRows();
@@ -124,6 +122,22 @@ void RowList::arrange() {
     }
     if (grown)
         chainFocus();
+}
+
+void RowList::make(std::size_t index) {
+    rows_[index] = make_(keys_[static_cast<qsizetype>(index)]);
+    rows_[index]->setParent(this);
+    rows_[index]->setGeometry(0, static_cast<int>(index) * rowHeight_, width(), rowHeight_);
+    rows_[index]->show();
+}
+
+QWidget &RowList::reveal(std::size_t index) {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest); // it is as long now as it says
+    if (!rows_[index])
+        make(index);
+    if (area_)
+        area_->ensureWidgetVisible(rows_[index], 0, 0);
+    return *rows_[index];
 }
 
 void RowList::dropFarRows() {

@@ -38,6 +38,9 @@ public:
     /// Null while the row does not exist.
     QWidget *rowAt(std::size_t index) const { return rows_[index]; }
 
+    /// Makes that row where it does not exist, and lets the page grow to where it stands.
+    QWidget &reveal(std::size_t index);
+
     QSize sizeHint() const override;
     QAccessibleInterface *makeAccessible() override;
 
@@ -55,6 +58,7 @@ private:
     Span nearby(int heights) const;
     void follow();
     void arrange();
+    void make(std::size_t index);
     void dropFarRows();
     void chainFocus();
 

@@ -3,9 +3,12 @@
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/RowList.h"
+#include "UI/SettingsWindow/UndoRow.h"
 
 #include <QHash>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace pavonel {
 
@@ -35,6 +38,8 @@ public:
         rows_ = new RowList(look, look.lineHeight(rowHeight), RowList::Lines::first,
                             [this, &look](const QString &key) { return row(look, key); });
         lines->addWidget(rows_);
+        undo_ = new UndoRow(look);
+        lines->addWidget(undo_);
         TextListWidget::readAgain();
     }
 
@@ -42,12 +47,16 @@ public:
         const QStringList texts = list_.texts.get();
         rows_->setKeys(keysOf(texts));
         empty_->setVisible(texts.isEmpty() && !list_.whenEmpty.isEmpty());
-        letSee(*this, !texts.isEmpty() || !list_.whenEmpty.isEmpty());
+        letSee(*this, !texts.isEmpty() || !list_.whenEmpty.isEmpty() || !undo_->isHidden());
     }
 
 private:
     QWidget *row(Look &look, const QString &key) {
-        return new ListRow(look, list_.entry(key.left(key.lastIndexOf(mark))), [this, key] { remove(key); });
+        std::function<void(const QString &)> edit;
+        if (list_.entries == TextList::Entries::editable)
+            edit = [this, key](const QString &text) { replace(key, text); };
+        return new ListRow(
+            look, entryOf(key), [this, key] { remove(key); }, edit);
     }
 
     void remove(const QString &key) {
@@ -55,13 +64,32 @@ private:
         const qsizetype place = keysOf(texts).indexOf(key);
         if (place < 0)
             return;
-        texts.removeAt(place);
+        const QString text = texts.takeAt(place);
+        list_.texts.set(texts);
+        undo_->offer(entryOf(key).text, [this, text, place] { bringBack(text, place); });
+    }
+
+    void bringBack(const QString &text, qsizetype place) {
+        QStringList texts = list_.texts.get();
+        texts.insert(std::min(place, texts.size()), text);
         list_.texts.set(texts);
     }
+
+    void replace(const QString &key, const QString &text) {
+        QStringList texts = list_.texts.get();
+        const qsizetype place = keysOf(texts).indexOf(key);
+        if (place < 0)
+            return;
+        texts[place] = text;
+        list_.texts.set(texts);
+    }
+
+    ListRow::Entry entryOf(const QString &key) const { return list_.entry(key.left(key.lastIndexOf(mark))); }
 
     TextList list_;
     CardRow *empty_;
     RowList *rows_;
+    UndoRow *undo_;
 };
 
 } // namespace

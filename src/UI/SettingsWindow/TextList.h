@@ -8,7 +8,8 @@
 
 namespace pavonel {
 
-/// The entries of a list of texts, one a row with a button that removes it. The same text may be there twice.
+/// The entries of a list of texts, one a row with a button that removes it, which can be undone. The same
+/// text may be there twice.
 struct TextList {
     Bound<QStringList> texts;
     QString whenEmpty = {}; ///< Shown in place of the rows.
@@ -16,6 +17,8 @@ struct TextList {
     std::function<ListRow::Entry(const QString &)> entry = [](const QString &text) {
         return ListRow::Entry{text};
     };
+    enum class Entries { fixed, editable };
+    Entries entries = Entries::fixed;
 
     QWidget *make(Look &look) const;
 };

@@ -42,5 +42,6 @@ window.walk(
         for name in ("Tea", "Lunch")
         for control in ("Label", "Hour", "Minute", "Enabled", f"Remove {name}", *days, "Duration")
     ),
+    ("Your schedule", "Undo removing Doomed"),
     "Add planned break",
 )

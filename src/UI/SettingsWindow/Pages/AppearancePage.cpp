@@ -15,6 +15,7 @@ using namespace Qt::StringLiterals;
 Pieces appearancePage(PageContext &context) {
     Settings &settings = context.settings;
     Platform &platform = context.platform;
+    const auto sounds = [&settings] { return settings.soundEnabled.get(); };
     const auto addMessage = [&settings](const QString &text) {
         settings.messages = settings.messages.get() + QStringList(text);
     };
@@ -30,14 +31,14 @@ Pieces appearancePage(PageContext &context) {
              {},
              {
                  SwitchRow{u"Play sounds"_s, settings.soundEnabled},
-                 SoundRow{u"Break starts"_s, settings.startSound, *platform.sounds},
-                 SoundRow{u"Break ends"_s, settings.endSound, *platform.sounds},
+                 OnlyWhile{sounds, SoundRow{u"Break starts"_s, settings.startSound, *platform.sounds}},
+                 OnlyWhile{sounds, SoundRow{u"Break ends"_s, settings.endSound, *platform.sounds}},
                  limitationNote(*platform.sounds),
              }},
         Card{u"Break messages"_s,
              u"One is picked at random for each break"_s,
              {
-                 TextList{settings.messages},
+                 TextList{.texts = settings.messages, .entries = TextList::Entries::editable},
                  AddField{u"Add a message"_s, u"Add the message"_s, addMessage},
              }},
     };
