@@ -339,6 +339,32 @@ TEST_F(SettingsManners, a_message_can_be_read_whole_and_edited_in_its_place) {
     EXPECT_TRUE(open.window()->isVisible()) << "and the window open";
 }
 
+TEST_F(SettingsManners, the_chart_is_read_by_the_arrow_keys) {
+    open.show(Page::stats);
+    const auto charts = childrenOf<WeekChart>(open.window());
+    ASSERT_EQ(charts.size(), 1U);
+    WeekChart &chart = *charts.front();
+    EXPECT_TRUE(chart.focusPolicy() & Qt::TabFocus);
+    const QImage before = chart.grab().toImage();
+    press(&chart, Qt::Key_Left);
+    const QImage one = chart.grab().toImage();
+    EXPECT_NE(one, before);
+    press(&chart, Qt::Key_Left);
+    EXPECT_NE(chart.grab().toImage(), one);
+}
+
+TEST_F(SettingsManners, the_chart_has_a_scale) {
+    open.show(Page::stats);
+    const WeekChart &chart = *childrenOf<WeekChart>(open.window()).front();
+    const QImage picture = const_cast<WeekChart &>(chart).grab().toImage();
+    const int right = picture.width() - 1;
+    int inked = 0;
+    for (int y = 30; y < picture.height() - 30; ++y)
+        for (int x = right - 24; x <= right; ++x)
+            inked += picture.pixelColor(x, y) != picture.pixelColor(right, picture.height() / 2);
+    EXPECT_GT(inked, 10) << "hours are written beside the bars";
+}
+
 TEST_F(SettingsManners, notes_of_the_tray_and_of_waking_belong_to_no_setting) {
     open.platform.menuBar.reason = u"There is no tray."_s;
     open.platform.powerEvents.reason = u"Nobody tells of sleep."_s;

@@ -1,11 +1,14 @@
 #include "UI/SettingsWindow/WeekChart.h"
 
 #include "Core/ClockText.h"
+#include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Pixels.h"
 #include "UI/SettingsWindow/WeekFigures.h"
 
 #include <QAccessibleWidget>
 #include <QFontMetricsF>
 #include <QHoverEvent>
+#include <QKeyEvent>
 #include <QLocale>
 #include <QPainter>
 #include <QPainterPath>
@@ -20,6 +23,8 @@ namespace {
 constexpr int legendHeight = 24;
 constexpr int barsHeight = 104;
 constexpr int labelHeight = 24;
+constexpr int scaleRoom = 28; // at the right
+constexpr std::size_t daysOfAWeek = 7;
 constexpr double widestBar = 44;
 constexpr double gapInBar = 3;
 constexpr double thinnestPart = 3;
@@ -57,6 +62,7 @@ void paintPart(QPainter &painter, const QRectF &part, double above, double below
 
 WeekChart::WeekChart(Look &look) : look_(look) {
     setAttribute(Qt::WA_Hover);
+    setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setFont(look.font(11));
     setAccessibleName(QStringLiteral("Screen time and breaks of the last 7 days"));
@@ -91,7 +97,8 @@ QAccessibleInterface *WeekChart::makeAccessible() {
 }
 
 QRectF WeekChart::column(std::size_t day) const {
-    const double columnWidth = static_cast<double>(width()) / static_cast<double>(days_.size());
+    const double columnWidth =
+        static_cast<double>(width() - look_.length(scaleRoom)) / static_cast<double>(days_.size());
     return {columnWidth * static_cast<double>(day), static_cast<double>(look_.length(legendHeight)),
             columnWidth, barsHeight};
 }
@@ -130,19 +137,65 @@ bool WeekChart::event(QEvent *event) {
         hovered = dayAt(static_cast<QHoverEvent *>(event)->position());
     else if (event->type() == QEvent::HoverLeave)
         hovered.reset();
-    if (hovered != hovered_) {
-        hovered_ = hovered;
-        update();
-    }
+    tellOf(hovered);
     return QWidget::event(event);
+}
+
+void WeekChart::tellOf(std::optional<std::size_t> day) {
+    if (day == hovered_)
+        return;
+    hovered_ = day;
+    update();
+}
+
+void WeekChart::keyPressEvent(QKeyEvent *event) {
+    const std::size_t last = days_.empty() ? 0 : days_.size() - 1;
+    const std::size_t at = hovered_.value_or(last);
+    if (days_.empty() || (event->key() != Qt::Key_Left && event->key() != Qt::Key_Right))
+        return QWidget::keyPressEvent(event);
+    tellOf(event->key() == Qt::Key_Right ? std::min(at + 1, last) : at - std::min<std::size_t>(at, 1));
+}
+
+/// It begins with today.
+void WeekChart::focusInEvent(QFocusEvent *event) {
+    if (FocusRing::isOn(*this) && !days_.empty())
+        tellOf(days_.size() - 1);
+    QWidget::focusInEvent(event);
+}
+
+void WeekChart::focusOutEvent(QFocusEvent *event) {
+    tellOf({});
+    QWidget::focusOutEvent(event);
 }
 
 void WeekChart::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    paintScale(painter);
     paintLegend(painter);
     for (std::size_t day = 0; day < days_.size(); ++day)
         paintDay(painter, day);
+    FocusRing::draw(painter, *this, QRectF(rect()).adjusted(4, 4, -4, -4), 8, look_.palette().accentText);
+}
+
+/// Whole hours: as many lines as can be told apart.
+void WeekChart::paintScale(QPainter &painter) const {
+    constexpr Seconds hour = 3600;
+    constexpr int mostLines = 3;
+    if (days_.empty())
+        return;
+    const QRectF place = column(0);
+    int step = 1;
+    while (place.height() / (step * hour * scale()) >= mostLines + 1)
+        step *= 2;
+    const double right = width() - look_.length(scaleRoom);
+    painter.setPen(look_.palette().secondaryText);
+    for (int hours = step; hours * hour * scale() <= place.height(); hours += step) {
+        const double y = place.bottom() - hours * hour * scale();
+        drawHairline(painter, {0, y}, {right, y}, look_.palette().cardOutline);
+        painter.drawText(QRectF(right, y - 10, look_.length(scaleRoom), 20),
+                         Qt::AlignRight | Qt::AlignVCenter, QStringLiteral("%1h").arg(hours));
+    }
 }
 
 /// What the colours mean, or the figures of the day under the pointer.
@@ -187,9 +240,15 @@ void WeekChart::paintDay(QPainter &painter, std::size_t day) const {
     if (screen.isEmpty() && breaks.isEmpty())
         paintPart(painter, {screen.left(), place.bottom() - 2, screen.width(), 2}, 1, 1, palette.track);
     painter.setOpacity(1);
-    painter.setPen(hovered_ == day ? palette.text : palette.secondaryText);
+    const bool today = day + 1 == daysOfAWeek;
+    painter.setFont(look_.font(11, today ? QFont::DemiBold : QFont::Normal));
+    painter.setPen(hovered_ == day || today ? palette.text : palette.secondaryText);
+    QString label = days_[day].label;
+    if (const auto word = QStringLiteral("Today");
+        today && painter.fontMetrics().horizontalAdvance(word) <= place.width())
+        label = word;
     painter.drawText(QRectF(place.left(), place.bottom(), place.width(), look_.length(labelHeight)),
-                     Qt::AlignHCenter | Qt::AlignBottom, days_[day].label);
+                     Qt::AlignHCenter | Qt::AlignBottom, label);
 }
 
 } // namespace pavonel

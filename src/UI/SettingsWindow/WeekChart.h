@@ -11,7 +11,8 @@
 namespace pavonel {
 
 /// Seven days side by side, each a bar of the time at the screen upon one of the time on breaks, at one
-/// scale. The day under the pointer tells its figures; a screen reader gets those of all.
+/// scale. The day under the pointer tells its figures, as does the one that the arrow keys lead to; a screen
+/// reader gets those of all.
 class WeekChart : public QWidget, public AccessibleControl {
 public:
     explicit WeekChart(Look &look);
@@ -34,12 +35,17 @@ public:
 
 protected:
     bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
     QRectF column(std::size_t day) const;
     std::optional<std::size_t> dayAt(QPointF point) const;
     double scale() const;
+    void tellOf(std::optional<std::size_t> day);
+    void paintScale(QPainter &painter) const;
     void paintLegend(QPainter &painter) const;
     void paintDay(QPainter &painter, std::size_t day) const;
 
