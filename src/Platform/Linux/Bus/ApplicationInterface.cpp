@@ -5,39 +5,13 @@
 #include "Platform/Linux/Bus/refuse.h"
 
 #include <QDBusArgument>
-#include <QDBusError>
 #include <QDBusVariant>
 
-#include <algorithm>
 #include <utility>
 
 namespace pavonel {
 
 namespace {
-
-constexpr int mostElements = 1000; // of a list or dictionary that comes along with a call
-
-bool isLong(const QVariant &list) {
-    if (list.metaType() == QMetaType::fromType<QStringList>())
-        return list.toStringList().size() > mostElements;
-    if (list.metaType() != QMetaType::fromType<QDBusArgument>())
-        return false;
-    const auto argument = list.value<QDBusArgument>();
-    const bool isMap = argument.currentType() == QDBusArgument::MapType;
-    int elements = 0;
-    isMap ? argument.beginMap() : argument.beginArray();
-    for (; !argument.atEnd() && elements <= mostElements; ++elements) {
-        if (isMap) { // leaving an entry passes over what it holds
-            argument.beginMapEntry();
-            argument.endMapEntry();
-        } else {
-            QDBusVariant element;
-            argument >> element;
-        }
-    }
-    isMap ? argument.endMap() : argument.endArray(); // or Qt keeps it for ever
-    return elements > mostElements;
-}
 
 QString textIn(const QVariant &platformData, QStringView wanted) {
     const auto map = platformData.value<QDBusArgument>();
@@ -79,34 +53,24 @@ ApplicationInterface::ApplicationInterface(QObject *exported, const QDBusConnect
     : QDBusAbstractAdaptor(exported), bus_(bus), instance_(instance) {}
 
 void ApplicationInterface::Activate(const QDBusMessage &call) {
-    if (!refuses(call, QStringLiteral("a{sv}")))
+    if (!refuseOthersThan(QStringLiteral("a{sv}"), call, bus_))
         reopen(call.arguments().at(0));
 }
 
 /// We have no documents.
 void ApplicationInterface::Open(const QDBusMessage &call) {
-    if (!refuses(call, QStringLiteral("asa{sv}")))
+    if (!refuseOthersThan(QStringLiteral("asa{sv}"), call, bus_))
         reopen(call.arguments().at(1));
 }
 
 void ApplicationInterface::ActivateAction(const QDBusMessage &call) {
-    if (refuses(call, QStringLiteral("sava{sv}")))
+    if (refuseOthersThan(QStringLiteral("sava{sv}"), call, bus_))
         return;
     const QString action = call.arguments().at(0).toString();
     for (const auto &[known, meaning] : actions) {
         if (action == QLatin1String(known))
             instance_.act(meaning);
     }
-}
-
-bool ApplicationInterface::refuses(const QDBusMessage &call, const QString &signature) const {
-    if (refuseOthersThan(signature, call, bus_))
-        return true;
-    if (std::ranges::none_of(call.arguments(), isLong))
-        return false;
-    refuse(call, bus_, QDBusError::errorString(QDBusError::LimitsExceeded),
-           QStringLiteral("No desktop sends as much as this."));
-    return true;
 }
 
 void ApplicationInterface::reopen(const QVariant &platformData) {

@@ -39,7 +39,6 @@ public Q_SLOTS:
     void ActivateAction(const QDBusMessage &call);
 
 private:
-    bool refuses(const QDBusMessage &call, const QString &signature) const;
     void reopen(const QVariant &platformData);
 
     QDBusConnection bus_;

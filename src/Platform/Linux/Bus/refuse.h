@@ -9,8 +9,9 @@ namespace pavonel {
 void refuse(const QDBusMessage &call, const QDBusConnection &bus, const QString &error,
             const QString &sentence);
 
-/// Whether the call has other arguments than those of `signature`; then it is refused. Qt takes one with more
-/// arguments than there are for one with just enough.
+/// Whether the call has other arguments than those of `signature`, or longer ones than anybody sends who
+/// means well; then it is refused. Qt takes a call with more arguments than there are for one with just
+/// enough.
 bool refuseOthersThan(const QString &signature, const QDBusMessage &call, const QDBusConnection &bus);
 
 } // namespace pavonel

@@ -1,5 +1,8 @@
 #include "Platform/Linux/KWin/KWinWindows.h"
 
+#include "Platform/Linux/Bus/refuse.h"
+
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -121,8 +124,11 @@ std::vector<FullscreenWindow> KWinWindows::fullscreen() {
 }
 
 void KWinWindows::Front(const QString &json) {
-    if (!calledFromDBus() || message().service() != kwin_)
+    if (!calledFromDBus())
         return;
+    if (message().service() != kwin_)
+        return refuse(message(), bus_, QDBusError::errorString(QDBusError::AccessDenied),
+                      u"Only KWin is heard here."_s);
     const QJsonObject window = QJsonDocument::fromJson(json.toUtf8()).object();
     const ProcessId process = processOf(window);
     front_.reset();

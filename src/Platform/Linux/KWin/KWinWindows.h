@@ -30,7 +30,7 @@ public:
     std::vector<FullscreenWindow> fullscreen() override;
 
 public Q_SLOTS:
-    /// For the script. Of whoever else calls nothing is taken.
+    /// For the script. Whoever else calls is refused.
     Q_NOREPLY void Front(const QString &json);
 
 private:

@@ -1,5 +1,8 @@
 #include "Platform/Linux/Tray/DBusMenu.h"
 
+#include "Platform/Linux/Bus/refuse.h"
+
+#include <QDBusError>
 #include <QDBusMetaType>
 #include <QGuiApplication>
 
@@ -8,8 +11,6 @@
 namespace pavonel {
 
 namespace {
-
-constexpr qsizetype mostAtOnce = 1000; // items or names in one question
 
 /// A single underscore would mark the access key.
 QString escaped(QString title) {
@@ -54,7 +55,6 @@ QVariantMap selected(QVariantMap properties, const QStringList &names) {
     return properties;
 }
 
-/// A depth of -1 means all of it.
 DBusMenuLayout layoutOf(const MenuModel::Node &node, int depth, const QStringList &names) {
     DBusMenuLayout layout{node.id, selected(propertiesOf(node), names), {}};
     if (depth != 0) {
@@ -146,79 +146,108 @@ bool DBusMenu::rebuild() {
     return true;
 }
 
-bool DBusMenu::refuses(bool isAbsurd) const {
-    if (isAbsurd && calledFromDBus())
-        sendErrorReply(QDBusError::LimitsExceeded, QStringLiteral("No menu is of this size."));
-    return isAbsurd;
-}
-
-uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList &propertyNames,
-                         DBusMenuLayout &layout) {
-    if (refuses(recursionDepth < -1 || propertyNames.size() > mostAtOnce))
-        return 0;
+DBusMenuLayout DBusMenu::layout(int id, int depth, const QStringList &propertyNames) {
     // Some hosts read the menu without saying that they are about to show it.
-    if (parentId == MenuModel::rootId)
+    if (id == MenuModel::rootId)
         rebuild();
-    if (const MenuModel::Node *node = model_.find(parentId))
-        layout = layoutOf(*node, recursionDepth, propertyNames);
-    return revision_;
-}
-
-QList<DBusMenuItem> DBusMenu::GetGroupProperties(const QList<int> &ids, const QStringList &propertyNames) {
-    if (refuses(ids.size() > mostAtOnce || propertyNames.size() > mostAtOnce))
-        return {};
-    QList<DBusMenuItem> items;
-    for (const int id : ids) {
-        if (const MenuModel::Node *node = model_.find(id))
-            items.append({id, selected(propertiesOf(*node), propertyNames)});
-    }
-    return items;
-}
-
-QDBusVariant DBusMenu::GetProperty(int id, const QString &name) {
     const MenuModel::Node *node = model_.find(id);
-    const QVariant value = node ? propertiesOf(*node).value(name) : QVariant();
-    return QDBusVariant(value.isValid() ? value : QVariant(QString()));
+    return node ? layoutOf(*node, depth, propertyNames) : DBusMenuLayout();
 }
 
-void DBusMenu::Event(int id, const QString &eventId, const QDBusVariant &, uint) {
-    const MenuModel::Node *node = eventId == u"clicked" ? model_.find(id) : nullptr;
-    if (!node || !node->item.action)
-        return;
-    // The host waits for our answer: act when it has it, and on a copy, as the action may change the menu.
-    QMetaObject::invokeMethod(this, std::function<void()>(node->item.action), Qt::QueuedConnection);
-}
-
-QList<int> DBusMenu::EventGroup(const QList<DBusMenuEvent> &events) {
-    if (refuses(events.size() > mostAtOnce))
-        return {};
-    QList<int> unknown;
-    for (const DBusMenuEvent &event : events) {
-        if (!model_.find(event.id))
-            unknown.append(event.id);
-        Event(event.id, event.eventId, event.data, event.timestamp);
-    }
-    return unknown;
-}
-
-bool DBusMenu::AboutToShow(int id) {
+bool DBusMenu::aboutToShow(int id) {
     if (id != MenuModel::rootId || !rebuild())
         return false;
     Q_EMIT LayoutUpdated(revision_, MenuModel::rootId);
     return true;
 }
 
-QList<int> DBusMenu::AboutToShowGroup(const QList<int> &ids, QList<int> &idErrors) {
-    if (refuses(ids.size() > mostAtOnce))
-        return {};
+void DBusMenu::take(int id, const QString &event) {
+    const MenuModel::Node *node = event == u"clicked" ? model_.find(id) : nullptr;
+    if (!node || !node->item.action)
+        return;
+    // The host waits for our answer: act when it has it, and on a copy, as the action may change the menu.
+    QMetaObject::invokeMethod(this, std::function<void()>(node->item.action), Qt::QueuedConnection);
+}
+
+bool DBusMenu::refuses(const QDBusMessage &call, const char *signature) const {
+    return refuseOthersThan(QString::fromLatin1(signature), call, connection());
+}
+
+void DBusMenu::answer(const QDBusMessage &call, const QVariantList &values) const {
+    call.setDelayedReply(true); // or an empty reply would follow
+    if (call.isReplyRequired())
+        connection().send(call.createReply(values));
+}
+
+void DBusMenu::GetLayout(const QDBusMessage &call) {
+    if (refuses(call, "iias"))
+        return;
+    const QVariantList arguments = call.arguments();
+    const int depth = arguments[1].toInt();
+    if (depth < -1)
+        return refuse(call, connection(), QDBusError::errorString(QDBusError::LimitsExceeded),
+                      QStringLiteral("No menu is of this depth."));
+    const DBusMenuLayout answered = layout(arguments[0].toInt(), depth, arguments[2].toStringList());
+    answer(call, {revision_, QVariant::fromValue(answered)});
+}
+
+void DBusMenu::GetGroupProperties(const QDBusMessage &call) {
+    if (refuses(call, "aias"))
+        return;
+    const QVariantList arguments = call.arguments();
+    QList<DBusMenuItem> items;
+    for (const int id : qdbus_cast<QList<int>>(arguments[0])) {
+        if (const MenuModel::Node *node = model_.find(id))
+            items.append({id, selected(propertiesOf(*node), arguments[1].toStringList())});
+    }
+    answer(call, {QVariant::fromValue(items)});
+}
+
+void DBusMenu::GetProperty(const QDBusMessage &call) {
+    if (refuses(call, "is"))
+        return;
+    const QVariantList arguments = call.arguments();
+    const MenuModel::Node *node = model_.find(arguments[0].toInt());
+    const QVariant value = node ? propertiesOf(*node).value(arguments[1].toString()) : QVariant();
+    answer(call, {QVariant::fromValue(QDBusVariant(value.isValid() ? value : QVariant(QString())))});
+}
+
+void DBusMenu::Event(const QDBusMessage &call) {
+    if (refuses(call, "isvu"))
+        return;
+    const QVariantList arguments = call.arguments();
+    take(arguments[0].toInt(), arguments[1].toString());
+}
+
+void DBusMenu::EventGroup(const QDBusMessage &call) {
+    if (refuses(call, "a(isvu)"))
+        return;
+    QList<int> unknown;
+    for (const auto &event : qdbus_cast<QList<DBusMenuEvent>>(call.arguments()[0])) {
+        if (!model_.find(event.id))
+            unknown.append(event.id);
+        take(event.id, event.eventId);
+    }
+    answer(call, {QVariant::fromValue(unknown)});
+}
+
+void DBusMenu::AboutToShow(const QDBusMessage &call) {
+    if (!refuses(call, "i"))
+        answer(call, {aboutToShow(call.arguments()[0].toInt())});
+}
+
+void DBusMenu::AboutToShowGroup(const QDBusMessage &call) {
+    if (refuses(call, "ai"))
+        return;
     QList<int> needUpdate;
-    for (const int id : ids) {
+    QList<int> unknown;
+    for (const int id : qdbus_cast<QList<int>>(call.arguments()[0])) {
         if (!model_.find(id))
-            idErrors.append(id);
-        else if (AboutToShow(id))
+            unknown.append(id);
+        else if (aboutToShow(id))
             needUpdate.append(id);
     }
-    return needUpdate;
+    answer(call, {QVariant::fromValue(needUpdate), QVariant::fromValue(unknown)});
 }
 
 } // namespace pavonel
