@@ -5,8 +5,10 @@
 #include "support/FakePlatform.h"
 #include "support/HostileAnswers.h"
 #include "support/answerOf.h"
+#include "support/files.h"
 #include "support/waitUntil.h"
 
+#include <QDir>
 #include <QTcpSocket>
 
 #include <atomic>
@@ -175,6 +177,25 @@ TEST_F(FetchClientTest, credentials_do_not_follow_to_another_server) {
     ASSERT_EQ(other.requests().size(), 1U);
     EXPECT_EQ(other.requests()[0].header("Authorization"), "");
     EXPECT_EQ(other.requests()[0].header("X-Other"), "stays");
+}
+
+TEST_F(FetchClientTest, credentials_are_not_among_what_others_see_of_a_process) {
+    const HttpServer silent([](const auto &, QTcpSocket &) {});
+    HttpRequest secret = request("GET", silent.url());
+    secret.headers = {{"Authorization", "Bearer s3cret"}};
+    client->send(secret, [](const Response &) {});
+    ASSERT_TRUE(waitUntil([&] { return !silent.requests().empty(); }));
+    const QString tool = ProgramFiles::ofThisProgram().tool(QStringLiteral("fetch"));
+    int seen = 0;
+    for (const QString &process : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        const QString folder = QStringLiteral("/proc/%1/").arg(process);
+        if (QFile::symLinkTarget(folder + QStringLiteral("exe")) != tool)
+            continue;
+        ++seen;
+        for (const char *file : {"cmdline", "environ"})
+            EXPECT_FALSE(readFile(folder + QString::fromLatin1(file)).contains("s3cret")) << file;
+    }
+    EXPECT_GE(seen, 1);
 }
 
 TEST_F(FetchClientTest, redirects_in_a_circle_or_to_elsewhere_end) {
