@@ -1,9 +1,10 @@
 // confine IMAGE FOLDER COMMAND [ARGUMENT]...: runs what reads a stranger's file with as few rights as a plain
 // user can give away. It may read the image and the system's programs, write in the folder (none when that is
-// empty), and has no network, as far as this kernel knows Landlock and user namespaces; memory, time and the
-// size of a file are limited everywhere.
+// empty), and has neither sockets nor other processes, as far as this kernel knows Landlock, seccomp and user
+// namespaces; memory, time and the size of a file are limited everywhere.
 
 #include "landlock.h"
+#include "seccomp-filter.h"
 
 #include <cstdio>
 #include <initializer_list>
@@ -50,6 +51,7 @@ int main(int argc, char **argv) {
     prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
     unshare(CLONE_NEWUSER | CLONE_NEWNET | CLONE_NEWIPC); // a network with nobody on it
     keepFromOtherFiles(argv[1], argv[2]);
+    SeccompFilter({}).enforce();
     execvp(argv[3], argv + 3);
     std::perror("confine");
     return 127;

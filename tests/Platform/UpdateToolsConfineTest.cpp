@@ -1,18 +1,10 @@
 #include "Platform/UpdateTools.h"
 #include "support/HttpServer.h"
-
-#include <sys/syscall.h>
-#include <unistd.h>
+#include "support/kernelKnows.h"
 
 namespace pavonel::test {
 
 namespace {
-
-bool knowsLandlock() {
-    constexpr long create = 444;
-    constexpr int askVersion = 1;
-    return ::syscall(create, nullptr, 0, askVersion) >= 1;
-}
 
 /// What runs the unpacker with few rights.
 class UpdateToolsConfine : public UpdateTools {
@@ -56,12 +48,31 @@ TEST_F(UpdateToolsConfine, it_has_no_network) {
     const bool hasNamespaces =
         ChildProcess::run(QStringLiteral("unshare"), {QStringLiteral("-rn"), QStringLiteral("true")})
             .status == 0;
-    if (!knowsLandlock() && !hasNamespaces)
+    if (!knowsLandlock() && !knowsSeccomp() && !hasNamespaces)
         GTEST_SKIP() << "This system gives a plain user nothing to give a network up with.";
     const HttpServer server(HttpServer::respond(200));
     const QString connect = QStringLiteral("exec 3<>/dev/tcp/127.0.0.1/%1").arg(server.url().port());
     EXPECT_EQ(ChildProcess::run(QStringLiteral("bash"), {QStringLiteral("-c"), connect}).status, 0);
     EXPECT_NE(confined(connect).status, 0);
+}
+
+TEST_F(UpdateToolsConfine, it_has_no_sockets_and_no_other_processes) {
+    if (!knowsSeccomp())
+        GTEST_SKIP() << "This kernel has no seccomp.";
+    const char *const deeds[] = {
+        "import socket; socket.socket(socket.AF_UNIX)",
+        "import socket; socket.socket(socket.AF_INET)",
+        "import socket; socket.socket(socket.AF_NETLINK, socket.SOCK_RAW)",
+        "import socket; socket.socketpair(socket.AF_UNIX, socket.SOCK_DGRAM)",
+        "import os; os.kill(os.getppid(), 0)",
+        "import os, resource; resource.prlimit(os.getppid(), resource.RLIMIT_NOFILE)",
+    };
+    for (const char *deed : deeds) {
+        const QString command = QStringLiteral("/usr/bin/python3 -c '%1'; true").arg(QString::fromUtf8(deed));
+        EXPECT_EQ(ChildProcess::run(QStringLiteral("bash"), {QStringLiteral("-c"), command}).errors, "")
+            << deed;
+        EXPECT_TRUE(confined(command).errors.contains("PermissionError")) << deed;
+    }
 }
 
 TEST_F(UpdateToolsConfine, memory_time_and_the_size_of_a_file_are_limited) {

@@ -7,7 +7,10 @@
 #include <string>
 
 #include <fcntl.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,6 +29,17 @@ void tryAll() {
         tell("wrote");
     if (unlink((folder + "/victim").c_str()) == 0)
         tell("removed");
+    if (chmod((folder + "/secret").c_str(), 0666) == 0)
+        tell("opened");
+    if (socket(AF_UNIX, SOCK_STREAM, 0) >= 0)
+        tell("spoke");
+    int pair[2];
+    if (socketpair(AF_UNIX, SOCK_DGRAM, 0, pair) == 0)
+        tell("wrote to another socket");
+    if (kill(getppid(), 0) == 0)
+        tell("signalled");
+    if (rlimit limits{}; prlimit(getppid(), RLIMIT_NOFILE, nullptr, &limits) == 0)
+        tell("limited another");
     const pid_t child = fork();
     if (child == 0) {
         execl("/bin/true", "true", nullptr);
