@@ -71,8 +71,8 @@ export class BreakView {
     if (!this.#current || document.visibilityState !== "visible" || !navigator.wakeLock) return;
     try {
       const lock = await navigator.wakeLock.request("screen");
-      if (this.#current) this.#lock = lock;
-      else await lock.release();
+      if (this.#current && (!this.#lock || this.#lock.released)) this.#lock = lock;
+      else await lock.release(); // the break is over, or another one asked meanwhile
     } catch {
       // the battery may be low
     }

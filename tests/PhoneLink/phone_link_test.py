@@ -224,6 +224,24 @@ class PhoneLink(unittest.TestCase):
         wait_until(lambda: self.phone.connection == "lost", "the page said so")
         self.service.start()
 
+    def test_a_break_keeps_the_screen_awake_and_is_felt_at_its_start_and_end(self):
+        script = self.phone.command("Page.addScriptToEvaluateOnNewDocument", source=(
+            "var awake = 0, felt = [];"
+            "Object.defineProperty(navigator, 'wakeLock', {value: {request: async () => {"
+            "  ++awake; return {released: false, async release() { this.released = true; --awake; }}; }}});"
+            "navigator.vibrate = (pattern) => felt.push(pattern.length);"))
+        self.addCleanup(self.phone.command, "Page.removeScriptToEvaluateOnNewDocument", **script)
+        computer = harness.Computer(self.service)
+        self.enter(self.phone, computer.code)
+        awake = lambda: self.phone.run("return awake")
+        for title in ("Micro break", "Long break"):
+            computer.begin(title, seconds=300)
+            wait_until(lambda: self.phone.text("#break-title") == title, "the page showed " + title)
+        wait_until(lambda: awake() == 1, "the screen was kept awake by one lock")
+        computer.end()
+        wait_until(lambda: awake() == 0, "the screen was let go")
+        self.assertEqual(self.phone.run("return felt"), [1, 1, 3])
+
     def test_the_page_fits_a_narrow_phone_and_either_way_up(self):
         program = self.pair(microDuration=600)
         self.addCleanup(self.phone.turn, (390, 844))
