@@ -1,6 +1,6 @@
 #include "UI/Controls/Button.h"
-#include "UI/SettingsWindow/AppChooser.h"
-#include "UI/SettingsWindow/AppRow.h"
+#include "UI/SettingsWindow/Pages/Pausing/AppChooser.h"
+#include "UI/SettingsWindow/Pages/Pausing/AppRow.h"
 #include "support/OpenSettings.h"
 #include "support/windows.h"
 

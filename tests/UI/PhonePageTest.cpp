@@ -1,6 +1,6 @@
 #include "UI/Controls/Button.h"
-#include "UI/SettingsWindow/CodeView.h"
-#include "UI/SettingsWindow/QrCodeView.h"
+#include "UI/SettingsWindow/Pages/Phone/CodeView.h"
+#include "UI/SettingsWindow/Pages/Phone/QrCodeView.h"
 #include "support/OpenSettings.h"
 #include "support/windows.h"
 

@@ -3,9 +3,9 @@
 #include "UI/Controls/PopUpButton.h"
 #include "UI/Controls/Stepper.h"
 #include "UI/Controls/Switch.h"
-#include "UI/SettingsWindow/PlannedEditing.h"
-#include "UI/SettingsWindow/PlannedRow.h"
-#include "UI/SettingsWindow/WeekdayToggle.h"
+#include "UI/SettingsWindow/Pages/Planned/PlannedEditing.h"
+#include "UI/SettingsWindow/Pages/Planned/PlannedRow.h"
+#include "UI/SettingsWindow/Pages/Planned/WeekdayToggle.h"
 #include "support/OpenSettings.h"
 #include "support/windows.h"
 

@@ -1,4 +1,4 @@
-#include "UI/SettingsWindow/RelativeTime.h"
+#include "UI/SettingsWindow/Pages/Advanced/RelativeTime.h"
 
 #include "support/Printing.h"
 

@@ -1,4 +1,4 @@
-#include "UI/SettingsWindow/RowList.h"
+#include "UI/SettingsWindow/Rows/RowList.h"
 
 #include "UI/Controls/Button.h"
 #include "UI/Controls/ScrollArea.h"

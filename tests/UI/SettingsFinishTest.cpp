@@ -1,6 +1,6 @@
 #include "UI/Controls/Button.h"
 #include "UI/Controls/FocusRing.h"
-#include "UI/SettingsWindow/Rows.h"
+#include "UI/SettingsWindow/Rows/Rows.h"
 #include "support/OpenSettings.h"
 
 #include <gtest/gtest.h>

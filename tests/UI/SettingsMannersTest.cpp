@@ -3,7 +3,7 @@
 #include "UI/Controls/ListRow.h"
 #include "UI/Controls/Stepper.h"
 #include "UI/Controls/Text.h"
-#include "UI/SettingsWindow/WeekChart.h"
+#include "UI/SettingsWindow/Pages/Stats/WeekChart.h"
 #include "support/OpenSettings.h"
 #include "support/windows.h"
 

@@ -1,5 +1,5 @@
 #include "UI/Controls/Button.h"
-#include "UI/SettingsWindow/WeekChart.h"
+#include "UI/SettingsWindow/Pages/Stats/WeekChart.h"
 #include "support/OpenSettings.h"
 #include "support/windows.h"
 

@@ -1,6 +1,6 @@
-#include "UI/SettingsWindow/WeekChart.h"
+#include "UI/SettingsWindow/Pages/Stats/WeekChart.h"
 
-#include "UI/SettingsWindow/WeekFigures.h"
+#include "UI/SettingsWindow/Pages/Stats/WeekFigures.h"
 #include "support/FakePlatform.h"
 #include "support/Printing.h"
 #include "support/waitUntil.h"

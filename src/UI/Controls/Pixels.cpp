@@ -2,6 +2,8 @@
 
 #include "UI/Palette.h"
 
+#include <QBrush>
+#include <QImage>
 #include <QPainter>
 
 #include <algorithm>
@@ -56,6 +58,20 @@ void drawHairline(QPainter &painter, const QPointF &from, const QPointF &to, con
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.fillRect(toDevice.inverted().mapRect(QRectF(corner, size)), colour);
+    painter.restore();
+}
+
+void drawRounded(QPainter &painter, const QRectF &rect, double radius, const QImage &image) {
+    if (image.isNull() || rect.isEmpty())
+        return;
+    QBrush brush(image);
+    brush.setTransform(QTransform::fromTranslate(rect.left(), rect.top())
+                           .scale(rect.width() / image.width(), rect.height() / image.height()));
+    painter.save();
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(brush);
+    painter.drawRoundedRect(rect, radius, radius);
     painter.restore();
 }
 

@@ -3,6 +3,7 @@
 #include <QStyle>
 
 class QColor;
+class QImage;
 class QPainter;
 class QRectF;
 class QPointF;
@@ -27,5 +28,8 @@ void drawBody(QPainter &painter, const QRectF &body, double radius, const Button
 
 /// A level or upright line, one device pixel thick.
 void drawHairline(QPainter &painter, const QPointF &from, const QPointF &to, const QColor &colour);
+
+/// Fills the rectangle with the image, stretched where their sizes differ, and rounds its corners smoothly.
+void drawRounded(QPainter &painter, const QRectF &rect, double radius, const QImage &image);
 
 } // namespace pavonel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/SettingsWindow/Piece.h"
+#include "UI/SettingsWindow/Rows/Piece.h"
 
 #include <QString>
 
@@ -8,10 +8,27 @@
 
 namespace pavonel {
 
-struct PageContext;
+class BreakController;
+class HotKeyManager;
+class Phone;
+class Settings;
+class Stats;
+class Updater;
+struct Platform;
 
 /// The pages of the settings window, in the order of its sidebar.
 enum class Page { breaks, planned, phone, pausing, appearance, wellness, stats, advanced };
+
+/// What the pages show and change. All of it outlives the settings window.
+struct PageContext {
+    Platform &platform;
+    BreakController &controller;
+    Settings &settings;
+    Stats &stats;
+    Phone &phone;
+    HotKeyManager &hotKeys;
+    Updater &updater;
+};
 
 /// What the window shows of a page.
 struct PageEntry {

@@ -3,8 +3,7 @@
 #include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Look.h"
 #include "UI/Refresher.h"
-#include "UI/SettingsWindow/PageContext.h"
-#include "UI/SettingsWindow/SettingsSelection.h"
+#include "UI/SettingsWindow/Page.h"
 
 #include <QWidget>
 
@@ -12,6 +11,12 @@ namespace pavonel {
 
 class PageView;
 class Sidebar;
+
+/// Which page the settings window shows; outlives its opening and closing.
+class SettingsSelection final : public Observable {
+public:
+    Published<Page> page{*this, Page::breaks};
+};
 
 /// The settings window's root: the sidebar and the selected page. Only that page's widgets exist, and only
 /// while the window is shown.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "UI/SettingsWindow/PageContext.h"
-#include "UI/SettingsWindow/SettingsSelection.h"
+#include "UI/SettingsWindow/Page.h"
+#include "UI/SettingsWindow/SettingsView.h"
 
 #include <memory>
 #include <optional>

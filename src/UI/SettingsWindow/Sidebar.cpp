@@ -1,20 +1,61 @@
 #include "UI/SettingsWindow/Sidebar.h"
 
+#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/ScrollArea.h"
 #include "UI/Controls/Text.h"
-#include "UI/SettingsWindow/SidebarItem.h"
+#include "UI/Symbol.h"
 
+#include <QAbstractButton>
 #include <QAccessibleWidget>
+#include <QFontMetrics>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 namespace pavonel {
 
 namespace {
+
+constexpr int itemHeight = 34;
+constexpr int padding = 10;
+constexpr int symbolSide = 18;
+constexpr double radius = 8;
+
+/// What assistive technology is told of a button that is an entry of a list.
+class ListItemAccessible final : public QAccessibleWidget {
+public:
+    ListItemAccessible(QAbstractButton &item, std::function<bool()> isSelected)
+        : QAccessibleWidget(&item, QAccessible::ListItem), item_(item), isSelected_(std::move(isSelected)) {}
+
+    QString text(QAccessible::Text type) const override {
+        return type == QAccessible::Name ? item_.text() : QAccessibleWidget::text(type);
+    }
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.focusable = true;
+        state.selectable = true;
+        state.selected = isSelected_();
+        return state;
+    }
+    QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
+    void doAction(const QString &action) override {
+        if (action == pressAction())
+            item_.click();
+        else
+            QAccessibleWidget::doAction(action);
+    }
+
+private:
+    QAbstractButton &item_;
+    std::function<bool()> isSelected_;
+};
 
 constexpr int breadth = 196;
 constexpr int margin = 10;
@@ -43,6 +84,83 @@ QLayout *brand(Look &look) {
 }
 
 } // namespace
+
+/// A page's entry in the sidebar.
+class SidebarItem : public QAbstractButton, public AccessibleControl {
+public:
+    SidebarItem(Look &look, const QString &title, const QString &symbol);
+
+    /// Only the selected one is reached by the Tab key.
+    void setSelected(bool selected);
+    bool isSelected() const { return selected_; }
+
+    QSize sizeHint() const override;
+    QAccessibleInterface *makeAccessible() override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    Look &look_;
+    QString symbol_;
+    bool selected_ = false;
+};
+
+SidebarItem::SidebarItem(Look &look, const QString &title, const QString &symbol)
+    : look_(look), symbol_(symbol) {
+    setText(title);
+    setFocusPolicy(Qt::NoFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void SidebarItem::setSelected(bool selected) {
+    if (selected == selected_)
+        return;
+    selected_ = selected;
+    setFocusPolicy(selected ? Qt::TabFocus : Qt::NoFocus);
+    QAccessible::State changed;
+    changed.selected = true;
+    QAccessibleStateChangeEvent event(this, changed);
+    QAccessible::updateAccessibility(&event);
+    update();
+}
+
+QSize SidebarItem::sizeHint() const {
+    const QFontMetrics metrics(look_.font(13, QFont::DemiBold));
+    return {metrics.horizontalAdvance(text()) + look_.length(symbolSide) + 3 * padding,
+            look_.lineHeight(itemHeight)};
+}
+
+void SidebarItem::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const Palette &palette = look_.palette();
+    QColor ground = palette.selection;
+    if (!selected_) {
+        ground = palette.text;
+        ground.setAlphaF(isDown() ? 0.09F : underMouse() ? 0.05F : 0);
+    }
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ground);
+    painter.drawRoundedRect(rect(), radius, radius);
+    const int side = look_.length(symbolSide);
+    const QImage drawing = Symbol::image(
+        symbol_, side, selected_ ? palette.accentText : palette.secondaryText, devicePixelRatioF());
+    painter.drawImage(QPointF(padding, (height() - side) / 2.0), drawing);
+    painter.setFont(look_.font(13, selected_ ? QFont::DemiBold : QFont::Medium));
+    painter.setPen(selected_ ? palette.accentText : palette.text);
+    painter.drawText(rect().adjusted(padding + side + padding, 0, -padding, 0),
+                     Qt::AlignVCenter | Qt::AlignLeft, text());
+    if (FocusRing::isOn(*this)) {
+        painter.setPen(QPen(palette.accentText, 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), radius - 1, radius - 1);
+    }
+}
+
+QAccessibleInterface *SidebarItem::makeAccessible() {
+    return new ListItemAccessible(*this, [this] { return selected_; });
+}
 
 Sidebar::Sidebar(Look &look) : look_(look) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);

@@ -1,8 +1,9 @@
 #include "Core/Settings.h"
 #include "Platform/Platform.h"
-#include "UI/SettingsWindow/LimitationNote.h"
-#include "UI/SettingsWindow/PageContext.h"
+#include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Pages.h"
+#include "UI/SettingsWindow/Rows/Card.h"
+#include "UI/SettingsWindow/Rows/Rows.h"
 
 namespace pavonel {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/SettingsWindow/Piece.h"
+#include "UI/SettingsWindow/Rows/Piece.h"
 
 /// The content of each page, from top to bottom, under its title. One file a page: cards and rows, no logic.
 namespace pavonel {

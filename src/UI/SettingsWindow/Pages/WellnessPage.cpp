@@ -1,7 +1,8 @@
 #include "Core/Settings.h"
-#include "UI/SettingsWindow/PageContext.h"
+#include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Pages.h"
-#include "UI/SettingsWindow/Rows.h"
+#include "UI/SettingsWindow/Rows/Card.h"
+#include "UI/SettingsWindow/Rows/Rows.h"
 
 namespace pavonel {
 

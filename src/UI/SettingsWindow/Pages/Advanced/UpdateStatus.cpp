@@ -1,0 +1,142 @@
+#include "UI/SettingsWindow/Pages/Advanced/UpdateStatus.h"
+
+#include "Core/Characters.h"
+#include "Core/Updater.h"
+#include "UI/Controls/Button.h"
+#include "UI/Controls/CardRow.h"
+#include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Text.h"
+#include "UI/SettingsWindow/Pages/Advanced/RelativeTime.h"
+#include "UI/SettingsWindow/Rows/Changing.h"
+
+#include <QPainter>
+#include <QProgressBar>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
+
+namespace pavonel {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype longest = 4000; // characters of what a feed says; nobody reads on
+
+/// The line under the version.
+struct StatusLine {
+    const std::optional<Instant> &lastCheck;
+    Instant now;
+
+    QString operator()(const Updater::Available &state) const {
+        return u"Version %1 is available"_s.arg(state.version);
+    }
+    QString operator()(const Updater::Downloading &) const { return {}; } // a bar instead
+    QString operator()(const Updater::Failed &state) const { return state.message; }
+    QString operator()(const Updater::Idle &) const {
+        return lastCheck ? u"Last checked "_s + relativeTime(*lastCheck, now) : u"Not checked yet"_s;
+    }
+    QString operator()(const Updater::Checking &) const { return u"Checking…"_s; }
+    QString operator()(const Updater::UpToDate &) const { return u"You are up to date."_s; }
+    QString operator()(const Updater::ReadyToRestart &) const {
+        return u"Installing — Pavonel will restart."_s;
+    }
+};
+
+QString shortened(const QString &text) {
+    return text.size() <= longest ? text : beginning(text, longest) + u'…';
+}
+
+/// Of the height of a small line of text, so that nothing moves when it takes the place of one.
+QWidget *progressBar(const Look &look, double progress) {
+    constexpr int whole = 1000;
+    auto *bar = new QProgressBar;
+    bar->setAccessibleName(u"Download"_s);
+    bar->setRange(0, whole);
+    bar->setValue(std::isnan(progress) ? 0 : qRound(std::clamp(progress, 0.0, 1.0) * whole));
+    bar->setFixedHeight(QFontMetrics(look.font(11)).height());
+    return bar;
+}
+
+/// Shows one state; made anew for the next.
+class StatusRow final : public CardRow {
+public:
+    StatusRow(Look &look, Updater &updater, MainLoop &loop) : CardRow(look), updater_(updater), loop_(loop) {
+        auto *texts = new QVBoxLayout;
+        texts->setContentsMargins(0, air, FocusRing::room, air);
+        texts->setSpacing(betweenLines);
+        texts->addWidget(new Text(look, u"Version "_s + updater.currentVersion(), Text::Style::label));
+        const bool failed = std::holds_alternative<Updater::Failed>(updater.state.get());
+        line_ = new Text(look, {}, failed ? Text::Style::failure : Text::Style::note);
+        texts->addWidget(line_);
+        addState(*texts);
+        auto *place = new QWidget;
+        place->setLayout(texts);
+        add(place);
+        static_cast<QBoxLayout *>(layout())->setStretchFactor(place, 1);
+        addButton();
+        describe();
+    }
+
+protected:
+    /// As the first in its part it would take itself for the first in the card.
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        drawLine(painter, look(), 0, width());
+    }
+
+private:
+    void addState(QVBoxLayout &texts) {
+        const Updater::State &state = updater_.state;
+        if (const auto *available = std::get_if<Updater::Available>(&state))
+            texts.addWidget(new Text(look(), shortened(available->notes), Text::Style::note));
+        else if (const auto *downloading = std::get_if<Updater::Downloading>(&state))
+            texts.addWidget(progressBar(look(), downloading->progress));
+        else if (std::holds_alternative<Updater::Idle>(state)) {
+            constexpr Seconds minute = 60;
+            minutes_ = loop_.every(minute, [this] { describe(); });
+        }
+    }
+
+    void addButton() {
+        const Updater::State &state = updater_.state;
+        const bool available = std::holds_alternative<Updater::Available>(state);
+        const bool resting = std::holds_alternative<Updater::Idle>(state) ||
+                             std::holds_alternative<Updater::UpToDate>(state) ||
+                             std::holds_alternative<Updater::Failed>(state);
+        if (!available && !resting)
+            return;
+        auto *button = new Button(available ? u"Install and restart"_s : u"Check now"_s,
+                                  available ? Button::Role::prominent : Button::Role::plain);
+        add(button);
+        connect(button, &Button::clicked, this, [available, &updater = updater_] {
+            if (available)
+                updater.install();
+            else
+                updater.check(Updater::CheckKind::interactive);
+        });
+    }
+
+    void describe() {
+        const StatusLine line{updater_.lastCheck, loop_.now()};
+        line_->setText(shortened(std::visit(line, updater_.state.get())));
+        line_->setVisible(!line_->text().isEmpty());
+    }
+
+    Updater &updater_;
+    MainLoop &loop_;
+    Text *line_;
+    TimerHandle minutes_; ///< While the line tells of a time that passes.
+};
+
+} // namespace
+
+QWidget *UpdateStatus::make(Look &look) const {
+    const auto row = [&updater = updater, &loop = loop](Look &shared) {
+        return new StatusRow(shared, updater, loop);
+    };
+    return Changing{loop, {&updater}, [row] { return Pieces{row}; }}.make(look);
+}
+
+} // namespace pavonel

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "UI/SettingsWindow/Rows/Piece.h"
+
+namespace pavonel {
+
+class MainLoop;
+class Updater;
+
+/// The version that runs, how it stands with newer ones, and what can be done about that now.
+struct UpdateStatus {
+    Updater &updater;
+    MainLoop &loop;
+
+    QWidget *make(Look &look) const;
+};
+
+} // namespace pavonel

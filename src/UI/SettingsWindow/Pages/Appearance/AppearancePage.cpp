@@ -1,0 +1,85 @@
+#include "Core/Settings.h"
+#include "Core/SystemBits.h"
+#include "Platform/Platform.h"
+#include "UI/SettingsWindow/Page.h"
+#include "UI/SettingsWindow/Pages/Appearance/CustomImageRow.h"
+#include "UI/SettingsWindow/Pages/Appearance/StyleChoice.h"
+#include "UI/SettingsWindow/Pages/Pages.h"
+#include "UI/SettingsWindow/Rows/AddField.h"
+#include "UI/SettingsWindow/Rows/Bound.h"
+#include "UI/SettingsWindow/Rows/Card.h"
+#include "UI/SettingsWindow/Rows/Rows.h"
+#include "UI/SettingsWindow/Rows/TextList.h"
+
+namespace pavonel {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString none = QStringLiteral("None");
+
+class ListenButton final : public Button, public Follower {
+public:
+    ListenButton(const QString &label, std::function<QString()> sound, Sounds &sounds)
+        : Button({}, Role::bare, u"speaker.wave.2"_s), sound_(std::move(sound)) {
+        setAccessibleName(u"Listen to %1"_s.arg(label));
+        connect(this, &Button::clicked, this, [this, &sounds] { SoundPlayer::play(sounds, sound_()); });
+        ListenButton::readAgain();
+    }
+
+    void readAgain() override { setEnabled(sound_() != none); }
+
+private:
+    std::function<QString()> sound_;
+};
+
+/// A picker of one of the system's sounds or none. A choice is heard at once, and again with the button
+/// beside it.
+PickerRow soundRow(const QString &label, const Bound<QString> &sound, Sounds &sounds) {
+    const auto chooseAndPlay = [set = sound.set, &sounds](const QString &choice) {
+        set(choice);
+        SoundPlayer::play(sounds, choice);
+    };
+    return PickerRow{
+        label,
+        {sound.get, chooseAndPlay},
+        QStringList(none) + sounds.names(),
+        [label, get = sound.get, &sounds](Look &) { return new ListenButton(label, get, sounds); }};
+}
+
+} // namespace
+
+Pieces appearancePage(PageContext &context) {
+    Settings &settings = context.settings;
+    Platform &platform = context.platform;
+    const auto sounds = [&settings] { return settings.soundEnabled.get(); };
+    const auto addMessage = [&settings](const QString &text) {
+        settings.messages = settings.messages.get() + QStringList(text);
+    };
+    return {
+        Card{u"Break screen"_s,
+             {},
+             {
+                 StyleChoice{settings},
+                 CustomImageRow{settings},
+                 limitationNote(*platform.windowLayers),
+             }},
+        Card{u"Sounds"_s,
+             {},
+             {
+                 SwitchRow{u"Play sounds"_s, settings.soundEnabled},
+                 OnlyWhile{sounds, soundRow(u"Break starts"_s, settings.startSound, *platform.sounds)},
+                 OnlyWhile{sounds, soundRow(u"Break ends"_s, settings.endSound, *platform.sounds)},
+                 limitationNote(*platform.sounds),
+             }},
+        Card{u"Break messages"_s,
+             u"One is picked at random for each break"_s,
+             {
+                 TextList{.texts = settings.messages, .entries = TextList::Entries::editable},
+                 AddField{u"Add a message"_s, u"Add the message"_s, addMessage},
+             }},
+    };
+}
+
+} // namespace pavonel

@@ -1,0 +1,188 @@
+#include "UI/SettingsWindow/Pages/Appearance/CustomImageRow.h"
+
+#include "Core/Settings.h"
+#include "Platform/Errand.h"
+#include "Platform/ForeignFile.h"
+#include "UI/BackgroundImage.h"
+#include "UI/Controls/Button.h"
+#include "UI/Controls/CardRow.h"
+#include "UI/Controls/Look.h"
+#include "UI/Controls/Pixels.h"
+#include "UI/Controls/Text.h"
+#include "UI/SettingsWindow/Rows/Piece.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QImage>
+#include <QPainter>
+#include <QStandardPaths>
+#include <QVBoxLayout>
+#include <QWidget>
+
+#include <functional>
+
+namespace pavonel {
+
+namespace {
+
+/// A picture of the user's in small, as the break screen shows it; loaded aside, since a file can be huge or
+/// far away.
+class PictureThumbnail : public QWidget {
+public:
+    explicit PictureThumbnail(Look &look);
+
+    /// Reads the file anew, also when it is the same one.
+    void setPath(const QString &path);
+
+    enum class State { none, loading, shown, unreadable };
+    State state() const { return state_; }
+    std::function<void()> onState;
+
+    QSize sizeHint() const override { return {64, 40}; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void take(const QImage &picture);
+
+    Look &look_;
+    State state_ = State::none;
+    QImage picture_;
+    Errand loading_;
+};
+
+constexpr double thumbnailRadius = 6;
+
+PictureThumbnail::PictureThumbnail(Look &look) : look_(look) {
+    setFixedSize(PictureThumbnail::sizeHint());
+}
+
+void PictureThumbnail::setPath(const QString &path) {
+    picture_ = {};
+    loading_ = {};
+    state_ = path.isEmpty() ? State::none : State::loading;
+    update();
+    if (path.isEmpty())
+        return;
+    const QSize pixels = (QSizeF(sizeHint()) * devicePixelRatioF()).toSize();
+    loading_ = Errand::begin(look_.loop(), [this, path, pixels]() -> Errand::Action {
+        const auto file = readForeignFile(path, largestPictureFile);
+        return [this, picture = file ? pictureImage(*file, pixels) : QImage()] { take(picture); };
+    });
+}
+
+void PictureThumbnail::take(const QImage &picture) {
+    picture_ = picture;
+    state_ = picture.isNull() ? State::unreadable : State::shown;
+    update();
+    if (onState)
+        onState();
+}
+
+void PictureThumbnail::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    if (picture_.isNull())
+        drawBody(painter, rect(), thumbnailRadius, look_.palette().window, look_.palette().cardOutline);
+    else
+        drawRounded(painter, rect(), thumbnailRadius, picture_);
+}
+
+constexpr int plainHeight = 46;
+constexpr int withPicture = 60;
+
+QString pictureFilter() {
+    QStringList patterns;
+    for (const QByteArray &format : pictureFormats())
+        patterns.append(QStringLiteral("*.") + QString::fromLatin1(format));
+    return QStringLiteral("Images (%1)").arg(patterns.join(u' '));
+}
+
+class CustomImageWidget final : public CardRow, public Follower {
+public:
+    CustomImageWidget(Look &look, Settings &settings)
+        : CardRow(look), settings_(settings), thumbnail_(new PictureThumbnail(look)),
+          name_(new Text(look, {}, Text::Style::label)), note_(new Text(look, {}, Text::Style::note)),
+          remove_(new Button(QStringLiteral("Remove"))),
+          choose_(new Button(QStringLiteral("Choose image…"))) {
+        add(thumbnail_);
+        addTexts();
+        add(remove_);
+        add(choose_);
+        thumbnail_->onState = [this] { describe(); };
+        connect(remove_, &Button::clicked, this, [this] { settings_.customBackgroundPath = QString(); });
+        connect(choose_, &Button::clicked, this, [this] { choose(); });
+        thumbnail_->setPath(path_ = settings_.customBackgroundPath);
+        describe();
+    }
+
+    void readAgain() override {
+        if (path_ == settings_.customBackgroundPath.get())
+            return;
+        thumbnail_->setPath(path_ = settings_.customBackgroundPath);
+        describe();
+    }
+
+private:
+    void addTexts() {
+        auto *texts = new QWidget;
+        auto *lines = new QVBoxLayout(texts);
+        lines->setContentsMargins({});
+        lines->setSpacing(2);
+        lines->addStretch();
+        lines->addWidget(name_);
+        lines->addWidget(note_);
+        lines->addStretch();
+        add(texts);
+        static_cast<QHBoxLayout *>(layout())->setStretchFactor(texts, 1);
+    }
+
+    void describe() {
+        using State = PictureThumbnail::State;
+        const State state = thumbnail_->state();
+        name_->setText(state == State::none ? QStringLiteral("No custom image")
+                                            : QFileInfo(path_).fileName());
+        note_->setText(state == State::shown ? QStringLiteral("Shown in place of the style.")
+                       : state == State::unreadable
+                           ? QStringLiteral("It cannot be read, so the style is shown.")
+                           : QString());
+        note_->setStyle(state == State::unreadable ? Text::Style::failure : Text::Style::note);
+        note_->setVisible(!note_->text().isEmpty());
+        setMinimumHeight(look().lineHeight(state == State::none ? plainHeight : withPicture));
+        thumbnail_->setVisible(state != State::none);
+        remove_->setVisible(state != State::none);
+    }
+
+    /// Beside the picture, unless its disk may hold up the dialog.
+    QString whereToLook() const {
+        return thumbnail_->state() == PictureThumbnail::State::shown
+                   ? QFileInfo(path_).path()
+                   : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    }
+
+    void choose() {
+        auto *dialog =
+            new QFileDialog(window(), QStringLiteral("Choose an image"), whereToLook(), pictureFilter());
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->setFileMode(QFileDialog::ExistingFile);
+        connect(dialog, &QFileDialog::fileSelected, this,
+                [this](const QString &file) { settings_.customBackgroundPath = file; });
+        dialog->open();
+    }
+
+    Settings &settings_;
+    QString path_; ///< That is shown.
+    PictureThumbnail *thumbnail_;
+    Text *name_;
+    Text *note_;
+    Button *remove_;
+    Button *choose_;
+};
+
+} // namespace
+
+QWidget *CustomImageRow::make(Look &look) const {
+    return new CustomImageWidget(look, settings);
+}
+
+} // namespace pavonel

@@ -1,0 +1,17 @@
+#pragma once
+
+class QWidget;
+
+namespace pavonel {
+
+class Look;
+class Settings;
+
+/// The themes of the break screen to choose from, beside the break screen as it would be now.
+struct StyleChoice {
+    Settings &settings;
+
+    QWidget *make(Look &look) const;
+};
+
+} // namespace pavonel

@@ -1,0 +1,105 @@
+#include "Core/Settings.h"
+#include "Platform/InstalledApplications.h"
+#include "Platform/Platform.h"
+#include "UI/Controls/Button.h"
+#include "UI/Controls/ListRow.h"
+#include "UI/SettingsWindow/Page.h"
+#include "UI/SettingsWindow/Pages/Pages.h"
+#include "UI/SettingsWindow/Pages/Pausing/AppChooser.h"
+#include "UI/SettingsWindow/Pages/Pausing/AppIcon.h"
+#include "UI/SettingsWindow/Rows/AddField.h"
+#include "UI/SettingsWindow/Rows/Card.h"
+#include "UI/SettingsWindow/Rows/Rows.h"
+#include "UI/SettingsWindow/Rows/TextList.h"
+
+#include <optional>
+
+namespace pavonel {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// What is installed, looked up when it is first needed.
+class Names {
+public:
+    explicit Names(InstalledApplications &applications) : applications_(applications) {}
+
+    InstalledApplications &applications() { return applications_; }
+
+    const InstalledApplication *find(const QString &identifier) {
+        if (!all_)
+            all_ = applications_.all();
+        const auto found = std::ranges::find(*all_, identifier, &InstalledApplication::bundleIdentifier);
+        return found == all_->end() ? nullptr : &*found;
+    }
+
+private:
+    InstalledApplications &applications_;
+    std::optional<std::vector<InstalledApplication>> all_;
+};
+
+ListRow::Entry entryOf(Names &names, const QString &identifier, const Look &look) {
+    const InstalledApplication *known = names.find(identifier);
+    const InstalledApplication shown = known ? *known : InstalledApplication{identifier, identifier};
+    return {shown.name, known ? identifier : QString(),
+            appIcon(names.applications(), shown, ListRow::pictureSide(look), look)};
+}
+
+QWidget *chooseButton(Look &look, InstalledApplications &applications,
+                      const std::function<void(const QString &)> &add) {
+    auto *button = new Button(u"Choose app…"_s);
+    QObject::connect(button, &Button::clicked, button, [&look, &applications, button, add] {
+        AppChooser::open(look, applications, *button, add);
+    });
+    return button;
+}
+
+Pieces focusAppParts(Settings &settings, InstalledApplications &applications) {
+    const auto add = [&settings](const QString &identifier) {
+        settings.deepFocusApps = withEntry(settings.deepFocusApps, identifier);
+    };
+    const auto names = std::make_shared<Names>(applications);
+    const auto list = [&settings, names](Look &look) {
+        return TextList{
+            settings.deepFocusApps, u"None yet"_s,
+            [names, &look](const QString &identifier) { return entryOf(*names, identifier, look); }}
+            .make(look);
+    };
+    return {list,
+            AddField{u"or a bundle id"_s, u"Add the bundle id"_s, add,
+                     [&applications, add](Look &look) { return chooseButton(look, applications, add); }}};
+}
+
+} // namespace
+
+Pieces pausingPage(PageContext &context) {
+    Settings &settings = context.settings;
+    Platform &platform = context.platform;
+    Pieces focusApps = focusAppParts(settings, *platform.installedApplications);
+    focusApps.push_back(limitationNote(*platform.applications));
+    return {
+        Card{u"Pause automatically"_s,
+             u"The timer holds while one of these is in front"_s,
+             {
+                 SwitchRow{u"In fullscreen apps"_s, settings.pauseOnFullscreen},
+                 limitationNote(*platform.windowList),
+                 SwitchRow{u"While the microphone is in use"_s, settings.pauseOnMicrophone,
+                           u"Meetings and calls"_s},
+                 SwitchRow{u"While video or audio is playing"_s, settings.pauseOnAudio},
+                 limitationNote(*platform.audioDevices),
+                 SwitchRow{u"During screen recording or sharing"_s, settings.pauseOnScreenSharing},
+             }},
+        Card{u"Natural breaks"_s,
+             {},
+             {
+                 SwitchRow{u"Reset the timer when I step away"_s, settings.naturalBreakEnabled},
+                 OnlyWhile{[&settings] { return settings.naturalBreakEnabled.get(); },
+                           StepRow{u"After"_s, settings.idleResetSeconds, {20, 600}, 10, u"of no input"_s}},
+                 limitationNote(*platform.idleTime),
+             }},
+        Card{u"Focus apps"_s, {}, focusApps},
+    };
+}
+
+} // namespace pavonel

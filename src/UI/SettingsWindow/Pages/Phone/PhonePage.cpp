@@ -1,0 +1,163 @@
+#include "Core/Phone.h"
+#include "Platform/Platform.h"
+#include "UI/Controls/Button.h"
+#include "UI/Controls/CardRow.h"
+#include "UI/Controls/Look.h"
+#include "UI/Controls/Text.h"
+#include "UI/SettingsWindow/Page.h"
+#include "UI/SettingsWindow/Pages/Pages.h"
+#include "UI/SettingsWindow/Pages/Phone/CodeView.h"
+#include "UI/SettingsWindow/Pages/Phone/QrCodeView.h"
+#include "UI/SettingsWindow/Rows/Card.h"
+#include "UI/SettingsWindow/Rows/Changing.h"
+#include "UI/SettingsWindow/Rows/Rows.h"
+#include "UI/Symbol.h"
+
+#include <QPainter>
+#include <QVBoxLayout>
+#include <QWidget>
+
+namespace pavonel {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// That all is well. Says nothing to a screen reader: the text beside it does.
+class Tick final : public QWidget {
+public:
+    explicit Tick(Look &look) : look_(look) { setFixedSize(look.length(28), look.length(28)); }
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        QPainter(this).drawImage(QPointF(0, 0),
+                                 Symbol::image(u"checkmark.circle.fill"_s, width(),
+                                               look_.palette().accentText, devicePixelRatioF()));
+    }
+
+private:
+    Look &look_;
+};
+
+/// Text in a card, free of its edges.
+struct CardText {
+    QString text;
+    Text::Style style = Text::Style::label;
+    QMargins margins{CardRow::margin, 0, CardRow::margin, 12};
+
+    QWidget *make(Look &look) const {
+        auto *place = new QWidget;
+        auto *lines = new QVBoxLayout(place);
+        lines->setContentsMargins(margins);
+        lines->addWidget(new Text(look, text, style));
+        return place;
+    }
+};
+
+/// A code to be typed; where the phone's page is known, one for its camera stands beside.
+struct Code {
+    QString code;
+    QString page;
+
+    QWidget *make(Look &look) const {
+        auto *place = new QWidget;
+        auto *line = new QHBoxLayout(place);
+        line->setContentsMargins(CardRow::margin, 2, CardRow::margin, 12);
+        line->setSpacing(CardRow::margin);
+        line->addWidget(new CodeView(look, code));
+        if (!page.isEmpty())
+            line->addWidget(new QrCodeView(page));
+        return place;
+    }
+};
+
+/// That all is well, with a way to end it.
+struct PairedRow {
+    std::function<void()> disconnect;
+
+    QWidget *make(Look &look) const {
+        auto *row = new CardRow(look);
+        row->add(new Tick(look));
+        row->addLabel(u"Your phone is connected"_s, u"When a break starts here, it starts there too."_s);
+        auto *button = new Button(u"Disconnect"_s);
+        row->add(button);
+        QObject::connect(button, &Button::clicked, row, disconnect, Qt::QueuedConnection);
+        return row;
+    }
+};
+
+QString aboutService(const Phone &phone) {
+    const QString name = phone.serviceName();
+    if (name.isEmpty())
+        return u"There is no pairing service, so breaks stay on this computer."_s;
+    return u"The phone is reached through the pairing service at %1; without it, breaks stay on this computer."_s
+        .arg(name);
+}
+
+Pieces unpairedParts(Phone &phone, const QString &failure) {
+    Pieces card{CardText{
+        u"A break on the Mac is only half a break if you pick up your phone. Pair the two and the same "
+        "countdown appears there — on the Lock Screen and in the Dynamic Island — and clears when you end "
+        "the break here.\n\nAway from the Mac, the app keeps its own hours: breaks as often and as long as "
+        "you like. While this Mac is running Pavonel, this Mac decides."_s,
+        Text::Style::label,
+        {CardRow::margin, 14, CardRow::margin, 12}}};
+    Pieces parts{[card = Card{{}, {}, card}](Look &look) {
+        QWidget *widget = card.make(look);
+        widget->setAccessibleName(u"Pavonel for iPhone"_s); // it has no title
+        return widget;
+    }};
+    parts.push_back(
+        CardText{aboutService(phone), Text::Style::secondary, {FocusRing::room, 0, FocusRing::room, 0}});
+    if (!failure.isEmpty())
+        parts.push_back(CardText{failure, Text::Style::failure, {FocusRing::room, 0, FocusRing::room, 0}});
+    parts.push_back(
+        ButtonRow{u"Show pairing code"_s, [&phone] { phone.startPairing(); }, {}, Button::Role::prominent});
+    return parts;
+}
+
+Pieces waitingParts(Phone &phone, const QString &code) {
+    const auto sentence = [](const QString &text, int below) {
+        return CardText{text, Text::Style::secondary, {CardRow::margin, 0, CardRow::margin, below}};
+    };
+    constexpr int toNext = 2;
+    constexpr int toEnd = 12;
+    Pieces card{Code{code, phone.pageFor(code)}};
+    if (const QString service = phone.serviceName(); !service.isEmpty())
+        card.push_back(
+            sentence(u"Or point the phone’s camera at it, or open %1 there."_s.arg(service), toNext));
+    card.push_back(sentence(u"The code is good for fifteen minutes."_s, toNext));
+    card.push_back(sentence(u"Waiting for your phone…"_s, toEnd));
+    return {Card{u"Pavonel for iPhone"_s, u"Type this code into Pavonel on your phone"_s, card},
+            ButtonRow{u"Cancel"_s, [&phone] { phone.unpair(); }}};
+}
+
+Pieces pairedParts(Phone &phone) {
+    return {Card{u"Paired"_s, {}, {PairedRow{[&phone] { phone.unpair(); }}}}};
+}
+
+Pieces phoneParts(Phone &phone) {
+    const Phone::State &state = phone.state;
+    if (const auto *waiting = std::get_if<Phone::Waiting>(&state))
+        return waitingParts(phone, waiting->code);
+    if (std::holds_alternative<Phone::Paired>(state))
+        return pairedParts(phone);
+    const auto *failed = std::get_if<Phone::Failed>(&state);
+    return unpairedParts(phone, failed ? failed->message : QString());
+}
+
+} // namespace
+
+Pieces phonePage(PageContext &context) {
+    Phone &phone = context.phone;
+    constexpr int betweenCards = 14;
+    return {
+        Changing{*context.platform.mainLoop, {&phone}, [&phone] { return phoneParts(phone); }, betweenCards},
+        PageNote(
+            u"Only the break itself travels to the phone: its kind, its name and when it ends. Settings and "
+            "statistics never leave this computer."_s,
+            Text::Style::note),
+    };
+}
+
+} // namespace pavonel

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "UI/SettingsWindow/Rows/Piece.h"
+
+#include <QString>
+
+namespace pavonel {
+
+/// A rounded panel with a bold title, a subtitle under it, then the content.
+struct Card {
+    QString title;
+    QString subtitle;
+    Pieces content;
+
+    QWidget *make(Look &look) const;
+};
+
+} // namespace pavonel

@@ -1,0 +1,119 @@
+#include "UI/SettingsWindow/Rows/Changing.h"
+
+#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/FocusRing.h"
+#include "UI/Refresher.h"
+
+#include <QAccessible>
+#include <QFocusEvent>
+#include <QPainter>
+#include <QVBoxLayout>
+#include <QWidget>
+
+namespace pavonel {
+
+namespace {
+
+class ChangingWidget final : public QWidget {
+public:
+    ChangingWidget(Look &look, const Changing &part)
+        : look_(look), part_(part), refresher_(part.loop, part.watched, [this] { refresh(); }) {
+        auto *lines = new QVBoxLayout(this);
+        lines->setContentsMargins({});
+        lines->setSpacing(part.spacing);
+        build();
+    }
+
+protected:
+    void focusInEvent(QFocusEvent *event) override {
+        FocusRing::focusIn(*this, event->reason());
+        update();
+    }
+    void focusOutEvent(QFocusEvent *event) override {
+        FocusRing::focusOut(*this, event->reason());
+        update();
+    }
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        constexpr double inset = FocusRing::room;
+        FocusRing::draw(painter, *this, QRectF(rect()).adjusted(inset, inset, -inset, -inset), 8,
+                        look_.palette().accentText);
+    }
+
+private:
+    void refresh() {
+        const QWidget *focused = focusedChild();
+        const bool hadKeyboard = focused || hasFocus();
+        const bool ringed = FocusRing::isOn(focused ? *focused : *this);
+        const Qt::FocusReason reason = ringed ? Qt::TabFocusReason : Qt::OtherFocusReason;
+        const QStringList before = texts();
+        if (focused)
+            setFocus(reason); // it would leave with what has it
+        build();
+        say(before);
+        if (hadKeyboard)
+            focusFirst(reason);
+    }
+
+    void say(const QStringList &before) {
+        QStringList told = texts();
+        told.removeIf([&](const QString &text) { return before.contains(text); });
+        if (told.isEmpty())
+            return;
+        setAccessibleName(told.join(u' '));
+        announce(*this);
+    }
+
+    /// What stands in it to be read.
+    QStringList texts() const {
+        QStringList found;
+        for (QWidget *child : findChildren<QWidget *>()) {
+            const QAccessibleInterface *one = QAccessible::queryAccessibleInterface(child);
+            if (one && one->role() == QAccessible::StaticText && !child->isHidden())
+                found.append(one->text(QAccessible::Name));
+        }
+        return found;
+    }
+
+    void build() {
+        while (QLayoutItem *item = layout()->takeAt(0)) {
+            delete item->widget();
+            delete item;
+        }
+        for (const Piece &piece : part_.content()) {
+            QWidget *widget = piece.make(look_);
+            const bool wantsToHide =
+                widget->isHidden() && widget->testAttribute(Qt::WA_WState_ExplicitShowHide);
+            layout()->addWidget(widget);
+            widget->setVisible(!wantsToHide); // now, not in a moment, when nothing would have been there
+        }
+    }
+
+    const QWidget *focusedChild() const {
+        const QWidget *focused = window()->focusWidget();
+        return focused && isAncestorOf(focused) ? focused : nullptr;
+    }
+
+    /// While there is nothing to act on, it has the keyboard itself. What has it tells what is new: that is
+    /// read out also where announcements are not.
+    void focusFirst(Qt::FocusReason reason) {
+        for (QWidget *child : findChildren<QWidget *>()) {
+            if (!(child->focusPolicy() & Qt::TabFocus))
+                continue;
+            child->setAccessibleDescription(accessibleName());
+            return child->setFocus(reason);
+        }
+    }
+
+    Look &look_;
+    Changing part_;
+    Refresher refresher_;
+};
+
+} // namespace
+
+QWidget *Changing::make(Look &look) const {
+    return new ChangingWidget(look, *this);
+}
+
+} // namespace pavonel

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "UI/SettingsWindow/Rows/Piece.h"
+
+namespace pavonel {
+
+class MainLoop;
+class Observable;
+
+/// A part of a page that is another one in every state of what it watches: made anew, from the loop, after
+/// each change. The keyboard stays in it, and what it says anew is announced.
+struct Changing {
+    MainLoop &loop;
+    std::vector<Observable *> watched;
+    std::function<Pieces()> content;
+    int spacing = 0; ///< Points between the pieces.
+
+    QWidget *make(Look &look) const;
+};
+
+} // namespace pavonel

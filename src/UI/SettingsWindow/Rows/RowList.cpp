@@ -1,0 +1,187 @@
+#include "UI/SettingsWindow/Rows/RowList.h"
+
+#include "UI/Controls/CardRow.h"
+
+#include <QAccessibleWidget>
+#include <QCoreApplication>
+#include <QEvent>
+#include <QHash>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScrollArea>
+#include <QScrollBar>
+
+#include <algorithm>
+
+namespace pavonel {
+
+namespace {
+
+constexpr std::size_t short_ = 30; // rows that may as well exist all
+
+/// Hidden first, so that the keyboard moves on to what is next.
+void drop(QWidget *row) {
+    row->hide();
+    row->deleteLater();
+}
+
+template <class Ancestor> Ancestor *ancestor(const QWidget *widget) {
+    for (QWidget *parent = widget->parentWidget(); parent; parent = parent->parentWidget()) {
+        if (auto *found = qobject_cast<Ancestor *>(parent))
+            return found;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+RowList::RowList(Look &look, int rowHeight, Lines lines, Make make)
+    : look_(look), rowHeight_(rowHeight), lines_(lines), make_(std::move(make)),
+      chainBegin_(new QWidget(this)) {
+    chainBegin_->setFocusPolicy(Qt::TabFocus); // else it has no place in that order
+    chainBegin_->hide();
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void RowList::setKeys(const QStringList &keys) {
+    if (keys == keys_)
+        return;
+    QHash<QString, QWidget *> existing;
+    for (std::size_t index = 0; index < rows_.size(); ++index) {
+        if (rows_[index])
+            existing.insert(keys_[static_cast<qsizetype>(index)], rows_[index]);
+    }
+    keys_ = keys;
+    rows_.clear();
+    for (const QString &key : keys_)
+        rows_.push_back(existing.take(key));
+    for (QWidget *row : existing)
+        drop(row);
+    setVisible(!keys_.isEmpty());
+    updateGeometry();
+    arrange();
+    update();
+}
+
+QSize RowList::sizeHint() const {
+    return {200, rowHeight_ * static_cast<int>(keys_.size())};
+}
+
+bool RowList::event(QEvent *event) {
+    if (event->type() == QEvent::Show) {
+        follow();
+        arrange();
+    }
+    return QWidget::event(event);
+}
+
+void RowList::resizeEvent(QResizeEvent *) {
+    arrange();
+}
+
+void RowList::follow() {
+    if (area_)
+        return;
+    area_ = ancestor<QScrollArea>(this);
+    if (!area_)
+        return;
+    connect(area_->verticalScrollBar(), &QScrollBar::valueChanged, this, &RowList::arrange);
+    connect(area_->verticalScrollBar(), &QScrollBar::rangeChanged, this, &RowList::arrange);
+}
+
+RowList::Span RowList::nearby(int heights) const {
+    if (rows_.size() <= short_ || (!area_ && isVisible()))
+        return {0, rows_.size()};
+    if (!area_)
+        return {0, 0}; // it is not known yet where it will stand
+    const QWidget *viewport = area_->viewport();
+    const int top = mapFrom(viewport, QPoint(0, 0)).y();
+    const int margin = heights * viewport->height();
+    const auto rowAt = [this](int y) {
+        return std::min(static_cast<std::size_t>(std::max(0, y / rowHeight_)), rows_.size());
+    };
+    return {rowAt(top - margin), rowAt(top + viewport->height() + margin + rowHeight_)};
+}
+
+void RowList::arrange() {
+    const Span span = nearby(1);
+    bool grown = false;
+    for (std::size_t index = span.begin; index < span.end; ++index) {
+        if (rows_[index])
+            continue;
+        make(index);
+        grown = true;
+    }
+    dropFarRows();
+    for (std::size_t index = 0; index < rows_.size(); ++index) {
+        if (!rows_[index])
+            continue;
+        rows_[index]->setGeometry(0, static_cast<int>(index) * rowHeight_, width(), rowHeight_);
+        if (grown)
+            rows_[index]->raise(); // a screen reader is told of them in this order
+    }
+    if (grown)
+        chainFocus();
+}
+
+void RowList::make(std::size_t index) {
+    rows_[index] = make_(keys_[static_cast<qsizetype>(index)]);
+    rows_[index]->setParent(this);
+    rows_[index]->setGeometry(0, static_cast<int>(index) * rowHeight_, width(), rowHeight_);
+    rows_[index]->show();
+}
+
+QWidget &RowList::reveal(std::size_t index) {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest); // it is as long now as it says
+    if (!rows_[index])
+        make(index);
+    if (area_)
+        area_->ensureWidgetVisible(rows_[index], 0, 0);
+    return *rows_[index];
+}
+
+void RowList::dropFarRows() {
+    constexpr int far = 3;
+    const Span kept = nearby(far);
+    const QWidget *focused = window()->focusWidget();
+    for (std::size_t index = 0; index < rows_.size(); ++index) {
+        QWidget *&row = rows_[index];
+        if (!row || (index >= kept.begin && index < kept.end) || row == focused || row->isAncestorOf(focused))
+            continue;
+        drop(row);
+        row = nullptr;
+    }
+}
+
+/// The keyboard goes through the rows in their order, not in that of their making.
+void RowList::chainFocus() {
+    QWidget *previous = chainBegin_;
+    for (QWidget *row : rows_) {
+        if (!row)
+            continue;
+        QWidgetList stops = row->findChildren<QWidget *>();
+        stops.prepend(row);
+        for (QWidget *stop : stops) {
+            if (!(stop->focusPolicy() & Qt::TabFocus) || stop->window() != window()) // such as an opened list
+                continue;
+            setTabOrder(previous, stop);
+            previous = stop;
+        }
+    }
+}
+
+void RowList::paintEvent(QPaintEvent *event) {
+    const std::size_t lines = lines_ == Lines::all ? rows_.size() : lines_ == Lines::first ? 1 : 0;
+    QPainter painter(this);
+    for (std::size_t index = 0; index < lines; ++index) {
+        const double y = static_cast<double>(index) * rowHeight_;
+        if (event->rect().top() <= y && y <= event->rect().bottom())
+            CardRow::drawLine(painter, look_, y, width());
+    }
+}
+
+QAccessibleInterface *RowList::makeAccessible() {
+    return new QAccessibleWidget(this, QAccessible::List);
+}
+
+} // namespace pavonel

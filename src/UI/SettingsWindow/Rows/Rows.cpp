@@ -1,0 +1,198 @@
+#include "UI/SettingsWindow/Rows/Rows.h"
+
+#include "Core/ClockText.h"
+#include "UI/Controls/CardRow.h"
+#include "UI/Controls/FocusRing.h"
+#include "UI/Controls/LineEdit.h"
+#include "UI/Controls/PopUpButton.h"
+#include "UI/Controls/Switch.h"
+#include "UI/Controls/Text.h"
+#include "UI/SettingsWindow/Rows/StepValue.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QVBoxLayout>
+
+namespace pavonel {
+
+namespace {
+
+class SwitchRowWidget final : public CardRow, public Follower {
+public:
+    SwitchRowWidget(Look &look, const SwitchRow &row) : CardRow(look), isOn_(row.isOn) {
+        addLabel(row.label, row.note);
+        switch_ = new Switch(look, row.label);
+        switch_->setAccessibleDescription(row.note);
+        add(switch_);
+        connect(switch_, &Switch::toggled, this, [this](bool on) { isOn_.set(on); });
+        SwitchRowWidget::readAgain();
+    }
+
+    void readAgain() override { switch_->setOn(isOn_.get()); }
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override { event->accept(); }
+    void mouseReleaseEvent(QMouseEvent *event) override {
+        if (event->button() == Qt::LeftButton && rect().contains(event->pos()))
+            switch_->click();
+    }
+
+private:
+    Bound<bool> isOn_;
+    Switch *switch_;
+};
+
+class StepRowWidget final : public CardRow, public Follower {
+public:
+    StepRowWidget(Look &look, const StepRow &row) : CardRow(look), value_(row.value) {
+        addLabel(row.label);
+        const auto wording = [suffix = row.suffix](double seconds) {
+            const QString text = humanText(seconds);
+            return suffix.isEmpty() ? text : text + u' ' + suffix;
+        };
+        auto *shown = new StepValue(look, wording);
+        stepper_ = new Stepper(look, row.label, row.range, row.step, wording);
+        add(shown);
+        add(stepper_);
+        stepper_->onStep = [this](double value) { value_.set(value); };
+        stepper_->onChange = [shown](double value) { shown->setValue(value); };
+        shown->setValue(stepper_->value());
+        StepRowWidget::readAgain();
+    }
+
+    void readAgain() override { stepper_->setValue(value_.get()); }
+
+private:
+    Bound<double> value_;
+    Stepper *stepper_;
+};
+
+class PickerRowWidget final : public CardRow, public Follower {
+public:
+    PickerRowWidget(Look &look, const PickerRow &row) : CardRow(look), selection_(row.selection) {
+        addLabel(row.label);
+        button_ = new PopUpButton(look, row.label, row.choices);
+        if (row.before)
+            add(row.before(look));
+        add(button_);
+        button_->onChoice = [this](const QString &choice) { selection_.set(choice); };
+        PickerRowWidget::readAgain();
+    }
+
+    void readAgain() override { button_->setChoice(selection_.get()); }
+
+private:
+    Bound<QString> selection_;
+    PopUpButton *button_;
+};
+
+class LabeledFieldWidget final : public CardRow, public Follower {
+public:
+    LabeledFieldWidget(Look &look, const LabeledField &row) : CardRow(look), text_(row.text) {
+        auto *lines = new QWidget;
+        auto *column = new QGridLayout(lines);
+        column->setContentsMargins(0, 10, 0, 8);
+        column->setSpacing(0);
+        column->setVerticalSpacing(2);
+        column->setColumnMinimumWidth(0, FocusRing::room);
+        column->addWidget(new Text(look, row.label, Text::Style::label), 0, 1);
+        field_ = lineEdit(row.label, row.prompt);
+        column->addWidget(field_, 1, 0, 1, 2);
+        column->setColumnStretch(1, 1);
+        addOutdented(lines);
+        // Not `textEdited`, which keeps silent about what a screen reader writes.
+        connect(field_, &QLineEdit::textChanged, this, [this](const QString &text) { text_.set(text); });
+        LabeledFieldWidget::readAgain();
+    }
+
+    void readAgain() override { showText(*field_, text_.get()); }
+
+private:
+    Bound<QString> text_;
+    QLineEdit *field_;
+};
+
+/// Never seen itself: it lets the row that it lies in be used or not.
+class Dependence final : public QWidget, public Follower {
+public:
+    Dependence(QWidget &row, std::function<bool()> holds) : QWidget(&row), holds_(std::move(holds)) {
+        hide();
+        Dependence::readAgain();
+    }
+
+    void readAgain() override { parentWidget()->setEnabled(holds_()); }
+
+private:
+    std::function<bool()> holds_;
+};
+
+/// A text that comes and goes.
+class WordsWidget final : public QWidget, public Follower {
+public:
+    WordsWidget(Look &look, Words words, Text::Style style, const QMargins &margins)
+        : words_(std::move(words)), text_(new Text(look, {}, style)) {
+        auto *lines = new QVBoxLayout(this);
+        lines->setContentsMargins(margins);
+        lines->addWidget(text_);
+        WordsWidget::readAgain();
+    }
+
+    void readAgain() override {
+        const QString before = text_->text();
+        text_->setText(words_());
+        letSee(*this, !text_->text().isEmpty());
+        if (text_->text() != before && isVisible())
+            announce(*text_);
+    }
+
+private:
+    Words words_;
+    Text *text_;
+};
+
+} // namespace
+
+QWidget *SwitchRow::make(Look &look) const {
+    return new SwitchRowWidget(look, *this);
+}
+
+QWidget *StepRow::make(Look &look) const {
+    return new StepRowWidget(look, *this);
+}
+
+QWidget *OnlyWhile::make(Look &look) const {
+    QWidget *widget = row.make(look);
+    new Dependence(*widget, holds);
+    return widget;
+}
+
+QWidget *PickerRow::make(Look &look) const {
+    return new PickerRowWidget(look, *this);
+}
+
+QWidget *LabeledField::make(Look &look) const {
+    return new LabeledFieldWidget(look, *this);
+}
+
+QWidget *CardNote::make(Look &look) const {
+    return new WordsWidget(look, text, style, {CardRow::margin, 0, CardRow::margin, 9});
+}
+
+QWidget *PageNote::make(Look &look) const {
+    return new WordsWidget(look, text, style, {FocusRing::room, 0, FocusRing::room, 0});
+}
+
+QWidget *ButtonRow::make(Look &) const {
+    auto *row = new QWidget;
+    auto *line = new QHBoxLayout(row);
+    line->setContentsMargins({});
+    auto *button = new Button(label, role, symbol);
+    line->addWidget(button);
+    line->addStretch();
+    QObject::connect(button, &Button::clicked, row, action, Qt::QueuedConnection);
+    return row;
+}
+
+} // namespace pavonel

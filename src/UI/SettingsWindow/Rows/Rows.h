@@ -1,0 +1,102 @@
+#pragma once
+
+#include "Platform/Service.h"
+#include "UI/Controls/Button.h"
+#include "UI/Controls/Stepper.h"
+#include "UI/Controls/Text.h"
+#include "UI/SettingsWindow/Rows/Bound.h"
+#include "UI/SettingsWindow/Rows/Piece.h"
+
+#include <QStringList>
+
+/// The rows that cards are made of. Each is a plain description; `make` builds its widget, which writes
+/// through at once and follows changes from elsewhere.
+namespace pavonel {
+
+struct SwitchRow {
+    QString label;
+    Bound<bool> isOn;
+    QString note = {};
+
+    QWidget *make(Look &look) const;
+};
+
+struct StepRow {
+    QString label;
+    Bound<double> value; ///< Seconds; a value that no clock can show is shown bounded.
+    Range range;
+    double step;
+    QString suffix = {};
+
+    QWidget *make(Look &look) const;
+};
+
+/// A row that can be used only while something else is as it must be, and is pale otherwise.
+struct OnlyWhile {
+    std::function<bool()> holds;
+    Piece row;
+
+    QWidget *make(Look &look) const;
+};
+
+struct PickerRow {
+    QString label;
+    Bound<QString> selection;
+    QStringList choices;
+    std::function<QWidget *(Look &)> before = {}; ///< What stands before the choice, where something does.
+
+    QWidget *make(Look &look) const;
+};
+
+struct LabeledField {
+    QString label;
+    Bound<QString> text;
+    QString prompt = {};
+
+    QWidget *make(Look &look) const;
+};
+
+/// What is said by a sentence that can change; empty for nothing.
+using Words = std::function<QString()>;
+
+/// A small sentence in a card, under the row before it; takes no room while it is empty.
+struct CardNote {
+    CardNote(Words words) : text(std::move(words)) {}
+    CardNote(const QString &words) : text([words] { return words; }) {}
+
+    CardNote(Words words, Text::Style inStyle) : text(std::move(words)), style(inStyle) {}
+
+    Words text;
+    Text::Style style = Text::Style::note;
+
+    QWidget *make(Look &look) const;
+};
+
+/// A sentence on the page itself, below a card; takes no room while it is empty.
+struct PageNote {
+    PageNote(Words words) : text(std::move(words)) {}
+    PageNote(const QString &words, Text::Style inStyle = Text::Style::secondary)
+        : text([words] { return words; }), style(inStyle) {}
+
+    Words text;
+    Text::Style style = Text::Style::secondary;
+
+    QWidget *make(Look &look) const;
+};
+
+/// A button at the left edge of the column.
+struct ButtonRow {
+    QString label;
+    std::function<void()> action;
+    QString symbol = {};
+    Button::Role role = Button::Role::plain;
+
+    QWidget *make(Look &look) const;
+};
+
+/// Why the setting above it has no effect on this desktop; nothing where it has.
+inline CardNote limitationNote(const Service &service) {
+    return CardNote([&service] { return service.limitation(); });
+}
+
+} // namespace pavonel

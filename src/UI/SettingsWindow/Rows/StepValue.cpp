@@ -1,0 +1,46 @@
+#include "UI/SettingsWindow/Rows/StepValue.h"
+
+#include "UI/Fonts.h"
+
+#include <QAccessibleWidget>
+#include <QFontMetricsF>
+#include <QPainter>
+
+#include <cmath>
+
+namespace pavonel {
+
+StepValue::StepValue(Look &look, std::function<QString(double)> wording)
+    : look_(look), wording_(std::move(wording)) {
+    setFont(look.font(13));
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
+}
+
+void StepValue::setValue(double value) {
+    text_ = wording_(value);
+    setAccessibleName(text_);
+    updateGeometry();
+    update();
+}
+
+QSize StepValue::sizeHint() const {
+    const QFontMetricsF metrics(font());
+    return {static_cast<int>(std::ceil(fonts::tabularWidth(metrics, text_))) + 1,
+            static_cast<int>(std::ceil(metrics.height()))};
+}
+
+void StepValue::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    if (!isEnabled())
+        painter.setOpacity(0.45);
+    painter.setPen(look_.palette().text);
+    const QFontMetricsF metrics(font(), this);
+    const double base = std::floor((height() - std::ceil(metrics.height())) / 2) + metrics.ascent();
+    fonts::drawTabular(painter, {width() - fonts::tabularWidth(metrics, text_), base}, text_);
+}
+
+QAccessibleInterface *StepValue::makeAccessible() {
+    return new QAccessibleWidget(this, QAccessible::StaticText);
+}
+
+} // namespace pavonel
