@@ -1,5 +1,7 @@
 #include "EndToEnd/Desktop.h"
 
+#include <functional>
+
 #include <gtest/gtest.h>
 
 namespace pavonel::test {
@@ -9,6 +11,10 @@ namespace {
 const QJsonObject breakInTenSeconds{{QStringLiteral("microInterval"), 10},
                                     {QStringLiteral("preNotifySeconds"), 9},
                                     {QStringLiteral("postureInterval"), 2}};
+
+const QJsonObject headsUpForLong{{QStringLiteral("microInterval"), 600},
+                                 {QStringLiteral("preNotifySeconds"), 598},
+                                 {QStringLiteral("postureInterval"), 0}};
 
 /// The programs of this test are started with two pixels a point.
 struct DoubleScale {
@@ -24,11 +30,36 @@ std::optional<SeenWindow> find(Desktop &desktop, const char *title) {
     return std::nullopt;
 }
 
-bool standsAt(Desktop &desktop, const char *title, const QRect &place) {
-    return waitUntil([&] {
+/// In vain once the program has ended.
+bool stands(Desktop &desktop, const char *title, const std::function<bool(const QRect &)> &well) {
+    bool does = false;
+    waitUntil([&] {
         const auto window = find(desktop, title);
-        return window && window->frame == place;
+        does = window && well(window->frame);
+        return does || !desktop.isRunning();
     });
+    return does;
+}
+
+bool standsAt(Desktop &desktop, const char *title, const QRect &place) {
+    return stands(desktop, title, [&](const QRect &frame) { return frame == place; });
+}
+
+/// With its shadow, where a compositor runs.
+bool headsUpStandsOn(Desktop &desktop, const QRect &screen) {
+    const QSize size(340, 132);
+    const QRect place(screen.topRight() + QPoint(1 - 18 - size.width(), 18), size);
+    return stands(desktop, "Pavonel Heads-up", [&](const QRect &frame) {
+        return frame.contains(place) && place.adjusted(-100, -100, 100, 100).contains(frame);
+    });
+}
+
+/// Both that wait for a break, on the screen at the left upper corner.
+bool standIn(Desktop &desktop, QSize screen) {
+    const QRect whole({0, 0}, screen);
+    return headsUpStandsOn(desktop, whole) && stands(desktop, "Pavonel Countdown", [&](const QRect &frame) {
+               return whole.contains(frame.center());
+           });
 }
 
 /// What reaches the server late does so when the window goes; nobody calls that shown.
@@ -53,6 +84,22 @@ class PanelsIn : public testing::TestWithParam<Loop> {};
 INSTANTIATE_TEST_SUITE_P(Loops, PanelsIn, testing::Values(Loop::ofGlib, Loop::ofQt),
                          [](const auto &loop) { return loop.param == Loop::ofGlib ? "OfGlib" : "OfQt"; });
 
+class PanelsUnder : public testing::TestWithParam<XServer::WindowManager> {};
+
+INSTANTIATE_TEST_SUITE_P(WindowManagers, PanelsUnder,
+                         testing::Values(XServer::WindowManager::openbox, XServer::WindowManager::xfwm4,
+                                         XServer::WindowManager::xfwm4WithCompositor),
+                         [](const auto &manager) {
+                             switch (manager.param) {
+                             case XServer::WindowManager::openbox:
+                                 return "openbox";
+                             case XServer::WindowManager::xfwm4:
+                                 return "xfwm4";
+                             default:
+                                 return "xfwm4WithCompositor";
+                             }
+                         });
+
 } // namespace
 
 TEST(Panels, stand_to_the_pixel_on_the_screen_of_the_pointer) {
@@ -74,6 +121,43 @@ TEST(Panels, stand_to_the_pixel_at_two_pixels_a_point) {
     EXPECT_TRUE(standsAt(desktop, "Pavonel Toast", {1280 + 640 - 380, 48, 760, 112}));
     EXPECT_TRUE(standsAt(desktop, "Pavonel Heads-up", {2560 - 680 - 36, 36, 680, 264}));
     EXPECT_TRUE(standsAt(desktop, "Pavonel Countdown", {1532, 424, 172, 60}));
+}
+
+TEST_P(PanelsUnder, follow_a_screen_that_changes_its_mode) {
+    Desktop desktop(GetParam());
+    desktop.server().setMonitors({});
+    desktop.store(headsUpForLong);
+    desktop.startProgram();
+    ASSERT_TRUE(headsUpStandsOn(desktop, {0, 0, 3840, 720}));
+    for (const QSize mode : {QSize(1280, 720), QSize(1920, 700), QSize(3840, 720)}) {
+        desktop.server().setMode(mode);
+        EXPECT_TRUE(standIn(desktop, mode)) << mode.width() << " x " << mode.height();
+    }
+    EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
+}
+
+TEST_P(PanelsUnder, follow_a_screen_that_changes_its_mode_again_and_again_at_once) {
+    Desktop desktop(GetParam());
+    desktop.server().setMonitors({});
+    desktop.store(headsUpForLong);
+    desktop.startProgram();
+    ASSERT_TRUE(headsUpStandsOn(desktop, {0, 0, 3840, 720}));
+    for (int round = 0; round < 3; ++round) {
+        for (const QSize mode : {QSize(1280, 720), QSize(3840, 720), QSize(1920, 700)})
+            desktop.server().setMode(mode);
+    }
+    EXPECT_TRUE(standIn(desktop, {1920, 700}));
+    EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
+}
+
+TEST_P(PanelsUnder, appear_on_the_screen_that_is_left_when_theirs_is_removed) {
+    Desktop desktop(GetParam());
+    desktop.store(headsUpForLong);
+    desktop.startProgram();
+    ASSERT_TRUE(headsUpStandsOn(desktop, Desktop::screen(1)));
+    desktop.server().setMonitors({Desktop::screen(0)});
+    EXPECT_TRUE(standIn(desktop, Desktop::screen(0).size()));
+    EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
 }
 
 /// The pointer rests, and nothing else of Pavonel's makes Qt speak with the X server.

@@ -151,6 +151,16 @@ TEST_F(X11WindowLayersTest, windows_are_known_by_the_programs_name) {
     EXPECT_EQ(other.bytes(overlays[0]->id(), "WM_CLASS"), QByteArray("pavonel\0pavonel\0", 16));
 }
 
+TEST_F(X11WindowLayersTest, cutting_a_window_serves_no_event_that_could_take_it_away) {
+    const auto shown = panel({100, 100, 200, 100});
+    bool served = false;
+    QMetaObject::invokeMethod(
+        shown.get(), [&] { served = true; }, Qt::QueuedConnection);
+    layers.cutTo(*shown->windowHandle(), QRegion(0, 0, 100, 100));
+    EXPECT_FALSE(served);
+    EXPECT_TRUE(waitUntil([&] { return served; }));
+}
+
 TEST_F(X11WindowLayersTest, a_client_that_dies_during_a_break_does_no_harm) {
     server().start(WindowManager::openbox);
     auto dying = std::make_unique<XClient>(server().display());

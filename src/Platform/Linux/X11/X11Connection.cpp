@@ -17,12 +17,18 @@ namespace pavonel {
 
 namespace {
 
+/// Null where Qt runs on something else.
+xcb_connection_t *connectionOfQt() {
+    const auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
+    const auto *qt =
+        application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    return qt ? qt->connection() : nullptr;
+}
+
 /// In GLib's event loop Qt's own connection sends only when the server speaks first.
 void flushQt() {
-    const auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
-    if (const auto *qt =
-            application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr)
-        xcb_flush(qt->connection());
+    if (xcb_connection_t *const qt = connectionOfQt())
+        xcb_flush(qt);
 }
 
 /// Whether a compositor of Wayland listens where the environment says. The variable alone can be a leftover.
@@ -160,6 +166,12 @@ void X11Connection::select(xcb_window_t window) {
             mask |= entry->mask;
     }
     xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &mask);
+}
+
+void X11Connection::awaitQt() {
+    if (xcb_connection_t *const qt = connectionOfQt())
+        const XReply<xcb_get_input_focus_reply_t> done(
+            xcb_get_input_focus_reply(qt, xcb_get_input_focus(qt), nullptr));
 }
 
 void X11Connection::flush() {

@@ -86,6 +86,10 @@ public:
     /// Selects events of a window (a mask of XCB_EVENT_MASK_…) in addition to what others selected there.
     [[nodiscard]] SubscriptionHandle watch(xcb_window_t window, std::uint32_t mask);
 
+    /// Until the server has done what Qt asked for over its own connection. No event is served meanwhile,
+    /// other than by QGuiApplication::sync(): a window that the caller has in hand stays.
+    static void awaitQt();
+
     /// Sends what was asked so far, without waiting for the main loop.
     void flush();
 

@@ -28,6 +28,13 @@ int paintedLength(int pixels, qreal scale) {
     return length;
 }
 
+/// The server has a window of this number by now.
+xcb_window_t numberOf(QWindow &window) {
+    const auto id = static_cast<xcb_window_t>(window.winId());
+    X11Connection::awaitQt();
+    return id;
+}
+
 std::optional<QRect> coveringFrame(const QString &screenName) {
     const auto attached = QGuiApplication::screens();
     for (const QScreen *screen : attached) {
@@ -63,7 +70,7 @@ Qt::WindowFlags X11WindowLayers::windowFlags(WindowLayer layer) const {
 }
 
 void X11WindowLayers::show(QWindow &window, WindowLayer layer, const Screen &screen) {
-    const auto id = static_cast<xcb_window_t>(window.winId());
+    const xcb_window_t id = numberOf(window);
     constexpr char windowClass[] = "pavonel\0pavonel"; // whatever name the program was started under
     xcb_change_property(connection_->xcb(), XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
                         sizeof windowClass, windowClass);
@@ -239,7 +246,7 @@ bool X11WindowLayers::canBlend() const {
 }
 
 void X11WindowLayers::cutTo(QWindow &window, const QRegion &pixels) {
-    QGuiApplication::sync(); // Qt made the window over a connection of its own
+    const xcb_window_t id = numberOf(window);
     std::vector<xcb_rectangle_t> shape;
     for (const QRect &part : pixels)
         shape.push_back({static_cast<std::int16_t>(part.x()), static_cast<std::int16_t>(part.y()),
@@ -247,8 +254,7 @@ void X11WindowLayers::cutTo(QWindow &window, const QRegion &pixels) {
                          static_cast<std::uint16_t>(part.height())});
     xcb_shape_rectangles(connection_->xcb(), XCB_SHAPE_SO_SET,
                          canBlend() ? XCB_SHAPE_SK_INPUT : XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_BANDED,
-                         static_cast<xcb_window_t>(window.winId()), 0, 0,
-                         static_cast<std::uint32_t>(shape.size()), shape.data());
+                         id, 0, 0, static_cast<std::uint32_t>(shape.size()), shape.data());
     connection_->flush();
 }
 
