@@ -1,5 +1,6 @@
 #include "Core/StatsExport.h"
 
+#include "Core/Characters.h"
 #include "Core/Stats.h"
 
 #include <QByteArrayList>
@@ -31,7 +32,7 @@ QDate dateOfKey(const QString &key) {
 
 QString shown(const QString &key) {
     constexpr qsizetype longest = 40;
-    return key.simplified().left(longest);
+    return beginning(key.simplified(), longest);
 }
 
 /// Whether the figures fit the integers of the export.

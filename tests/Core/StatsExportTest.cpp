@@ -46,6 +46,14 @@ TEST(StatsExport, json_has_an_object_for_each_day_in_their_order) {
                                                {QStringLiteral("breakSeconds"), 6}}));
 }
 
+TEST(StatsExport, a_damaged_record_is_named_by_whole_characters_of_its_key) {
+    const QByteArray key = "x" + QByteArray("🫖").repeated(100);
+    EXPECT_EQ(
+        exported("{\"" + key + "\": 1}").complaints,
+        QStringList{
+            QStringLiteral("the record of \"x%1\" is damaged").arg(QStringLiteral("🫖").repeated(39))});
+}
+
 TEST(StatsExport, before_the_first_day_there_are_none) {
     for (const StoredLook &look : {StoredLook{}, StoredLook{QByteArray("{}"), false}}) {
         EXPECT_EQ(StatsExport::of(look, Format::csv).text, header);
