@@ -20,7 +20,6 @@ constexpr double share = 0.28; // of the rest of the way, each frame
 ScrollArea::ScrollArea(Look &look, QWidget *content) : look_(look) {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setWidgetResizable(true);
     setWidget(content);
     content->setAutoFillBackground(false);
@@ -41,18 +40,23 @@ void ScrollArea::follow(QWidget *focused) {
 
 /// One that shows all it has leaves the keys to others.
 void ScrollArea::keyPressEvent(QKeyEvent *event) {
-    if (verticalScrollBar()->maximum() > verticalScrollBar()->minimum())
+    const auto scrolls = [](const QScrollBar *bar) { return bar->maximum() > bar->minimum(); };
+    if (scrolls(verticalScrollBar()) || scrolls(horizontalScrollBar()))
         QScrollArea::keyPressEvent(event);
     else
         event->ignore();
 }
 
 void ScrollArea::wheelEvent(QWheelEvent *event) {
-    if (!event->pixelDelta().isNull()) {
+    const QPointF notches = QPointF(event->angleDelta()) / 120 * notch;
+    const QPoint exactly = event->pixelDelta();
+    const int sideways = exactly.isNull() ? qRound(notches.x()) : exactly.x();
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() - sideways);
+    if (!exactly.isNull()) {
         frames_.reset();
-        verticalScrollBar()->setValue(verticalScrollBar()->value() - event->pixelDelta().y());
+        verticalScrollBar()->setValue(verticalScrollBar()->value() - exactly.y());
     } else {
-        glideBy(-event->angleDelta().y() / 120.0 * notch);
+        glideBy(-notches.y());
     }
     event->accept();
 }

@@ -7,7 +7,8 @@
 
 namespace pavonel {
 
-/// A column that scrolls up and down, smoothly for a wheel with notches.
+/// A column that scrolls up and down, smoothly for a wheel with notches; sideways too where the text is so
+/// large that it has no room.
 class ScrollArea : public QScrollArea {
 public:
     ScrollArea(Look &look, QWidget *content);

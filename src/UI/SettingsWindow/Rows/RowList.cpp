@@ -67,6 +67,13 @@ QSize RowList::sizeHint() const {
     return {200, rowHeight_ * static_cast<int>(keys_.size())};
 }
 
+QSize RowList::minimumSizeHint() const {
+    int width = 0;
+    for (const QWidget *row : rows_)
+        width = std::max(width, row ? row->minimumSizeHint().width() : 0);
+    return {width, sizeHint().height()};
+}
+
 bool RowList::event(QEvent *event) {
     if (event->type() == QEvent::Show) {
         follow();
@@ -129,6 +136,7 @@ void RowList::make(std::size_t index) {
     rows_[index]->setParent(this);
     rows_[index]->setGeometry(0, static_cast<int>(index) * rowHeight_, width(), rowHeight_);
     rows_[index]->show();
+    updateGeometry();
 }
 
 QWidget &RowList::reveal(std::size_t index) {

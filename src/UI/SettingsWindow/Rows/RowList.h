@@ -42,6 +42,7 @@ public:
     QWidget &reveal(std::size_t index);
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override; ///< As wide as the widest of the rows that exist needs it.
     QAccessibleInterface *makeAccessible() override;
 
 protected:

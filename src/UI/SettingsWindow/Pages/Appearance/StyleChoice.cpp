@@ -9,10 +9,10 @@
 #include "UI/Theme.h"
 
 #include <QButtonGroup>
-#include <QGridLayout>
 #include <QSignalBlocker>
 
 #include <algorithm>
+#include <vector>
 
 namespace pavonel {
 
@@ -22,14 +22,14 @@ constexpr int room = FocusRing::room; // which the tiles have around them
 constexpr int gap = 12;
 constexpr int bottom = 14 - room;
 
-/// The tiles stand beside the preview, or below it where there is no room.
+/// The tiles stand beside the preview, or below it where there is no room; with large text on a narrow page
+/// the preview is smaller, and fewer tiles are in a row.
 class StyleChoiceWidget final : public QWidget, public Follower {
 public:
     StyleChoiceWidget(Look &look, Settings &settings)
         : settings_(settings), group_(new QButtonGroup(this)), preview_(new BreakPreview(look, settings)),
           tiles_(tiles(look)) {
         preview_->setParent(this);
-        tiles_->setParent(this);
         QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
         policy.setHeightForWidth(true);
         setSizePolicy(policy);
@@ -41,15 +41,13 @@ public:
     }
 
     QSize sizeHint() const override {
-        const int width = sides + preview_->sizeHint().width() + gap + tiles_->sizeHint().width();
+        const int width = sides + preview_->sizeHint().width() + gap + tilesSize(mostColumns).width();
         return {width, heightForWidth(width)};
     }
-    QSize minimumSizeHint() const override {
-        return {sides + std::max(preview_->sizeHint().width(), tiles_->sizeHint().width()), 0};
-    }
+    QSize minimumSizeHint() const override { return {sides + tilesSize(1).width(), 0}; }
     int heightForWidth(int width) const override {
         const QRect tiles = tilesPlace(width);
-        return std::max(previewPlace().bottom() + 1 + room, tiles.bottom() + 1) + bottom;
+        return std::max(previewPlace(width).bottom() + 1 + room, tiles.bottom() + 1) + bottom;
     }
 
     void readAgain() override {
@@ -59,43 +57,66 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent *) override {
-        preview_->setGeometry(previewPlace());
-        tiles_->setGeometry(tilesPlace(width()));
+        preview_->setGeometry(previewPlace(width()));
+        const QPoint corner = tilesPlace(width()).topLeft();
+        const int columns = columnsIn(width());
+        for (int index = 0; index < static_cast<int>(tiles_.size()); ++index) {
+            const QSize size = tiles_.front()->sizeHint();
+            const QPoint place((size.width() + betweenTiles) * (index % columns),
+                               (size.height() + betweenRows) * (index / columns));
+            tiles_[static_cast<std::size_t>(index)]->setGeometry({corner + place, size});
+        }
     }
 
 private:
     static constexpr int sides = 2 * CardRow::margin - room;
+    static constexpr int mostColumns = 3;
+    static constexpr int betweenTiles = 2;
+    static constexpr int betweenRows = 6;
 
-    QRect previewPlace() const { return {QPoint(CardRow::margin, room), preview_->sizeHint()}; }
-
-    QRect tilesPlace(int width) const {
-        const QSize size = tiles_->sizeHint();
-        const int right = width - CardRow::margin + room;
-        const int besidePreview = previewPlace().right() + 1 + gap;
-        if (right - size.width() >= besidePreview)
-            return {QPoint(right - size.width(), 0), size};
-        return {QPoint(CardRow::margin - room, previewPlace().bottom() + 1 + gap - room), size};
+    QRect previewPlace(int width) const {
+        const QSize whole = preview_->sizeHint();
+        const QSize within(std::min(whole.width(), width - 2 * CardRow::margin), whole.height());
+        return {QPoint(CardRow::margin, room), whole.scaled(within, Qt::KeepAspectRatio)};
     }
 
-    QWidget *tiles(Look &look) {
-        constexpr int columns = 3;
-        auto *place = new QWidget;
-        auto *grid = new QGridLayout(place);
-        grid->setContentsMargins({});
-        grid->setHorizontalSpacing(2);
-        grid->setVerticalSpacing(6);
+    int columnsIn(int width) const {
+        const int tile = tiles_.front()->sizeHint().width() + betweenTiles;
+        return std::clamp((width - sides + betweenTiles) / tile, 1, mostColumns);
+    }
+
+    QSize tilesSize(int columns) const {
+        const int rows = (static_cast<int>(tiles_.size()) + columns - 1) / columns;
+        const QSize tile = tiles_.front()->sizeHint();
+        return {columns * (tile.width() + betweenTiles) - betweenTiles,
+                rows * (tile.height() + betweenRows) - betweenRows};
+    }
+
+    QRect tilesPlace(int width) const {
+        const QSize size = tilesSize(columnsIn(width));
+        const QRect preview = previewPlace(width);
+        const int right = width - CardRow::margin + room;
+        const int besidePreview = preview.right() + 1 + gap;
+        if (right - size.width() >= besidePreview)
+            return {QPoint(right - size.width(), 0), size};
+        return {QPoint(CardRow::margin - room, preview.bottom() + 1 + gap - room), size};
+    }
+
+    std::vector<StyleTile *> tiles(Look &look) {
+        std::vector<StyleTile *> tiles;
         for (const Background &theme : Theme::gradients()) {
             auto *tile = new StyleTile(look, theme);
+            tile->setParent(this);
             group_->addButton(tile, theme.id);
-            grid->addWidget(tile, theme.id / columns, theme.id % columns, Qt::AlignTop);
+            tiles.push_back(tile);
         }
-        return place;
+        return tiles;
     }
 
     Settings &settings_;
     QButtonGroup *group_;
     BreakPreview *preview_;
-    QWidget *tiles_;
+    std::vector<StyleTile *> tiles_;
 };
 
 } // namespace
