@@ -2,6 +2,7 @@
 #include "Platform/Qt/ProgramFiles.h"
 #include "support/ChildProcess.h"
 #include "support/HttpServer.h"
+#include "support/InChild.h"
 #include "support/Workshop.h"
 #include "support/kernelKnows.h"
 
@@ -22,10 +23,10 @@ protected:
         environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
     }
 
-    static QByteArray order(const HttpServer &from) {
+    static QByteArray order(const QUrl &url) {
         HttpRequest request;
         request.method = "GET";
-        request.url = from.url();
+        request.url = url;
         return fetchOrder(request, {.longest = 60, .longestStall = 0, .largest = 1000});
     }
 
@@ -38,7 +39,7 @@ protected:
     }
     /// What an intruder could do in the tool, which does its work all the same.
     QByteArrayList takenOver() const {
-        write(QStringLiteral("order"), order(server));
+        write(QStringLiteral("order"), order(server.url()));
         const auto [body, told] =
             bash(QStringLiteral("exec '%1' <'%2'").arg(tool(), path(QStringLiteral("order"))));
         EXPECT_EQ(body, "hello");
@@ -73,15 +74,31 @@ TEST_F(FetchConfinement, whoever_takes_it_over_starts_nothing_and_speaks_to_nobo
 }
 
 TEST_F(FetchConfinement, who_is_not_confined_may_all_that_is_tried) {
-    const auto unconfined = bash(QStringLiteral("exec 3<>/dev/tcp/127.0.0.1/%1").arg(server.url().port()));
+    const QString connect = QStringLiteral("import socket; socket.create_connection((\"127.0.0.1\", %1))")
+                                .arg(server.url().port());
+    const auto unconfined = bash(QStringLiteral("exec /usr/bin/python3 -c '%1'").arg(connect));
     EXPECT_EQ(unconfined.second, "read\nwrote\nremoved\nopened\nspoke\nwrote to another socket\n"
                                  "signalled\nlimited another\nran\n");
+}
+
+TEST_F(FetchConfinement, names_are_found_without_a_resolver_behind_a_socket) {
+    if (!mayMount())
+        GTEST_SKIP() << "This machine does not let a test have a network of its own.";
+    environment.remove(QStringLiteral("LD_PRELOAD"));
+    write(QStringLiteral("order"), order(QUrl(QStringLiteral("http://updates.example.org:8123/"))));
+    write(QStringLiteral("resolv.conf"), "nameserver 127.0.0.1\n");
+    write(QStringLiteral("nsswitch.conf"), "hosts: files resolve [!UNAVAIL=return] dns\n");
+    const auto found =
+        bash(QStringLiteral("cd '%1'; exec unshare -rmn bash -c 'for file in resolv.conf nsswitch.conf; do "
+                            "mount --bind $file /etc/$file; done; \"$@\" <order' - '%2' 8123 '%3'")
+                 .arg(folder(), QStringLiteral(PAVONEL_SOURCE_DIR "/tests/Platform/name-server"), tool()));
+    EXPECT_EQ(found, std::pair(QByteArray("hello"), QByteArray("200\n")));
 }
 
 TEST_F(FetchConfinement, it_writes_no_file_and_leaves_no_image_of_its_memory) {
     environment.remove(QStringLiteral("LD_PRELOAD"));
     const HttpServer slow([](const auto &, auto &) {});
-    write(QStringLiteral("order"), order(slow));
+    write(QStringLiteral("order"), order(slow.url()));
     ChildProcess fetch(
         QStringLiteral("bash"),
         {QStringLiteral("-c"), QStringLiteral("exec '%1' <'%2'").arg(tool(), path(QStringLiteral("order")))},
