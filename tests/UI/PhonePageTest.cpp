@@ -1,9 +1,11 @@
 #include "UI/Controls/Button.h"
+#include "UI/Controls/Look.h"
 #include "UI/SettingsWindow/Pages/Phone/CodeView.h"
 #include "UI/SettingsWindow/Pages/Phone/QrCodeView.h"
 #include "support/OpenSettings.h"
 #include "support/windows.h"
 
+#include <QApplication>
 #include <QImage>
 
 #include <gtest/gtest.h>
@@ -84,8 +86,9 @@ TEST_F(PhonePage, without_a_phone_says_what_happens_without_a_service) {
                       u"stay on this computer."_s));
 }
 
-TEST(QrCodeView, is_dark_on_white_with_whole_modules_and_a_margin) {
-    QrCodeView view(u"http://192.168.1.20:8787/#K7WQ3M"_s);
+TEST_F(PhonePage, the_code_for_the_camera_is_dark_on_white_with_whole_modules_and_a_margin) {
+    Look look(open.platform);
+    QrCodeView view(look, u"http://192.168.1.20:8787/#K7WQ3M"_s);
     const QrCode code = QrCode::of("http://192.168.1.20:8787/#K7WQ3M");
     ASSERT_EQ(code.side, 29);
     for (const int ratio : {1, 2}) {
@@ -102,6 +105,19 @@ TEST(QrCodeView, is_dark_on_white_with_whole_modules_and_a_margin) {
                     << x << ' ' << y << " at " << ratio;
         }
     }
+}
+
+TEST_F(PhonePage, the_code_for_the_camera_grows_along_with_the_text) {
+    const QFont ordinary = QApplication::font();
+    QFont large = ordinary;
+    large.setPointSizeF(2 * ordinary.pointSizeF());
+    const auto side = [this](const QFont &font) {
+        QApplication::setFont(font);
+        Look look(open.platform);
+        return QrCodeView(look, u"http://192.168.1.20:8787/#K7WQ3M"_s).width();
+    };
+    EXPECT_EQ(side(large), 2 * side(ordinary));
+    QApplication::setFont(ordinary);
 }
 
 TEST(QrCode, of_a_text_that_is_too_long_is_empty) {

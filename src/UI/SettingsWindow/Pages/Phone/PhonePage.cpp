@@ -66,7 +66,7 @@ struct Code {
         line->setSpacing(CardRow::margin);
         line->addWidget(new CodeView(look, code));
         if (!page.isEmpty())
-            line->addWidget(new QrCodeView(page));
+            line->addWidget(new QrCodeView(look, page));
         return place;
     }
 };

@@ -1,5 +1,6 @@
 #include "UI/SettingsWindow/Pages/Phone/QrCodeView.h"
 
+#include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
 
 #include <QAccessibleWidget>
@@ -9,9 +10,10 @@
 
 namespace pavonel {
 
-QrCodeView::QrCodeView(const QString &text) : code_(QrCode::of(text.toUtf8())) {
+QrCodeView::QrCodeView(Look &look, const QString &text) : look_(look), code_(QrCode::of(text.toUtf8())) {
     setAccessibleName(QStringLiteral("Code for the phone’s camera"));
     setAccessibleDescription(text);
+    const int side = look.length(132);
     setFixedSize(side, side);
 }
 
@@ -23,11 +25,11 @@ void QrCodeView::paintEvent(QPaintEvent *) {
     constexpr double radius = 10;
     constexpr int margin = 3; // modules on each side, which with the round corners cameras manage with
     QPainter painter(this);
-    drawBody(painter, rect(), radius, Qt::white, Qt::transparent);
+    drawBody(painter, rect(), radius, Qt::white, look_.palette().cardOutline);
     if (code_.side == 0)
         return;
     const double ratio = painter.deviceTransform().m11(); // device pixels a point, wherever this is drawn
-    const int pixels = qRound(side * ratio);
+    const int pixels = qRound(width() * ratio);
     const int module = std::max(1, pixels / (code_.side + 2 * margin));
     const int first = (pixels - module * code_.side) / 2;
     painter.scale(1 / ratio, 1 / ratio);

@@ -7,21 +7,22 @@
 
 namespace pavonel {
 
+class Look;
+
 /// A code for the phone's camera: dark on white in every appearance, each module a whole number of device
-/// pixels.
+/// pixels. It grows along with the text.
 class QrCodeView : public QWidget, public AccessibleControl {
 public:
     /// `text` is what the camera reads.
-    explicit QrCodeView(const QString &text);
+    QrCodeView(Look &look, const QString &text);
 
     QAccessibleInterface *makeAccessible() override;
-
-    static constexpr int side = 132;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    Look &look_;
     QrCode code_;
 };
 
