@@ -2,6 +2,7 @@
 #include "EndToEnd/pixels.h"
 
 #include <QImage>
+#include <QTemporaryDir>
 
 #include <algorithm>
 #include <csignal>
@@ -195,6 +196,37 @@ TEST(Break, it_covers_screens_that_come_back_in_another_size_and_place) {
     const std::vector<QRect> screens = {Desktop::screen(0), {1280, 0, 1024, 700}, {2304, 20, 1280, 700}};
     desktop.server().setMonitors(screens);
     EXPECT_TRUE(waitUntil([&] { return coverExactly(desktop, screens, screens[0]); }));
+}
+
+/// Large, for decoding it takes longer than showing a window does.
+QString pictureIn(const QTemporaryDir &folder) {
+    QImage picture(6000, 4000, QImage::Format_RGB32);
+    picture.fill(QColor(255, 128, 0));
+    const QString path = folder.filePath(QStringLiteral("sunset.png"));
+    EXPECT_TRUE(picture.save(path));
+    return path;
+}
+
+TEST(Break, shows_the_users_own_picture_from_the_first_moment) {
+    const QTemporaryDir folder;
+    Desktop desktop;
+    desktop.store({{QStringLiteral("microInterval"), 3},
+                   {QStringLiteral("preNotifySeconds"), 2},
+                   {QStringLiteral("customBackgroundPath"), pictureIn(folder)}});
+    desktop.startProgram();
+
+    const QPoint aside = Desktop::screen(0).center();
+    QList<QColor> seen; // one after the other
+    EXPECT_TRUE(waitUntil([&] {
+        const QColor colour = desktop.server().picture().pixelColor(aside);
+        if (seen.isEmpty() || seen.last() != colour)
+            seen.append(colour);
+        return colour != Desktop::background() && desktop.overlays().size() == std::size_t{Desktop::screens};
+    }));
+    waitForText(desktop);
+    const QColor atLast = desktop.server().picture().pixelColor(aside);
+    EXPECT_GT(atLast.red(), 2 * atLast.blue()) << "not the picture";
+    EXPECT_EQ(seen, (QList<QColor>{Desktop::background(), atLast})) << "something else before the picture";
 }
 
 TEST(Break, two_follow_each_other_back_to_back) {

@@ -20,16 +20,11 @@ bool WaylandDesktop::isCovered(const QImage &picture, const QRect &part) {
 }
 
 bool WaylandDesktop::waitForBreak(int outputs) {
-    return waitUntil([&] {
-               const QImage picture = compositor_->picture();
-               int covered = 0;
-               int withText = 0;
-               for (int index = 0; index < outputs; ++index) {
-                   covered += isCovered(picture, screen(index)) ? 1 : 0;
-                   withText += showsText(picture, screen(index)) ? 1 : 0;
-               }
-               return (covered == outputs && withText == 1) || !isRunning();
-           }) &&
+    std::vector<QRect> screens;
+    for (int index = 0; index < outputs; ++index)
+        screens.push_back(screen(index));
+    const auto covered = [](const QImage &picture, const QRect &part) { return isCovered(picture, part); };
+    return waitUntil([&] { return showsBreak(compositor_->picture(), screens, covered) || !isRunning(); }) &&
            isRunning();
 }
 

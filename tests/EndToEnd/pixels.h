@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <vector>
 
 namespace pavonel::test {
 
@@ -22,6 +23,15 @@ inline int contrast(const QImage &picture, const QRect &area) {
 
 inline bool showsText(const QImage &picture, const QRect &screen) {
     return contrast(picture, screen.adjusted(8, 8, -8, -8)) > 40;
+}
+
+/// A break covers every one of the screens, and one of them tells about it. `isCovered` takes the picture and
+/// a screen.
+template <class IsCovered>
+bool showsBreak(const QImage &picture, const std::vector<QRect> &screens, IsCovered isCovered) {
+    return std::ranges::all_of(screens, [&](const QRect &screen) { return isCovered(picture, screen); }) &&
+           std::ranges::count_if(screens, [&](const QRect &screen) { return showsText(picture, screen); }) ==
+               1;
 }
 
 inline bool shows(const QImage &picture, const QRect &area, const QColor &colour) {

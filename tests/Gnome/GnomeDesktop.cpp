@@ -62,16 +62,10 @@ QDBusMessage GnomeDesktop::call(const QString &interface, const QString &method,
 }
 
 bool GnomeDesktop::waitForBreak(int outputs) {
-    return waitUntil([&] {
-               const QImage picture = shell_->picture();
-               int covered = 0;
-               int withText = 0;
-               for (int index = 0; index < outputs; ++index) {
-                   covered += isCovered(picture, screen(index)) ? 1 : 0;
-                   withText += showsText(picture, screen(index)) ? 1 : 0;
-               }
-               return (covered == outputs && withText == 1) || !isRunning();
-           }) &&
+    std::vector<QRect> screens;
+    for (int index = 0; index < outputs; ++index)
+        screens.push_back(screen(index));
+    return waitUntil([&] { return showsBreak(shell_->picture(), screens, isCovered) || !isRunning(); }) &&
            isRunning();
 }
 

@@ -6,6 +6,7 @@
 #include <QSysInfo>
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 #include <unistd.h>
@@ -186,16 +187,15 @@ bool X11Windows::isOneOf(std::span<const char *const> names, xcb_atom_t property
 
 void X11Windows::readRoot() {
     stacking_ = connection_->numbers(connection_->root(), "_NET_CLIENT_LIST_STACKING");
+    std::unordered_set<xcb_window_t> listed(stacking_.begin(), stacking_.end());
     // Some managers leave their newest windows out of the former list until something is stacked anew.
     for (const xcb_window_t id : connection_->numbers(connection_->root(), "_NET_CLIENT_LIST")) {
-        if (std::find(stacking_.begin(), stacking_.end(), id) == stacking_.end())
+        if (listed.insert(id).second)
             stacking_.push_back(id);
     }
     active_ = connection_->number(connection_->root(), "_NET_ACTIVE_WINDOW");
     desktop_ = connection_->number(connection_->root(), "_NET_CURRENT_DESKTOP");
-    std::erase_if(windows_, [this](const auto &entry) {
-        return std::find(stacking_.begin(), stacking_.end(), entry.first) == stacking_.end();
-    });
+    std::erase_if(windows_, [&listed](const auto &entry) { return !listed.contains(entry.first); });
     for (const xcb_window_t id : stacking_) {
         Window &window = windows_[id];
         window.isStale = true; // it may be on another desktop now, or hidden
