@@ -22,8 +22,10 @@
 #include <string>
 #include <vector>
 
+#include <arpa/inet.h>
 #include <curl/curl.h>
 #include <dlfcn.h>
+#include <netdb.h>
 #include <strings.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -234,6 +236,23 @@ bool isSameServer(const std::string &a, const std::string &b) {
     return isSame(CURLUPART_SCHEME) && isSame(CURLUPART_HOST) && isSame(CURLUPART_PORT);
 }
 
+/// Where a machine nearby is, as libcurl's CURLOPT_RESOLVE wants it: such names (RFC 6762) are often known
+/// only to a resolver behind a socket in the file system, which cannot be asked once rights are given up.
+/// Null for all other names, and where nobody knows it.
+curl_slist *findNearby(const std::string &url) {
+    const std::string host = partOf(url, CURLUPART_HOST);
+    addrinfo *found = nullptr;
+    addrinfo wanted{};
+    wanted.ai_family = AF_INET;
+    wanted.ai_socktype = SOCK_STREAM;
+    if (!host.ends_with(".local") || getaddrinfo(host.c_str(), nullptr, &wanted, &found) != 0)
+        return nullptr;
+    char address[INET_ADDRSTRLEN] = "";
+    getnameinfo(found->ai_addr, found->ai_addrlen, address, sizeof address, nullptr, 0, NI_NUMERICHOST);
+    freeaddrinfo(found);
+    return curl_slist_append(nullptr, (host + ':' + partOf(url, CURLUPART_PORT) + ':' + address).c_str());
+}
+
 /// Turns the request to where the response leads (RFC 9110, 15.4); false when it must not go there.
 bool follow(Request &request, const std::string &target, long status) {
     if (partOf(request.url, CURLUPART_SCHEME) == "https" && partOf(target, CURLUPART_SCHEME) != "https")
@@ -272,6 +291,7 @@ long fetch(CURL *curl, Request request) {
         curl_easy_setopt(curl, CURLOPT_CAINFO, file);
     const Proxies proxies;
     const char *proxy = proxies.forUrl(request.url);
+    curl_easy_setopt(curl, CURLOPT_RESOLVE, findNearby(request.url));
     giveRightsUp();
     for (int redirects = 0; redirects <= mostRedirects; ++redirects) {
         if (!send(curl, request, proxy, deadline))

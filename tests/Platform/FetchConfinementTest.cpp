@@ -95,6 +95,15 @@ TEST_F(FetchConfinement, names_are_found_without_a_resolver_behind_a_socket) {
     EXPECT_EQ(found, std::pair(QByteArray("hello"), QByteArray("200\n")));
 }
 
+TEST_F(FetchConfinement, a_machine_nearby_is_found_by_its_name) {
+    environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(PAVONEL_NEARBY_NAMES));
+    QUrl nearby = server.url();
+    nearby.setHost(QStringLiteral("relay.local"));
+    write(QStringLiteral("order"), order(nearby));
+    const auto found = bash(QStringLiteral("exec '%1' <'%2'").arg(tool(), path(QStringLiteral("order"))));
+    EXPECT_EQ(found, std::pair(QByteArray("hello"), QByteArray("200\n")));
+}
+
 TEST_F(FetchConfinement, it_writes_no_file_and_leaves_no_image_of_its_memory) {
     environment.remove(QStringLiteral("LD_PRELOAD"));
     const HttpServer slow([](const auto &, auto &) {});
