@@ -30,7 +30,8 @@ void AppDelegate::setUp() {
     repairLoginItem();
     if (settings_.hotKeysEnabled)
         registerHotKeys();
-    platform_.power->onWake([this] { startAfresh(); });
+    // Every sleep counts as a full rest, however short; a break that was running goes on.
+    platform_.power->onWake([this] { controller_.resetTimers(); });
     updater_.checkInBackground();
     platform_.installation->onSuccessor([this] { giveWay(Opening::silent); });
     controller_.start();
@@ -79,13 +80,6 @@ void AppDelegate::act(OutsideAction action) {
 
 void AppDelegate::publishTo(StatusPublisher &publisher) {
     remoteControl_.emplace(publisher, controller_, settings_, stats_, *platform_.mainLoop);
-}
-
-/// Every sleep counts as a full rest, however short; a break that was running goes on.
-void AppDelegate::startAfresh() {
-    controller_.microElapsed = 0;
-    controller_.longElapsed = 0;
-    controller_.dismissHeadsUp();
 }
 
 void AppDelegate::connectController() {

@@ -42,7 +42,6 @@ private:
     void connectController();
     void repairLoginItem();
     void registerHotKeys();
-    void startAfresh();
     void welcome();
     bool giveWay(Opening opening);
 

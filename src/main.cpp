@@ -45,7 +45,7 @@ void saveAtExit() {
 int runUntilQuit(SingleInstance &instance) {
     Platform &platform = Platform::current();
     platform.termination->onSave(save);
-    platform.termination->onEnd([] { QCoreApplication::exit(); });
+    platform.termination->onEnd([&platform] { platform.mainLoop->quit(EXIT_SUCCESS); });
     platform.power->onSleep(save);
     AppDelegate delegate(platform, Settings::shared(), Stats::shared(), HotKeyManager::shared(),
                          Phone::shared(), Updater::shared());

@@ -291,6 +291,12 @@ void BreakController::togglePause() {
         pause();
 }
 
+void BreakController::resetTimers() {
+    microElapsed = 0;
+    longElapsed = 0;
+    dismissHeadsUp();
+}
+
 void BreakController::dismissHeadsUp() {
     if (!headsUpShown_ && phase != Phase::headsUp)
         return;

@@ -68,6 +68,9 @@ public:
     void resume();
     void togglePause();
 
+    /// Counts towards both breaks from the beginning, and withdraws a raised heads-up.
+    void resetTimers();
+
     /// Withdraws a raised heads-up.
     void dismissHeadsUp();
 

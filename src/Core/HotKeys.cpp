@@ -21,11 +21,8 @@ HotKeyManager &HotKeyManager::shared() {
 
 void HotKeyManager::registerBinding(Binding binding) {
     if (!std::exchange(handlerInstalled_, true)) {
-        service_.setPressHandler([this, &loop = loop_, alive = std::weak_ptr(alive_)](std::uint32_t id) {
-            loop.post([this, alive, id] {
-                if (alive.lock())
-                    dispatch(id);
-            });
+        service_.setPressHandler([this, &loop = loop_, watch = lifetime_.watch()](std::uint32_t id) {
+            loop.post(watch.guard([this, id] { dispatch(id); }));
         });
     }
     const std::uint32_t id = binding.id;

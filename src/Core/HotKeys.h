@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Lifetime.h"
 #include "Platform/HotKeyService.h"
 #include "Platform/MainLoop.h"
 
@@ -52,7 +53,7 @@ private:
     std::map<std::uint32_t, std::unique_ptr<HotKeyRegistration>>
         refs_; ///< Of the registrations that succeeded.
     bool handlerInstalled_ = false;
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    Lifetime lifetime_;
 };
 
 } // namespace pavonel

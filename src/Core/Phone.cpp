@@ -183,14 +183,10 @@ void Phone::request(const char *method, const char *path, Credentials credential
         request.headers.emplaceBack("Content-Type", "application/json");
         request.body = QJsonDocument(*body).toJson(QJsonDocument::Compact);
     }
-    http_.send(request, [&loop = loop_, weak = std::weak_ptr(self_),
+    http_.send(request, [&loop = loop_, watch = lifetime_.watch(),
                          completion = std::move(completion)](const std::optional<HttpResponse> &response) {
-        if (!completion)
-            return;
-        loop.post([weak, completion, result = classified(response)] {
-            if (weak.lock())
-                completion(result);
-        });
+        if (completion)
+            loop.post(watch.guard([completion, result = classified(response)] { completion(result); }));
     });
 }
 

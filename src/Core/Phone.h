@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/BreakRelay.h"
+#include "Core/Lifetime.h"
 #include "Core/Observable.h"
 #include "Platform/HttpClient.h"
 #include "Platform/MainLoop.h"
@@ -43,7 +44,7 @@ public:
     };
     using State = std::variant<Waiting, Failed, Unpaired, Paired>;
 
-    /// The service's address: the product's own, or what PAVONEL_PAIR_HOST holds. Absent when that is no URL.
+    /// The service's address: our own, or what PAVONEL_PAIR_HOST holds. Absent when that is no URL.
     static std::optional<QUrl> serviceAddress();
 
     Phone(Platform &platform, QUrl base);
@@ -91,7 +92,7 @@ private:
     unsigned attempt_ =
         0; ///< Grows with every pairing and unpairing; replies to an earlier one come too late.
     unsigned polling_ = 0; ///< Grows with every start and end of polling, to the same purpose.
-    std::shared_ptr<Phone *> self_ = std::make_shared<Phone *>(this); ///< What replies hold weakly.
+    Lifetime lifetime_;
 };
 
 } // namespace pavonel

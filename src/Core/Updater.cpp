@@ -74,11 +74,8 @@ void Updater::check(CheckKind kind) {
 }
 
 Updater::Poster Updater::poster() const {
-    return [&loop = *platform_.mainLoop, weak = std::weak_ptr(self_)](MainLoop::Action action) {
-        loop.post([weak, action = std::move(action)] {
-            if (weak.lock())
-                action();
-        });
+    return [&loop = *platform_.mainLoop, watch = lifetime_.watch()](MainLoop::Action action) {
+        loop.post(watch.guard(std::move(action)));
     };
 }
 
@@ -125,8 +122,8 @@ void Updater::install() {
     download.url = image;
     download.folder = install.folder();
     platform_.http->download(
-        download, [this, install, post = poster(), weak = std::weak_ptr(self_)](const auto &file) {
-            if (weak.expired()) {
+        download, [this, install, post = poster(), watch = lifetime_.watch()](const auto &file) {
+            if (watch.isOver()) {
                 if (file)
                     QFile::remove(*file);
                 return;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Lifetime.h"
 #include "Core/Observable.h"
 #include "Core/UpdaterInstall.h"
 #include "Platform/HttpClient.h"
@@ -56,7 +57,7 @@ public:
         interactive ///< Tells of everything.
     };
 
-    /// The feed's address: the product's own, or what PAVONEL_UPDATE_FEED holds. Absent when that is no URL.
+    /// The feed's address: our own, or what PAVONEL_UPDATE_FEED holds. Absent when that is no URL.
     static std::optional<QUrl> feedAddress();
 
     Updater(const HeadlessPlatform &platform, QUrl manifest);
@@ -113,7 +114,7 @@ private:
     QUrl manifest_;
     std::optional<Release> release_; ///< The last that the feed described.
     TimerHandle quitting_;
-    std::shared_ptr<Updater *> self_ = std::make_shared<Updater *>(this); ///< What replies hold weakly.
+    Lifetime lifetime_;
 };
 
 } // namespace pavonel

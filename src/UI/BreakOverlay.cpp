@@ -6,7 +6,6 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QPointer>
 #include <QScreen>
 #include <QWindow>
 
@@ -117,10 +116,7 @@ void OverlayManager::expect() {
 
 /// Not now: where the break begins at once, its windows will be up.
 void OverlayManager::standDown() {
-    platform_.mainLoop->post([self = QPointer(this)] {
-        if (self)
-            self->giveBackIfIdle();
-    });
+    platform_.mainLoop->post(lifetime_.guard([this] { giveBackIfIdle(); }));
 }
 
 void OverlayManager::giveBackIfIdle() {
@@ -173,11 +169,8 @@ void OverlayManager::takeKeyboard() {
 void OverlayManager::bindEscape() {
     if (!settings_.isSkipPermitted() || hotKeys_.holds(HotKeyManager::escapeID))
         return;
-    hotKeys_.registerBinding(
-        {HotKeyManager::escapeID, escapeKeyCode, 0, QStringLiteral("esc"), [self = QPointer(this)] {
-             if (self)
-                 self->cutShort();
-         }});
+    hotKeys_.registerBinding({HotKeyManager::escapeID, escapeKeyCode, 0, QStringLiteral("esc"),
+                              lifetime_.guard([this] { cutShort(); })});
 }
 
 void OverlayManager::cutShort() {

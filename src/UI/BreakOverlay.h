@@ -97,6 +97,7 @@ private:
     std::unique_ptr<Set> current_;              ///< Never null.
     std::vector<std::unique_ptr<Set>> leaving_; ///< Fading out.
     ScreenChanges screenChanges_;
+    Lifetime lifetime_;
 };
 
 } // namespace pavonel

@@ -10,7 +10,6 @@
 
 #include <QPaintEvent>
 #include <QPainter>
-#include <QPointer>
 
 #include <algorithm>
 
@@ -23,10 +22,12 @@ BreakOverlayView::BreakOverlayView(BreakController &controller, Settings &settin
       glide_(*platform.mainLoop, *platform.appearance, [this] { updateArc(); }) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     shown_ = content();
-    observations_.push_back(settings_.observe([this] { refreshSoon(); }));
-    if (!isPrimary())
+    const auto refreshed = [this] { refresh(); };
+    if (!isPrimary()) {
+        refresher_.emplace(loop_, std::vector<Observable *>{&settings_}, refreshed);
         return;
-    observations_.push_back(controller_.observe([this] { refreshSoon(); }));
+    }
+    refresher_.emplace(loop_, std::vector<Observable *>{&settings_, &controller_}, refreshed);
     drawnProgress_ = shown_.progress;
     glide_.jumpTo(drawnProgress_);
     skip_ = new SkipButton(this);
@@ -58,7 +59,7 @@ QRect BreakOverlayView::insetPlace() const {
 }
 
 void BreakOverlayView::freeze() {
-    observations_.clear();
+    refresher_.reset();
     refresh();
     inset_.reset();
     if (skip_)
@@ -79,18 +80,7 @@ BreakOverlayView::Content BreakOverlayView::content() const {
     return content;
 }
 
-/// Notices come before the change, and several for one tick.
-void BreakOverlayView::refreshSoon() {
-    if (std::exchange(refreshPending_, true))
-        return;
-    loop_.post([self = QPointer(this)] {
-        if (self && self->refreshPending_)
-            self->refresh();
-    });
-}
-
 void BreakOverlayView::refresh() {
-    refreshPending_ = false;
     const Content before = std::exchange(shown_, content());
     if (shown_.time != before.time)
         updateTime();

@@ -3,9 +3,12 @@
 #include "Core/BreakController.h"
 #include "UI/BreakLayout.h"
 #include "UI/MessageText.h"
+#include "UI/Refresher.h"
 #include "UI/RingGlide.h"
 
 #include <QWidget>
+
+#include <optional>
 
 namespace pavonel {
 
@@ -64,7 +67,6 @@ private:
     };
 
     Content content() const;
-    void refreshSoon();
     void refresh();
     void arrange();
     void breakMessage(double scale, double room);
@@ -87,8 +89,7 @@ private:
     RingGlide glide_;
     std::unique_ptr<RingInset> inset_; ///< Shows ring and time in our stead.
     double drawnProgress_ = 0;         ///< Where the arc ends on the screen.
-    bool refreshPending_ = false;
-    std::vector<Observable::Observation> observations_;
+    std::optional<Refresher> refresher_;
 };
 
 } // namespace pavonel

@@ -6,8 +6,6 @@
 #include "Platform/Platform.h"
 #include "UI/Symbol.h"
 
-#include <QCoreApplication>
-
 #include <utility>
 
 namespace pavonel {
@@ -67,20 +65,12 @@ MenuBarController::MenuBarController(Platform &platform, BreakController &contro
                                      const Settings &settings, const Stats &stats,
                                      std::function<void()> onSettings)
     : statusItem_(*platform.statusItem), loop_(*platform.mainLoop), controller_(controller),
-      settings_(settings), stats_(stats), onSettings_(std::move(onSettings)),
-      self_(std::make_shared<MenuBarController *>(this)) {
-    statusItem_.setMenu([weak = std::weak_ptr(self_)]() -> Menu {
-        const auto self = weak.lock();
-        return self ? (*self)->menu() : Menu{};
-    });
+      settings_(settings), stats_(stats), onSettings_(std::move(onSettings)) {
+    statusItem_.setMenu(lifetime_.guard([this] { return menu(); }));
     // Made before the controller's timer, this one is served before it on the same beat; what is shown is of
     // after it.
-    refreshTimer_ = loop_.every(refreshInterval, [this] {
-        loop_.post([weak = std::weak_ptr(self_)] {
-            if (const auto self = weak.lock())
-                (*self)->refresh();
-        });
-    });
+    refreshTimer_ =
+        loop_.every(refreshInterval, [this] { loop_.post(lifetime_.guard([this] { refresh(); })); });
     refresh();
 }
 
@@ -122,16 +112,12 @@ Menu MenuBarController::menu() {
         menu.push_back(item(QStringLiteral("Resume"), {}, [this] { controller_.resume(); }));
     else
         menu.push_back({MenuItem::Kind::submenu, QStringLiteral("Pause"), {}, {}, pauseMenu()});
-    menu.push_back(item(QStringLiteral("Reset timers"), {}, [this] { resetTimers(); }));
+    menu.push_back(item(QStringLiteral("Reset timers"), {}, [this] { controller_.resetTimers(); }));
     menu.push_back(separator());
     menu.push_back(label(todayLine()));
     menu.push_back(separator());
     menu.push_back(item(QStringLiteral("Settings…"), QStringLiteral(","), [this] { onSettings_(); }));
-    menu.push_back({MenuItem::Kind::command,
-                    QStringLiteral("Quit Pavonel"),
-                    QStringLiteral("q"),
-                    [] { QCoreApplication::exit(); }, // quit() asks the windows, and a break screen says no
-                    {}});
+    menu.push_back(item(QStringLiteral("Quit Pavonel"), QStringLiteral("q"), [this] { loop_.quit(0); }));
     return menu;
 }
 
@@ -151,11 +137,7 @@ Menu MenuBarController::pauseMenu() {
 }
 
 MenuItem MenuBarController::item(const QString &title, const QString &key, std::function<void()> action) {
-    auto whileAlive = [weak = std::weak_ptr(self_), action = std::move(action)] {
-        if (weak.lock())
-            action();
-    };
-    return {MenuItem::Kind::command, title, key, std::move(whileAlive), {}};
+    return {MenuItem::Kind::command, title, key, lifetime_.guard(std::move(action)), {}};
 }
 
 Seconds MenuBarController::untilTomorrow() const {
@@ -166,12 +148,6 @@ Seconds MenuBarController::untilTomorrow() const {
 QString MenuBarController::todayLine() const {
     const Day today = stats_.today();
     return QStringLiteral("Today: %1 breaks · %2 skipped").arg(today.micro + today.long_).arg(today.skipped);
-}
-
-void MenuBarController::resetTimers() {
-    controller_.microElapsed = 0;
-    controller_.longElapsed = 0;
-    controller_.dismissHeadsUp();
 }
 
 } // namespace pavonel

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "Core/BreakController.h"
+#include "Core/Lifetime.h"
 #include "Platform/StatusItem.h"
 
 #include <functional>
-#include <memory>
 
 namespace pavonel {
 
@@ -30,7 +30,6 @@ private:
     MenuItem item(const QString &title, const QString &key, std::function<void()> action);
     Seconds untilTomorrow() const;
     QString todayLine() const;
-    void resetTimers();
 
     StatusItem &statusItem_;
     MainLoop &loop_;
@@ -40,7 +39,7 @@ private:
     std::function<void()> onSettings_;
     Face shown_;
     TimerHandle refreshTimer_;
-    std::shared_ptr<MenuBarController *> self_; ///< What menu actions hold weakly: a menu can outlive us.
+    Lifetime lifetime_; ///< A menu can outlive us.
 };
 
 /// The time left as the menu bar shows it: whole seconds below a minute ("45s"), else minutes ("2m"), one

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Lifetime.h"
 #include "Core/Observable.h"
 #include "Platform/MainLoop.h"
 
@@ -12,13 +13,9 @@ public:
     Refresher(MainLoop &loop, const std::vector<Observable *> &watched, std::function<void()> refresh);
 
 private:
-    struct State {
-        std::function<void()> refresh;
-        bool pending = false;
-    };
-
-    std::shared_ptr<State> state_;
+    bool pending_ = false;
     std::vector<Observable::Observation> observations_;
+    Lifetime lifetime_;
 };
 
 } // namespace pavonel

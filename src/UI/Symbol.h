@@ -6,7 +6,7 @@
 
 namespace pavonel {
 
-/// The product's line drawings, by name: "eye", "cup.and.saucer". All stand on one square grid.
+/// Pavonel's line drawings, by name: "eye", "cup.and.saucer". All stand on one square grid.
 namespace Symbol {
 
 /// The drawing in one colour on a transparent square. `side` is in points; the image carries the ratio. Null

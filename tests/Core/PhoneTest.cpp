@@ -26,7 +26,7 @@ protected:
 
     std::vector<FakeHttpClient::Exchange> &sent() { return platform.web.exchanges; }
 
-    /// The answer arrives on another thread in the product, and here before the main thread's next turn.
+    /// The answer arrives on another thread in Pavonel, and here before the main thread's next turn.
     void answer(std::size_t exchange, int status, const QByteArray &data) {
         sent().at(exchange).answer(HttpResponse{status, data});
         platform.loop.advance(0);
