@@ -218,14 +218,14 @@ TEST_F(BreakScreen, the_pieces_add_up_to_what_a_whole_painting_shows) {
         scenario.platform.loop.advance(1 / 30.0);
         paintDue();
     }
-    const QImage pieces = view->screen() ? view->grab().toImage() : QImage();
+    const QImage elements = view->screen() ? view->grab().toImage() : QImage();
     view->repaint();
     const QImage whole = picture();
-    ASSERT_EQ(pieces.size(), whole.size());
+    ASSERT_EQ(elements.size(), whole.size());
     const QRect ring = ringRect().toAlignedRect();
     for (int y = ring.top(); y <= ring.bottom(); ++y) {
         for (int x = ring.left(); x <= ring.right(); ++x)
-            ASSERT_NEAR(qGreen(pieces.pixel(x, y)), qGreen(whole.pixel(x, y)), 8) << x << ' ' << y;
+            ASSERT_NEAR(qGreen(elements.pixel(x, y)), qGreen(whole.pixel(x, y)), 8) << x << ' ' << y;
     }
 }
 

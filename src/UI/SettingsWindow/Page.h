@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/SettingsWindow/Rows/Piece.h"
+#include "UI/SettingsWindow/Rows/Element.h"
 
 #include <QString>
 
@@ -37,7 +37,7 @@ struct PageEntry {
     QString title;
     QString symbol;
     QString subtitle;
-    Pieces (*content)(PageContext &context);
+    Elements (*content)(PageContext &context);
 };
 
 /// In the order of `Page`.

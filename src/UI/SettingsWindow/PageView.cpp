@@ -30,8 +30,8 @@ QWidget *column(Look &look, const PageEntry &entry, PageContext &context) {
     head->addWidget(new Text(look, entry.title, Text::Style::pageTitle));
     head->addWidget(new Text(look, entry.subtitle, Text::Style::secondary));
     lines->addLayout(head);
-    for (const Piece &piece : entry.content(context))
-        lines->addWidget(piece.make(look));
+    for (const Element &element : entry.content(context))
+        lines->addWidget(element.make(look));
     lines->addStretch(1);
     return column;
 }
@@ -53,11 +53,11 @@ PageView::PageView(Look &look, const PageEntry &entry, PageContext &context) {
     setAccessibleName(entry.title);
 }
 
-void PageView::readAgain() {
+void PageView::refresh() {
     const auto widgets = findChildren<QWidget *>();
     for (QWidget *widget : widgets) {
-        if (auto *follower = dynamic_cast<Follower *>(widget))
-            follower->readAgain();
+        if (auto *follower = dynamic_cast<Refreshable *>(widget))
+            follower->refresh();
     }
 }
 

@@ -16,7 +16,7 @@ public:
     PageView(Look &look, const PageEntry &entry, PageContext &context);
 
     /// Lets every row show what its setting is now.
-    void readAgain();
+    void refresh();
 
     void scroll(QAbstractSlider::SliderAction action);
 

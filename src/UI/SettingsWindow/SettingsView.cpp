@@ -22,7 +22,7 @@ SettingsView::SettingsView(const PageContext &context, SettingsSelection &select
       onSettings_(*context.platform.mainLoop, {&context.settings},
                   [this] {
                       if (page_)
-                          page_->readAgain();
+                          page_->refresh();
                   }),
       onAppearance_(look_.appearance().onChange([this] { followLook(); })) {
     auto *line = new QHBoxLayout(this);

@@ -13,7 +13,7 @@ namespace pavonel {
 class ScrollArea;
 class SidebarItem;
 
-/// The list of the pages, and below it the product's name. One stop for the Tab key; arrow keys go from page
+/// The list of the pages, and below it Pavonel's name. One stop for the Tab key; arrow keys go from page
 /// to page.
 class Sidebar : public QWidget {
 public:

@@ -3,7 +3,7 @@
 #include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/Switch.h"
-#include "UI/Style/Elements.h"
+#include "UI/Style/Drawing.h"
 #include "UI/Symbol.h"
 
 #include <QPainter>
@@ -11,7 +11,7 @@
 
 #include <cmath>
 
-namespace pavonel::element {
+namespace pavonel::drawing {
 
 namespace {
 
@@ -156,4 +156,4 @@ void drawSwitch(const Context &context, const QStyleOption &option) {
     painter.restore();
 }
 
-} // namespace pavonel::element
+} // namespace pavonel::drawing

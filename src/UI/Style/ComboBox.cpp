@@ -1,7 +1,7 @@
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
-#include "UI/Style/Elements.h"
+#include "UI/Style/Drawing.h"
 
 #include <QIcon>
 #include <QPainter>
@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-namespace pavonel::element {
+namespace pavonel::drawing {
 
 namespace {
 
@@ -92,4 +92,4 @@ void drawComboBoxText(const Context &context, const QStyleOptionComboBox &box) {
     painter.restore();
 }
 
-} // namespace pavonel::element
+} // namespace pavonel::drawing

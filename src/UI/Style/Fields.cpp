@@ -1,14 +1,14 @@
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
-#include "UI/Style/Elements.h"
+#include "UI/Style/Drawing.h"
 
 #include <QPainter>
 #include <QStyleOptionProgressBar>
 
 #include <algorithm>
 
-namespace pavonel::element {
+namespace pavonel::drawing {
 
 namespace {
 
@@ -58,4 +58,4 @@ void drawProgress(const Context &context, const QStyleOptionProgressBar &bar) {
     drawBody(context.painter, track, barThickness / 2, palette.accent, Qt::transparent);
 }
 
-} // namespace pavonel::element
+} // namespace pavonel::drawing

@@ -1,6 +1,6 @@
 #include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
-#include "UI/Style/Elements.h"
+#include "UI/Style/Drawing.h"
 
 #include <QPainter>
 #include <QStyleOptionMenuItem>
@@ -8,7 +8,7 @@
 
 #include <cmath>
 
-namespace pavonel::element {
+namespace pavonel::drawing {
 
 namespace {
 
@@ -101,4 +101,4 @@ void drawMenuLine(const Context &context, const QStyleOptionMenuItem &item) {
     context.painter.restore();
 }
 
-} // namespace pavonel::element
+} // namespace pavonel::drawing

@@ -1,5 +1,5 @@
 #include "UI/Controls/Look.h"
-#include "UI/Style/Elements.h"
+#include "UI/Style/Drawing.h"
 
 #include <QPainter>
 #include <QStyle>
@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-namespace pavonel::element {
+namespace pavonel::drawing {
 
 namespace {
 
@@ -50,4 +50,4 @@ void drawScrollBar(const Context &context, const QStyleOptionSlider &bar) {
     context.painter.restore();
 }
 
-} // namespace pavonel::element
+} // namespace pavonel::drawing

@@ -3,7 +3,7 @@
 #include "Platform/Platform.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/FocusRing.h"
-#include "UI/Style/Elements.h"
+#include "UI/Style/Drawing.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -93,15 +93,15 @@ int Style::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWi
     switch (metric) {
     case PM_MenuHMargin:
     case PM_MenuVMargin:
-        return element::menuPadding;
+        return drawing::menuPadding;
     case PM_MenuPanelWidth:
         return 0;
     case PM_ScrollBarExtent:
-        return element::scrollBarWidth;
+        return drawing::scrollBarWidth;
     case PM_IndicatorWidth:
-        return element::switchSize(look_).width();
+        return drawing::switchSize(look_).width();
     case PM_IndicatorHeight:
-        return element::switchSize(look_).height();
+        return drawing::switchSize(look_).height();
     case PM_MenuScrollerHeight:
         return isScrollArrow(widget) ? 0 : QProxyStyle::pixelMetric(metric, option, widget);
     default:
@@ -114,16 +114,16 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption *option, con
     switch (type) {
     case CT_MenuItem:
         if (const auto *item = as<QStyleOptionMenuItem>(option))
-            return element::menuLineSize(*item, contents, look_);
+            return drawing::menuLineSize(*item, contents, look_);
         break;
     case CT_PushButton:
         if (const auto *button = as<QStyleOptionButton>(option))
-            return element::pushButtonSize(*button, look_, widget);
+            return drawing::pushButtonSize(*button, look_, widget);
         break;
     case CT_ComboBox:
-        return element::comboBoxSize(contents, look_);
+        return drawing::comboBoxSize(contents, look_);
     case CT_LineEdit:
-        return element::fieldSize(contents, look_);
+        return drawing::fieldSize(contents, look_);
     default:
         break;
     }
@@ -133,7 +133,7 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption *option, con
 QRect Style::subElementRect(SubElement element, const QStyleOption *option, const QWidget *widget) const {
     switch (element) {
     case SE_LineEditContents:
-        return element::fieldContents(option->rect);
+        return drawing::fieldContents(option->rect);
     case SE_CheckBoxClickRect:
     case SE_RadioButtonClickRect:
         return option->rect;
@@ -145,7 +145,7 @@ QRect Style::subElementRect(SubElement element, const QStyleOption *option, cons
 QRect Style::subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
                             const QWidget *widget) const {
     if (const auto *bar = as<QStyleOptionSlider>(option); control == CC_ScrollBar && bar) {
-        const QRect thumb = element::scrollThumb(*bar);
+        const QRect thumb = drawing::scrollThumb(*bar);
         const bool upright = bar->orientation == Qt::Vertical;
         switch (part) {
         case SC_ScrollBarSlider:
@@ -163,25 +163,25 @@ QRect Style::subControlRect(ComplexControl control, const QStyleOptionComplex *o
         }
     }
     if (control == CC_ComboBox && part == SC_ComboBoxListBoxPopup)
-        return element::comboBoxList(option->rect, look_);
+        return drawing::comboBoxList(option->rect, look_);
     if (control == CC_ComboBox && part == SC_ComboBoxEditField)
-        return element::comboBoxText(option->rect, look_);
+        return drawing::comboBoxText(option->rect, look_);
     return QProxyStyle::subControlRect(control, option, part, widget);
 }
 
 void Style::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                           const QWidget *widget) const {
-    const element::Context context{*painter, look_, widget};
+    const drawing::Context context{*painter, look_, widget};
     switch (element) {
     case PE_FrameMenu:
     case PE_FrameFocusRect: // each control draws its ring
         return;
     case PE_PanelMenu:
-        return element::drawMenu(context, option->rect);
+        return drawing::drawMenu(context, option->rect);
     case PE_PanelLineEdit:
-        return element::drawField(context, *option);
+        return drawing::drawField(context, *option);
     case PE_IndicatorCheckBox:
-        return element::drawSwitch(context, *option);
+        return drawing::drawSwitch(context, *option);
     default:
         return QProxyStyle::drawPrimitive(element, option, painter, widget);
     }
@@ -189,25 +189,25 @@ void Style::drawPrimitive(PrimitiveElement element, const QStyleOption *option, 
 
 void Style::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                         const QWidget *widget) const {
-    const element::Context context{*painter, look_, widget};
+    const drawing::Context context{*painter, look_, widget};
     switch (element) {
     case CE_MenuEmptyArea:
         return;
     case CE_MenuItem:
         if (const auto *item = as<QStyleOptionMenuItem>(option))
-            return element::drawMenuLine(context, *item);
+            return drawing::drawMenuLine(context, *item);
         break;
     case CE_PushButton:
         if (const auto *button = as<QStyleOptionButton>(option))
-            return element::drawPushButton(context, *button);
+            return drawing::drawPushButton(context, *button);
         break;
     case CE_ComboBoxLabel:
         if (const auto *box = as<QStyleOptionComboBox>(option))
-            return element::drawComboBoxText(context, *box);
+            return drawing::drawComboBoxText(context, *box);
         break;
     case CE_ProgressBar:
         if (const auto *bar = as<QStyleOptionProgressBar>(option))
-            return element::drawProgress(context, *bar);
+            return drawing::drawProgress(context, *bar);
         break;
     default:
         break;
@@ -217,11 +217,11 @@ void Style::drawControl(ControlElement element, const QStyleOption *option, QPai
 
 void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
                                const QWidget *widget) const {
-    const element::Context context{*painter, look_, widget};
+    const drawing::Context context{*painter, look_, widget};
     if (const auto *box = as<QStyleOptionComboBox>(option); control == CC_ComboBox && box)
-        return element::drawComboBox(context, *box);
+        return drawing::drawComboBox(context, *box);
     if (const auto *bar = as<QStyleOptionSlider>(option); control == CC_ScrollBar && bar)
-        return element::drawScrollBar(context, *bar);
+        return drawing::drawScrollBar(context, *bar);
     QProxyStyle::drawComplexControl(control, option, painter, widget);
 }
 

@@ -8,7 +8,7 @@
 namespace pavonel {
 
 /// Gives Qt's own controls our looks: those of the settings, of the notices, of menus, and of the dialogs
-/// that Qt draws. What each control looks like is told in `Elements.h`; this passes Qt's questions on.
+/// that Qt draws. What each control looks like is told in `Drawing.h`; this passes Qt's questions on.
 class Style final : public QProxyStyle {
 public:
     explicit Style(Platform &platform);

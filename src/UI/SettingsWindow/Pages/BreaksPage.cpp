@@ -9,7 +9,7 @@ namespace pavonel {
 
 using namespace Qt::StringLiterals;
 
-Pieces breaksPage(PageContext &context) {
+Elements breaksPage(PageContext &context) {
     Settings &settings = context.settings;
     const auto micro = [&settings] { return settings.microEnabled.get(); };
     const auto longBreak = [&settings] { return settings.longEnabled.get(); };
@@ -19,15 +19,15 @@ Pieces breaksPage(PageContext &context) {
              u"The 20-20-20 rule"_s,
              {
                  SwitchRow{u"Enabled"_s, settings.microEnabled},
-                 OnlyWhile{micro, StepRow{u"Every"_s, settings.microInterval, {60, 7200}, 60}},
-                 OnlyWhile{micro, StepRow{u"For"_s, settings.microDuration, {5, 300}, 5}},
+                 EnabledWhile{micro, StepRow{u"Every"_s, settings.microInterval, {60, 7200}, 60}},
+                 EnabledWhile{micro, StepRow{u"For"_s, settings.microDuration, {5, 300}, 5}},
              }},
         Card{u"Long break"_s,
              u"Get up and move"_s,
              {
                  SwitchRow{u"Enabled"_s, settings.longEnabled},
-                 OnlyWhile{longBreak, StepRow{u"Every"_s, settings.longInterval, {300, 14400}, 300}},
-                 OnlyWhile{longBreak, StepRow{u"For"_s, settings.longDuration, {60, 1800}, 60}},
+                 EnabledWhile{longBreak, StepRow{u"Every"_s, settings.longInterval, {300, 14400}, 300}},
+                 EnabledWhile{longBreak, StepRow{u"For"_s, settings.longDuration, {60, 1800}, 60}},
              }},
         Card{u"Heads-up"_s,
              {},
@@ -39,8 +39,8 @@ Pieces breaksPage(PageContext &context) {
         Card{u"Behaviour"_s,
              {},
              {
-                 OnlyWhile{lenient, SwitchRow{u"Breaks can be skipped"_s, settings.allowSkip}},
-                 OnlyWhile{lenient, SwitchRow{u"Breaks can be postponed"_s, settings.allowPostpone}},
+                 EnabledWhile{lenient, SwitchRow{u"Breaks can be skipped"_s, settings.allowSkip}},
+                 EnabledWhile{lenient, SwitchRow{u"Breaks can be postponed"_s, settings.allowPostpone}},
                  SwitchRow{u"Strict mode"_s, settings.strictMode, u"No skipping, no postponing"_s},
              }},
     };

@@ -1,19 +1,19 @@
 #pragma once
 
-#include "UI/SettingsWindow/Rows/Piece.h"
+#include "UI/SettingsWindow/Rows/Element.h"
 
 /// The content of each page, from top to bottom, under its title. One file a page: cards and rows, no logic.
 namespace pavonel {
 
 struct PageContext;
 
-Pieces breaksPage(PageContext &context);
-Pieces plannedPage(PageContext &context);
-Pieces phonePage(PageContext &context);
-Pieces pausingPage(PageContext &context);
-Pieces appearancePage(PageContext &context);
-Pieces wellnessPage(PageContext &context);
-Pieces statsPage(PageContext &context);
-Pieces advancedPage(PageContext &context);
+Elements breaksPage(PageContext &context);
+Elements plannedPage(PageContext &context);
+Elements phonePage(PageContext &context);
+Elements pausingPage(PageContext &context);
+Elements appearancePage(PageContext &context);
+Elements wellnessPage(PageContext &context);
+Elements statsPage(PageContext &context);
+Elements advancedPage(PageContext &context);
 
 } // namespace pavonel

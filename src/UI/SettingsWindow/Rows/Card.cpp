@@ -62,8 +62,8 @@ QWidget *Card::make(Look &look) const {
     lines->setSpacing(0);
     if (!title.isEmpty())
         lines->addWidget(heading(look, *this));
-    for (const Piece &piece : content)
-        lines->addWidget(piece.make(look));
+    for (const Element &element : content)
+        lines->addWidget(element.make(look));
     return card;
 }
 

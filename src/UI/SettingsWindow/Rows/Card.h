@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/SettingsWindow/Rows/Piece.h"
+#include "UI/SettingsWindow/Rows/Element.h"
 
 #include <QString>
 
@@ -10,7 +10,7 @@ namespace pavonel {
 struct Card {
     QString title;
     QString subtitle;
-    Pieces content;
+    Elements content;
 
     QWidget *make(Look &look) const;
 };

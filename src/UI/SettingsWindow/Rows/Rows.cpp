@@ -19,7 +19,7 @@ namespace pavonel {
 
 namespace {
 
-class SwitchRowWidget final : public CardRow, public Follower {
+class SwitchRowWidget final : public CardRow, public Refreshable {
 public:
     SwitchRowWidget(Look &look, const SwitchRow &row) : CardRow(look), isOn_(row.isOn) {
         addLabel(row.label, row.note);
@@ -27,10 +27,10 @@ public:
         switch_->setAccessibleDescription(row.note);
         add(switch_);
         connect(switch_, &Switch::toggled, this, [this](bool on) { isOn_.set(on); });
-        SwitchRowWidget::readAgain();
+        SwitchRowWidget::refresh();
     }
 
-    void readAgain() override { switch_->setOn(isOn_.get()); }
+    void refresh() override { switch_->setOn(isOn_.get()); }
 
 protected:
     void mousePressEvent(QMouseEvent *event) override { event->accept(); }
@@ -40,11 +40,11 @@ protected:
     }
 
 private:
-    Bound<bool> isOn_;
+    ValueBinding<bool> isOn_;
     Switch *switch_;
 };
 
-class StepRowWidget final : public CardRow, public Follower {
+class StepRowWidget final : public CardRow, public Refreshable {
 public:
     StepRowWidget(Look &look, const StepRow &row) : CardRow(look), value_(row.value) {
         addLabel(row.label);
@@ -59,17 +59,17 @@ public:
         stepper_->onStep = [this](double value) { value_.set(value); };
         stepper_->onChange = [shown](double value) { shown->setValue(value); };
         shown->setValue(stepper_->value());
-        StepRowWidget::readAgain();
+        StepRowWidget::refresh();
     }
 
-    void readAgain() override { stepper_->setValue(value_.get()); }
+    void refresh() override { stepper_->setValue(value_.get()); }
 
 private:
-    Bound<double> value_;
+    ValueBinding<double> value_;
     Stepper *stepper_;
 };
 
-class PickerRowWidget final : public CardRow, public Follower {
+class PickerRowWidget final : public CardRow, public Refreshable {
 public:
     PickerRowWidget(Look &look, const PickerRow &row) : CardRow(look), selection_(row.selection) {
         addLabel(row.label);
@@ -78,17 +78,17 @@ public:
             add(row.before(look));
         add(button_);
         button_->onChoice = [this](const QString &choice) { selection_.set(choice); };
-        PickerRowWidget::readAgain();
+        PickerRowWidget::refresh();
     }
 
-    void readAgain() override { button_->setChoice(selection_.get()); }
+    void refresh() override { button_->setChoice(selection_.get()); }
 
 private:
-    Bound<QString> selection_;
+    ValueBinding<QString> selection_;
     PopUpButton *button_;
 };
 
-class LabeledFieldWidget final : public CardRow, public Follower {
+class LabeledFieldWidget final : public CardRow, public Refreshable {
 public:
     LabeledFieldWidget(Look &look, const LabeledField &row) : CardRow(look), text_(row.text) {
         auto *lines = new QWidget;
@@ -104,51 +104,51 @@ public:
         addOutdented(lines);
         // Not `textEdited`, which keeps silent about what a screen reader writes.
         connect(field_, &QLineEdit::textChanged, this, [this](const QString &text) { text_.set(text); });
-        LabeledFieldWidget::readAgain();
+        LabeledFieldWidget::refresh();
     }
 
-    void readAgain() override { showText(*field_, text_.get()); }
+    void refresh() override { showText(*field_, text_.get()); }
 
 private:
-    Bound<QString> text_;
+    ValueBinding<QString> text_;
     QLineEdit *field_;
 };
 
 /// Never seen itself: it lets the row that it lies in be used or not.
-class Dependence final : public QWidget, public Follower {
+class EnabledState final : public QWidget, public Refreshable {
 public:
-    Dependence(QWidget &row, std::function<bool()> holds) : QWidget(&row), holds_(std::move(holds)) {
+    EnabledState(QWidget &row, std::function<bool()> holds) : QWidget(&row), holds_(std::move(holds)) {
         hide();
-        Dependence::readAgain();
+        EnabledState::refresh();
     }
 
-    void readAgain() override { parentWidget()->setEnabled(holds_()); }
+    void refresh() override { parentWidget()->setEnabled(holds_()); }
 
 private:
     std::function<bool()> holds_;
 };
 
 /// A text that comes and goes.
-class WordsWidget final : public QWidget, public Follower {
+class NoteWidget final : public QWidget, public Refreshable {
 public:
-    WordsWidget(Look &look, Words words, Text::Style style, const QMargins &margins)
-        : words_(std::move(words)), text_(new Text(look, {}, style)) {
+    NoteWidget(Look &look, TextSource source, Text::Style style, const QMargins &margins)
+        : source_(std::move(source)), text_(new Text(look, {}, style)) {
         auto *lines = new QVBoxLayout(this);
         lines->setContentsMargins(margins);
         lines->addWidget(text_);
-        WordsWidget::readAgain();
+        NoteWidget::refresh();
     }
 
-    void readAgain() override {
+    void refresh() override {
         const QString before = text_->text();
-        text_->setText(words_());
-        letSee(*this, !text_->text().isEmpty());
+        text_->setText(source_());
+        showInPlace(*this, !text_->text().isEmpty());
         if (text_->text() != before && isVisible())
             announce(*text_);
     }
 
 private:
-    Words words_;
+    TextSource source_;
     Text *text_;
 };
 
@@ -162,9 +162,9 @@ QWidget *StepRow::make(Look &look) const {
     return new StepRowWidget(look, *this);
 }
 
-QWidget *OnlyWhile::make(Look &look) const {
+QWidget *EnabledWhile::make(Look &look) const {
     QWidget *widget = row.make(look);
-    new Dependence(*widget, holds);
+    new EnabledState(*widget, holds);
     return widget;
 }
 
@@ -177,11 +177,11 @@ QWidget *LabeledField::make(Look &look) const {
 }
 
 QWidget *CardNote::make(Look &look) const {
-    return new WordsWidget(look, text, style, {CardRow::margin, 0, CardRow::margin, 9});
+    return new NoteWidget(look, text, style, {CardRow::margin, 0, CardRow::margin, 9});
 }
 
 QWidget *PageNote::make(Look &look) const {
-    return new WordsWidget(look, text, style, {FocusRing::room, 0, FocusRing::room, 0});
+    return new NoteWidget(look, text, style, {FocusRing::room, 0, FocusRing::room, 0});
 }
 
 QWidget *ButtonRow::make(Look &) const {

@@ -4,8 +4,8 @@
 #include "UI/Controls/Button.h"
 #include "UI/Controls/Stepper.h"
 #include "UI/Controls/Text.h"
-#include "UI/SettingsWindow/Rows/Bound.h"
-#include "UI/SettingsWindow/Rows/Piece.h"
+#include "UI/SettingsWindow/Rows/Element.h"
+#include "UI/SettingsWindow/Rows/ValueBinding.h"
 
 #include <QStringList>
 
@@ -15,7 +15,7 @@ namespace pavonel {
 
 struct SwitchRow {
     QString label;
-    Bound<bool> isOn;
+    ValueBinding<bool> isOn;
     QString note = {};
 
     QWidget *make(Look &look) const;
@@ -23,7 +23,7 @@ struct SwitchRow {
 
 struct StepRow {
     QString label;
-    Bound<double> value; ///< Seconds; a value that no clock can show is shown bounded.
+    ValueBinding<double> value; ///< Seconds; a value that no clock can show is shown bounded.
     Range range;
     double step;
     QString suffix = {};
@@ -32,16 +32,16 @@ struct StepRow {
 };
 
 /// A row that can be used only while something else is as it must be, and is pale otherwise.
-struct OnlyWhile {
+struct EnabledWhile {
     std::function<bool()> holds;
-    Piece row;
+    Element row;
 
     QWidget *make(Look &look) const;
 };
 
 struct PickerRow {
     QString label;
-    Bound<QString> selection;
+    ValueBinding<QString> selection;
     QStringList choices;
     std::function<QWidget *(Look &)> before = {}; ///< What stands before the choice, where something does.
 
@@ -50,23 +50,23 @@ struct PickerRow {
 
 struct LabeledField {
     QString label;
-    Bound<QString> text;
+    ValueBinding<QString> text;
     QString prompt = {};
 
     QWidget *make(Look &look) const;
 };
 
-/// What is said by a sentence that can change; empty for nothing.
-using Words = std::function<QString()>;
+/// Yields a sentence that can change; empty for nothing.
+using TextSource = std::function<QString()>;
 
 /// A small sentence in a card, under the row before it; takes no room while it is empty.
 struct CardNote {
-    CardNote(Words words) : text(std::move(words)) {}
-    CardNote(const QString &words) : text([words] { return words; }) {}
+    CardNote(TextSource source) : text(std::move(source)) {}
+    CardNote(const QString &sentence) : text([sentence] { return sentence; }) {}
 
-    CardNote(Words words, Text::Style inStyle) : text(std::move(words)), style(inStyle) {}
+    CardNote(TextSource source, Text::Style inStyle) : text(std::move(source)), style(inStyle) {}
 
-    Words text;
+    TextSource text;
     Text::Style style = Text::Style::note;
 
     QWidget *make(Look &look) const;
@@ -74,11 +74,11 @@ struct CardNote {
 
 /// A sentence on the page itself, below a card; takes no room while it is empty.
 struct PageNote {
-    PageNote(Words words) : text(std::move(words)) {}
-    PageNote(const QString &words, Text::Style inStyle = Text::Style::secondary)
-        : text([words] { return words; }), style(inStyle) {}
+    PageNote(TextSource source) : text(std::move(source)) {}
+    PageNote(const QString &sentence, Text::Style inStyle = Text::Style::secondary)
+        : text([sentence] { return sentence; }), style(inStyle) {}
 
-    Words text;
+    TextSource text;
     Text::Style style = Text::Style::secondary;
 
     QWidget *make(Look &look) const;

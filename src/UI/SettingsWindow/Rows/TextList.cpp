@@ -25,7 +25,7 @@ QStringList keysOf(const QStringList &texts) {
     return keys;
 }
 
-class TextListWidget final : public QWidget, public Follower {
+class TextListWidget final : public QWidget, public Refreshable {
 public:
     TextListWidget(Look &look, const TextList &list) : list_(list) {
         auto *lines = new QVBoxLayout(this);
@@ -40,14 +40,14 @@ public:
         lines->addWidget(rows_);
         undo_ = new UndoRow(look);
         lines->addWidget(undo_);
-        TextListWidget::readAgain();
+        TextListWidget::refresh();
     }
 
-    void readAgain() override {
+    void refresh() override {
         const QStringList texts = list_.texts.get();
         rows_->setKeys(keysOf(texts));
         empty_->setVisible(texts.isEmpty() && !list_.whenEmpty.isEmpty());
-        letSee(*this, !texts.isEmpty() || !list_.whenEmpty.isEmpty() || !undo_->isHidden());
+        showInPlace(*this, !texts.isEmpty() || !list_.whenEmpty.isEmpty() || !undo_->isHidden());
     }
 
 private:

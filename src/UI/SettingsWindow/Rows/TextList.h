@@ -1,8 +1,8 @@
 #pragma once
 
 #include "UI/Controls/ListRow.h"
-#include "UI/SettingsWindow/Rows/Bound.h"
-#include "UI/SettingsWindow/Rows/Piece.h"
+#include "UI/SettingsWindow/Rows/Element.h"
+#include "UI/SettingsWindow/Rows/ValueBinding.h"
 
 #include <QStringList>
 
@@ -11,7 +11,7 @@ namespace pavonel {
 /// The entries of a list of texts, one a row with a button that removes it, which can be undone. The same
 /// text may be there twice.
 struct TextList {
-    Bound<QStringList> texts;
+    ValueBinding<QStringList> texts;
     QString whenEmpty = {}; ///< Shown in place of the rows.
     /// How an entry is shown; as its text unless told otherwise.
     std::function<ListRow::Entry(const QString &)> entry = [](const QString &text) {

@@ -92,8 +92,9 @@ QString shortcutNote(const Settings &settings, const HotKeyManager &hotKeys) {
 Card updateCard(PageContext &context) {
     Updater &updater = context.updater;
     UserDefaults &defaults = *context.platform.defaults;
-    const Bound<bool> automatic([&updater] { return updater.automatic(); },
-                                [&defaults](bool wanted) { defaults.set(Updater::automaticKey, wanted); });
+    const ValueBinding<bool> automatic(
+        [&updater] { return updater.automatic(); },
+        [&defaults](bool wanted) { defaults.set(Updater::automaticKey, wanted); });
     return Card{u"Updates"_s,
                 {},
                 {
@@ -124,7 +125,7 @@ Card systemCard(PageContext &context) {
 
 } // namespace
 
-Pieces advancedPage(PageContext &context) {
+Elements advancedPage(PageContext &context) {
     Settings &settings = context.settings;
     return {
         updateCard(context),
@@ -139,7 +140,7 @@ Pieces advancedPage(PageContext &context) {
                  CardNote(u"AppleScript, a .scpt path, or shortcut:Name"_s),
                  limitationNote(*context.platform.processes),
              }},
-        ButtonRow{u"Quit Pavonel"_s, [] { QCoreApplication::exit(); }},
+        ButtonRow{u"Quit Pavonel"_s, [&context] { context.platform.mainLoop->quit(0); }},
     };
 }
 

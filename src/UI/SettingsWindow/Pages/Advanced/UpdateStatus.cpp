@@ -7,7 +7,7 @@
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Pages/Advanced/RelativeTime.h"
-#include "UI/SettingsWindow/Rows/Changing.h"
+#include "UI/SettingsWindow/Rows/DynamicSection.h"
 
 #include <QPainter>
 #include <QProgressBar>
@@ -136,7 +136,7 @@ QWidget *UpdateStatus::make(Look &look) const {
     const auto row = [&updater = updater, &loop = loop](Look &shared) {
         return new StatusRow(shared, updater, loop);
     };
-    return Changing{loop, {&updater}, [row] { return Pieces{row}; }}.make(look);
+    return DynamicSection{loop, {&updater}, [row] { return Elements{row}; }}.make(look);
 }
 
 } // namespace pavonel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/SettingsWindow/Rows/Piece.h"
+#include "UI/SettingsWindow/Rows/Element.h"
 
 namespace pavonel {
 

@@ -6,10 +6,10 @@
 #include "UI/SettingsWindow/Pages/Appearance/StyleChoice.h"
 #include "UI/SettingsWindow/Pages/Pages.h"
 #include "UI/SettingsWindow/Rows/AddField.h"
-#include "UI/SettingsWindow/Rows/Bound.h"
 #include "UI/SettingsWindow/Rows/Card.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 #include "UI/SettingsWindow/Rows/TextList.h"
+#include "UI/SettingsWindow/Rows/ValueBinding.h"
 
 namespace pavonel {
 
@@ -19,16 +19,16 @@ namespace {
 
 const QString none = QStringLiteral("None");
 
-class ListenButton final : public Button, public Follower {
+class ListenButton final : public Button, public Refreshable {
 public:
     ListenButton(const QString &label, std::function<QString()> sound, Sounds &sounds)
         : Button({}, Role::bare, u"speaker.wave.2"_s), sound_(std::move(sound)) {
         setAccessibleName(u"Listen to %1"_s.arg(label));
         connect(this, &Button::clicked, this, [this, &sounds] { SoundPlayer::play(sounds, sound_()); });
-        ListenButton::readAgain();
+        ListenButton::refresh();
     }
 
-    void readAgain() override { setEnabled(sound_() != none); }
+    void refresh() override { setEnabled(sound_() != none); }
 
 private:
     std::function<QString()> sound_;
@@ -36,7 +36,7 @@ private:
 
 /// A picker of one of the system's sounds or none. A choice is heard at once, and again with the button
 /// beside it.
-PickerRow soundRow(const QString &label, const Bound<QString> &sound, Sounds &sounds) {
+PickerRow soundRow(const QString &label, const ValueBinding<QString> &sound, Sounds &sounds) {
     const auto chooseAndPlay = [set = sound.set, &sounds](const QString &choice) {
         set(choice);
         SoundPlayer::play(sounds, choice);
@@ -50,7 +50,7 @@ PickerRow soundRow(const QString &label, const Bound<QString> &sound, Sounds &so
 
 } // namespace
 
-Pieces appearancePage(PageContext &context) {
+Elements appearancePage(PageContext &context) {
     Settings &settings = context.settings;
     Platform &platform = context.platform;
     const auto sounds = [&settings] { return settings.soundEnabled.get(); };
@@ -69,8 +69,8 @@ Pieces appearancePage(PageContext &context) {
              {},
              {
                  SwitchRow{u"Play sounds"_s, settings.soundEnabled},
-                 OnlyWhile{sounds, soundRow(u"Break starts"_s, settings.startSound, *platform.sounds)},
-                 OnlyWhile{sounds, soundRow(u"Break ends"_s, settings.endSound, *platform.sounds)},
+                 EnabledWhile{sounds, soundRow(u"Break starts"_s, settings.startSound, *platform.sounds)},
+                 EnabledWhile{sounds, soundRow(u"Break ends"_s, settings.endSound, *platform.sounds)},
                  limitationNote(*platform.sounds),
              }},
         Card{u"Break messages"_s,

@@ -9,7 +9,7 @@
 #include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/Text.h"
-#include "UI/SettingsWindow/Rows/Piece.h"
+#include "UI/SettingsWindow/Rows/Element.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
@@ -98,7 +98,7 @@ QString pictureFilter() {
     return QStringLiteral("Images (%1)").arg(patterns.join(u' '));
 }
 
-class CustomImageWidget final : public CardRow, public Follower {
+class CustomImageWidget final : public CardRow, public Refreshable {
 public:
     CustomImageWidget(Look &look, Settings &settings)
         : CardRow(look), settings_(settings), thumbnail_(new PictureThumbnail(look)),
@@ -116,7 +116,7 @@ public:
         describe();
     }
 
-    void readAgain() override {
+    void refresh() override {
         if (path_ == settings_.customBackgroundPath.get())
             return;
         thumbnail_->setPath(path_ = settings_.customBackgroundPath);

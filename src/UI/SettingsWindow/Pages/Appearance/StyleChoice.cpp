@@ -5,7 +5,7 @@
 #include "UI/Controls/FocusRing.h"
 #include "UI/SettingsWindow/Pages/Appearance/BreakPreview.h"
 #include "UI/SettingsWindow/Pages/Appearance/StyleTile.h"
-#include "UI/SettingsWindow/Rows/Piece.h"
+#include "UI/SettingsWindow/Rows/Element.h"
 #include "UI/Theme.h"
 
 #include <QButtonGroup>
@@ -24,7 +24,7 @@ constexpr int bottom = 14 - room;
 
 /// The tiles stand beside the preview, or below it where there is no room; with large text on a narrow page
 /// the preview is smaller, and fewer tiles are in a row.
-class StyleChoiceWidget final : public QWidget, public Follower {
+class StyleChoiceWidget final : public QWidget, public Refreshable {
 public:
     StyleChoiceWidget(Look &look, Settings &settings)
         : settings_(settings), group_(new QButtonGroup(this)), preview_(new BreakPreview(look, settings)),
@@ -37,7 +37,7 @@ public:
             if (on)
                 settings_.backgroundStyle = id;
         });
-        StyleChoiceWidget::readAgain();
+        StyleChoiceWidget::refresh();
     }
 
     QSize sizeHint() const override {
@@ -50,7 +50,7 @@ public:
         return std::max(previewPlace(width).bottom() + 1 + room, tiles.bottom() + 1) + bottom;
     }
 
-    void readAgain() override {
+    void refresh() override {
         const QSignalBlocker silence(group_);
         group_->button(Theme::gradient(settings_.backgroundStyle).id)->setChecked(true);
     }

@@ -55,7 +55,7 @@ QWidget *chooseButton(Look &look, InstalledApplications &applications,
     return button;
 }
 
-Pieces focusAppParts(Settings &settings, InstalledApplications &applications) {
+Elements focusAppParts(Settings &settings, InstalledApplications &applications) {
     const auto add = [&settings](const QString &identifier) {
         settings.deepFocusApps = withEntry(settings.deepFocusApps, identifier);
     };
@@ -73,10 +73,10 @@ Pieces focusAppParts(Settings &settings, InstalledApplications &applications) {
 
 } // namespace
 
-Pieces pausingPage(PageContext &context) {
+Elements pausingPage(PageContext &context) {
     Settings &settings = context.settings;
     Platform &platform = context.platform;
-    Pieces focusApps = focusAppParts(settings, *platform.installedApplications);
+    Elements focusApps = focusAppParts(settings, *platform.installedApplications);
     focusApps.push_back(limitationNote(*platform.applications));
     return {
         Card{u"Pause automatically"_s,
@@ -90,14 +90,15 @@ Pieces pausingPage(PageContext &context) {
                  limitationNote(*platform.audioDevices),
                  SwitchRow{u"During screen recording or sharing"_s, settings.pauseOnScreenSharing},
              }},
-        Card{u"Natural breaks"_s,
-             {},
-             {
-                 SwitchRow{u"Reset the timer when I step away"_s, settings.naturalBreakEnabled},
-                 OnlyWhile{[&settings] { return settings.naturalBreakEnabled.get(); },
-                           StepRow{u"After"_s, settings.idleResetSeconds, {20, 600}, 10, u"of no input"_s}},
-                 limitationNote(*platform.idleTime),
-             }},
+        Card{
+            u"Natural breaks"_s,
+            {},
+            {
+                SwitchRow{u"Reset the timer when I step away"_s, settings.naturalBreakEnabled},
+                EnabledWhile{[&settings] { return settings.naturalBreakEnabled.get(); },
+                             StepRow{u"After"_s, settings.idleResetSeconds, {20, 600}, 10, u"of no input"_s}},
+                limitationNote(*platform.idleTime),
+            }},
         Card{u"Focus apps"_s, {}, focusApps},
     };
 }

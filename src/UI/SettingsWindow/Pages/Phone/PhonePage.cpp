@@ -9,7 +9,7 @@
 #include "UI/SettingsWindow/Pages/Phone/CodeView.h"
 #include "UI/SettingsWindow/Pages/Phone/QrCodeView.h"
 #include "UI/SettingsWindow/Rows/Card.h"
-#include "UI/SettingsWindow/Rows/Changing.h"
+#include "UI/SettingsWindow/Rows/DynamicSection.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 #include "UI/Symbol.h"
 
@@ -94,15 +94,15 @@ QString aboutService(const Phone &phone) {
         .arg(name);
 }
 
-Pieces unpairedParts(Phone &phone, const QString &failure) {
-    Pieces card{CardText{
+Elements unpairedParts(Phone &phone, const QString &failure) {
+    Elements card{CardText{
         u"A break on the Mac is only half a break if you pick up your phone. Pair the two and the same "
         "countdown appears there — on the Lock Screen and in the Dynamic Island — and clears when you end "
         "the break here.\n\nAway from the Mac, the app keeps its own hours: breaks as often and as long as "
         "you like. While this Mac is running Pavonel, this Mac decides."_s,
         Text::Style::label,
         {CardRow::margin, 14, CardRow::margin, 12}}};
-    Pieces parts{[card = Card{{}, {}, card}](Look &look) {
+    Elements parts{[card = Card{{}, {}, card}](Look &look) {
         QWidget *widget = card.make(look);
         widget->setAccessibleName(u"Pavonel for iPhone"_s); // it has no title
         return widget;
@@ -116,13 +116,13 @@ Pieces unpairedParts(Phone &phone, const QString &failure) {
     return parts;
 }
 
-Pieces waitingParts(Phone &phone, const QString &code) {
+Elements waitingParts(Phone &phone, const QString &code) {
     const auto sentence = [](const QString &text, int below) {
         return CardText{text, Text::Style::secondary, {CardRow::margin, 0, CardRow::margin, below}};
     };
     constexpr int toNext = 2;
     constexpr int toEnd = 12;
-    Pieces card{Code{code, phone.pageFor(code)}};
+    Elements card{Code{code, phone.pageFor(code)}};
     if (const QString service = phone.serviceName(); !service.isEmpty())
         card.push_back(
             sentence(u"Or point the phone’s camera at it, or open %1 there."_s.arg(service), toNext));
@@ -132,11 +132,11 @@ Pieces waitingParts(Phone &phone, const QString &code) {
             ButtonRow{u"Cancel"_s, [&phone] { phone.unpair(); }}};
 }
 
-Pieces pairedParts(Phone &phone) {
+Elements pairedParts(Phone &phone) {
     return {Card{u"Paired"_s, {}, {PairedRow{[&phone] { phone.unpair(); }}}}};
 }
 
-Pieces phoneParts(Phone &phone) {
+Elements phoneParts(Phone &phone) {
     const Phone::State &state = phone.state;
     if (const auto *waiting = std::get_if<Phone::Waiting>(&state))
         return waitingParts(phone, waiting->code);
@@ -148,11 +148,12 @@ Pieces phoneParts(Phone &phone) {
 
 } // namespace
 
-Pieces phonePage(PageContext &context) {
+Elements phonePage(PageContext &context) {
     Phone &phone = context.phone;
     constexpr int betweenCards = 14;
     return {
-        Changing{*context.platform.mainLoop, {&phone}, [&phone] { return phoneParts(phone); }, betweenCards},
+        DynamicSection{
+            *context.platform.mainLoop, {&phone}, [&phone] { return phoneParts(phone); }, betweenCards},
         PageNote(
             u"Only the break itself travels to the phone: its kind, its name and when it ends. Settings and "
             "statistics never leave this computer."_s,

@@ -7,7 +7,7 @@
 #include "UI/SettingsWindow/Pages/Planned/PlannedEditing.h"
 #include "UI/SettingsWindow/Pages/Planned/PlannedRow.h"
 #include "UI/SettingsWindow/Rows/Card.h"
-#include "UI/SettingsWindow/Rows/Piece.h"
+#include "UI/SettingsWindow/Rows/Element.h"
 #include "UI/SettingsWindow/Rows/RowList.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 #include "UI/SettingsWindow/Rows/UndoRow.h"
@@ -27,7 +27,7 @@ namespace {
 
 /// The planned breaks to edit, in the user's order, below a line that tells how many are active. `added` is
 /// set when the user adds one, to which the keyboard then goes.
-class PlannedList final : public QWidget, public Follower {
+class PlannedList final : public QWidget, public Refreshable {
 public:
     PlannedList(Look &look, Settings &settings, std::shared_ptr<bool> added)
         : settings_(settings), added_(std::move(added)), state_(new Text(look, {}, Text::Style::secondary)),
@@ -43,10 +43,10 @@ public:
         lines->addWidget(rows_);
         undo_ = new UndoRow(look);
         lines->addWidget(undo_);
-        PlannedList::readAgain();
+        PlannedList::refresh();
     }
 
-    void readAgain() override {
+    void refresh() override {
         const PlannedBreaks &breaks = settings_.plannedBreaks;
         state_->setText(breaks.empty() ? QStringLiteral("No planned breaks yet") : activeText(breaks));
         const QStringList keys = plannedKeys(breaks);
@@ -95,7 +95,7 @@ private:
 
 } // namespace
 
-Pieces plannedPage(PageContext &context) {
+Elements plannedPage(PageContext &context) {
     Settings &settings = context.settings;
     const auto added = std::make_shared<bool>(false);
     const auto add = [&settings, added] {

@@ -36,18 +36,18 @@ class WeekSection final : public QWidget {
 public:
     WeekSection(Look &look, Stats &stats)
         : look_(look), stats_(stats), chart_(new WeekChart(look)),
-          refresher_(look.loop(), {&stats}, [this] { readAgain(); }) {
+          refresher_(look.loop(), {&stats}, [this] { refresh(); }) {
         auto *lines = new QVBoxLayout(this);
         lines->setContentsMargins(CardRow::margin, 2, CardRow::margin, 10);
         lines->setSpacing(14);
         lines->addWidget(new QWidget);
         lines->addWidget(chart_);
-        readAgain();
+        refresh();
     }
 
 private:
     /// Every second; but what is shown changes once a minute.
-    void readAgain() {
+    void refresh() {
         const auto week = stats_.lastWeek();
         chart_->setDays(week);
         const Tiles tiles = tilesOf(WeekFigures::of(week));
@@ -123,7 +123,7 @@ private:
 
 } // namespace
 
-Pieces statsPage(PageContext &context) {
+Elements statsPage(PageContext &context) {
     Stats &stats = context.stats;
     const auto week = [&stats](Look &look) { return new WeekSection(look, stats); };
     return {

@@ -7,12 +7,12 @@
 namespace pavonel {
 
 /// A value that a row shows and writes, but that is kept elsewhere; as a rule a setting.
-template <class T> struct Bound {
-    Bound(Setting<T> &setting)
+template <class T> struct ValueBinding {
+    ValueBinding(Setting<T> &setting)
         : get([&setting] { return setting.get(); }), set([&setting](const T &value) { setting = value; }) {}
 
     /// Both must hold for as long as the row is shown.
-    Bound(std::function<T()> getter, std::function<void(const T &)> setter)
+    ValueBinding(std::function<T()> getter, std::function<void(const T &)> setter)
         : get(std::move(getter)), set(std::move(setter)) {}
 
     std::function<T()> get;

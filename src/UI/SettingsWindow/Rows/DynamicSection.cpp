@@ -1,4 +1,4 @@
-#include "UI/SettingsWindow/Rows/Changing.h"
+#include "UI/SettingsWindow/Rows/DynamicSection.h"
 
 #include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/FocusRing.h"
@@ -14,9 +14,9 @@ namespace pavonel {
 
 namespace {
 
-class ChangingWidget final : public QWidget {
+class DynamicSectionWidget final : public QWidget {
 public:
-    ChangingWidget(Look &look, const Changing &part)
+    DynamicSectionWidget(Look &look, const DynamicSection &part)
         : look_(look), part_(part), refresher_(part.loop, part.watched, [this] { refresh(); }) {
         auto *lines = new QVBoxLayout(this);
         lines->setContentsMargins({});
@@ -80,8 +80,8 @@ private:
             delete item->widget();
             delete item;
         }
-        for (const Piece &piece : part_.content()) {
-            QWidget *widget = piece.make(look_);
+        for (const Element &element : part_.content()) {
+            QWidget *widget = element.make(look_);
             const bool wantsToHide =
                 widget->isHidden() && widget->testAttribute(Qt::WA_WState_ExplicitShowHide);
             layout()->addWidget(widget);
@@ -106,14 +106,14 @@ private:
     }
 
     Look &look_;
-    Changing part_;
+    DynamicSection part_;
     Refresher refresher_;
 };
 
 } // namespace
 
-QWidget *Changing::make(Look &look) const {
-    return new ChangingWidget(look, *this);
+QWidget *DynamicSection::make(Look &look) const {
+    return new DynamicSectionWidget(look, *this);
 }
 
 } // namespace pavonel

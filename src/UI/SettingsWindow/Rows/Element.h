@@ -13,17 +13,17 @@ namespace pavonel {
 
 /// Anything that can stand in the column of a page or of a card, described before it is built: one of the
 /// rows (`Rows.h`), a `Card`, or a function that makes a widget of one's own.
-class Piece {
+class Element {
 public:
     template <class Description>
     requires requires(const Description &description, Look &look) {
         { description.make(look) } -> std::convertible_to<QWidget *>;
     }
-    Piece(Description description)
+    Element(Description description)
         : make_([description = std::move(description)](Look &look) { return description.make(look); }) {}
 
     template <class Function>
-    requires std::is_invocable_r_v<QWidget *, const Function &, Look &> Piece(Function function)
+    requires std::is_invocable_r_v<QWidget *, const Function &, Look &> Element(Function function)
         : make_(std::move(function)) {}
 
     /// A new widget, which the caller owns. The look must outlive it.
@@ -33,24 +33,24 @@ private:
     std::function<QWidget *(Look &)> make_;
 };
 
-using Pieces = std::vector<Piece>;
+using Elements = std::vector<Element>;
 
 /// Mixed into widgets of a page that show a setting: told from the loop after any setting changed.
-class Follower {
+class Refreshable {
 public:
-    Follower() = default;
-    Follower(const Follower &) = delete;
-    Follower &operator=(const Follower &) = delete;
+    Refreshable() = default;
+    Refreshable(const Refreshable &) = delete;
+    Refreshable &operator=(const Refreshable &) = delete;
 
-    virtual void readAgain() = 0;
+    virtual void refresh() = 0;
 
 protected:
-    ~Follower() = default;
+    ~Refreshable() = default;
 };
 
 /// Lets a widget be seen or not. One that has not come to its place yet is seen as soon as it is there; to
 /// show it before would open a window of its own.
-inline void letSee(QWidget &widget, bool seen) {
+inline void showInPlace(QWidget &widget, bool seen) {
     if (!seen || widget.parentWidget())
         widget.setVisible(seen);
 }

@@ -18,7 +18,7 @@ namespace pavonel {
 
 class Look;
 
-namespace element {
+namespace drawing {
 
 struct Context {
     QPainter &painter;
@@ -58,6 +58,6 @@ constexpr int scrollBarWidth = 12; ///< Of the strip that the thumb runs in.
 QRect scrollThumb(const QStyleOptionSlider &bar);
 void drawScrollBar(const Context &context, const QStyleOptionSlider &bar);
 
-} // namespace element
+} // namespace drawing
 
 } // namespace pavonel

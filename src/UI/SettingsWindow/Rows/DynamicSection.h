@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/SettingsWindow/Rows/Piece.h"
+#include "UI/SettingsWindow/Rows/Element.h"
 
 namespace pavonel {
 
@@ -9,11 +9,11 @@ class Observable;
 
 /// A part of a page that is another one in every state of what it watches: made anew, from the loop, after
 /// each change. The keyboard stays in it, and what it says anew is announced.
-struct Changing {
+struct DynamicSection {
     MainLoop &loop;
     std::vector<Observable *> watched;
-    std::function<Pieces()> content;
-    int spacing = 0; ///< Points between the pieces.
+    std::function<Elements()> content;
+    int spacing = 0; ///< Points between the elements.
 
     QWidget *make(Look &look) const;
 };
