@@ -1,4 +1,4 @@
-#include "Platform/Qt/FileDefaults.h"
+#include "Platform/Posix/FileDefaults.h"
 #include "support/NightShifts.h"
 #include "support/VirtualMainLoop.h"
 

@@ -10,7 +10,7 @@ import unittest
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 if "PAVONEL_PHONE_LINK" not in os.environ:
     os.environ["PAVONEL_PHONE_LINK"] = "on a virtual desktop"
-    sys.exit(subprocess.call([ROOT / "packaging/virtual-desktop", "--size", "1280x720", sys.executable, *sys.argv]))
+    sys.exit(subprocess.call([ROOT / "scripts/virtual-desktop", "--size", "1280x720", sys.executable, *sys.argv]))
 sys.path += [str(ROOT / "relay/tests"), str(ROOT / "tests/EndToEnd/settings-road")]
 
 import computer as desktop  # noqa: E402
