@@ -1,7 +1,7 @@
-#include "Platform/Qt/BorrowedDefaults.h"
+#include "Platform/Posix/BorrowedDefaults.h"
 
 #include "Platform/DefaultsFolder.h"
-#include "Platform/Qt/FileLock.h"
+#include "Platform/Posix/FileLock.h"
 
 namespace pavonel::test {
 

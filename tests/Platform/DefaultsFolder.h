@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Qt/FileDefaults.h"
+#include "Platform/Posix/FileDefaults.h"
 #include "support/VirtualMainLoop.h"
 #include "support/files.h"
 

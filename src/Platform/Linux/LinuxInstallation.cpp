@@ -1,6 +1,6 @@
 #include "Platform/Linux/LinuxInstallation.h"
 
-#include "Platform/Qt/PrivateFolder.h"
+#include "Platform/Posix/PrivateFolder.h"
 
 #include <QDir>
 #include <QDirIterator>

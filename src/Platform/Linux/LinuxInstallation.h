@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/Installation.h"
-#include "Platform/Qt/FileLock.h"
+#include "Platform/Posix/FileLock.h"
 #include "Platform/Qt/ProgramFiles.h"
 
 #include <QFileSystemWatcher>

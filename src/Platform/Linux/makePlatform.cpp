@@ -38,14 +38,14 @@
 #include "Platform/Linux/X11/X11WindowLayers.h"
 #include "Platform/Linux/X11/X11Windows.h"
 #include "Platform/Platform.h"
-#include "Platform/Qt/BorrowedDefaults.h"
-#include "Platform/Qt/FileDefaults.h"
+#include "Platform/Posix/BorrowedDefaults.h"
+#include "Platform/Posix/FileDefaults.h"
+#include "Platform/Posix/SignalTermination.h"
+#include "Platform/Posix/ToolProcesses.h"
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/Qt/QtPointer.h"
 #include "Platform/Qt/QtScreens.h"
-#include "Platform/Qt/QtToolRunner.h"
 #include "Platform/Qt/QtWindowLayers.h"
-#include "Platform/Qt/SignalTermination.h"
 #include "Platform/Qt/StoreFile.h"
 
 #include <QDBusConnection>
@@ -190,7 +190,7 @@ HeadlessPlatform allButTheStore() {
     HeadlessPlatform platform;
     platform.mainLoop = std::make_unique<QtMainLoop>();
     platform.processes = std::make_unique<DetachedLauncher>(files);
-    platform.tools = std::make_unique<QtToolRunner>(files);
+    platform.tools = std::make_unique<ToolProcesses>(files);
     platform.installation = makeInstallation();
     platform.http = std::make_unique<FetchClient>(files);
     return platform;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/MainLoop.h"
-#include "Platform/Qt/LocalZone.h"
+#include "Platform/Posix/LocalZone.h"
 
 #include <QObject>
 

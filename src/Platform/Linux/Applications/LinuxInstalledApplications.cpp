@@ -56,7 +56,7 @@ QString nameFor(const DesktopEntry &entry, const QString &locale) {
     return entry.text("Name").simplified();
 }
 
-/// Recorders run under identifiers that the product knows them by.
+/// Recorders run under identifiers that Pavonel knows them by.
 QString identifierAtRunTime(const QString &identifier, const DesktopEntry &entry) {
     QByteArrayList command;
     for (const QString &word : entry.command())

@@ -6,7 +6,8 @@
 
 namespace pavonel {
 
-/// Programs of this system that record or share the screen, under the identifiers which the product knows.
+/// Programs of this system that record or share the screen, under the identifiers by which Pavonel knows
+/// them.
 namespace recorders {
 
 /// For a program by its base name and its command line; empty for any other program.

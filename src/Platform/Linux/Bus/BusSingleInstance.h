@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Qt/FileLock.h"
+#include "Platform/Posix/FileLock.h"
 #include "Platform/SingleInstance.h"
 
 #include <QDBusConnection>

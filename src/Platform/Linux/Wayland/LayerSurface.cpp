@@ -7,6 +7,7 @@
 #include <qpa/qplatformnativeinterface.h>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include <wayland-client.h>
@@ -17,7 +18,7 @@ namespace pavonel {
 namespace {
 
 /// Should another program insist on the keyboard too, this is how often each of us gets it.
-constexpr int milliseconds = 100;
+constexpr std::chrono::milliseconds askAgainDelay{100};
 
 constexpr std::uint32_t largest = 32'767; // points; what a compositor asks for beyond that is no size
 
@@ -42,7 +43,7 @@ LayerSurface::LayerSurface(const Compositor &compositor, QWindow &window, Window
         letInputPass();
     wl_surface_commit(surface_);
     keyboardLost_.setSingleShot(true);
-    keyboardLost_.setInterval(milliseconds);
+    keyboardLost_.setInterval(askAgainDelay);
     connect(&keyboardLost_, &QTimer::timeout, this, &LayerSurface::askForKeyboard);
     window.installEventFilter(this);
 }

@@ -1,6 +1,6 @@
-#include "Platform/Qt/FileLock.h"
+#include "Platform/Posix/FileLock.h"
 
-#include "Platform/Qt/PrivateFolder.h"
+#include "Platform/Posix/PrivateFolder.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
-#include "Platform/Qt/FileDefaults.h"
+#include "Platform/Posix/FileDefaults.h"
 
-#include "Platform/Qt/PrivateFolder.h"
-#include "Platform/Qt/ReplaceFile.h"
+#include "Platform/Posix/PrivateFolder.h"
+#include "Platform/Posix/ReplaceFile.h"
 #include "Platform/Qt/StoreFile.h"
 
 #include <QDateTime>

@@ -1,4 +1,4 @@
-#include "Platform/Qt/LocalZone.h"
+#include "Platform/Posix/LocalZone.h"
 
 #include <QDateTime>
 

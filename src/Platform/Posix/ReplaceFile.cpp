@@ -1,4 +1,4 @@
-#include "Platform/Qt/ReplaceFile.h"
+#include "Platform/Posix/ReplaceFile.h"
 
 #include <QDir>
 #include <QFile>

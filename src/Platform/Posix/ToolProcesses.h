@@ -8,9 +8,9 @@
 namespace pavonel {
 
 /// Runs tools through QProcess, which needs no event loop for it.
-class QtToolRunner final : public ToolRunner {
+class ToolProcesses final : public ToolRunner {
 public:
-    explicit QtToolRunner(ProgramFiles files) : files_(std::move(files)) {}
+    explicit ToolProcesses(ProgramFiles files) : files_(std::move(files)) {}
 
     Outcome run(const QString &tool, const QStringList &arguments) override;
 

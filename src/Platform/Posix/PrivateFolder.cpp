@@ -1,4 +1,4 @@
-#include "Platform/Qt/PrivateFolder.h"
+#include "Platform/Posix/PrivateFolder.h"
 
 #include <QFile>
 

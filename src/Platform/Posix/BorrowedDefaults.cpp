@@ -1,7 +1,7 @@
-#include "Platform/Qt/BorrowedDefaults.h"
+#include "Platform/Posix/BorrowedDefaults.h"
 
-#include "Platform/Qt/FileDefaults.h"
-#include "Platform/Qt/FileLock.h"
+#include "Platform/Posix/FileDefaults.h"
+#include "Platform/Posix/FileLock.h"
 
 #include <utility>
 

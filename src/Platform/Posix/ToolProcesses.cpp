@@ -1,4 +1,4 @@
-#include "Platform/Qt/QtToolRunner.h"
+#include "Platform/Posix/ToolProcesses.h"
 
 #include <QProcess>
 
@@ -14,7 +14,7 @@ constexpr mode_t usualMask = 022;
 
 } // namespace
 
-ToolRunner::Outcome QtToolRunner::run(const QString &tool, const QStringList &arguments) {
+ToolRunner::Outcome ToolProcesses::run(const QString &tool, const QStringList &arguments) {
     const QString executable = files_.executable(tool);
     if (executable.isEmpty())
         return NotStarted{QStringLiteral("The program %1 is missing.").arg(tool)};

@@ -1,4 +1,4 @@
-#include "Platform/Qt/SignalTermination.h"
+#include "Platform/Posix/SignalTermination.h"
 
 #include <QEvent>
 #include <QGuiApplication>

@@ -1,4 +1,4 @@
-#include "Platform/Qt/QtToolRunner.h"
+#include "Platform/Posix/ToolProcesses.h"
 
 #include "support/Workshop.h"
 
@@ -14,7 +14,7 @@ protected:
     using NotStarted = ToolRunner::NotStarted;
     using Outcome = ToolRunner::Outcome;
 
-    QtToolRunner runner{files()};
+    ToolProcesses runner{files()};
 
     Outcome runScript(const QByteArray &commands, const QStringList &arguments = {}) {
         return runner.run(addScript(QStringLiteral("tool"), commands), arguments);
