@@ -108,16 +108,16 @@ TEST_F(PhonePage, the_code_for_the_camera_is_dark_on_white_with_whole_modules_an
 }
 
 TEST_F(PhonePage, the_code_for_the_camera_grows_along_with_the_text) {
-    const QFont ordinary = QApplication::font();
-    QFont large = ordinary;
-    large.setPointSizeF(2 * ordinary.pointSizeF());
-    const auto side = [this](const QFont &font) {
+    const QFont before = QApplication::font();
+    const auto side = [&](int textPixels) {
+        QFont font = before;
+        font.setPixelSize(textPixels);
         QApplication::setFont(font);
         Look look(open.platform);
         return QrCodeView(look, u"http://192.168.1.20:8787/#K7WQ3M"_s).width();
     };
-    EXPECT_EQ(side(large), 2 * side(ordinary));
-    QApplication::setFont(ordinary);
+    EXPECT_EQ(side(30), 2 * side(15));
+    QApplication::setFont(before);
 }
 
 TEST(QrCode, of_a_text_that_is_too_long_is_empty) {
