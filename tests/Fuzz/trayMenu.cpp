@@ -31,30 +31,15 @@ int depth(const DBusMenuLayout &layout) {
 }
 
 void ask(DBusMenu &menu, int question, int number, const QString &word) {
-    DBusMenuLayout layout;
-    QList<int> errors;
-    switch (question & 7) {
+    switch (question & 3) {
     case 0:
-        menu.GetLayout(number, question >> 3, {word}, layout);
-        require(depth(layout) <= lines);
+        require(depth(menu.layout(number, question >> 2, {word})) <= lines);
         break;
     case 1:
-        require(menu.GetGroupProperties({number, question}, {word}).size() <= 2);
-        break;
-    case 2:
-        menu.GetProperty(number, word);
-        break;
-    case 3:
-        menu.Event(number, word, {}, 0);
-        break;
-    case 4:
-        menu.EventGroup({DBusMenuEvent{number, word, {}, 0}});
-        break;
-    case 5:
-        menu.AboutToShow(number);
+        menu.take(number, word);
         break;
     default:
-        menu.AboutToShowGroup({number}, errors);
+        menu.aboutToShow(number);
     }
 }
 
