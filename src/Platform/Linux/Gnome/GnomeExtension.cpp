@@ -103,7 +103,7 @@ void GnomeExtension::begin(const QString &owner) {
     pointer_.reset();
     isAskingPointer_ = false;
     if (!owner_.isEmpty())
-        ask("Front", {}, [this](const QDBusMessage &reply) { noticeFront(reply); });
+        ask("Front", {}, [this](const QDBusMessage &reply) { front_ = frontIn(reply); });
     Q_EMIT presenceChanged();
 }
 
