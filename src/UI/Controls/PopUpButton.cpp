@@ -6,8 +6,9 @@
 #include <QAbstractItemView>
 #include <QAccessibleWidget>
 #include <QKeyEvent>
-#include <QLayout>
 #include <QStringListModel>
+
+#include <algorithm>
 
 namespace pavonel {
 
@@ -92,18 +93,27 @@ void PopUpButton::showPopup() {
         view()->setAccessibleName(accessibleName());
         view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
         view()->window()->setMaximumHeight(look_.length(tallest));
+        view()->window()->installEventFilter(this);
     }
-    scrollToChoice();
     QComboBox::showPopup();
 }
 
-/// Qt opens the list with the choice over the button, where that is in the list at this moment.
-void PopUpButton::scrollToChoice() {
-    QWidget &list = *view()->window();
-    list.ensurePolished();
-    list.resize(list.width(), list.maximumHeight());
-    list.layout()->activate();
-    view()->scrollTo(model()->index(currentIndex(), 0), QAbstractItemView::PositionAtCenter);
+bool PopUpButton::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::Show)
+        placeList(*view()->window());
+    return QComboBox::eventFilter(watched, event);
+}
+
+/// With the choice over the button. Qt (6.8) reckons as if the list were not scrolled.
+void PopUpButton::placeList(QWidget &list) {
+    if (currentIndex() < 0)
+        return;
+    const QModelIndex choice = model()->index(currentIndex(), 0);
+    view()->scrollTo(choice, QAbstractItemView::PositionAtCenter);
+    const int middle = view()->viewport()->mapTo(&list, view()->visualRect(choice).center()).y();
+    const QRect free = screen()->availableGeometry();
+    const int wanted = mapToGlobal(rect().center()).y() - middle;
+    list.move(list.x(), std::max(free.top(), std::min(wanted, free.bottom() + 1 - list.height())));
 }
 
 /// Which chooses an entry by selecting it, and leaves the one that has the keyboard as it is.

@@ -29,6 +29,7 @@ public:
     bool isListShown() const;
 
     void showPopup() override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     QSize minimumSizeHint() const override;
     QAccessibleInterface *makeAccessible() override;
 
@@ -38,7 +39,7 @@ protected:
 
 private:
     void followAssistiveTechnology();
-    void scrollToChoice();
+    void placeList(QWidget &list);
 
     Look &look_;
     bool listIsMade_ = false; ///< When it was first opened.
