@@ -1,6 +1,6 @@
 // Stands for what takes over a process that reads what strangers send. It is loaded into the process before
-// its own libraries. At the first connection that is made there, it tries what a plain program of the user
-// may, in the folder that INTRUDER_FOLDER names, and tells on standard error what went well.
+// its own libraries. At the first connection to the network that is made there, it tries what a plain program
+// of the user may, in the folder that INTRUDER_FOLDER names, and tells on standard error what went well.
 
 #include <cstdio>
 #include <cstdlib>
@@ -54,7 +54,7 @@ void tryAll() {
 
 extern "C" int connect(int socket, const sockaddr *address, socklen_t length) {
     static bool tried = false;
-    if (!tried) {
+    if (!tried && (address->sa_family == AF_INET || address->sa_family == AF_INET6)) {
         tried = true;
         tryAll();
     }
