@@ -62,28 +62,6 @@ bool standIn(Desktop &desktop, QSize screen) {
            });
 }
 
-/// What reaches the server late does so when the window goes; nobody calls that shown.
-bool staysOpaque(Desktop &desktop, const char *title) {
-    constexpr int enough = 2000; // milliseconds
-    QElapsedTimer opaque;
-    return waitUntil([&] {
-        const auto window = find(desktop, title);
-        if (!window || desktop.tree().opacity(*window) < 1)
-            opaque.invalidate();
-        else if (!opaque.isValid())
-            opaque.start();
-        return opaque.isValid() && opaque.elapsed() > enough;
-    });
-}
-
-/// Which event loop of Qt's the program runs.
-enum class Loop { ofGlib, ofQt };
-
-class PanelsIn : public testing::TestWithParam<Loop> {};
-
-INSTANTIATE_TEST_SUITE_P(Loops, PanelsIn, testing::Values(Loop::ofGlib, Loop::ofQt),
-                         [](const auto &loop) { return loop.param == Loop::ofGlib ? "OfGlib" : "OfQt"; });
-
 class PanelsUnder : public testing::TestWithParam<XServer::WindowManager> {};
 
 INSTANTIATE_TEST_SUITE_P(WindowManagers, PanelsUnder,
@@ -158,16 +136,6 @@ TEST_P(PanelsUnder, appear_on_the_screen_that_is_left_when_theirs_is_removed) {
     desktop.server().setMonitors({Desktop::screen(0)});
     EXPECT_TRUE(standIn(desktop, Desktop::screen(0).size()));
     EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
-}
-
-/// The pointer rests, and nothing else of Pavonel's makes Qt speak with the X server.
-TEST_P(PanelsIn, a_toast_is_faded_in_while_it_is_all_that_happens) {
-    Desktop desktop(XServer::WindowManager::xfwm4WithCompositor);
-    desktop.environment().insert(QStringLiteral("QT_NO_GLIB"),
-                                 GetParam() == Loop::ofGlib ? QString() : QStringLiteral("1"));
-    desktop.store({{QStringLiteral("microInterval"), 3600}, {QStringLiteral("postureInterval"), 8}});
-    desktop.startProgram();
-    EXPECT_TRUE(staysOpaque(desktop, "Pavonel Toast"));
 }
 
 } // namespace pavonel::test
