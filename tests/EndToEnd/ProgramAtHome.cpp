@@ -87,8 +87,8 @@ void ProgramAtHome::startProgram(QStringList inFront) {
 }
 
 void ProgramAtHome::startProgramUnread() {
-    launch(QStringLiteral("bash"),
-           {QStringLiteral("-c"), QStringLiteral("exec &> >(true); wait $!; exec \"$0\""), executable_});
+    const auto script = QStringLiteral("exec &> >(true); wait $!; exec env --default-signal=PIPE \"$0\"");
+    launch(QStringLiteral("bash"), {QStringLiteral("-c"), script, executable_});
 }
 
 QJsonObject ProgramAtHome::status() const {

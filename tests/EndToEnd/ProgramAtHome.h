@@ -39,7 +39,7 @@ public:
 
     /// A command line in front starts it in its own stead.
     void startProgram(QStringList inFront = {});
-    /// With an output whose reader has left.
+    /// With an output whose reader has left; to write there ends whoever does nothing against it.
     void startProgramUnread();
     /// What a further call of the program tells of it on its bus.
     QJsonObject status() const;
