@@ -62,13 +62,13 @@ protected:
                                                 X11Connection::open(server().display()));
         item->setMenu([this] {
             ++menusMade;
-            Menu menu;
-            menu.push_back({MenuItem::Kind::label, QStringLiteral("Micro break: 19:58"), {}, {}, {}});
-            menu.push_back({MenuItem::Kind::command,
-                            QStringLiteral("Take a micro break"),
-                            {},
-                            [this] { ++breaks; },
-                            {}});
+            Menu menu(commands, {MenuItem::Kind::command,
+                                 QStringLiteral("Take a micro break"),
+                                 {},
+                                 [this] { ++breaks; },
+                                 {}});
+            menu.insert(menu.begin(),
+                        {MenuItem::Kind::label, QStringLiteral("Micro break: 19:58"), {}, {}, {}});
             return menu;
         });
         item->setIcon(QStringLiteral("menubar"), icon());
@@ -122,6 +122,7 @@ protected:
     std::unique_ptr<QDBusConnection> bus;
     std::unique_ptr<ChildProcess> host;
     std::unique_ptr<TrayStatusItem> item;
+    std::size_t commands = 1; ///< In the menu.
     int menusMade = 0;
     int breaks = 0;
 };
@@ -272,9 +273,8 @@ protected:
     void startTrayer() {
         host = server().launch(QStringLiteral("trayer"),
                                {QStringLiteral("--edge"), QString::fromLatin1(GetParam()),
-                                QStringLiteral("--align"), QStringLiteral("right"),
-                                QStringLiteral("--widthtype"), QStringLiteral("request"),
-                                QStringLiteral("--height"), QStringLiteral("24")});
+                                QStringLiteral("--align"), alignment, QStringLiteral("--widthtype"),
+                                QStringLiteral("request"), QStringLiteral("--height"), QStringLiteral("24")});
         EXPECT_TRUE(waitUntil([&] { return item->limitation().isEmpty() && place().width() > 20; }));
     }
 
@@ -321,6 +321,7 @@ protected:
     }
     static void release() { server().xdotool({QStringLiteral("mouseup"), QStringLiteral("1")}); }
 
+    QString alignment = QStringLiteral("right");
     XClient other{server().display()};
 };
 
@@ -343,6 +344,38 @@ TEST_P(EmbeddedAt, a_double_click_chooses_nothing) {
     clickItem(2);
     ASSERT_TRUE(waitUntil([&] { return menusMade > 0; }));
     EXPECT_FALSE(waitUntil([&] { return breaks > 0; }, 1000));
+}
+
+/// With a menu that is too high for the screen: its first column covers the item.
+class EmbeddedWithoutRoomAt : public EmbeddedAt {
+protected:
+    EmbeddedWithoutRoomAt() {
+        commands = 60;
+        alignment = QStringLiteral("left");
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Edges, EmbeddedWithoutRoomAt, testing::Values("bottom"),
+                         [](const auto &edge) { return std::string(edge.param); });
+
+TEST_P(EmbeddedWithoutRoomAt, a_second_click_chooses_nothing_until_the_pointer_has_moved) {
+    makeItem();
+    startTrayer();
+    const QPoint pointer = place().center();
+    hold();
+    const QMenu &menu = *openMenu();
+    const auto window = static_cast<xcb_window_t>(menu.winId());
+    ASSERT_TRUE(waitUntil([&] { return other.topAt(pointer) == window; }));
+    ASSERT_TRUE(menu.actionAt(menu.mapFromGlobal(pointer))) << "there is nothing to choose";
+    release();
+    server().xdotool({QStringLiteral("click"), QStringLiteral("1")});
+    EXPECT_FALSE(waitUntil([&] { return breaks > 0 || !openMenu(); }, 1000));
+
+    EXPECT_TRUE(waitUntil([&] {
+        point(pointer - QPoint(0, 100));
+        server().xdotool({QStringLiteral("click"), QStringLiteral("1")});
+        return breaks > 0;
+    })) << "the menu chooses nothing at all";
 }
 
 TEST_P(EmbeddedAt, a_button_that_is_held_and_let_go_chooses_nothing_and_leaves_the_menu_open) {
