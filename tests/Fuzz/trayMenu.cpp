@@ -32,9 +32,12 @@ int depth(const DBusMenuLayout &layout) {
 
 void ask(DBusMenu &menu, int question, int number, const QString &word) {
     switch (question & 3) {
-    case 0:
-        require(depth(menu.layout(number, question >> 2, {word})) <= lines);
+    case 0: {
+        const DBusMenuLayout layout = menu.layout(number, question >> 2, {word});
+        require(depth(layout) <= lines);
+        require(layout.properties.size() <= 1); // no more than was asked for
         break;
+    }
     case 1:
         menu.take(number, word);
         break;
