@@ -9,7 +9,7 @@ namespace pavonel::fuzz {
 
 /// Whatever the entry holds, the switch does what it says.
 void autostartEntry(const QByteArray &input) {
-    static const QTemporaryDir folder(QStringLiteral("/dev/shm/fuzz-XXXXXX"));
+    static const QTemporaryDir folder;
     static const QString autostart = folder.filePath(QStringLiteral("autostart"));
     QDir().mkpath(autostart);
     QFile file(autostart + QStringLiteral("/org.pavonel.Pavonel.desktop"));

@@ -17,7 +17,7 @@ void statistics(const QByteArray &input) {
     for (const auto format : {StatsExport::Format::csv, StatsExport::Format::json}) {
         const StatsExport ofInput = StatsExport::of({StoredValue(input), false}, format);
         const StatsExport ours = StatsExport::of({*stored, false}, format);
-        require(!ofInput.text.isEmpty() && ours.complaints.isEmpty());
+        require(!ofInput.text.isEmpty() && ours.complaints.size() <= ofInput.complaints.size());
     }
 }
 

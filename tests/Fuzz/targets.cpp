@@ -12,6 +12,10 @@ void autostartEntry(const QByteArray &input);
 void processFolder(const QByteArray &input);
 void trayMenu(const QByteArray &input);
 void customPicture(const QByteArray &input);
+void picturePath(const QByteArray &input);
+void imageListing(const QByteArray &input);
+void windowProperties(const QByteArray &input);
+void busCalls(const QByteArray &input);
 
 const std::vector<Target> &targets() {
     static const std::vector<Target> all{
@@ -25,6 +29,10 @@ const std::vector<Target> &targets() {
         {"processFolder", processFolder},
         {"trayMenu", trayMenu},
         {"customPicture", customPicture},
+        {"picturePath", picturePath},
+        {"imageListing", imageListing},
+        {"windowProperties", windowProperties},
+        {"busCalls", busCalls},
     };
     return all;
 }

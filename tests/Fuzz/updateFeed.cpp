@@ -1,6 +1,8 @@
 #include "Core/UpdaterRelease.h"
 #include "Fuzz/Target.h"
 
+#include <QByteArrayList>
+
 namespace pavonel::fuzz {
 
 /// The feed, and behind a line break two versions of which at most one is newer than the other.
