@@ -202,6 +202,7 @@ void BreakController::endBreak(Ending ending, Instant now) {
     const BreakKind kind = *currentBreak.get();
     if (ending == Ending::completed) {
         record(now, [kind](Day &day) { ++counterOf(day, kind); });
+        stats_.save(); // breaks are few: unlike the seconds, none is lost with a program that is killed
         playSound(s_.endSound);
     } else {
         countSkipped(now);
@@ -314,6 +315,7 @@ void BreakController::playSound(const QString &name) {
 
 void BreakController::countSkipped(Instant now) {
     record(now, [](Day &day) { ++day.skipped; });
+    stats_.save();
 }
 
 void BreakController::record(Instant now, const std::function<void(Day &)> &change) {

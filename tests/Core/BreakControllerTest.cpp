@@ -169,6 +169,23 @@ TEST(BreakController, going_idle_puts_the_statistics_on_disk_once) {
     EXPECT_EQ(s.platform.fakeDefaults.saves, 1);
 }
 
+TEST(BreakController, each_break_that_is_taken_cut_short_or_skipped_is_put_on_disk_at_once) {
+    Scenario s;
+    const auto &saves = s.platform.fakeDefaults.saves;
+    s.advance(1199);
+    EXPECT_EQ(saves, 0);
+    s.controller.skip();
+    EXPECT_EQ(saves, 1);
+    s.advance(1200);
+    ASSERT_EQ(s.controller.phase, Phase::breaking);
+    EXPECT_EQ(saves, 1);
+    s.advance(20);
+    EXPECT_EQ(saves, 2);
+    s.advance(1200);
+    s.controller.skip();
+    EXPECT_EQ(saves, 3);
+}
+
 TEST(BreakController, an_idle_tick_leaves_a_held_reason_as_it_was) {
     Scenario s;
     s.platform.audio.input = true;
