@@ -1,6 +1,5 @@
-#include "Gnome/GnomeDesktop.h"
+#include "Gnome/Sensing.h"
 #include "support/files.h"
-#include "support/waitUntil.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -13,50 +12,6 @@
 namespace pavonel::test {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-using Extension = GnomeShell::Extension;
-
-/// What the built program notices of the user and of other programs.
-struct Sensing : testing::Test {
-    explicit Sensing(Extension extension) : desktop(extension) {}
-
-    void start(const QJsonObject &settings) {
-        desktop.store(settings);
-        desktop.startProgram();
-    }
-    /// Empty for none.
-    bool isHeldFor(const QString &reason) {
-        return waitUntil([&] {
-            const QVariant hold = desktop.status("Hold");
-            return hold.isValid() && hold.toString() == reason;
-        });
-    }
-    bool comesToPhase(const QString &phase) {
-        return waitUntil([&] { return desktop.status("Phase").toString() == phase; });
-    }
-    std::unique_ptr<OtherWindow> open(const QString &name,
-                                      OtherWindow::State state = OtherWindow::State::normal) {
-        auto window = std::make_unique<OtherWindow>(shell().environment(), name, state);
-        EXPECT_TRUE(window->becomesActive());
-        return window;
-    }
-    GnomeShell &shell() { return desktop.shell(); }
-
-    const QJsonObject neverAway{{u"naturalBreakEnabled"_s, false}, {u"microInterval"_s, 3600}};
-    GnomeDesktop desktop;
-};
-
-struct GnomeAlone : Sensing {
-    GnomeAlone() : Sensing(Extension::missing) {}
-};
-
-struct GnomeWithExtension : Sensing {
-    GnomeWithExtension() : Sensing(Extension::enabled) {}
-};
-
-} // namespace
 
 TEST_F(GnomeAlone, being_away_is_noticed_and_so_is_coming_back) {
     start({{u"idleResetSeconds"_s, 6}, {u"microInterval"_s, 3600}});
@@ -86,29 +41,6 @@ TEST_F(GnomeWithExtension, a_focus_application_holds_while_it_is_in_front) {
     EXPECT_TRUE(isHeldFor(u"deepFocus"_s));
     const auto other = open(u"other"_s);
     EXPECT_TRUE(isHeldFor({}));
-}
-
-TEST_F(GnomeWithExtension, the_three_shortcuts_and_escape_work_whichever_window_has_the_keyboard) {
-    const auto other = open(u"other"_s);
-    QJsonObject settings = neverAway;
-    settings.insert(u"microDuration"_s, 600);
-    start(settings);
-    const auto pressUntil = [&](const QStringList &keys, const QString &phase) {
-        return waitUntil([&] {
-            if (desktop.status("Phase").toString() == phase)
-                return true;
-            shell().press(keys);
-            return waitUntil([&] { return desktop.status("Phase").toString() == phase; }, 3000);
-        });
-    };
-    const QStringList held{u"Control_L"_s, u"Alt_L"_s, u"Super_L"_s};
-    EXPECT_TRUE(pressUntil(held + QStringList{u"p"_s}, u"paused"_s));
-    EXPECT_TRUE(pressUntil(held + QStringList{u"p"_s}, u"counting"_s));
-    EXPECT_TRUE(pressUntil(held + QStringList{u"b"_s}, u"breaking"_s));
-    EXPECT_TRUE(pressUntil(held + QStringList{u"s"_s}, u"counting"_s));
-    EXPECT_TRUE(pressUntil(held + QStringList{u"b"_s}, u"breaking"_s));
-    EXPECT_TRUE(pressUntil({u"Escape"_s}, u"counting"_s));
-    EXPECT_EQ(other->times("key " + QByteArray::number(Qt::Key_Escape)), 0);
 }
 
 TEST_F(GnomeWithExtension, the_item_in_the_top_bar_counts_and_its_menu_is_that_of_every_desktop) {

@@ -3,6 +3,7 @@
 #include "Platform/Linux/Gnome/GnomeHotKeys.h"
 #include "Platform/Linux/Gnome/GnomePointer.h"
 #include "Platform/Linux/Gnome/GnomeWindows.h"
+#include "Platform/Qt/QtMainLoop.h"
 #include "support/MessageBus.h"
 #include "support/waitUntil.h"
 
@@ -124,6 +125,7 @@ constexpr std::uint32_t escape = 53;
 
 class GnomeExtensionTest : public testing::Test {
 protected:
+    GnomeExtensionTest() { qputenv("GSETTINGS_BACKEND", "memory"); } // not the user's settings
     ~GnomeExtensionTest() override {
         for (const auto *each : {"shell", "pavonel"})
             QDBusConnection::disconnectFromBus(QString::fromLatin1(each));
@@ -135,6 +137,7 @@ protected:
         return waitUntil([&] { return extension->isPresent() == there; });
     }
 
+    QtMainLoop loop;
     MessageBus bus;
     Shell shell{connection("shell")};
     std::shared_ptr<GnomeExtension> extension = std::make_shared<GnomeExtension>(connection("pavonel"));
@@ -203,12 +206,11 @@ TEST_F(GnomeExtensionTest, tells_the_pointer_to_whoever_asks_again) {
 }
 
 TEST_F(GnomeExtensionTest, takes_shortcuts_whenever_it_comes_and_tells_their_presses) {
-    GnomeHotKeys keys(extension);
+    GnomeHotKeys keys(connection("pavonel"), extension, loop);
     std::vector<std::uint32_t> pressed;
     keys.setPressHandler([&](std::uint32_t identifier) { pressed.push_back(identifier); });
     const auto registration = keys.registerKey(keyB, controlOptionCommand, 7);
     ASSERT_TRUE(registration);
-    EXPECT_NE(keys.limitation(), QString());
     for (uint time = 1; time <= 2; ++time) {
         shell.appear();
         ASSERT_TRUE(waitUntil([&] { return shell.grabs.size() == static_cast<int>(time); }));
@@ -224,7 +226,7 @@ TEST_F(GnomeExtensionTest, takes_shortcuts_whenever_it_comes_and_tells_their_pre
 }
 
 TEST_F(GnomeExtensionTest, gives_shortcuts_back) {
-    GnomeHotKeys keys(extension);
+    GnomeHotKeys keys(connection("pavonel"), extension, loop);
     shell.appear();
     ASSERT_TRUE(isThere());
     auto registration = keys.registerKey(escape, 0, 10);
@@ -235,7 +237,7 @@ TEST_F(GnomeExtensionTest, gives_shortcuts_back) {
 }
 
 TEST_F(GnomeExtensionTest, says_which_shortcut_somebody_else_has) {
-    GnomeHotKeys keys(extension);
+    GnomeHotKeys keys(connection("pavonel"), extension, loop);
     shell.taken = QStringLiteral("<Control><Alt><Super>b");
     shell.appear();
     ASSERT_TRUE(isThere());
@@ -244,7 +246,7 @@ TEST_F(GnomeExtensionTest, says_which_shortcut_somebody_else_has) {
 }
 
 TEST_F(GnomeExtensionTest, a_key_without_a_name_cannot_be_had) {
-    GnomeHotKeys keys(extension);
+    GnomeHotKeys keys(connection("pavonel"), extension, loop);
     EXPECT_FALSE(keys.registerKey(0xffff, controlOptionCommand, 7));
 }
 

@@ -165,7 +165,7 @@ std::unique_ptr<WindowLayers> windowLayers(const std::shared_ptr<X11Connection> 
 
 /// In the order in which they are preferred.
 std::unique_ptr<HotKeyService> hotKeys(const std::shared_ptr<X11Connection> &x,
-                                       const std::shared_ptr<GnomeExtension> &gnome) {
+                                       const std::shared_ptr<GnomeExtension> &gnome, MainLoop &loop) {
     if (seesAllInput(x)) {
         if (auto service = X11HotKeys::make(x))
             return service;
@@ -175,7 +175,7 @@ std::unique_ptr<HotKeyService> hotKeys(const std::shared_ptr<X11Connection> &x,
     if (auto sway = SwayHotKeys::make())
         return makeHotKeyService(std::move(sway));
     if (gnome->isShellThere())
-        return std::make_unique<GnomeHotKeys>(gnome);
+        return std::make_unique<GnomeHotKeys>(QDBusConnection::sessionBus(), gnome, loop);
     return makeHotKeyService(std::make_shared<PortalHotKeys>(QDBusConnection::sessionBus()));
 }
 
@@ -248,7 +248,7 @@ std::unique_ptr<Platform> makePlatform() {
     platform->installedApplications = std::make_unique<LinuxInstalledApplications>(
         LinuxInstalledApplications::Surroundings::ofThisDesktop(), *platform->mainLoop);
     platform->windowLayers = windowLayers(x11, workedOn);
-    platform->hotKeys = hotKeys(x11, gnome);
+    platform->hotKeys = hotKeys(x11, gnome, *platform->mainLoop);
     platform->sounds = std::make_unique<EventSounds>(ProgramFiles::ofThisProgram(), *platform->mainLoop);
     platform->loginItem = makeLoginItem();
     platform->appearance = std::make_unique<PortalAppearance>(QDBusConnection::sessionBus());

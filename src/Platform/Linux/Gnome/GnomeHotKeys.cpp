@@ -1,16 +1,27 @@
 #include "Platform/Linux/Gnome/GnomeHotKeys.h"
 
 #include "Platform/Linux/Gnome/GnomeExtension.h"
+#include "Platform/Linux/Gnome/GnomeKeyBindings.h"
 #include "Platform/Linux/Gnome/accelerators.h"
+#include "Platform/Linux/Keyboard/UsKey.h"
 
 #include <QObject>
 #include <QStringList>
+#include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <list>
 #include <utility>
 
 namespace pavonel {
+
+namespace {
+
+/// The desktop lets go of a custom key binding a moment after its settings have changed.
+constexpr std::chrono::seconds letGoDelay{2};
+
+} // namespace
 
 class GnomeHotKeys::Grabs final : public QObject {
 public:
@@ -22,24 +33,28 @@ public:
         std::uint32_t serial = 0; ///< Numbers of registrations are never used again.
     };
 
-    explicit Grabs(std::shared_ptr<GnomeExtension> extension);
+    Grabs(const QDBusConnection &session, std::shared_ptr<GnomeExtension> extension, MainLoop &loop);
 
     std::uint32_t add(const QString &accelerator, std::uint32_t identifier);
     void remove(std::uint32_t serial);
     void setHandler(PressHandler handler) { handler_ = std::move(handler); }
-    const std::list<HotKey> &hotKeys() const { return hotKeys_; }
-    const GnomeExtension &extension() const { return *extension_; }
+    QString limitation() const;
 
 private:
     HotKey *find(std::uint32_t serial);
     void grab(const HotKey &hotKey);
     void followPresence();
+    void grabRefused();
     void notePress(std::uint32_t action);
+    std::vector<CustomKeyBinding> wantedBindings() const;
+    QStringList refused() const;
 
     std::shared_ptr<GnomeExtension> extension_;
     std::list<HotKey> hotKeys_;
     std::uint32_t lastSerial_ = 0;
     PressHandler handler_;
+    GnomeKeyBindings bindings_;
+    QTimer bindingsGone_;
 };
 
 class GnomeHotKeys::Registration final : public HotKeyRegistration {
@@ -53,7 +68,13 @@ private:
     std::uint32_t serial_;
 };
 
-GnomeHotKeys::Grabs::Grabs(std::shared_ptr<GnomeExtension> extension) : extension_(std::move(extension)) {
+GnomeHotKeys::Grabs::Grabs(const QDBusConnection &session, std::shared_ptr<GnomeExtension> extension,
+                           MainLoop &loop)
+    : extension_(std::move(extension)), bindings_(session, loop, [this] { return wantedBindings(); }) {
+    bindingsGone_.setSingleShot(true);
+    bindingsGone_.setInterval(letGoDelay);
+    connect(&bindings_, &GnomeKeyBindings::gone, &bindingsGone_, qOverload<>(&QTimer::start));
+    connect(&bindingsGone_, &QTimer::timeout, this, [this] { grabRefused(); });
     connect(extension_.get(), &GnomeExtension::presenceChanged, this, [this] { followPresence(); });
     connect(extension_.get(), &GnomeExtension::pressed, this,
             [this](std::uint32_t action) { notePress(action); });
@@ -68,6 +89,8 @@ std::uint32_t GnomeHotKeys::Grabs::add(const QString &accelerator, std::uint32_t
     const HotKey &added = hotKeys_.emplace_back(HotKey{accelerator, identifier, 0, false, ++lastSerial_});
     if (extension_->isPresent())
         grab(added);
+    if (shortcutName(identifier))
+        bindings_.review();
     return added.serial;
 }
 
@@ -75,6 +98,8 @@ void GnomeHotKeys::Grabs::remove(std::uint32_t serial) {
     const HotKey *hotKey = find(serial);
     if (hotKey && hotKey->action != 0 && extension_->isPresent())
         extension_->ungrab(hotKey->action);
+    if (hotKey && shortcutName(hotKey->identifier))
+        bindings_.review();
     hotKeys_.remove_if([&](const HotKey &each) { return each.serial == serial; });
 }
 
@@ -97,6 +122,47 @@ void GnomeHotKeys::Grabs::followPresence() {
         if (extension_->isPresent())
             grab(each);
     }
+    bindings_.review();
+}
+
+/// While they were ours in the desktop's own way, the extension could not have them.
+void GnomeHotKeys::Grabs::grabRefused() {
+    for (const HotKey &each : hotKeys_) {
+        if (each.isRefused && extension_->isPresent())
+            grab(each);
+    }
+}
+
+std::vector<CustomKeyBinding> GnomeHotKeys::Grabs::wantedBindings() const {
+    std::vector<CustomKeyBinding> wanted;
+    for (const HotKey &each : hotKeys_) {
+        const ShortcutName *shortcut = shortcutName(each.identifier);
+        if (shortcut && !extension_->isPresent())
+            wanted.push_back({QString::fromLatin1(shortcut->name), QString::fromLatin1(shortcut->title),
+                              each.accelerator});
+    }
+    return wanted;
+}
+
+QStringList GnomeHotKeys::Grabs::refused() const {
+    if (!extension_->isPresent())
+        return bindings_.taken();
+    QStringList all;
+    for (const HotKey &each : hotKeys_) {
+        if (each.isRefused)
+            all.append(each.accelerator);
+    }
+    return all;
+}
+
+QString GnomeHotKeys::Grabs::limitation() const {
+    if (!extension_->isPresent() && !bindings_.areHeeded())
+        return QStringLiteral("This desktop does not offer keyboard shortcuts.") + extension_->advice();
+    QStringList all = refused();
+    if (all.isEmpty())
+        return {};
+    std::ranges::transform(all, all.begin(), spokenAccelerator);
+    return QStringLiteral("Something else on this desktop has taken %1.").arg(all.join(QStringLiteral(", ")));
 }
 
 void GnomeHotKeys::Grabs::notePress(std::uint32_t action) {
@@ -108,22 +174,12 @@ void GnomeHotKeys::Grabs::notePress(std::uint32_t action) {
         handler(pressed->identifier);
 }
 
-GnomeHotKeys::GnomeHotKeys(const std::shared_ptr<GnomeExtension> &extension)
-    : grabs_(std::make_shared<Grabs>(extension)) {}
+GnomeHotKeys::GnomeHotKeys(const QDBusConnection &session, const std::shared_ptr<GnomeExtension> &extension,
+                           MainLoop &loop)
+    : grabs_(std::make_shared<Grabs>(session, extension, loop)) {}
 
 QString GnomeHotKeys::limitation() const {
-    if (!grabs_->extension().isPresent())
-        return QStringLiteral("This desktop does not offer keyboard shortcuts.") +
-               grabs_->extension().advice();
-    QStringList refused;
-    for (const auto &each : grabs_->hotKeys()) {
-        if (each.isRefused)
-            refused.append(spokenAccelerator(each.accelerator));
-    }
-    if (refused.isEmpty())
-        return {};
-    return QStringLiteral("Something else on this desktop has taken %1.")
-        .arg(refused.join(QStringLiteral(", ")));
+    return grabs_->limitation();
 }
 
 void GnomeHotKeys::setPressHandler(PressHandler handler) {

@@ -2,6 +2,9 @@
 
 #include "Platform/Linux/X11/macKeyPositions.h"
 
+#include <QHash>
+#include <QStringList>
+
 #include <string_view>
 #include <utility>
 
@@ -51,6 +54,24 @@ QString gnomeAccelerator(std::uint32_t macKeyCode, std::uint32_t macModifiers) {
             accelerator += QLatin1String(name);
     }
     return accelerator + key;
+}
+
+QString plainAccelerator(const QString &accelerator) {
+    static const QHash<QString, QString> usualNames{{QStringLiteral("primary"), QStringLiteral("control")},
+                                                    {QStringLiteral("ctrl"), QStringLiteral("control")},
+                                                    {QStringLiteral("ctl"), QStringLiteral("control")},
+                                                    {QStringLiteral("shft"), QStringLiteral("shift")},
+                                                    {QStringLiteral("mod1"), QStringLiteral("alt")},
+                                                    {QStringLiteral("mod4"), QStringLiteral("super")}};
+    QStringList modifiers = accelerator.toLower().split(u'>');
+    const QString key = modifiers.takeLast();
+    for (QString &each : modifiers) {
+        each.remove(u'<');
+        each = usualNames.value(each, each);
+    }
+    modifiers.sort();
+    modifiers.removeDuplicates();
+    return (modifiers << key).join(u'+');
 }
 
 QString spokenAccelerator(const QString &accelerator) {

@@ -10,6 +10,9 @@ namespace pavonel {
 /// position. Empty for a key other than letters and Escape.
 QString gnomeAccelerator(std::uint32_t macKeyCode, std::uint32_t macModifiers);
 
+/// The same for all ways of writing the same: in small letters, modifiers by their usual names and in order.
+QString plainAccelerator(const QString &accelerator);
+
 /// As people say it: "Ctrl+Alt+Super+B".
 QString spokenAccelerator(const QString &accelerator);
 
