@@ -1,5 +1,6 @@
 #include "EndToEnd/WaylandDesktop.h"
 #include "support/KWin.h"
+#include "support/KWinOutputs.h"
 #include "support/Sway.h"
 #include "support/waitUntil.h"
 
@@ -30,6 +31,34 @@ struct BreakOnWayland : testing::TestWithParam<std::unique_ptr<Compositor> (*)()
 
     WaylandDesktop desktop{GetParam()()};
     Compositor &compositor = desktop.compositor();
+};
+
+/// The system settings of Plasma switch outputs off and on, and scale them.
+struct BreakOnKWin : testing::Test {
+    void startBreak() {
+        desktop.store(longBreakSoon);
+        desktop.startProgram();
+        ASSERT_TRUE(desktop.waitForBreak());
+    }
+    /// Everything is covered, in a picture of this size.
+    bool isCovered(QSize size) {
+        return waitUntil([&] {
+            const QImage picture = kwin.picture();
+            return picture.size() == size && WaylandDesktop::isCovered(picture);
+        });
+    }
+    bool endsByEscape() {
+        return waitUntil([&] {
+            kwin.input().press(VirtualInput::escape);
+            return desktop.showsNoBreak();
+        });
+    }
+
+    static constexpr QSize one = Compositor::outputSize;
+    static constexpr QSize both{2 * one.width(), one.height()};
+    WaylandDesktop desktop{std::make_unique<KWin>()};
+    KWin &kwin = static_cast<KWin &>(desktop.compositor());
+    KWinOutputs outputs{kwin.socket()};
 };
 
 /// What only sway lets us do: pull cables, and change what its outputs are.
@@ -153,6 +182,30 @@ TEST_F(BreakOnSway, runs_on_while_every_output_is_gone) {
     EXPECT_TRUE(isCovered("X11-3"));
     escape();
     EXPECT_TRUE(isFree("X11-3"));
+    EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
+}
+
+TEST_F(BreakOnKWin, covers_outputs_that_go_and_come_during_it) {
+    startBreak();
+    outputs.setEnabled(1, false);
+    EXPECT_TRUE(isCovered(one));
+    outputs.setEnabled(1, true);
+    EXPECT_TRUE(isCovered(both));
+    outputs.setEnabled(0, false);
+    EXPECT_TRUE(waitUntil([&] { return WaylandDesktop::isCovered(kwin.picture()); }));
+    outputs.setEnabled(0, true);
+    EXPECT_TRUE(desktop.waitForBreak());
+    EXPECT_TRUE(endsByEscape());
+    EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
+}
+
+TEST_F(BreakOnKWin, follows_an_output_that_changes_its_scale) {
+    startBreak();
+    for (const double scale : {2.0, 1.5, 1.0}) {
+        outputs.setScale(0, scale);
+        EXPECT_TRUE(waitUntil([&] { return WaylandDesktop::isCovered(kwin.picture()); })) << scale;
+    }
+    EXPECT_TRUE(endsByEscape());
     EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
 }
 
