@@ -5,6 +5,7 @@
 #include <ext-idle-notify-v1-server-protocol.h>
 #include <kde-idle-server-protocol.h>
 #include <wayland-server.h>
+#include <wlr-foreign-toplevel-management-unstable-v1-server-protocol.h>
 
 namespace pavonel::test {
 
@@ -33,6 +34,24 @@ struct Requests {
     static constexpr struct org_kde_kwin_idle_interface kdeIdle { notifyKde };
     static constexpr struct org_kde_kwin_idle_timeout_interface kdeTimeout { destroy, ignore };
     static constexpr struct wl_seat_interface seat { noDevice, noDevice, noDevice, destroy };
+
+    static void bindToplevels(wl_client *client, void *compositor, std::uint32_t version, std::uint32_t id) {
+        auto &fake = *static_cast<FakeCompositor *>(compositor);
+        fake.toplevels_ = wl_resource_create(client, &zwlr_foreign_toplevel_manager_v1_interface,
+                                             static_cast<int>(version), id);
+        wl_resource_set_implementation(fake.toplevels_, &toplevels, compositor, [](wl_resource *gone) {
+            wl_resource *&bound = FakeCompositor::of(gone).toplevels_;
+            if (bound == gone)
+                bound = nullptr;
+        });
+    }
+    static void ignoreActivate(wl_client *, wl_resource *, wl_resource *) {}
+    static void ignoreRectangle(wl_client *, wl_resource *, wl_resource *, std::int32_t, std::int32_t,
+                                std::int32_t, std::int32_t) {}
+    static constexpr struct zwlr_foreign_toplevel_manager_v1_interface toplevels { ignore };
+    static constexpr struct zwlr_foreign_toplevel_handle_v1_interface toplevel {
+        ignore, ignore, ignore, ignore, ignoreActivate, ignore, ignoreRectangle, destroy
+    };
 };
 
 namespace {
@@ -107,6 +126,44 @@ void FakeCompositor::tellResumed(const Notice &notice) {
         org_kde_kwin_idle_timeout_send_resumed(notice.resource);
     else
         ext_idle_notification_v1_send_resumed(notice.resource);
+}
+
+FakeCompositor::Offer FakeCompositor::offerToplevels() {
+    return offer(display_, zwlr_foreign_toplevel_manager_v1_interface, 2, this, &Requests::bindToplevels);
+}
+
+FakeCompositor::Window FakeCompositor::openWindow() {
+    constexpr std::uint32_t anyNumber = 0;
+    wl_resource *window = wl_resource_create(wl_resource_get_client(toplevels_),
+                                             &zwlr_foreign_toplevel_handle_v1_interface, 2, anyNumber);
+    wl_resource_set_implementation(window, &Requests::toplevel, this, nullptr);
+    zwlr_foreign_toplevel_manager_v1_send_toplevel(toplevels_, window);
+    return window;
+}
+
+void FakeCompositor::tell(Window window, const char *application, State state) {
+    wl_array states;
+    wl_array_init(&states);
+    const auto add = [&](std::uint32_t each) {
+        *static_cast<std::uint32_t *>(wl_array_add(&states, sizeof each)) = each;
+    };
+    if (state != State::behind)
+        add(ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_ACTIVATED);
+    if (state == State::fullscreen)
+        add(ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_FULLSCREEN);
+    zwlr_foreign_toplevel_handle_v1_send_app_id(window, application);
+    zwlr_foreign_toplevel_handle_v1_send_state(window, &states);
+    zwlr_foreign_toplevel_handle_v1_send_done(window);
+    wl_array_release(&states);
+}
+
+void FakeCompositor::close(Window window) {
+    zwlr_foreign_toplevel_handle_v1_send_closed(window);
+}
+
+void FakeCompositor::finishToplevels() {
+    zwlr_foreign_toplevel_manager_v1_send_finished(toplevels_);
+    wl_resource_destroy(toplevels_); // so says the protocol
 }
 
 void FakeCompositor::accuse() {

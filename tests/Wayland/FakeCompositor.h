@@ -45,6 +45,19 @@ public:
     void tellIdle(const Notice &notice);
     void tellResumed(const Notice &notice);
 
+    /// zwlr_foreign_toplevel_manager_v1
+    [[nodiscard]] Offer offerToplevels();
+
+    /// A window of another program that this program is told of. Empty until it asks.
+    using Window = wl_resource *;
+    Window openWindow();
+    enum class State { behind, active, fullscreen };
+    static void tell(Window window, const char *application, State state);
+    static void close(Window window);
+    /// The service ends, though it stays on offer.
+    void finishToplevels();
+    bool isAskedForToplevels() const { return toplevels_ != nullptr; }
+
     /// All programs have committed a fatal error.
     void accuse();
 
@@ -58,6 +71,7 @@ private:
     const char *socket_;
     QSocketNotifier notifier_;
     std::vector<Notice> notices_;
+    wl_resource *toplevels_ = nullptr; ///< The manager that a program bound last.
 };
 
 } // namespace pavonel::test
