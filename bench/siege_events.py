@@ -41,7 +41,9 @@ def any_value(random, depth=0):
         return GLib.Variant("a{sv}", {text(random): any_value(random, depth + 1) for _ in range(random.randrange(4))})
     if kind == "(":
         return GLib.Variant.new_tuple(*(any_value(random, depth + 1) for _ in range(random.randrange(1, 4))))
-    return GLib.Variant("s", text(random)) if kind == "s" else GLib.Variant("as", [text(random) for _ in range(random.randrange(9))])
+    if kind == "s":
+        return GLib.Variant("s", text(random))
+    return GLib.Variant("as", [text(random) for _ in range(random.randrange(9))])
 
 
 def text(random):
