@@ -18,11 +18,14 @@ bool xServerAnswers() {
     return xcb_connection_has_error(connection.get()) == 0;
 }
 
-/// With these Qt leaves the windows of the break and the panels to us, believes where we move them to, and
-/// draws without OpenGL, which would cost half of our memory.
+/// With these Qt leaves the windows of the break and the panels to us, and believes where we move them to.
 void prepareQtForLayerShell() {
     setForUsAlone("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
     setForUsAlone("QT_WAYLAND_DISABLE_FIXED_POSITIONS", "1");
+}
+
+/// OpenGL would cost half of our memory.
+void drawWithoutOpenGl() {
     setForUsAlone("QT_WAYLAND_CLIENT_BUFFER_INTEGRATION", "none");
     // Qt says in two lines that there is no OpenGL integration of this name.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.wayland.warning=false"));
@@ -40,6 +43,7 @@ QByteArray preferred(bool layerShell) {
 void chooseWindowSystem() {
     if (!wayland::isOffered())
         return; // Qt finds an X server by itself
+    drawWithoutOpenGl();
     const bool layerShell = wayland::offersLayerShell();
     if (layerShell)
         prepareQtForLayerShell();

@@ -6,8 +6,41 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <chrono>
 
 namespace pavonel {
+
+namespace {
+
+bool isOnWayland() {
+    return QGuiApplication::platformName().startsWith(u"wayland");
+}
+
+/// Should another program insist on being in front too, this is how often each of us is.
+constexpr std::chrono::milliseconds comeBackDelay{300};
+
+} // namespace
+
+QtWindowLayers::QtWindowLayers() {
+    keyboardLost_.setSingleShot(true);
+    keyboardLost_.setInterval(comeBackDelay);
+    QObject::connect(&keyboardLost_, &QTimer::timeout, &context_, [this] { comeBack(); });
+    QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, &context_, [this](const QWindow *ours) {
+        if (!ours && !overlays_.empty() && isOnWayland())
+            keyboardLost_.start();
+    });
+}
+
+/// A compositor raises no window for a program, but puts one that opens in front.
+void QtWindowLayers::comeBack() {
+    if (QGuiApplication::focusWindow())
+        return;
+    const auto overlays = overlays_;
+    for (QWindow *each : overlays) {
+        each->hide();
+        each->showFullScreen();
+    }
+}
 
 QString QtWindowLayers::limitation() const {
     return QStringLiteral("This desktop does not let a break lie above fullscreen windows.");
@@ -28,11 +61,14 @@ void QtWindowLayers::show(QWindow &window, WindowLayer layer, const Screen &scre
     const auto wanted = std::ranges::find(attached, screen.name, &QScreen::name);
     if (wanted != attached.end())
         window.setScreen(*wanted);
+    overlays_.push_back(&window);
+    QObject::connect(&window, &QObject::destroyed, &context_,
+                     [this, &window] { std::erase(overlays_, &window); });
     window.showFullScreen();
 }
 
 bool QtWindowLayers::canBlend() const {
-    return QGuiApplication::platformName().startsWith(u"wayland"); // every compositor there does
+    return isOnWayland(); // every compositor there does
 }
 
 /// Qt takes whole points only.
@@ -42,6 +78,8 @@ void QtWindowLayers::cutTo(QWindow &window, const QRegion &pixels) {
 }
 
 void QtWindowLayers::takeKeyboard(QWindow &window) {
+    if (const auto found = std::ranges::find(overlays_, &window); found != overlays_.end())
+        std::rotate(found, found + 1, overlays_.end());
     window.requestActivate();
 }
 
