@@ -158,9 +158,11 @@ class Events:
         self.siege.logind.lock(False)
 
     def befall_clock(self):
+        self.siege.watch.change_day()
         self.siege.clock.set(self.random.choice((0, self.random.randrange(-DAY, DAY))))
 
     def befall_zone(self):
+        self.siege.watch.change_day()
         self.siege.clock.choose_zone(self.random.choice(ZONES))
 
     def befall_short_memory(self):

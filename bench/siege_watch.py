@@ -16,6 +16,7 @@ FADE = 2     # and its windows longer than that
 LIVED_LONG = 300  # seconds; growth shows only then
 COUNTED = ("micro", "long", "skipped", "breakSeconds", "screenSeconds")
 UNWRITTEN = {"screenSeconds": 60 + LATE, "breakSeconds": LONG + LATE}  # how much of them the store may lack
+SEEN_AFTER = 3  # seconds; another time of day
 WRITTEN_AFTER = 3  # seconds; a count that was seen so long ago
 
 
@@ -78,6 +79,7 @@ class Watch(threading.Thread):
         self.slowest, self.answers, self.breaks = 0.0, 0, set()
         self.running, self.covered, self.uncalled, self.told = Span(), Span(), Span(), set()
         self.last, self.counted, self.samples = {}, dict.fromkeys(COUNTED, 0), []
+        self.same_day_from = 0.0
         self.recently = collections.deque()  # with the time: what had been counted at each look of the last seconds
 
     def run(self):
@@ -136,16 +138,20 @@ class Watch(threading.Thread):
         return answer.unpack()[0]
 
     def count(self, status):
-        """What the program has counted so far: an amount that falls is another day's."""
+        """What the program has counted so far. Amounts that fall or leap are another day's."""
         now = {what: status["Today" + what[0].upper() + what[1:]] for what in COUNTED}
         with self.guard:
-            for what, value in now.items():
-                gained = value - self.last.get(what, value)
-                self.counted[what] += gained if 0 <= gained <= 5 else 0
+            gained = {what: amount - self.last.get(what, amount) for what, amount in now.items()}
+            if time.monotonic() > self.same_day_from and all(0 <= gain <= 5 for gain in gained.values()):
+                self.counted = {what: amount + gained[what] for what, amount in self.counted.items()}
             self.last = now
             self.recently.append((time.monotonic(), dict(self.counted)))
             while len(self.recently) > 1 and self.recently[1][0] < time.monotonic() - WRITTEN_AFTER:
                 self.recently.popleft()
+
+    def change_day(self):
+        """The program may see another day from now on; which, it does not tell."""
+        self.same_day_from = time.monotonic() + SEEN_AFTER
 
     def missing(self):
         """Of what should be in the store: what it lacks and how much. None when the store is damaged."""
