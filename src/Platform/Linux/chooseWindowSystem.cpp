@@ -27,8 +27,13 @@ void prepareQtForLayerShell() {
 /// OpenGL would cost half of our memory.
 void drawWithoutOpenGl() {
     setForUsAlone("QT_WAYLAND_CLIENT_BUFFER_INTEGRATION", "none");
-    // Qt says in two lines that there is no OpenGL integration of this name.
-    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.wayland.warning=false"));
+}
+
+/// Qt says in two lines that it has no OpenGL integration called "none". And since 6.8 it says of each call
+/// over the bus that no slot takes its arguments, where one takes the whole call.
+void silenceQtWhereAllIsWell() {
+    QLoggingCategory::setFilterRules(
+        QStringLiteral("qt.qpa.wayland.warning=false\nqt.dbus.integration.warning=false"));
 }
 
 /// The X server of a Wayland session can put windows above all others where the compositor cannot.
@@ -41,6 +46,7 @@ QByteArray preferred(bool layerShell) {
 } // namespace
 
 void chooseWindowSystem() {
+    silenceQtWhereAllIsWell();
     if (!wayland::isOffered())
         return; // Qt finds an X server by itself
     drawWithoutOpenGl();
