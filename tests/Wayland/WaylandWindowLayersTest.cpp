@@ -153,7 +153,7 @@ TEST_F(WaylandWindowLayersTest, outlives_an_output_that_goes_under_its_overlay) 
     auto second = overlay(1);
     ASSERT_TRUE(becomes({2047, 767}, blue));
     compositor().removeOutput(screens.all()[1].name);
-    EXPECT_TRUE(waitUntil([&] { return !second->isVisible(); }));
+    EXPECT_TRUE(waitUntil([] { return QGuiApplication::screens().size() == 1; }));
     second.reset();
     EXPECT_TRUE(becomes({1, 1}, blue));
     compositor().addOutput();

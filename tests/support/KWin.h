@@ -11,7 +11,8 @@
 namespace pavonel::test {
 
 /// A KWin that draws into memory. It has a session bus of its own, which the programs on it share; where it
-/// asks permission of programs by their desktop files, here it asks none.
+/// asks permission of programs by their desktop files, here it asks none. Where it can give no pictures, the
+/// test that makes it is skipped.
 class KWin final : public Compositor {
 public:
     /// The outputs are called "Virtual-0", "Virtual-1" …
@@ -35,6 +36,7 @@ public:
 
 private:
     void paintBackground();
+    static void skip();
 
     QTemporaryDir home_;
     QTemporaryDir runtime_;

@@ -113,8 +113,13 @@ void Sway::addOutput() {
     command(QStringLiteral("create_output"));
 }
 
-/// The window in which it is shown is asked to close.
+/// By the command for it, or else by asking the window in which it is shown to close: a newer sway ends when
+/// that happens to its last one.
 void Sway::removeOutput(const QString &name) {
+    if (ChildProcess::run(QStringLiteral("swaymsg"), {QStringLiteral("output %1 unplug").arg(name)},
+                          environment())
+            .status == 0)
+        return; // older ones do not know the command
     XClient x(screen_.display());
     const auto windows = x.stack();
     const auto window = std::ranges::find_if(
