@@ -31,6 +31,8 @@ extern "C" const char *__lsan_default_options() {
 /// These tests run with Qt on a Wayland compositor, which has to be there before Qt is.
 int main(int argc, char **argv) {
     ::testing::InitGoogleTest(&argc, argv);
+    qputenv("QT_NO_XDG_DESKTOP_PORTAL",
+            "1"); // Qt (6.8) loses its question to the portal where nobody answers it
     std::optional<pavonel::test::Sway> sway;
     if (GTEST_FLAG_GET(list_tests)) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
