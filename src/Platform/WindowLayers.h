@@ -5,10 +5,15 @@
 
 #include <Qt>
 
+#include <memory>
+
+class QRect;
 class QRegion;
 class QWindow;
 
 namespace pavonel {
+
+class Inset;
 
 enum class WindowLayer {
     panel = 25,    ///< Above every window but an overlay; never takes the keyboard.
@@ -44,9 +49,9 @@ public:
     /// blended, fades are painted.
     virtual bool canFade() const = 0;
 
-    /// Whether a small change in a large window costs little. Where it does not, what moves has to be a small
-    /// window of its own within the large one.
-    virtual bool updatesInPart() const { return true; }
+    /// A picture for what moves within this rectangle of a visible window; null where the window itself is to
+    /// be painted. Its edges lie between pixels. It keeps its place whatever becomes of the window's size.
+    virtual std::unique_ptr<Inset> inset(QWindow &window, const QRect &points) = 0;
 
     /// Cuts a window to this shape: clicks beside it reach what lies below, and where nothing is blended only
     /// the shape is seen. In device pixels, from the window's left upper corner; the window has its native

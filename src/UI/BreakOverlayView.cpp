@@ -1,17 +1,19 @@
-#include "UI/BreakOverlayView.h"
-
 #include "Core/ClockText.h"
+#include "Platform/Inset.h"
 #include "Platform/Platform.h"
 #include "UI/Backgrounds.h"
+#include "UI/BreakOverlayView.h"
 #include "UI/BreakScreenText.h"
 #include "UI/Ring.h"
-#include "UI/RingInset.h"
 #include "UI/SkipButton.h"
 
 #include <QPaintEvent>
 #include <QPainter>
+#include <QWindow>
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace pavonel {
 
@@ -46,22 +48,57 @@ double BreakOverlayView::progress() const {
 }
 
 void BreakOverlayView::settle() {
-    if (!isPrimary() || layers_.updatesInPart() || !window()->windowHandle())
+    QWindow *large = isPrimary() ? window()->windowHandle() : nullptr;
+    if (!large)
         return;
-    inset_ =
-        std::make_unique<RingInset>(*window()->windowHandle(), insetPlace(),
-                                    [this](QPainter &painter, const QRect &due) { paint(painter, due); });
-    update(); // such a window appears with the next picture of the large one
+    inset_ = layers_.inset(*large, insetPlace());
+    if (inset_)
+        paintAnew(insetPlace());
 }
 
+/// Around the ring, with its edges between pixels where a scale has any such points.
 QRect BreakOverlayView::insetPlace() const {
-    return layout_.ring.adjusted(-1, -1, 1, 1).toAlignedRect().translated(mapTo(window(), QPoint()));
+    const double ratio = devicePixelRatioF();
+    const auto isBetweenPixels = [ratio](int edge) {
+        return std::abs(edge * ratio - std::round(edge * ratio)) < 1e-6;
+    };
+    constexpr int farthest = 20; // for a scale of a twentieth more or less
+    const auto moved = [&](int edge, int step) {
+        for (int i = 0; i < farthest; ++i) {
+            if (isBetweenPixels(edge + i * step))
+                return edge + i * step;
+        }
+        return edge;
+    };
+    const QRect around = layout_.ring.adjusted(-1, -1, 1, 1).toAlignedRect();
+    const QPoint topLeft(moved(around.left(), -1), moved(around.top(), -1));
+    const QPoint end(moved(around.right() + 1, 1), moved(around.bottom() + 1, 1));
+    return {topLeft, end - QPoint(1, 1)};
+}
+
+/// At once: to ask for it would wake the loop again in each frame.
+void BreakOverlayView::paintAnew(const QRect &due) {
+    if (!inset_) {
+        repaint(due);
+        return;
+    }
+    const QPoint place = insetPlace().topLeft();
+    QPainter painter(&inset_->picture());
+    painter.translate(-place);
+    painter.setClipRect(due);
+    paint(painter, due);
+    painter.end();
+    const double ratio = inset_->picture().devicePixelRatio();
+    const QRectF pixels(QPointF(due.topLeft() - place) * ratio, QSizeF(due.size()) * ratio);
+    inset_->show(pixels.toAlignedRect() & inset_->picture().rect());
 }
 
 void BreakOverlayView::freeze() {
     refresher_.reset();
     refresh();
-    inset_.reset();
+    const auto covering = std::exchange(inset_, nullptr); // until what it covers is up to date
+    if (covering)
+        repaint(insetPlace());
     if (skip_)
         skip_->setEnabled(false); // a late click must not end the next break
 }
@@ -98,7 +135,7 @@ void BreakOverlayView::refresh() {
 void BreakOverlayView::updateTime() {
     const QRect changed = breakScreen::timeRect(layout_.ring).toAlignedRect();
     if (inset_)
-        inset_->updatePart(changed);
+        paintAnew(changed);
     else
         update(changed);
 }
@@ -106,10 +143,7 @@ void BreakOverlayView::updateTime() {
 void BreakOverlayView::updateArc() {
     const QRectF changed = ring::changed(layout_.ring, drawnProgress_, glide_.reached());
     drawnProgress_ = glide_.reached();
-    if (inset_)
-        inset_->updatePart(changed.toAlignedRect());
-    else
-        repaint(changed.toAlignedRect()); // at once: to ask for it would wake the loop again in each frame
+    paintAnew(changed.toAlignedRect());
 }
 
 void BreakOverlayView::arrange() {
@@ -131,7 +165,7 @@ void BreakOverlayView::arrange() {
     skip_->setVisible(shown_.still.skipPermitted);
     skip_->setGeometry(QRect(layout_.skip.topLeft().toPoint(), skip_->sizeHint()));
     if (inset_)
-        inset_->setGeometry(insetPlace());
+        settle();
 }
 
 void BreakOverlayView::breakMessage(double scale, double room) {

@@ -13,7 +13,7 @@
 namespace pavonel {
 
 class Backgrounds;
-class RingInset;
+class Inset;
 class SkipButton;
 class WindowLayers;
 
@@ -73,6 +73,7 @@ private:
     void updateTime();
     void updateArc();
     void paint(QPainter &painter, const QRect &due);
+    void paintAnew(const QRect &due);
     QRect insetPlace() const;
     void paintBackground(QPainter &painter);
 
@@ -87,8 +88,8 @@ private:
     std::optional<MessageText> message_;
     SkipButton *skip_ = nullptr; ///< A child; hidden while skipping is not permitted.
     RingGlide glide_;
-    std::unique_ptr<RingInset> inset_; ///< Shows ring and time in our stead.
-    double drawnProgress_ = 0;         ///< Where the arc ends on the screen.
+    std::unique_ptr<Inset> inset_; ///< Shows ring and time in our stead.
+    double drawnProgress_ = 0;     ///< Where the arc ends on the screen.
     std::optional<Refresher> refresher_;
 };
 

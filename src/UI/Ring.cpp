@@ -1,10 +1,11 @@
 #include "UI/Ring.h"
 
+#include <QImage>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <numbers>
 
 namespace pavonel::ring {
@@ -14,9 +15,6 @@ namespace {
 constexpr double trackOpacity = 0.12;
 constexpr double arcOpacity = 0.85;
 constexpr double antialiasing = 1; // how far beyond its edge a line is seen
-constexpr double fullTurn = 360;
-constexpr double twelve = 90; // o'clock, in degrees that grow anticlockwise from three o'clock
-
 /// A smaller ring has a finer line.
 double lineWidth(const QRectF &square) {
     constexpr double ofWholeSide = 6;
@@ -28,18 +26,9 @@ double radius(const QRectF &square) {
     return (square.width() - lineWidth(square)) / 2;
 }
 
-QRectF circle(const QRectF &square) {
-    const double inset = lineWidth(square) / 2;
-    return square.adjusted(inset, inset, -inset, -inset);
-}
-
 QPointF endOfArc(const QRectF &square, double progress) {
     const double angle = progress * 2 * std::numbers::pi;
     return square.center() + QPointF(std::sin(angle), -std::cos(angle)) * radius(square);
-}
-
-QPen pen(const QRectF &square, double opacity, Qt::PenCapStyle cap) {
-    return {QColor::fromRgbF(1, 1, 1, static_cast<float>(opacity)), lineWidth(square), Qt::SolidLine, cap};
 }
 
 /// Whether nothing of the line can be seen in the rectangle.
@@ -50,31 +39,71 @@ bool liesWithinTheHole(const QRectF &rect, const QRectF &square) {
     return farthest < radius(square) - lineWidth(square) / 2 - antialiasing;
 }
 
-/// A part of the circle, as shares of the way around.
-struct Span {
-    double from;
-    double to;
-};
-constexpr Span wholeCircle{0, 1};
-
-/// The part of the circle that can be seen in the rectangle, and a little more.
-Span touched(const QRectF &square, const QRectF &rect) {
-    const QPointF middle = rect.center() - square.center();
-    const double reach = std::hypot(rect.width(), rect.height()) / 2 + lineWidth(square);
-    if (reach > radius(square) / 2)
-        return wholeCircle;
-    const double turn = std::atan2(middle.x(), -middle.y()) / (2 * std::numbers::pi);
-    const double share = turn < 0 ? turn + 1 : turn;
-    const double half = std::asin(reach / (radius(square) - lineWidth(square))) / (2 * std::numbers::pi);
-    const bool atTwelve = share < half || share > 1 - half;
-    return atTwelve ? wholeCircle : Span{share - half, share + half};
+double length(QPointF way) {
+    return std::sqrt(QPointF::dotProduct(way, way));
 }
 
-void strokeArc(QPainter &painter, const QRectF &square, Span span, const QPen &pen) {
-    QPainterPath arc;
-    arc.arcMoveTo(circle(square), twelve - fullTurn * span.from);
-    arc.arcTo(circle(square), twelve - fullTurn * span.from, -fullTurn * (span.to - span.from));
-    painter.strokePath(arc, pen);
+/// Positive where one gets from the first direction to the second by turning clockwise for less than half a
+/// turn.
+double turn(QPointF from, QPointF to) {
+    return from.x() * to.y() - from.y() * to.x();
+}
+
+/// The track with the arc on it, by how far a place lies from the middle of their line.
+class Line {
+public:
+    Line(const QRectF &square, double progress)
+        : middle_(square.center()), radius_(radius(square)), half_(lineWidth(square) / 2), arc_(progress),
+          start_(endOfArc(square, 0) - middle_), end_(endOfArc(square, progress) - middle_) {}
+
+    double opacityAt(QPointF place) const {
+        const QPointF to = place - middle_;
+        const double aside = std::abs(length(to) - radius_);
+        const double track = covered(aside);
+        if (track <= 0 || arc_ <= 0)
+            return trackOpacity * track;
+        const double arc =
+            covered(isBesideArc(to) ? aside : std::min(length(to - start_), length(to - end_)));
+        return 1 - (1 - trackOpacity * track) * (1 - arcOpacity * arc);
+    }
+
+private:
+    /// The share of a pixel that the line covers.
+    double covered(double distance) const { return std::clamp(half_ + 0.5 - distance, 0.0, 1.0); }
+
+    bool isBesideArc(QPointF to) const {
+        constexpr double half = 0.5;
+        const bool behindStart = turn(start_, to) >= 0;
+        const bool beforeEnd = turn(to, end_) >= 0;
+        return arc_ <= half ? behindStart && beforeEnd : behindStart || beforeEnd;
+    }
+
+    QPointF middle_;
+    double radius_;
+    double half_;
+    double arc_;
+    QPointF start_; ///< From the middle, as the end.
+    QPointF end_;
+};
+
+/// In white, whose lanes are all as large as its opacity.
+QImage drawn(const Line &line, const QRect &pixels) {
+    constexpr double full = 255;
+    constexpr double half = 0.5; // of a pixel to its middle, and of a level for rounding
+    constexpr std::uint32_t inEachLane = 0x01010101;
+    QImage image(pixels.size(), QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < image.height(); ++y) {
+        auto *pixel = reinterpret_cast<std::uint32_t *>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            const double opacity = line.opacityAt(pixels.topLeft() + QPointF(x + half, y + half));
+            pixel[x] = static_cast<std::uint32_t>(full * opacity + half) * inEachLane;
+        }
+    }
+    return image;
+}
+
+QRectF scaled(const QRectF &rect, double ratio) {
+    return {rect.topLeft() * ratio, rect.size() * ratio};
 }
 
 } // namespace
@@ -83,16 +112,17 @@ double circumference(const QRectF &square) {
     return 2 * std::numbers::pi * radius(square);
 }
 
+/// For the few pixels of a frame that is less work by far than to stroke a path.
 void paint(QPainter &painter, const QRectF &square, double progress, const QRectF &due) {
     if (liesWithinTheHole(due, square))
         return;
-    const Span seen = touched(square, due);
-    painter.setRenderHint(QPainter::Antialiasing);
-    strokeArc(painter, square, seen, pen(square, trackOpacity, Qt::FlatCap));
-    if (progress > seen.from)
-        strokeArc(painter, square, {seen.from, std::min(progress, seen.to)},
-                  pen(square, arcOpacity, Qt::RoundCap));
-    painter.setRenderHint(QPainter::Antialiasing, false);
+    const double ratio = painter.deviceTransform().m11();
+    const QRectF seen = due & square.adjusted(-antialiasing, -antialiasing, antialiasing, antialiasing);
+    const QRect pixels = scaled(seen, ratio).toAlignedRect();
+    painter.save();
+    painter.scale(1 / ratio, 1 / ratio);
+    painter.drawImage(pixels.topLeft(), drawn({scaled(square, ratio), progress}, pixels));
+    painter.restore();
 }
 
 QRectF changed(const QRectF &square, double from, double to) {

@@ -229,6 +229,49 @@ TEST_F(BreakScreen, the_pieces_add_up_to_what_a_whole_painting_shows) {
     }
 }
 
+TEST_F(BreakScreen, where_the_desktop_has_insets_what_moves_is_painted_in_one_and_the_window_never_again) {
+    scenario.platform.layers.givesInsets = true;
+    startBreak(7);
+    show();
+    view->settle();
+    PaintSpy spy(*view);
+    for (int frame = 0; frame < 180; ++frame) {
+        scenario.platform.loop.advance(1 / 30.0);
+        paintDue();
+    }
+    EXPECT_EQ(spy.paints, 0);
+    const QRect place = scenario.platform.layers.insetPlace;
+    EXPECT_TRUE(place.contains(ringRect().toAlignedRect()));
+    const QImage whole = picture().copy(place);
+    const QImage &pieces = scenario.platform.layers.insetShown;
+    ASSERT_EQ(pieces.size(), whole.size());
+    for (int y = 0; y < whole.height(); ++y) {
+        for (int x = 0; x < whole.width(); ++x)
+            ASSERT_NEAR(qGreen(pieces.pixel(x, y)), qGreen(whole.pixel(x, y)), 8) << x << ' ' << y;
+    }
+}
+
+TEST_F(BreakScreen, frozen_the_window_shows_what_the_inset_did) {
+    scenario.platform.layers.givesInsets = true;
+    startBreak(7);
+    show();
+    view->settle();
+    scenario.advance(3);
+    PaintSpy spy(*view);
+    view->freeze();
+    EXPECT_TRUE(spy.region.boundingRect().contains(ringRect().toAlignedRect()));
+}
+
+TEST_F(BreakScreen, an_inset_follows_the_ring_to_its_new_place) {
+    scenario.platform.layers.givesInsets = true;
+    startBreak(20);
+    show();
+    view->settle();
+    view->resize(1280, 720);
+    paintDue();
+    EXPECT_TRUE(scenario.platform.layers.insetPlace.contains(ringRect().toAlignedRect()));
+}
+
 TEST_F(BreakScreen, a_second_of_the_clock_paints_no_more_than_the_ring) {
     startBreak(300);
     show();

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Wayland/WaylandWindowLayers.h"
 
+#include "Platform/Inset.h"
 #include "Wayland/compositor.h"
 #include "support/OtherWindow.h"
 #include "support/VirtualInput.h"
@@ -158,6 +159,69 @@ TEST_F(WaylandWindowLayersTest, outlives_an_output_that_goes_under_its_overlay) 
     EXPECT_TRUE(becomes({1, 1}, blue));
     compositor().addOutput();
     EXPECT_TRUE(waitUntil([] { return QGuiApplication::screens().size() == 2; }));
+}
+
+class InsetTest : public WaylandWindowLayersTest {
+protected:
+    void SetUp() override {
+        WaylandWindowLayersTest::SetUp();
+        large = overlay(0);
+        ASSERT_TRUE(becomes({1, 1}, blue));
+        inset = layers->inset(*large->windowHandle(), place);
+        ASSERT_TRUE(inset);
+    }
+
+    void fill(const QRect &part, const QColor &colour) {
+        QPainter(&inset->picture()).fillRect(part, colour);
+        inset->show(part);
+    }
+
+    static constexpr QRect place{300, 200, 80, 60};
+    std::unique_ptr<Layered> large;
+    std::unique_ptr<Inset> inset;
+};
+
+TEST_F(InsetTest, shows_its_picture_in_its_place_in_the_window) {
+    fill(inset->picture().rect(), green);
+    for (const QPoint corner : {place.topLeft(), place.bottomRight()})
+        EXPECT_TRUE(becomes(corner, green));
+    EXPECT_TRUE(becomes(place.topLeft() - QPoint(1, 1), blue));
+    EXPECT_TRUE(becomes(place.bottomRight() + QPoint(1, 1), blue));
+}
+
+TEST_F(InsetTest, a_hundred_changes_faster_than_the_compositor_takes_them_all_arrive) {
+    fill(inset->picture().rect(), blue);
+    const int width = place.width();
+    for (int i = 0; i < 100; ++i)
+        fill({i % width, i / width, 1, 1}, green);
+    EXPECT_TRUE(waitUntil([&] {
+        const QImage picture = compositor().picture();
+        return picture.pixelColor(place.topLeft()) == green &&
+               picture.pixelColor(place.topLeft() + QPoint(50, 0)) == green &&
+               picture.pixelColor(place.topLeft() + QPoint(99 % width, 1)) == green &&
+               picture.pixelColor(place.topLeft() + QPoint(99 % width + 1, 1)) == blue;
+    }));
+}
+
+TEST_F(InsetTest, leaves_clicks_to_the_window_and_the_window_as_it_was) {
+    fill(inset->picture().rect(), green);
+    ASSERT_TRUE(becomes(place.center(), green));
+    compositor().click(place.center());
+    EXPECT_TRUE(waitUntil([&] { return large->clicks == 1; }));
+    inset.reset();
+    large->update();
+    EXPECT_TRUE(becomes(place.center(), blue));
+}
+
+TEST_F(InsetTest, may_be_shown_in_a_window_that_is_gone) {
+    fill(inset->picture().rect(), green);
+    ASSERT_TRUE(becomes(place.center(), green));
+    large->hide();
+    fill(inset->picture().rect(), blue);
+    inset.reset();
+    large.reset();
+    const auto next = overlay(0);
+    EXPECT_TRUE(becomes({1, 1}, blue));
 }
 
 } // namespace

@@ -31,10 +31,12 @@ public:
 
     int keyPresses = 0;
     int paints = 0;
+    int clicks = 0;
     xcb_window_t id() const { return static_cast<xcb_window_t>(winId()); }
 
 private:
     void keyPressEvent(QKeyEvent *) override { ++keyPresses; }
+    void mousePressEvent(QMouseEvent *) override { ++clicks; }
     void paintEvent(QPaintEvent *) override {
         ++paints;
         QPainter(this).fillRect(rect(), colour_);

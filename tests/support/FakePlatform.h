@@ -1,10 +1,12 @@
 #pragma once
 
+#include "Platform/Inset.h"
 #include "Platform/Platform.h"
 #include "support/VirtualMainLoop.h"
 
 #include <QHash>
 #include <QImage>
+#include <QPainter>
 #include <QWindow>
 
 #include <utility>
@@ -164,6 +166,26 @@ struct FakeWindowLayers final : Limited<WindowLayers> {
     void show(QWindow &window, WindowLayer layer, const Screen &screen) override {
         assignments.push_back({&window, layer, screen});
         window.show();
+    }
+    bool givesInsets = false;
+    QRect insetPlace; ///< In points.
+    QImage insetShown;
+
+    std::unique_ptr<Inset> inset(QWindow &window, const QRect &points) override {
+        struct FakeInset final : Inset {
+            FakeInset(QSize size, double ratio, QImage &onScreen) : Inset(size, ratio), screen(onScreen) {
+                screen = QImage(picture().size(), QImage::Format_RGB32);
+                screen.fill(Qt::magenta);
+            }
+            void show(const QRect &pixels) override {
+                QPainter(&screen).drawImage(pixels.topLeft(), picture().copy(pixels));
+            }
+            QImage &screen;
+        };
+        insetPlace = points;
+        if (!givesInsets)
+            return nullptr;
+        return std::make_unique<FakeInset>(points.size(), window.devicePixelRatio(), insetShown);
     }
     bool canBlend() const override { return blends; }
     bool canFade() const override {

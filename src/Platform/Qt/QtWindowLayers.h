@@ -1,10 +1,12 @@
 #pragma once
 
+#include "Platform/Inset.h"
 #include "Platform/WindowLayers.h"
 
 #include <QObject>
 #include <QTimer>
 
+#include <memory>
 #include <vector>
 
 namespace pavonel {
@@ -19,7 +21,8 @@ public:
     void show(QWindow &window, WindowLayer layer, const Screen &screen) override;
     bool canBlend() const override;
     bool canFade() const override { return false; }
-    bool updatesInPart() const override { return false; } // Qt copies all of it
+    /// None: a window that opens again has another surface, and an inset would stay with the one before.
+    std::unique_ptr<Inset> inset(QWindow &, const QRect &) override { return nullptr; }
     void cutTo(QWindow &window, const QRegion &pixels) override;
     void takeKeyboard(QWindow &window) override;
     void yieldKeyboard() override {}

@@ -1,16 +1,16 @@
 #include "Platform/Linux/Wayland/LayerSurface.h"
 
+#include "Platform/Linux/Wayland/QtWayland.h"
+
 #include <QEvent>
 #include <QGuiApplication>
 #include <QPlatformSurfaceEvent>
 #include <QWindow>
-#include <qpa/qplatformnativeinterface.h>
 
 #include <algorithm>
 #include <chrono>
 #include <utility>
 
-#include <wayland-client.h>
 #include <wlr-layer-shell-unstable-v1-client-protocol.h>
 
 namespace pavonel {
@@ -25,20 +25,14 @@ constexpr std::uint32_t largest = 32'767; // points; what a compositor asks for 
 /// The first version in which a surface may change its layer.
 constexpr std::uint32_t movableVersion = ZWLR_LAYER_SURFACE_V1_SET_LAYER_SINCE_VERSION;
 
-wl_surface *surfaceOf(QWindow &window) {
-    return static_cast<wl_surface *>(
-        QGuiApplication::platformNativeInterface()->nativeResourceForWindow("surface", &window));
-}
-
 } // namespace
 
-LayerSurface::LayerSurface(const Compositor &compositor, QWindow &window, WindowLayer layer,
-                           wl_output *output, const QRect &outputFrame)
-    : compositor_(compositor), window_(window), layer_(layer), outputFrame_(outputFrame),
-      surface_(surfaceOf(window)) {
+LayerSurface::LayerSurface(zwlr_layer_shell_v1 &shell, QWindow &window, WindowLayer layer, wl_output *output,
+                           const QRect &outputFrame)
+    : window_(window), layer_(layer), outputFrame_(outputFrame), surface_(qtWayland::surfaceOf(window)) {
     if (!surface_)
         return;
-    giveRole(output);
+    giveRole(shell, output);
     if (window.flags() & Qt::WindowTransparentForInput)
         letInputPass();
     wl_surface_commit(surface_);
@@ -52,7 +46,7 @@ LayerSurface::~LayerSurface() {
     drop();
 }
 
-void LayerSurface::giveRole(wl_output *output) {
+void LayerSurface::giveRole(zwlr_layer_shell_v1 &shell, wl_output *output) {
     static const zwlr_layer_surface_v1_listener listener{
         [](void *self, zwlr_layer_surface_v1 *, std::uint32_t serial, std::uint32_t width,
            std::uint32_t height) {
@@ -61,8 +55,8 @@ void LayerSurface::giveRole(wl_output *output) {
                                                                static_cast<int>(std::min(height, largest))));
         },
         [](void *self, zwlr_layer_surface_v1 *) { static_cast<LayerSurface *>(self)->close(); }};
-    role_ = zwlr_layer_shell_v1_get_layer_surface(compositor_.shell, surface_, output,
-                                                  ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, "pavonel");
+    role_ = zwlr_layer_shell_v1_get_layer_surface(&shell, surface_, output, ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY,
+                                                  "pavonel");
     zwlr_layer_surface_v1_add_listener(role_, &listener, this);
     if (layer_ == WindowLayer::overlay) {
         zwlr_layer_surface_v1_set_exclusive_zone(role_, -1); // over bars too
@@ -105,7 +99,7 @@ void LayerSurface::stand(Beside what) {
 }
 
 void LayerSurface::letInputPass() {
-    wl_region *nowhere = wl_compositor_create_region(compositor_.compositor);
+    wl_region *nowhere = wl_compositor_create_region(qtWayland::compositor());
     wl_surface_set_input_region(surface_, nowhere);
     wl_region_destroy(nowhere);
 }

@@ -6,7 +6,6 @@
 #include <QObject>
 #include <QTimer>
 
-struct wl_compositor;
 struct wl_output;
 struct wl_surface;
 struct zwlr_layer_shell_v1;
@@ -18,14 +17,8 @@ namespace pavonel {
 /// appears as soon as the compositor has told its size.
 class LayerSurface final : public QObject {
 public:
-    /// What of the compositor all surfaces share.
-    struct Compositor {
-        zwlr_layer_shell_v1 *shell;
-        wl_compositor *compositor;
-    };
-
     /// The window has its native window. Without an output the compositor chooses one.
-    LayerSurface(const Compositor &compositor, QWindow &window, WindowLayer layer, wl_output *output,
+    LayerSurface(zwlr_layer_shell_v1 &shell, QWindow &window, WindowLayer layer, wl_output *output,
                  const QRect &outputFrame);
     ~LayerSurface() override;
 
@@ -39,7 +32,7 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void giveRole(wl_output *output);
+    void giveRole(zwlr_layer_shell_v1 &shell, wl_output *output);
     void letInputPass();
     void askForKeyboard();
     void place();
@@ -48,7 +41,6 @@ private:
     void close();
     void drop();
 
-    Compositor compositor_;
     QWindow &window_;
     WindowLayer layer_;
     QRect outputFrame_;

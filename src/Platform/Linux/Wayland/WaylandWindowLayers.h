@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Linux/Wayland/LayerSurface.h"
+#include "Platform/Linux/Wayland/WaylandInsets.h"
 #include "Platform/Qt/QtScreens.h"
 
 #include <QObject>
@@ -22,19 +23,22 @@ public:
     void show(QWindow &window, WindowLayer layer, const Screen &screen) override;
     bool canBlend() const override { return true; }
     bool canFade() const override { return false; }
-    bool updatesInPart() const override { return false; } // Qt copies all of it
+    std::unique_ptr<Inset> inset(QWindow &window, const QRect &points) override {
+        return insets_.make(window, points);
+    }
     void cutTo(QWindow &window, const QRegion &pixels) override;
     void takeKeyboard(QWindow &) override {} // the compositor gives it to each overlay that appears
     void yieldKeyboard() override {}
 
 private:
-    WaylandWindowLayers(const LayerSurface::Compositor &compositor, std::shared_ptr<WorkedOn> workedOn);
+    WaylandWindowLayers(zwlr_layer_shell_v1 &shell, std::shared_ptr<WorkedOn> workedOn);
 
     void forget(const QWindow *window);
     void follow(QWindow &panel);
     void arrange();
 
-    LayerSurface::Compositor compositor_;
+    zwlr_layer_shell_v1 &shell_;
+    WaylandInsets insets_;
     std::shared_ptr<WorkedOn> workedOn_;
     QObject context_;
     std::vector<std::unique_ptr<LayerSurface>> surfaces_;

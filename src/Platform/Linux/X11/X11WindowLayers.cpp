@@ -1,5 +1,6 @@
 #include "Platform/Linux/X11/X11WindowLayers.h"
 
+#include "Platform/Linux/X11/X11Inset.h"
 #include "Platform/Linux/X11/X11Points.h"
 
 #include <QGuiApplication>
@@ -243,6 +244,10 @@ bool X11WindowLayers::canBlend() const {
         connection_->xcb(),
         xcb_get_selection_owner(connection_->xcb(), connection_->atom(selection.constData())), nullptr));
     return reply && reply->owner != XCB_WINDOW_NONE;
+}
+
+std::unique_ptr<Inset> X11WindowLayers::inset(QWindow &window, const QRect &points) {
+    return X11Inset::make(connection_, window, points);
 }
 
 void X11WindowLayers::cutTo(QWindow &window, const QRegion &pixels) {

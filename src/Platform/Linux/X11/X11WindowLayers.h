@@ -24,6 +24,7 @@ public:
     void show(QWindow &window, WindowLayer layer, const Screen &screen) override;
     bool canBlend() const override;
     bool canFade() const override { return canBlend(); }
+    std::unique_ptr<Inset> inset(QWindow &window, const QRect &points) override;
     void cutTo(QWindow &window, const QRegion &pixels) override;
     void takeKeyboard(QWindow &window) override;
     void yieldKeyboard() override;
