@@ -4,6 +4,8 @@
 #include "support/waitUntil.h"
 
 #include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
 
 #include <limits>
 #include <thread>
@@ -119,6 +121,32 @@ TEST(QtMainLoop, a_timer_may_replace_itself_within_its_action) {
     };
     timer = loop.after(0.01, again);
     EXPECT_TRUE(waitUntil([&] { return fired == 3; }));
+}
+
+TEST(QtMainLoop, what_a_beat_posts_is_done_in_the_same_wake_up_once_all_its_timers_have_fired) {
+    QtMainLoop loop;
+    std::vector<char> order;
+    const auto first = loop.every(0.01, [&] {
+        order.push_back('a');
+        loop.post([&] { order.push_back('p'); });
+    });
+    const auto second = loop.every(0.01, [&] { order.push_back('b'); });
+    ASSERT_TRUE(waitUntil([&] { return order.size() >= 9; }));
+    order.resize(6);
+    EXPECT_EQ(order, (std::vector<char>{'a', 'b', 'p', 'a', 'b', 'p'}));
+}
+
+TEST(QtMainLoop, what_is_posted_within_a_loop_of_an_action_is_done_there) {
+    QtMainLoop loop;
+    bool done = false;
+    TimerHandle timer = loop.every(0.01, [&] {
+        timer.reset();
+        QEventLoop inner;
+        QTimer::singleShot(0, [&] { loop.post([&] { inner.quit(); }); });
+        inner.exec();
+        done = true;
+    });
+    EXPECT_TRUE(waitUntil([&] { return done; }));
 }
 
 TEST(QtMainLoop, timers_of_the_same_interval_fire_in_one_wake_up) {

@@ -1,6 +1,7 @@
 #include "Platform/Qt/QtMainLoop.h"
 
 #include <QCoreApplication>
+#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
@@ -53,10 +54,18 @@ private:
 
 } // namespace
 
+/// What actions that are due together share: one look at the zone, and the rest of the wake-up, in which is
+/// done what they post.
+struct QtMainLoop::Beat {
+    int loopLevel; ///< In a loop within theirs nobody waits for their end.
+    QTimeZone zone;
+    std::vector<Action> posted;
+};
+
 /// One QTimer for all repeating timers of an interval.
 class QtMainLoop::Metronome {
 public:
-    explicit Metronome(milliseconds interval) {
+    Metronome(QtMainLoop &loop, milliseconds interval) : loop_(loop) {
         // A beat of seconds may give way a little, so that one wake-up serves several; a short one is motion.
         timer_.setTimerType(interval >= std::chrono::seconds(1) ? Qt::CoarseTimer : Qt::PreciseTimer);
         QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { beat(); });
@@ -72,12 +81,10 @@ private:
         // An action may end any of the timers, and the last one takes this object along.
         std::erase_if(subscribers_, [](const auto &subscriber) { return subscriber.expired(); });
         const auto subscribers = subscribers_;
-        for (const auto &weak : subscribers) {
-            if (const auto action = weak.lock())
-                (*action)();
-        }
+        loop_.run(subscribers);
     }
 
+    QtMainLoop &loop_;
     QTimer timer_;
     std::vector<std::weak_ptr<Action>> subscribers_;
 };
@@ -106,7 +113,11 @@ Instant QtMainLoop::now() const {
 }
 
 QTimeZone QtMainLoop::zone() const {
-    return zone_.current();
+    if (!beat_)
+        return zone_.current();
+    if (!beat_->zone.isValid())
+        beat_->zone = zone_.current();
+    return beat_->zone;
 }
 
 TimerHandle QtMainLoop::every(Seconds interval, Action action) {
@@ -114,7 +125,7 @@ TimerHandle QtMainLoop::every(Seconds interval, Action action) {
     auto &known = metronomes_[beat];
     auto metronome = known.lock();
     if (!metronome)
-        known = metronome = std::make_shared<Metronome>(beat);
+        known = metronome = std::make_shared<Metronome>(*this, beat);
     return std::make_unique<Repeating<Metronome>>(std::move(metronome), std::move(action));
 }
 
@@ -123,7 +134,23 @@ TimerHandle QtMainLoop::after(Seconds delay, Action action) {
 }
 
 void QtMainLoop::post(Action action) {
-    QMetaObject::invokeMethod(&context_, std::move(action), Qt::QueuedConnection);
+    const QThread *thread = QThread::currentThread();
+    if (thread == context_.thread() && beat_ && beat_->loopLevel == thread->loopLevel())
+        beat_->posted.push_back(std::move(action));
+    else
+        QMetaObject::invokeMethod(&context_, std::move(action), Qt::QueuedConnection);
+}
+
+void QtMainLoop::run(const std::vector<std::weak_ptr<Action>> &actions) {
+    Beat beat{QThread::currentThread()->loopLevel(), {}, {}};
+    Beat *outer = std::exchange(beat_, &beat);
+    for (const auto &weak : actions) {
+        if (const auto action = weak.lock())
+            (*action)();
+    }
+    beat_ = outer;
+    for (const Action &action : beat.posted)
+        action();
 }
 
 void QtMainLoop::quit(int status) {

@@ -7,6 +7,8 @@
 
 #include <chrono>
 #include <map>
+#include <memory>
+#include <vector>
 
 namespace pavonel {
 
@@ -25,8 +27,13 @@ public:
 
 private:
     class Metronome;
+    struct Beat;
+
+    /// Runs actions that are due together.
+    void run(const std::vector<std::weak_ptr<Action>> &actions);
 
     QObject context_;
+    Beat *beat_ = nullptr; ///< Whose actions are running, for the main thread alone.
     mutable LocalZone zone_;
     std::map<std::chrono::milliseconds, std::weak_ptr<Metronome>> metronomes_;
 };

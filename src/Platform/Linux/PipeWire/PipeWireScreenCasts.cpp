@@ -13,6 +13,8 @@
 #include <set>
 #include <utility>
 
+#include <unistd.h>
+
 namespace pavonel {
 
 namespace {
@@ -45,14 +47,14 @@ bool isOfTheDesktop(std::uint32_t process) {
     return program.endsWith(u"/plasmashell") || program.endsWith(u"/xdg-desktop-portal-kde");
 }
 
-/// An attempt to connect starts a thread; looking for the server's socket costs nothing.
+/// An attempt to connect starts a thread; looking for the server's socket costs little.
 bool mayBeReachable() {
     if (qEnvironmentVariableIsSet("PIPEWIRE_REMOTE"))
         return true;
-    QString folder = qEnvironmentVariable("PIPEWIRE_RUNTIME_DIR");
+    QByteArray folder = qgetenv("PIPEWIRE_RUNTIME_DIR");
     if (folder.isEmpty())
-        folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    return QFile::exists(folder + QStringLiteral("/pipewire-0"));
+        folder = qgetenv("XDG_RUNTIME_DIR");
+    return ::access((folder + "/pipewire-0").constData(), F_OK) == 0;
 }
 
 } // namespace
