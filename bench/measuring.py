@@ -9,18 +9,17 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 PROGRAM = ROOT / "build/release/pavonel"
+FLOOR = ROOT / "build/release/bench_floor"
 ON_WAYLAND = "WAYLAND_DISPLAY" in os.environ
 MIB = 1024
 
 
-class Pavonel:
-    def __init__(self, settings):
-        store = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "pavonel/defaults.json"
-        store.parent.mkdir(parents=True, exist_ok=True)
-        # Nobody types here, which must not count as being away: then nothing would be counted or asked.
-        store.write_text(json.dumps({"didOnboard": True, "idleResetSeconds": 86400} | settings))
+class Program:
+    """A process and the kernel's accounts of it."""
+
+    def __init__(self, *command, **options):
         self.started_at = time.monotonic()
-        self.process = subprocess.Popen([PROGRAM])
+        self.process = subprocess.Popen(command, **options)
 
     def end(self):
         self.process.send_signal(signal.SIGTERM)
@@ -50,14 +49,35 @@ class Pavonel:
         return kilobytes["Private_Dirty:"] / MIB, kilobytes["Rss:"] / MIB
 
 
-def report(what, figure, budget, unit):
+class Pavonel(Program):
+    def __init__(self, settings):
+        store = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "pavonel/defaults.json"
+        store.parent.mkdir(parents=True, exist_ok=True)
+        # Nobody types here, which must not count as being away: then nothing would be counted or asked.
+        store.write_text(json.dumps({"didOnboard": True, "idleResetSeconds": 86400} | settings))
+        super().__init__(PROGRAM)
+
+
+class Floor(Program):
+    """The least that a program of Qt's does. It says a word when its loop runs, and one when its windows are hidden."""
+
+    def __init__(self, *seconds):
+        super().__init__(FLOOR, *seconds, stdout=subprocess.PIPE)
+
+    def await_word(self):
+        self.process.stdout.readline()
+        return time.monotonic()
+
+
+def report(what, figure, budget, unit, floor=None):
     verdict = "" if figure <= budget else "   OVER BUDGET"
-    print(f"{what:58} {figure:7.1f} {unit:4} of {budget:g}{verdict}", flush=True)
+    beside = "" if floor is None else f"   (floor {floor:.1f})"
+    print(f"{what:58} {figure:7.1f} {unit:4} of {budget:g}{beside}{verdict}", flush=True)
 
 
-def build(*options):
-    """The release, as people run it."""
-    for job in (["--preset", "release", *options], ["--build", "--preset", "release"]):
+def build():
+    """The release, as people run it, and what is measured beside it."""
+    for job in (["--preset", "release", "-DPAVONEL_BENCHES=ON"], ["--build", "--preset", "release"]):
         subprocess.run(["cmake", *job], cwd=ROOT, check=True, stdout=sys.stderr)
 
 
