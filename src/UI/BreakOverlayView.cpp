@@ -1,8 +1,9 @@
+#include "UI/BreakOverlayView.h"
+
 #include "Core/ClockText.h"
 #include "Platform/Inset.h"
 #include "Platform/Platform.h"
 #include "UI/Backgrounds.h"
-#include "UI/BreakOverlayView.h"
 #include "UI/BreakScreenText.h"
 #include "UI/Ring.h"
 #include "UI/SkipButton.h"
