@@ -21,18 +21,18 @@ NAME, PATH, STATUS = "org.pavonel.Pavonel", "/org/pavonel/Pavonel", "org.pavonel
 LOGIN = "org.freedesktop.login1"
 FAKE_TIME = pathlib.Path("/usr/lib/x86_64-linux-gnu/faketime/libfaketime.so.1")
 NO_START = Gio.DBusCallFlags.NO_AUTO_START
-PATIENCE = 120  # seconds; for what must end some time, on a busy machine too
+TIMEOUT = 120  # seconds; for what must end some time, on a busy machine too
 
 
 def run(*command):
     """Whether it succeeded; what it says is not asked for, as it may fail while servers restart."""
     try:
-        return subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=PATIENCE).returncode == 0
+        return subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=TIMEOUT).returncode == 0
     except subprocess.TimeoutExpired:
         return False
 
 
-def holds_soon(condition, seconds=PATIENCE):
+def holds_soon(condition, seconds=TIMEOUT):
     deadline = time.monotonic() + seconds
     while not (result := condition()) and time.monotonic() < deadline:
         time.sleep(0.05)
@@ -233,7 +233,7 @@ class Program:
         """Its exit status; none when it does not end."""
         self.process.send_signal(how)
         try:
-            return self.process.wait(PATIENCE)
+            return self.process.wait(TIMEOUT)
         except subprocess.TimeoutExpired:
             return None
 
@@ -241,7 +241,7 @@ class Program:
         """What a second start ends with; none when it stays."""
         with open(self.errors, "a") as errors:
             try:
-                return subprocess.run([self.executable], stderr=errors, env=self.environment, timeout=PATIENCE).returncode
+                return subprocess.run([self.executable], stderr=errors, env=self.environment, timeout=TIMEOUT).returncode
             except subprocess.TimeoutExpired:
                 return None
 

@@ -34,13 +34,13 @@ public:
 
 /// Milliseconds until the window has been painted, its contents included.
 double timeToPaint(const std::function<void()> &act) {
-    constexpr qint64 patience = 10'000;
+    constexpr qint64 timeout = 10'000;
     PaintWatch watch;
     qApp->installEventFilter(&watch);
     QElapsedTimer clock;
     clock.start();
     act();
-    while (!watch.painted && clock.elapsed() < patience)
+    while (!watch.painted && clock.elapsed() < timeout)
         QApplication::processEvents(QEventLoop::AllEvents, 10);
     return static_cast<double>(clock.nsecsElapsed()) / 1e6;
 }

@@ -6,7 +6,7 @@ import time
 
 from gi.repository import GLib
 
-from besieged import HEIGHT, NAME, NO_START, PATH, PATIENCE, STATUS, WIDTH, Server, holds_soon, run
+from besieged import HEIGHT, NAME, NO_START, PATH, TIMEOUT, STATUS, WIDTH, Server, holds_soon, run
 
 DBUSMENU, ITEM = "com.canonical.dbusmenu", "org.kde.StatusNotifierItem"
 PROPERTIES, APPLICATION = "org.freedesktop.DBus.Properties", "org.freedesktop.Application"
@@ -217,7 +217,7 @@ class Events:
             values = [any_value(self.random) for _ in range(self.random.randrange(4))]
             try:
                 connection.call_sync(NAME, path, interface, method, GLib.Variant.new_tuple(*values), None, NO_START,
-                                     PATIENCE * 1000, None)
+                                     TIMEOUT * 1000, None)
             except GLib.Error as error:
                 if error.matches(GLib.quark_from_string("g-io-error-quark"), 24):  # timed out
                     self.siege.complain(f"{interface}.{method} was not answered")

@@ -53,23 +53,23 @@ void exchange(const fs::path &copy, const fs::path &bundle) {
 
 void replace(const fs::path &staged, const fs::path &bundle) {
     const fs::path place = bundle.parent_path();
-    const fs::path workshop = place / ("." + bundle.filename().string() + ".new");
-    fs::remove_all(workshop); // of an attempt that was cut off
-    fs::create_directory(workshop);
-    fs::permissions(workshop, fs::perms::owner_all);
+    const fs::path staging = place / ("." + bundle.filename().string() + ".new");
+    fs::remove_all(staging); // of an attempt that was cut off
+    fs::create_directory(staging);
+    fs::permissions(staging, fs::perms::owner_all);
     try {
-        const fs::path copy = workshop / "new";
+        const fs::path copy = staging / "new";
         fs::copy(staged, copy, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
         synchronise(place);
         exchange(copy, bundle);
         synchronise(place);
     } catch (...) {
         std::error_code ignored;
-        fs::remove_all(workshop / "new", ignored);
-        fs::remove(workshop, ignored); // unless the old one is still there
+        fs::remove_all(staging / "new", ignored);
+        fs::remove(staging, ignored); // unless the old one is still there
         throw;
     }
-    fs::remove_all(workshop);
+    fs::remove_all(staging);
 }
 
 } // namespace

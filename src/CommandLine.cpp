@@ -94,7 +94,7 @@ int tellStatus(const CommandLine &commandLine) {
 
 int exportStats(const CommandLine &commandLine) {
     const auto format = commandLine.isJson ? StatsExport::Format::json : StatsExport::Format::csv;
-    const StatsExport made = StatsExport::of(lookIntoStore(Stats::key), format);
+    const StatsExport made = StatsExport::of(readStoredEntry(Stats::key), format);
     for (const QString &complaint : made.complaints)
         complain(complaint);
     const bool isWritten = write(made.text);

@@ -3,8 +3,8 @@
 #include "Core/HotKeys.h"
 #include "Core/Phone.h"
 #include "Core/Updater.h"
+#include "Platform/BackgroundTask.h"
 #include "Platform/CarriedFonts.h"
-#include "Platform/Errand.h"
 #include "Platform/GivenEnvironment.h"
 #include "Platform/Platform.h"
 #include "Platform/SingleInstance.h"
@@ -30,7 +30,7 @@ void save() {
 
 /// Leaving destroys what a thread that nobody waits for may be using, now or when its disk comes back.
 void endAtOnceIfAnybodyIsAtWork(int status) {
-    if (Errand::anyAtWork())
+    if (BackgroundTask::anyRunning())
         std::_Exit(status);
 }
 

@@ -94,7 +94,7 @@ int main(int argc, char **argv) {
     scenario.advance(1176);
     Sheet sheet({2 * column + margin, 710});
     for (const bool dark : {false, true}) {
-        scenario.platform.look.change({dark, false, {}});
+        scenario.platform.colours.change({dark, false, {}});
         drawColumn(sheet, scenario);
         sheet.nextColumn();
     }

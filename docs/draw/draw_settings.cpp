@@ -72,7 +72,7 @@ int main(int argc, char **argv) {
     test::OpenSettings open;
     furnish(open);
     for (const bool dark : {false, true}) {
-        open.platform.look.change({dark, true, {}});
+        open.platform.colours.change({dark, true, {}});
         for (const PageEntry &entry : allPages()) {
             if (!picture(open, entry, argc > 2).save(folder.filePath(nameOf(entry.id, dark))))
                 return 1;

@@ -48,19 +48,19 @@ void check(PGconn *connection, const Result &result) {
 }
 
 /// Waits on a connection of its own for what is published, for as long as it lives.
-class Ear {
+class NotificationThread {
 public:
-    Ear(std::string uri, Listener listener)
+    NotificationThread(std::string uri, Listener listener)
         : uri_(std::move(uri)), listener_(std::move(listener)), end_(eventfd(0, EFD_CLOEXEC)),
           thread_([this] { listen(); }) {}
 
-    ~Ear() {
+    ~NotificationThread() {
         eventfd_write(end_, 1);
         thread_.join();
         ::close(end_);
     }
-    Ear(const Ear &) = delete;
-    Ear &operator=(const Ear &) = delete;
+    NotificationThread(const NotificationThread &) = delete;
+    NotificationThread &operator=(const NotificationThread &) = delete;
 
 private:
     void listen() {
@@ -104,7 +104,7 @@ private:
 class Postgres final : public Sql {
 public:
     Postgres(std::string uri, Listener listener)
-        : uri_(std::move(uri)), connection_(connected(uri_)), ear_(uri_, std::move(listener)) {}
+        : uri_(std::move(uri)), connection_(connected(uri_)), notifications_(uri_, std::move(listener)) {}
 
     std::vector<SqlRow> run(const std::string &text, std::initializer_list<SqlValue> values) override {
         const std::string &name = prepared(text);
@@ -177,7 +177,7 @@ private:
     std::string uri_;
     Connection connection_;
     std::map<std::string, std::string> statements_; ///< Their names on the server.
-    Ear ear_;
+    NotificationThread notifications_;
 };
 
 } // namespace

@@ -68,9 +68,9 @@ net::awaitable<void> Server::accept() {
         }
         const auto peer = socket.remote_endpoint(error).address();
         auto place =
-            service_.ledger().connections.enter(Peers::name(peer), !service_.peers().isTrusted(peer));
+            service_.subscribers().connections.enter(Peers::name(peer), !service_.peers().isTrusted(peer));
         if (error || !place) {
-            ++service_.ledger().metrics.refusedConnections;
+            ++service_.subscribers().metrics.refusedConnections;
             continue;
         }
         noticeSilence(socket);
@@ -101,10 +101,10 @@ net::awaitable<void> Server::drain() {
     using namespace std::chrono_literals;
     log("draining");
     acceptor_.close();
-    service_.ledger().drain();
+    service_.subscribers().drain();
     net::steady_timer timer(context_);
     const auto deadline = std::chrono::steady_clock::now() + 4s;
-    while (!service_.ledger().isEmpty() && std::chrono::steady_clock::now() < deadline) {
+    while (!service_.subscribers().isEmpty() && std::chrono::steady_clock::now() < deadline) {
         timer.expires_after(10ms);
         co_await timer.async_wait(net::use_awaitable);
     }

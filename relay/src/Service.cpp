@@ -68,8 +68,8 @@ const char *typeOf(std::string_view path) {
 
 } // namespace
 
-Service::Service(Ledger &ledger, Database &database, const Options &options)
-    : ledger_(ledger), database_(database), options_(options), peers_(options.trustedProxies),
+Service::Service(Subscribers &subscribers, Database &database, const Options &options)
+    : subscribers_(subscribers), database_(database), options_(options), peers_(options.trustedProxies),
       requests_(options.requestsPerSecond, options.requestsPerSecond * burst),
       starts_(options.startsPerMinute / 60.0, options.startsPerMinute) {}
 
@@ -104,7 +104,7 @@ net::awaitable<Answer> Service::answer(const Request &request, const net::ip::ad
     }
     if (auto *response = std::get_if<Response>(&answer)) {
         secure(*response);
-        ++ledger_.metrics.responses[response->result_int() / 100 % 6];
+        ++subscribers_.metrics.responses[response->result_int() / 100 % 6];
     }
     co_return answer;
 }
@@ -143,7 +143,7 @@ net::awaitable<Answer> Service::startPairing(const Call &call) {
         const bool isFree = co_await database_.ask<bool>(question);
         if (!isFree)
             continue;
-        ++ledger_.metrics.codes;
+        ++subscribers_.metrics.codes;
         log("code-given", {{"address", call.client}});
         co_return plain(http::status::ok, json{{"code", code}, {"macToken", token}}.dump());
     }
@@ -197,7 +197,7 @@ net::awaitable<Answer> Service::setBreak(const Call &call, std::optional<Break> 
     const bool known = co_await database_.ask<bool>(question);
     if (!known)
         co_return noToken();
-    ledger_.metrics.breaks += current ? 1 : 0;
+    subscribers_.metrics.breaks += current ? 1 : 0;
     co_return plain(http::status::ok, "{}");
 }
 
@@ -213,12 +213,12 @@ net::awaitable<Answer> Service::pairPhone(const Call &call) {
     };
     const auto claim = co_await database_.ask<Pairings::Claim>(question);
     if (claim != Pairings::Claim::paired) {
-        ++ledger_.metrics.wrongCodes;
+        ++subscribers_.metrics.wrongCodes;
         log("code-refused", {{"address", call.client}, {"limit", claim == Pairings::Claim::tooMany}});
         co_return claim == Pairings::Claim::tooMany ? tooMany("900")
                                                     : error(http::status::not_found, "no such code");
     }
-    ++ledger_.metrics.pairings;
+    ++subscribers_.metrics.pairings;
     log("paired", {{"address", call.client}});
     Response response = plain(http::status::ok, "{}");
     response.set(http::field::set_cookie, cookie(token, phoneLife));
@@ -230,23 +230,24 @@ net::awaitable<Answer> Service::events(const Call &call) {
     if (!phone)
         co_return noToken();
     const auto executor = co_await net::this_coro::executor;
-    auto waiter = std::make_shared<Waiter>(executor, *phone, std::chrono::seconds(options_.heartbeat));
-    if (!ledger_.add(waiter)) // before it is asked: a change in between must not be missed
+    auto subscriber =
+        std::make_shared<Subscriber>(executor, *phone, std::chrono::seconds(options_.heartbeat));
+    if (!subscribers_.add(subscriber)) // before it is asked: a change in between must not be missed
         co_return tooMany("10");
     std::optional<PhoneState> state;
     try {
         const auto question = [phone = *phone](Pairings &pairings) { return pairings.stateOf(phone); };
         state = co_await database_.ask<std::optional<PhoneState>>(question);
     } catch (const SqlError &) {
-        ledger_.remove(waiter);
+        subscribers_.remove(subscriber);
         throw;
     }
     if (!state) {
-        ledger_.remove(waiter);
+        subscribers_.remove(subscriber);
         co_return noToken();
     }
-    waiter->offer(*state);
-    co_return waiter;
+    subscriber->offer(*state);
+    co_return subscriber;
 }
 
 net::awaitable<Answer> Service::forgetPhone(const Call &call) {
@@ -265,21 +266,21 @@ net::awaitable<Answer> Service::forgetPhone(const Call &call) {
 net::awaitable<Answer> Service::health(const Call &) {
     const auto question = [](Pairings &pairings) { return pairings.stateOf("").has_value(); };
     co_await database_.ask<bool>(question);
-    co_return plain(ledger_.isDraining() ? http::status::service_unavailable : http::status::ok,
-                    ledger_.isDraining() ? "draining\n" : "ok\n", "text/plain");
+    co_return plain(subscribers_.isDraining() ? http::status::service_unavailable : http::status::ok,
+                    subscribers_.isDraining() ? "draining\n" : "ok\n", "text/plain");
 }
 
 net::awaitable<Answer> Service::metrics(const Call &call) {
     if (!call.local)
         co_return error(http::status::not_found, "no such page");
-    ledger_.metrics.connections = ledger_.connections.standing();
-    co_return plain(http::status::ok, ledger_.metrics.text(), "text/plain; version=0.0.4");
+    subscribers_.metrics.connections = subscribers_.connections.standing();
+    co_return plain(http::status::ok, subscribers_.metrics.text(), "text/plain; version=0.0.4");
 }
 
 net::awaitable<void> Service::tellAll() {
     using States = std::vector<std::optional<PhoneState>>;
     for (;;) {
-        const auto phones = ledger_.phones();
+        const auto phones = subscribers_.phones();
         try {
             const auto question = [phones](Pairings &pairings) {
                 States found;
@@ -289,7 +290,7 @@ net::awaitable<void> Service::tellAll() {
             };
             const auto states = co_await database_.ask<States>(question);
             for (std::size_t i = 0; i < phones.size(); ++i)
-                ledger_.tell({phones[i], states[i].value_or(PhoneState{PhoneState::unpaired, {}})});
+                subscribers_.tell({phones[i], states[i].value_or(PhoneState{PhoneState::unpaired, {}})});
             co_return;
         } catch (const SqlError &) { // which was logged
         }

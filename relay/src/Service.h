@@ -1,9 +1,9 @@
 #pragma once
 
 #include "Database.h"
-#include "Ledger.h"
 #include "Options.h"
 #include "Peers.h"
+#include "Subscribers.h"
 
 #include <boost/asio/awaitable.hpp>
 #include <boost/beast/http.hpp>
@@ -16,12 +16,13 @@ namespace http = boost::beast::http;
 
 using Request = http::request<http::string_body>;
 using Response = http::response<http::string_body>;
-using Answer = std::variant<Response, std::shared_ptr<Waiter>>;
+using Answer = std::variant<Response, std::shared_ptr<Subscriber>>;
 
-/// What each request is answered. A phone that comes to wait is in the ledger when its waiter is the answer.
+/// What each request is answered. A phone that comes to wait is in the subscribers when its subscriber is the
+/// answer.
 class Service {
 public:
-    Service(Ledger &ledger, Database &database, const Options &options);
+    Service(Subscribers &subscribers, Database &database, const Options &options);
 
     net::awaitable<Answer> answer(const Request &request, const net::ip::address &peer);
 
@@ -31,7 +32,7 @@ public:
     /// The head of a stream of events.
     http::response<http::empty_body> streamHead() const;
 
-    Ledger &ledger() { return ledger_; }
+    Subscribers &subscribers() { return subscribers_; }
     const Peers &peers() const { return peers_; }
 
     /// Reads anew what every waiting phone is to show.
@@ -69,7 +70,7 @@ private:
     std::string cookie(const std::string &token, long seconds) const;
     template <class Body> void secure(http::response<Body> &response) const;
 
-    Ledger &ledger_;
+    Subscribers &subscribers_;
     Database &database_;
     const Options &options_;
     Peers peers_;

@@ -11,7 +11,7 @@ namespace beast = boost::beast;
 
 namespace {
 
-constexpr auto patience = std::chrono::seconds(10); // for a whole request, and for a whole answer
+constexpr auto timeout = std::chrono::seconds(10); // for a whole request, and for a whole answer
 constexpr std::size_t longestHead = 8 * 1024;
 constexpr std::size_t longestBody = 4 * 1024;
 
@@ -31,26 +31,27 @@ bool isMisunderstanding(const boost::system::error_code &error) {
 /// Counts a request as long as it is being answered.
 class Answering {
 public:
-    explicit Answering(Ledger &ledger) : ledger_(ledger) { ++ledger_.answering; }
-    ~Answering() { --ledger_.answering; }
+    explicit Answering(Subscribers &subscribers) : subscribers_(subscribers) { ++subscribers_.answering; }
+    ~Answering() { --subscribers_.answering; }
     Answering(const Answering &) = delete;
     Answering &operator=(const Answering &) = delete;
 
 private:
-    Ledger &ledger_;
+    Subscribers &subscribers_;
 };
 
-/// A phone is in the ledger until its connection ends, however it ends.
+/// A phone is in the subscribers until its connection ends, however it ends.
 class Waiting {
 public:
-    Waiting(Ledger &ledger, std::shared_ptr<Waiter> waiter) : ledger_(ledger), waiter_(std::move(waiter)) {}
-    ~Waiting() { ledger_.remove(waiter_); }
+    Waiting(Subscribers &subscribers, std::shared_ptr<Subscriber> subscriber)
+        : subscribers_(subscribers), subscriber_(std::move(subscriber)) {}
+    ~Waiting() { subscribers_.remove(subscriber_); }
     Waiting(const Waiting &) = delete;
     Waiting &operator=(const Waiting &) = delete;
 
 private:
-    Ledger &ledger_;
-    std::shared_ptr<Waiter> waiter_;
+    Subscribers &subscribers_;
+    std::shared_ptr<Subscriber> subscriber_;
 };
 
 template <class Stream> class Session {
@@ -59,23 +60,23 @@ public:
         : stream_(stream), service_(service), peer_(std::move(peer)) {}
 
     net::awaitable<void> run() {
-        std::shared_ptr<Waiter> waiter;
+        std::shared_ptr<Subscriber> subscriber;
         {
             beast::flat_buffer buffer(longestHead + longestBody);
-            while (co_await exchange(buffer, waiter))
+            while (co_await exchange(buffer, subscriber))
                 ;
         }
-        if (waiter)
-            co_await tell(waiter);
+        if (subscriber)
+            co_await tell(subscriber);
     }
 
 private:
     /// One request and its answer; false when no other may follow.
-    net::awaitable<bool> exchange(beast::flat_buffer &buffer, std::shared_ptr<Waiter> &waiter) {
+    net::awaitable<bool> exchange(beast::flat_buffer &buffer, std::shared_ptr<Subscriber> &subscriber) {
         http::request_parser<http::string_body> parser;
         parser.header_limit(longestHead);
         parser.body_limit(longestBody);
-        beast::get_lowest_layer(stream_).expires_after(patience);
+        beast::get_lowest_layer(stream_).expires_after(timeout);
         boost::system::error_code error;
         co_await http::async_read(stream_, buffer, parser, net::redirect_error(net::use_awaitable, error));
         if (error) {
@@ -86,16 +87,16 @@ private:
             }
             co_return false;
         }
-        const Answering answering(service_.ledger());
+        const Answering answering(service_.subscribers());
         const Request &request = parser.get();
         Answer answer = co_await service_.answer(request, peer_);
-        if (auto *found = std::get_if<std::shared_ptr<Waiter>>(&answer)) {
-            waiter = std::move(*found);
+        if (auto *found = std::get_if<std::shared_ptr<Subscriber>>(&answer)) {
+            subscriber = std::move(*found);
             co_return false;
         }
         auto &response = std::get<Response>(answer);
         response.version(request.version());
-        response.keep_alive(request.keep_alive() && !service_.ledger().isDraining());
+        response.keep_alive(request.keep_alive() && !service_.subscribers().isDraining());
         co_return co_await write(response, request.method() == http::verb::head);
     }
 
@@ -103,7 +104,7 @@ private:
         response.prepare_payload();
         const bool goesOn = response.keep_alive();
         http::response_serializer<http::string_body> serializer(response);
-        beast::get_lowest_layer(stream_).expires_after(patience);
+        beast::get_lowest_layer(stream_).expires_after(timeout);
         if (headOnly)
             co_await http::async_write_header(stream_, serializer, net::use_awaitable);
         else
@@ -125,8 +126,8 @@ private:
     }
 
     /// Tells the phone of every change, until it or the service leaves.
-    net::awaitable<void> tell(const std::shared_ptr<Waiter> &waiter) {
-        const Waiting waiting(service_.ledger(), waiter);
+    net::awaitable<void> tell(const std::shared_ptr<Subscriber> &subscriber) {
+        const Waiting waiting(service_.subscribers(), subscriber);
         bool reads = false;
         char unexpected = 0;
         try {
@@ -134,44 +135,44 @@ private:
             beast::get_lowest_layer(stream_).expires_never();
             reads = true;
             stream_.async_read_some(net::buffer(&unexpected, 1),
-                                    [waiter, &reads](const boost::system::error_code &, std::size_t) {
+                                    [subscriber, &reads](const boost::system::error_code &, std::size_t) {
                                         reads = false;
-                                        waiter->hangUp();
+                                        subscriber->hangUp();
                                     });
-            while (!waiter->isGone()) {
-                const std::string text = waiter->next();
+            while (!subscriber->isGone()) {
+                const std::string text = subscriber->next();
                 if (!text.empty())
                     co_await write(net::buffer(text));
-                else if (waiter->isOver())
+                else if (subscriber->isOver())
                     break;
                 else
-                    co_await waiter->wait();
+                    co_await subscriber->wait();
             }
-            if (!waiter->isGone())
+            if (!subscriber->isGone())
                 co_await writeLast();
         } catch (const boost::system::system_error &) { // the phone is gone
         }
         beast::get_lowest_layer(stream_).close();
         while (reads)
-            co_await waiter->wait();
+            co_await subscriber->wait();
     }
 
     net::awaitable<void> writeHead() {
         auto head = service_.streamHead();
         http::response_serializer<http::empty_body> serializer(head);
-        beast::get_lowest_layer(stream_).expires_after(patience);
+        beast::get_lowest_layer(stream_).expires_after(timeout);
         co_await http::async_write_header(stream_, serializer, net::use_awaitable);
     }
 
     net::awaitable<void> write(net::const_buffer text) {
-        beast::get_lowest_layer(stream_).expires_after(patience);
+        beast::get_lowest_layer(stream_).expires_after(timeout);
         const auto chunk = http::make_chunk(text);
         co_await net::async_write(stream_, chunk, net::use_awaitable);
-        ++service_.ledger().metrics.events;
+        ++service_.subscribers().metrics.events;
     }
 
     net::awaitable<void> writeLast() {
-        beast::get_lowest_layer(stream_).expires_after(patience);
+        beast::get_lowest_layer(stream_).expires_after(timeout);
         const auto last = http::make_chunk_last();
         co_await net::async_write(stream_, last, net::use_awaitable);
     }
@@ -191,7 +192,7 @@ net::awaitable<void> converse(beast::tcp_stream stream, std::shared_ptr<net::ssl
             co_await Session(stream, service, peer).run();
         } else {
             beast::ssl_stream<beast::tcp_stream> secured(std::move(stream), *tls);
-            beast::get_lowest_layer(secured).expires_after(patience);
+            beast::get_lowest_layer(secured).expires_after(timeout);
             co_await secured.async_handshake(net::ssl::stream_base::server, net::use_awaitable);
             co_await Session(secured, service, peer).run();
         }

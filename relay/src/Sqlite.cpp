@@ -24,8 +24,8 @@ public:
         database_.reset(database);
         if (result != SQLITE_OK)
             throw SqlError("cannot open " + path + ": " + sqlite3_errmsg(database));
-        constexpr int patience = 5000; // milliseconds, for a backup that reads
-        sqlite3_busy_timeout(database, patience);
+        constexpr int timeout = 5000; // milliseconds, for a backup that reads
+        sqlite3_busy_timeout(database, timeout);
         run("PRAGMA journal_mode = WAL");
         run("PRAGMA synchronous = NORMAL");
     }

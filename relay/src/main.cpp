@@ -55,20 +55,20 @@ net::awaitable<void> cleanNowAndThen(Database &database) {
 void serve(const Options &options) {
     makeFolder(options.database);
     const int most = mostConnections();
-    Ledger ledger(options.connections > 0 ? std::min(options.connections, most) : most,
-                  options.connectionsPerAddress);
+    Subscribers subscribers(options.connections > 0 ? std::min(options.connections, most) : most,
+                            options.connectionsPerAddress);
     net::io_context context(1);
     Service *told = nullptr; // set before the context runs what the listener posts
     const Listener listener{
         [&](const std::string &text) {
-            net::post(context, [&ledger, text] {
+            net::post(context, [&subscribers, text] {
                 if (const auto change = changeFrom(text))
-                    ledger.tell(*change);
+                    subscribers.tell(*change);
             });
         },
         [&] { net::post(context, [&] { net::co_spawn(context, told->tellAll(), net::detached); }); }};
     Database database(connectSql(options.database, listener), options.guesses);
-    Service service(ledger, database, options);
+    Service service(subscribers, database, options);
     told = &service;
     Server server(context, service, options);
     server.start();

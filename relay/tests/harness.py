@@ -16,14 +16,14 @@ import time
 import unittest
 
 PROGRAM = os.environ.get("RELAY") or str(pathlib.Path(__file__).resolve().parents[2] / "build/release/pavonel-relay")
-PATIENCE = 60  # seconds; only what hangs takes so long
+TIMEOUT = 60  # seconds; only what hangs takes so long
 UNLIMITED = ["--requests-per-second", "100000", "--starts-per-minute", "100000", "--connections-per-address", "100000"]
 
 resource.setrlimit(resource.RLIMIT_NOFILE, (resource.getrlimit(resource.RLIMIT_NOFILE)[1],) * 2)
 
 
 def wait_until(condition, what):
-    deadline = time.monotonic() + PATIENCE
+    deadline = time.monotonic() + TIMEOUT
     while not condition():
         if time.monotonic() > deadline:
             raise AssertionError(f"waited in vain until {what}")
@@ -74,7 +74,7 @@ class Service:
         """Its exit status; a sanitizer's complaint is one too."""
         if self.process.poll() is None:
             self.process.send_signal(signal.SIGTERM)
-        return self.process.wait(PATIENCE)
+        return self.process.wait(TIMEOUT)
 
     def close(self):
         status = self.stop()
@@ -85,7 +85,7 @@ class Service:
 
     def ask(self, method, path, body=None, headers=None, source="127.0.0.1"):
         """A body that is no text goes out as JSON."""
-        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=PATIENCE, source_address=(source, 0))
+        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=TIMEOUT, source_address=(source, 0))
         headers = dict(headers or {})
         if body is not None and not isinstance(body, (str, bytes)):
             body = json.dumps(body)
@@ -150,7 +150,7 @@ class Stream:
     """Server-sent events as they come, each as (name, data); ("end", None) when the service ends it."""
 
     def __init__(self, service, cookie):
-        self.socket = socket.create_connection(("127.0.0.1", service.port), PATIENCE)
+        self.socket = socket.create_connection(("127.0.0.1", service.port), TIMEOUT)
         self.response = None
         self.events = queue.Queue()
         self.comments = 0
@@ -177,7 +177,7 @@ class Stream:
         self.events.put(("end", None))
 
     def next(self):
-        return self.events.get(timeout=PATIENCE)
+        return self.events.get(timeout=TIMEOUT)
 
     def expect(self, name):
         found, data = self.next()

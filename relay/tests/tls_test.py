@@ -8,7 +8,7 @@ import subprocess
 import tempfile
 import unittest
 
-from harness import PATIENCE, Service, wait_until
+from harness import TIMEOUT, Service, wait_until
 
 
 class Tls(unittest.TestCase):
@@ -27,7 +27,7 @@ class Tls(unittest.TestCase):
 
     def connection(self, context=None):
         context = context or ssl._create_unverified_context()
-        return http.client.HTTPSConnection("127.0.0.1", self.service.port, timeout=PATIENCE, context=context)
+        return http.client.HTTPSConnection("127.0.0.1", self.service.port, timeout=TIMEOUT, context=context)
 
     def certificate_shown(self):
         return ssl.get_server_certificate(("127.0.0.1", self.service.port))

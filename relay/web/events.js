@@ -1,7 +1,7 @@
 // The service's stream of events, for as long as it is wanted: read with fetch, which tells, unlike EventSource,
 // why a connection was refused, and when the heartbeat stays away.
 const silence = 60_000; // longer than two heartbeats
-const patience = 1_500; // before a lost connection is worth a word
+const gracePeriod = 1_500; // before a lost connection is worth a word
 const longestPause = 15_000;
 
 export function listen({ event, connected, lost, refused }) {
@@ -45,7 +45,7 @@ export function listen({ event, connected, lost, refused }) {
         // as good as an end
       }
       if (ended) return;
-      word ??= setTimeout(lost, patience);
+      word ??= setTimeout(lost, gracePeriod);
       failures = Date.now() - began > 5_000 ? 0 : failures + 1;
       await pause(wait ?? Math.min(longestPause, 250 * 2 ** failures) * (0.75 + Math.random() / 2));
     }

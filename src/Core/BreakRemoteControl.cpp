@@ -10,7 +10,7 @@ namespace pavonel {
 
 namespace {
 
-constexpr Seconds lookInterval = 1.0;
+constexpr Seconds pollInterval = 1.0;
 constexpr qint64 unsteadiness = 2;
 
 using Facts = Status::Facts;
@@ -133,7 +133,7 @@ BreakRemoteControl::BreakRemoteControl(StatusPublisher &publisher, BreakControll
     : publisher_(publisher), controller_(controller), settings_(settings), stats_(stats), loop_(loop) {
     told_ = statusOf(controller_, stats_, loop_).facts;
     publisher_.serve(this);
-    looking_ = loop_.every(lookInterval, [this] { tellIfChanged(); });
+    polling_ = loop_.every(pollInterval, [this] { tellIfChanged(); });
 }
 
 BreakRemoteControl::~BreakRemoteControl() {

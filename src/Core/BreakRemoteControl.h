@@ -42,7 +42,7 @@ private:
     const Stats &stats_;
     MainLoop &loop_;
     Status::Facts told_;
-    TimerHandle looking_;
+    TimerHandle polling_;
 };
 
 } // namespace pavonel

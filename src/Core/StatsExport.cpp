@@ -93,7 +93,7 @@ QByteArray asCsv(const std::vector<DatedDay> &days) {
 
 } // namespace
 
-StatsExport StatsExport::of(const StoredLook &stored, Format format) {
+StatsExport StatsExport::of(const StoredEntry &stored, Format format) {
     StatsExport made;
     std::vector<DatedDay> days;
     const auto *json = stored.value ? std::get_if<QByteArray>(&*stored.value) : nullptr;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/StoredLook.h"
+#include "Platform/StoredEntry.h"
 
 #include <QByteArray>
 #include <QStringList>
@@ -12,7 +12,7 @@ struct StatsExport {
     enum class Format { csv, json };
 
     /// The days in their order. What is damaged is left out and complained of, a sentence each.
-    static StatsExport of(const StoredLook &stored, Format format);
+    static StatsExport of(const StoredEntry &stored, Format format);
 
     QByteArray text;
     QStringList complaints;

@@ -35,37 +35,37 @@ void UpdaterCommand::start() {
 void UpdaterCommand::finish() {
     const auto *staged = std::get_if<Updater::ReadyToRestart>(&updater_.state.get());
     if (polling_ && staged)
-        look(*staged);
+        report(*staged);
 }
 
 void UpdaterCommand::poll() {
     ++polls_;
     const Updater::State state = updater_.state; // which installing changes
-    std::visit([this](const auto &now) { look(now); }, state);
+    std::visit([this](const auto &now) { report(now); }, state);
     if (polling_ && polls_ >= mostPolls) {
         print(QStringLiteral("timed out"));
         end(EXIT_FAILURE);
     }
 }
 
-void UpdaterCommand::look(const Updater::Available &offer) {
+void UpdaterCommand::report(const Updater::Available &offer) {
     const QString version = QString(offer.version).replace(u'\n', u' '); // or it could pass for lines of ours
     print(QStringLiteral("available: %1 — installing").arg(version));
     updater_.install();
 }
 
-void UpdaterCommand::look(const Updater::Failed &failure) {
+void UpdaterCommand::report(const Updater::Failed &failure) {
     print(QStringLiteral("failed: ") + failure.message);
     end(EXIT_FAILURE);
 }
 
-void UpdaterCommand::look(const Updater::UpToDate &) {
+void UpdaterCommand::report(const Updater::UpToDate &) {
     print(QStringLiteral("up to date"));
     end(EXIT_SUCCESS);
 }
 
 /// The updater ends the program, unless the handing over fails.
-void UpdaterCommand::look(const Updater::ReadyToRestart &) {
+void UpdaterCommand::report(const Updater::ReadyToRestart &) {
     print(QStringLiteral("verified and staged; replacing on exit"));
     polling_.reset();
     change_ = updater_.observe([this] {

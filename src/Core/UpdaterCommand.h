@@ -27,11 +27,11 @@ public:
 
 private:
     void poll();
-    void look(const Updater::Available &offer);
-    void look(const Updater::Failed &failure);
-    void look(const Updater::UpToDate &);
-    void look(const Updater::ReadyToRestart &);
-    template <class Underway> void look(const Underway &) {}
+    void report(const Updater::Available &offer);
+    void report(const Updater::Failed &failure);
+    void report(const Updater::UpToDate &);
+    void report(const Updater::ReadyToRestart &);
+    template <class Underway> void report(const Underway &) {}
 
     void print(const QString &line) const;
     void end(int status);

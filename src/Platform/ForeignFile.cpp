@@ -13,7 +13,7 @@ namespace pavonel {
 
 namespace {
 
-constexpr std::chrono::seconds patience{30};
+constexpr std::chrono::seconds timeout{30};
 
 /// The files that are being read in this process, with the time at which their callers are overdue.
 class Readings {
@@ -61,7 +61,7 @@ std::optional<QByteArray> read(const QString &path, qint64 largest, QDeadlineTim
 } // namespace
 
 std::optional<QByteArray> readForeignFile(const QString &path, qint64 largest) {
-    const QDeadlineTimer deadline(patience);
+    const QDeadlineTimer deadline(timeout);
     if (!readings().begin(path, deadline))
         return {};
     auto content = read(path, largest, deadline);

@@ -43,14 +43,14 @@ void Backgrounds::prepare(const std::vector<QSize> &sizes) {
 
 void Backgrounds::load(const std::vector<QSize> &sizes) {
     lastLoading_ = Clock::now();
-    loadings_.push_back(Errand::begin(loop_, [this, path = path_, sizes]() -> Errand::Action {
+    loadings_.push_back(BackgroundTask::start(loop_, [this, path = path_, sizes]() -> BackgroundTask::Action {
         return [this, pictures = loadPictures(path, sizes)] { take(pictures); };
     }));
 }
 
 void Backgrounds::awaitPictures() {
-    constexpr std::chrono::milliseconds patience{250};
-    const auto deadline = lastLoading_ + patience;
+    constexpr std::chrono::milliseconds timeout{250};
+    const auto deadline = lastLoading_ + timeout;
     for (std::size_t i = 0; i < loadings_.size(); ++i) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
         loadings_[i].await(std::max(left, std::chrono::milliseconds::zero()));

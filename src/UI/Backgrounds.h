@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/Settings.h"
-#include "Platform/Errand.h"
+#include "Platform/BackgroundTask.h"
 
 #include <QImage>
 
@@ -52,7 +52,7 @@ private:
     int style_ = 0; ///< What the entries were made for.
     QString path_;
     std::list<Entry> entries_;
-    std::vector<Errand> loadings_;
+    std::vector<BackgroundTask> loadings_;
     std::chrono::steady_clock::time_point lastLoading_;
 };
 

@@ -14,7 +14,7 @@ std::unique_ptr<UserDefaults> storeInMemory(MainLoop &) {
 
 } // namespace
 
-// Each holds one change of the clocks; the whole year is a bench.
+// Each holds one change of the clocks; the whole year is a fixture.
 
 TEST(NightShifts, a_leap_day_is_worked_through) {
     const NightShifts shifts{"UTC", QDate(2028, 2, 27), 4};

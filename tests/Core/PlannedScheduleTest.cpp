@@ -223,7 +223,7 @@ private:
     int started_ = 0;
 };
 
-class AnyCourseOfEvents : public testing::TestWithParam<unsigned> {};
+class RandomEvents : public testing::TestWithParam<unsigned> {};
 
 PlannedBreaks manyRecords(std::size_t count) {
     PlannedBreaks records(count);
@@ -237,7 +237,7 @@ PlannedBreaks manyRecords(std::size_t count) {
 
 } // namespace
 
-TEST_P(AnyCourseOfEvents, what_is_remembered_is_what_would_be_worked_out_afresh) {
+TEST_P(RandomEvents, what_is_remembered_is_what_would_be_worked_out_afresh) {
     RandomWalk walk(GetParam());
     for (int step = 0; step < 400; ++step) {
         walk.step();
@@ -246,7 +246,7 @@ TEST_P(AnyCourseOfEvents, what_is_remembered_is_what_would_be_worked_out_afresh)
     EXPECT_GT(walk.started(), 3);
 }
 
-INSTANTIATE_TEST_SUITE_P(PlannedSchedule, AnyCourseOfEvents, testing::Range(1U, 9U));
+INSTANTIATE_TEST_SUITE_P(PlannedSchedule, RandomEvents, testing::Range(1U, 9U));
 
 TEST(PlannedSchedule, the_earlier_of_two_at_once_comes_first_whatever_became_of_others) {
     PlannedBreaks records(2);

@@ -68,7 +68,7 @@ QStringList keysOfTable() {
     return keys;
 }
 
-struct SettingsBench {
+struct SettingsFixture {
     FakePlatform platform;
     FakeDefaults &store = platform.fakeDefaults;
 
@@ -101,17 +101,17 @@ struct SettingsBench {
 } // namespace
 
 TEST(Settings, a_fresh_store_yields_exactly_the_defaults) {
-    SettingsBench bench;
-    Settings settings(bench.store, bench.platform.loop);
-    const auto saved = bench.saved(settings);
+    SettingsFixture fixture;
+    Settings settings(fixture.store, fixture.platform.loop);
+    const auto saved = fixture.saved(settings);
     ASSERT_EQ(settings.all().size(), table().size());
     for (const auto &[key, value] : table())
         EXPECT_EQ(saved.at(key), value) << key.toStdString();
 }
 
 TEST(Settings, the_properties_are_declared_in_order_under_their_names) {
-    SettingsBench bench;
-    const Settings settings(bench.store, bench.platform.loop);
+    SettingsFixture fixture;
+    const Settings settings(fixture.store, fixture.platform.loop);
     QStringList keys;
     for (const StoredSetting *setting : settings.all())
         keys.append(setting->key());
@@ -119,40 +119,40 @@ TEST(Settings, the_properties_are_declared_in_order_under_their_names) {
 }
 
 TEST(Settings, loading_writes_nothing) {
-    SettingsBench bench;
-    const Settings settings(bench.store, bench.platform.loop);
-    bench.platform.loop.advance(10);
-    EXPECT_EQ(bench.store.written, QStringList());
+    SettingsFixture fixture;
+    const Settings settings(fixture.store, fixture.platform.loop);
+    fixture.platform.loop.advance(10);
+    EXPECT_EQ(fixture.store.written, QStringList());
 }
 
 TEST(Settings, a_save_writes_every_property_in_order_and_nothing_else) {
-    SettingsBench bench;
-    bench.store.values[QStringLiteral("didOnboard")] = true;
-    bench.store.values[QStringLiteral("stats.days")] = QByteArray("{}");
-    bench.store.values[QStringLiteral("somebodyElses")] = QStringLiteral("kept");
-    Settings settings(bench.store, bench.platform.loop);
+    SettingsFixture fixture;
+    fixture.store.values[QStringLiteral("didOnboard")] = true;
+    fixture.store.values[QStringLiteral("stats.days")] = QByteArray("{}");
+    fixture.store.values[QStringLiteral("somebodyElses")] = QStringLiteral("kept");
+    Settings settings(fixture.store, fixture.platform.loop);
     settings.strictMode = true;
-    bench.platform.loop.advance(1);
-    EXPECT_EQ(bench.store.written, keysOfTable());
-    EXPECT_EQ(bench.store.values.size(), std::ssize(table()) + 3);
-    EXPECT_EQ(bench.store.values[QStringLiteral("somebodyElses")], StoredValue(QStringLiteral("kept")));
+    fixture.platform.loop.advance(1);
+    EXPECT_EQ(fixture.store.written, keysOfTable());
+    EXPECT_EQ(fixture.store.values.size(), std::ssize(table()) + 3);
+    EXPECT_EQ(fixture.store.values[QStringLiteral("somebodyElses")], StoredValue(QStringLiteral("kept")));
 }
 
 TEST(Settings, what_was_saved_is_loaded_again) {
-    SettingsBench bench;
+    SettingsFixture fixture;
     PlannedBreak record;
     record.label = QStringLiteral("Kaffee ☕");
     {
-        Settings settings(bench.store, bench.platform.loop);
+        Settings settings(fixture.store, fixture.platform.loop);
         settings.microEnabled = false;
         settings.microInterval = 0.1;
         settings.countdownBeforeStart = -7;
         settings.startSound = QStringLiteral("None");
         settings.deepFocusApps = QStringList{QStringLiteral("a"), QStringLiteral("b")};
         settings.plannedBreaks = PlannedBreaks{record, PlannedBreak{}};
-        bench.platform.loop.advance(1);
+        fixture.platform.loop.advance(1);
     }
-    const Settings settings(bench.store, bench.platform.loop);
+    const Settings settings(fixture.store, fixture.platform.loop);
     EXPECT_FALSE(settings.microEnabled);
     EXPECT_EQ(settings.microInterval, 0.1);
     EXPECT_EQ(settings.countdownBeforeStart, -7);
@@ -165,10 +165,10 @@ TEST(Settings, what_was_saved_is_loaded_again) {
 // Loading
 
 TEST(Settings, a_number_that_holds_a_text_yields_the_default_for_that_key_alone) {
-    SettingsBench bench;
-    bench.store.values[QStringLiteral("microInterval")] = QStringLiteral("900");
-    bench.store.values[QStringLiteral("longInterval")] = 1800.0;
-    const Settings settings = bench.loaded();
+    SettingsFixture fixture;
+    fixture.store.values[QStringLiteral("microInterval")] = QStringLiteral("900");
+    fixture.store.values[QStringLiteral("longInterval")] = 1800.0;
+    const Settings settings = fixture.loaded();
     EXPECT_EQ(settings.microInterval, 1200);
     EXPECT_EQ(settings.longInterval, 1800);
 }
@@ -187,10 +187,10 @@ TEST(Settings, any_key_with_a_value_of_a_wrong_type_yields_its_default) {
                 std::holds_alternative<double>(defaultValue) && std::holds_alternative<qint64>(value);
             if (value.index() == defaultValue.index() || isExactNumber)
                 continue;
-            SettingsBench bench;
-            bench.store.values[key] = value;
-            Settings settings(bench.store, bench.platform.loop);
-            const auto saved = bench.saved(settings);
+            SettingsFixture fixture;
+            fixture.store.values[key] = value;
+            Settings settings(fixture.store, fixture.platform.loop);
+            const auto saved = fixture.saved(settings);
             for (const auto &[otherKey, otherDefault] : table())
                 EXPECT_EQ(saved.at(otherKey), otherDefault)
                     << otherKey.toStdString() << " with " << key.toStdString() << " of type "
@@ -200,115 +200,115 @@ TEST(Settings, any_key_with_a_value_of_a_wrong_type_yields_its_default) {
 }
 
 TEST(Settings, a_number_is_taken_wherever_it_converts_exactly) {
-    SettingsBench bench;
-    EXPECT_EQ(bench.microInterval(900.5), 900.5);
-    EXPECT_EQ(bench.microInterval(qint64{900}), 900);
-    EXPECT_EQ(bench.microInterval(qint64{9007199254740992}), 9007199254740992.0);
-    EXPECT_EQ(bench.microInterval(qint64{9007199254740993}), 1200); // 2^53 + 1 has no double
-    EXPECT_EQ(bench.microInterval(qint64{9007199254740994}), 9007199254740994.0);
-    EXPECT_EQ(bench.microInterval(qint64{-9007199254740994}), -9007199254740994.0);
-    EXPECT_EQ(bench.microInterval(qint64{4611686018427387904}), 4611686018427387904.0); // 2^62
-    EXPECT_EQ(bench.microInterval(qint64{9223372036854774784}), 9223372036854774784.0);
-    EXPECT_EQ(bench.microInterval(std::numeric_limits<qint64>::min()), -9223372036854775808.0);
-    EXPECT_EQ(bench.microInterval(std::numeric_limits<qint64>::max()), 1200); // its nearest double is 2^63
-    EXPECT_EQ(bench.countdown(qint64{5}), 5);
-    EXPECT_EQ(bench.countdown(5.0), 5);
-    EXPECT_EQ(bench.countdown(5.5), 3);
-    EXPECT_EQ(bench.countdown(3e9), 3);
-    EXPECT_EQ(bench.countdown(-2147483648.0), std::numeric_limits<int>::min());
-    EXPECT_EQ(bench.strict(qint64{1}), true);
-    EXPECT_EQ(bench.strict(1.0), true);
-    EXPECT_EQ(bench.strict(qint64{0}), false);
-    EXPECT_EQ(bench.strict(qint64{2}), false); // no truth value, so the default
+    SettingsFixture fixture;
+    EXPECT_EQ(fixture.microInterval(900.5), 900.5);
+    EXPECT_EQ(fixture.microInterval(qint64{900}), 900);
+    EXPECT_EQ(fixture.microInterval(qint64{9007199254740992}), 9007199254740992.0);
+    EXPECT_EQ(fixture.microInterval(qint64{9007199254740993}), 1200); // 2^53 + 1 has no double
+    EXPECT_EQ(fixture.microInterval(qint64{9007199254740994}), 9007199254740994.0);
+    EXPECT_EQ(fixture.microInterval(qint64{-9007199254740994}), -9007199254740994.0);
+    EXPECT_EQ(fixture.microInterval(qint64{4611686018427387904}), 4611686018427387904.0); // 2^62
+    EXPECT_EQ(fixture.microInterval(qint64{9223372036854774784}), 9223372036854774784.0);
+    EXPECT_EQ(fixture.microInterval(std::numeric_limits<qint64>::min()), -9223372036854775808.0);
+    EXPECT_EQ(fixture.microInterval(std::numeric_limits<qint64>::max()), 1200); // its nearest double is 2^63
+    EXPECT_EQ(fixture.countdown(qint64{5}), 5);
+    EXPECT_EQ(fixture.countdown(5.0), 5);
+    EXPECT_EQ(fixture.countdown(5.5), 3);
+    EXPECT_EQ(fixture.countdown(3e9), 3);
+    EXPECT_EQ(fixture.countdown(-2147483648.0), std::numeric_limits<int>::min());
+    EXPECT_EQ(fixture.strict(qint64{1}), true);
+    EXPECT_EQ(fixture.strict(1.0), true);
+    EXPECT_EQ(fixture.strict(qint64{0}), false);
+    EXPECT_EQ(fixture.strict(qint64{2}), false); // no truth value, so the default
 }
 
 TEST(Settings, a_number_is_taken_as_it_is_without_a_check_of_its_range) {
-    SettingsBench bench;
-    EXPECT_EQ(bench.microInterval(0.0), 0);
-    EXPECT_EQ(bench.microInterval(-300.0), -300);
-    EXPECT_EQ(bench.microInterval(1e300), 1e300);
-    EXPECT_EQ(bench.countdown(qint64{-100}), -100);
+    SettingsFixture fixture;
+    EXPECT_EQ(fixture.microInterval(0.0), 0);
+    EXPECT_EQ(fixture.microInterval(-300.0), -300);
+    EXPECT_EQ(fixture.microInterval(1e300), 1e300);
+    EXPECT_EQ(fixture.countdown(qint64{-100}), -100);
 }
 
 TEST(Settings, what_is_no_number_yields_the_default) {
-    SettingsBench bench;
-    EXPECT_EQ(bench.microInterval(std::numeric_limits<double>::quiet_NaN()), 1200);
-    EXPECT_EQ(bench.microInterval(std::numeric_limits<double>::infinity()), 1200);
-    EXPECT_EQ(bench.microInterval(-std::numeric_limits<double>::infinity()), 1200);
-    EXPECT_EQ(bench.countdown(std::numeric_limits<double>::quiet_NaN()), 3);
-    EXPECT_EQ(bench.strict(std::numeric_limits<double>::quiet_NaN()), false);
+    SettingsFixture fixture;
+    EXPECT_EQ(fixture.microInterval(std::numeric_limits<double>::quiet_NaN()), 1200);
+    EXPECT_EQ(fixture.microInterval(std::numeric_limits<double>::infinity()), 1200);
+    EXPECT_EQ(fixture.microInterval(-std::numeric_limits<double>::infinity()), 1200);
+    EXPECT_EQ(fixture.countdown(std::numeric_limits<double>::quiet_NaN()), 3);
+    EXPECT_EQ(fixture.strict(std::numeric_limits<double>::quiet_NaN()), false);
 }
 
 TEST(Settings, an_empty_message_list_is_kept_as_empty) {
-    SettingsBench bench;
-    bench.store.values[QStringLiteral("messages")] = QStringList();
-    EXPECT_EQ(bench.loaded().messages.get(), QStringList());
-    bench.store.values.remove(QStringLiteral("messages"));
-    EXPECT_EQ(bench.loaded().messages->size(), 5);
+    SettingsFixture fixture;
+    fixture.store.values[QStringLiteral("messages")] = QStringList();
+    EXPECT_EQ(fixture.loaded().messages.get(), QStringList());
+    fixture.store.values.remove(QStringLiteral("messages"));
+    EXPECT_EQ(fixture.loaded().messages->size(), 5);
 }
 
 TEST(Settings, undecodable_planned_breaks_load_as_none_and_stay_until_the_next_save) {
-    SettingsBench bench;
+    SettingsFixture fixture;
     const QString key = QStringLiteral("plannedBreaks");
-    bench.store.values[key] = QByteArray("[{\"id\": 3}]");
-    Settings settings(bench.store, bench.platform.loop);
+    fixture.store.values[key] = QByteArray("[{\"id\": 3}]");
+    Settings settings(fixture.store, fixture.platform.loop);
     EXPECT_TRUE(settings.plannedBreaks->empty());
-    bench.platform.loop.advance(10);
-    EXPECT_EQ(bench.store.values[key], StoredValue(QByteArray("[{\"id\": 3}]")));
+    fixture.platform.loop.advance(10);
+    EXPECT_EQ(fixture.store.values[key], StoredValue(QByteArray("[{\"id\": 3}]")));
     settings.strictMode = true;
-    bench.platform.loop.advance(1);
-    EXPECT_EQ(bench.store.values[key], StoredValue(QByteArray("[]")));
+    fixture.platform.loop.advance(1);
+    EXPECT_EQ(fixture.store.values[key], StoredValue(QByteArray("[]")));
 }
 
 TEST(Settings, long_and_foreign_texts_come_back_to_the_letter) {
-    SettingsBench bench;
+    SettingsFixture fixture;
     const QStringList messages{QString(10000, u'x'), QStringLiteral("خذ استراحة قصيرة"),
                                QStringLiteral("👩‍💻🧘🏽‍♀️ \u200Fעברית"), QString()};
     {
-        Settings settings(bench.store, bench.platform.loop);
+        Settings settings(fixture.store, fixture.platform.loop);
         settings.messages = messages;
-        bench.platform.loop.advance(1);
+        fixture.platform.loop.advance(1);
     }
-    EXPECT_EQ(bench.loaded().messages.get(), messages);
+    EXPECT_EQ(fixture.loaded().messages.get(), messages);
 }
 
 // Saving
 
 TEST(Settings, ten_changes_cause_one_save_150_ms_after_the_last) {
-    SettingsBench bench;
-    Settings settings(bench.store, bench.platform.loop);
+    SettingsFixture fixture;
+    Settings settings(fixture.store, fixture.platform.loop);
     for (int i = 0; i < 10; ++i) {
         settings.microInterval = 100 + i;
-        bench.platform.loop.advance(0.1);
+        fixture.platform.loop.advance(0.1);
     }
-    EXPECT_EQ(bench.store.written, QStringList());
-    bench.platform.loop.advance(0.049); // 149 ms after the last
-    EXPECT_EQ(bench.store.written, QStringList());
-    bench.platform.loop.advance(0.002);
-    EXPECT_EQ(bench.store.written.size(), std::ssize(table()));
-    EXPECT_EQ(bench.store.values[QStringLiteral("microInterval")], StoredValue(109.0));
-    bench.platform.loop.advance(60);
-    EXPECT_EQ(bench.store.written.size(), std::ssize(table()));
+    EXPECT_EQ(fixture.store.written, QStringList());
+    fixture.platform.loop.advance(0.049); // 149 ms after the last
+    EXPECT_EQ(fixture.store.written, QStringList());
+    fixture.platform.loop.advance(0.002);
+    EXPECT_EQ(fixture.store.written.size(), std::ssize(table()));
+    EXPECT_EQ(fixture.store.values[QStringLiteral("microInterval")], StoredValue(109.0));
+    fixture.platform.loop.advance(60);
+    EXPECT_EQ(fixture.store.written.size(), std::ssize(table()));
 }
 
 TEST(Settings, a_change_after_the_quiet_period_is_saved_again) {
-    SettingsBench bench;
-    Settings settings(bench.store, bench.platform.loop);
+    SettingsFixture fixture;
+    Settings settings(fixture.store, fixture.platform.loop);
     settings.strictMode = true;
-    bench.platform.loop.advance(1);
+    fixture.platform.loop.advance(1);
     settings.strictMode = false;
-    bench.platform.loop.advance(1);
-    EXPECT_EQ(bench.store.written.size(), 70);
-    EXPECT_EQ(bench.store.values[QStringLiteral("strictMode")], StoredValue(false));
+    fixture.platform.loop.advance(1);
+    EXPECT_EQ(fixture.store.written.size(), 70);
+    EXPECT_EQ(fixture.store.values[QStringLiteral("strictMode")], StoredValue(false));
 }
 
 TEST(Settings, a_change_of_any_property_causes_a_save) {
-    SettingsBench bench;
-    Settings settings(bench.store, bench.platform.loop);
+    SettingsFixture fixture;
+    Settings settings(fixture.store, fixture.platform.loop);
     int saves = 0;
     const auto expectSave = [&] {
-        bench.platform.loop.advance(0.2);
-        EXPECT_EQ(bench.store.written.size(), std::ssize(table()) * ++saves);
+        fixture.platform.loop.advance(0.2);
+        EXPECT_EQ(fixture.store.written.size(), std::ssize(table()) * ++saves);
     };
     settings.allowSkip = false;
     expectSave();
@@ -325,47 +325,47 @@ TEST(Settings, a_change_of_any_property_causes_a_save) {
 }
 
 TEST(Settings, what_cannot_be_encoded_is_left_as_it_was_and_the_rest_is_saved) {
-    SettingsBench bench;
-    Settings settings(bench.store, bench.platform.loop);
+    SettingsFixture fixture;
+    Settings settings(fixture.store, fixture.platform.loop);
     PlannedBreak record;
     settings.plannedBreaks = PlannedBreaks{record};
-    bench.platform.loop.advance(1);
-    const StoredValue before = bench.store.values[QStringLiteral("plannedBreaks")];
-    bench.store.written.clear();
+    fixture.platform.loop.advance(1);
+    const StoredValue before = fixture.store.values[QStringLiteral("plannedBreaks")];
+    fixture.store.written.clear();
     record.duration = std::numeric_limits<double>::infinity();
     settings.plannedBreaks = PlannedBreaks{record};
     settings.strictMode = true;
-    bench.platform.loop.advance(1);
-    EXPECT_EQ(bench.store.values[QStringLiteral("plannedBreaks")], before);
-    EXPECT_EQ(bench.store.written.size(), std::ssize(table()) - 1);
-    EXPECT_EQ(bench.store.values[QStringLiteral("strictMode")], StoredValue(true));
+    fixture.platform.loop.advance(1);
+    EXPECT_EQ(fixture.store.values[QStringLiteral("plannedBreaks")], before);
+    EXPECT_EQ(fixture.store.written.size(), std::ssize(table()) - 1);
+    EXPECT_EQ(fixture.store.values[QStringLiteral("strictMode")], StoredValue(true));
 }
 
 TEST(Settings, settings_that_are_gone_save_nothing) {
-    SettingsBench bench;
+    SettingsFixture fixture;
     {
-        Settings settings(bench.store, bench.platform.loop);
+        Settings settings(fixture.store, fixture.platform.loop);
         settings.strictMode = true;
     }
-    bench.platform.loop.advance(1);
-    EXPECT_EQ(bench.store.written, QStringList());
+    fixture.platform.loop.advance(1);
+    EXPECT_EQ(fixture.store.written, QStringList());
 }
 
 TEST(Settings, at_the_end_of_the_program_a_waiting_change_is_saved_at_once) {
-    SettingsBench bench;
-    Settings settings(bench.store, bench.platform.loop);
+    SettingsFixture fixture;
+    Settings settings(fixture.store, fixture.platform.loop);
     settings.saveNow();
-    EXPECT_EQ(bench.store.written, QStringList());
+    EXPECT_EQ(fixture.store.written, QStringList());
     settings.strictMode = true;
     settings.saveNow();
-    EXPECT_EQ(bench.store.written.size(), std::ssize(table()));
-    bench.platform.loop.advance(1);
-    EXPECT_EQ(bench.store.written.size(), std::ssize(table()));
+    EXPECT_EQ(fixture.store.written.size(), std::ssize(table()));
+    fixture.platform.loop.advance(1);
+    EXPECT_EQ(fixture.store.written.size(), std::ssize(table()));
 }
 
 TEST(Settings, observers_hear_of_each_change_before_it_is_made) {
-    SettingsBench bench;
-    Settings settings(bench.store, bench.platform.loop);
+    SettingsFixture fixture;
+    Settings settings(fixture.store, fixture.platform.loop);
     std::vector<double> seen;
     auto observation = settings.observe([&] { seen.push_back(settings.microInterval); });
     settings.microInterval = 5;
@@ -376,8 +376,8 @@ TEST(Settings, observers_hear_of_each_change_before_it_is_made) {
 }
 
 TEST(Settings, skip_and_postpone_are_permitted_unless_switched_off_or_strict) {
-    SettingsBench bench;
-    Settings settings(bench.store, bench.platform.loop);
+    SettingsFixture fixture;
+    Settings settings(fixture.store, fixture.platform.loop);
     EXPECT_TRUE(settings.isSkipPermitted());
     EXPECT_TRUE(settings.isPostponePermitted());
     settings.allowSkip = false;
@@ -395,8 +395,8 @@ TEST(Settings, skip_and_postpone_are_permitted_unless_switched_off_or_strict) {
 // What observing is
 
 TEST(Observable, an_observer_may_change_another_field_while_it_is_told) {
-    SettingsBench bench;
-    Settings settings(bench.store, bench.platform.loop);
+    SettingsFixture fixture;
+    Settings settings(fixture.store, fixture.platform.loop);
     int heard = 0;
     auto gone = settings.observe([] {});
     bool isFirst = true;
@@ -414,8 +414,8 @@ TEST(Observable, an_observer_may_change_another_field_while_it_is_told) {
 }
 
 TEST(Observable, an_observer_may_stop_observing_while_it_is_told) {
-    SettingsBench bench;
-    Settings settings(bench.store, bench.platform.loop);
+    SettingsFixture fixture;
+    Settings settings(fixture.store, fixture.platform.loop);
     int heard = 0;
     Observable::Observation observation;
     observation = settings.observe([&] {

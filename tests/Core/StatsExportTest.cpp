@@ -55,10 +55,10 @@ TEST(StatsExport, a_damaged_record_is_named_by_whole_characters_of_its_key) {
 }
 
 TEST(StatsExport, before_the_first_day_there_are_none) {
-    for (const StoredLook &look : {StoredLook{}, StoredLook{QByteArray("{}"), false}}) {
-        EXPECT_EQ(StatsExport::of(look, Format::csv).text, header);
-        EXPECT_EQ(QJsonDocument::fromJson(StatsExport::of(look, Format::json).text).array().size(), 0);
-        EXPECT_EQ(StatsExport::of(look, Format::csv).complaints, QStringList());
+    for (const StoredEntry &entry : {StoredEntry{}, StoredEntry{QByteArray("{}"), false}}) {
+        EXPECT_EQ(StatsExport::of(entry, Format::csv).text, header);
+        EXPECT_EQ(QJsonDocument::fromJson(StatsExport::of(entry, Format::json).text).array().size(), 0);
+        EXPECT_EQ(StatsExport::of(entry, Format::csv).complaints, QStringList());
     }
 }
 
@@ -89,12 +89,12 @@ TEST(StatsExport, a_day_that_is_not_whole_is_left_out_and_complained_of) {
 }
 
 TEST(StatsExport, statistics_that_cannot_be_read_are_complained_of) {
-    const StoredLook looks[] = {{QByteArray("{\"2026-03-09\": {"), false},
-                                {QByteArray("[]"), false},
-                                {QStringLiteral("text"), false},
-                                {{}, true}};
-    for (const StoredLook &look : looks) {
-        const StatsExport made = StatsExport::of(look, Format::csv);
+    const StoredEntry looks[] = {{QByteArray("{\"2026-03-09\": {"), false},
+                                 {QByteArray("[]"), false},
+                                 {QStringLiteral("text"), false},
+                                 {{}, true}};
+    for (const StoredEntry &entry : looks) {
+        const StatsExport made = StatsExport::of(entry, Format::csv);
         EXPECT_EQ(made.text, header);
         EXPECT_EQ(made.complaints.size(), 1);
     }

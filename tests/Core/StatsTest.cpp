@@ -14,8 +14,8 @@ namespace pavonel::test {
 namespace {
 
 /// At noon of Monday, 9 March 2026.
-struct StatsBench {
-    StatsBench() { platform.loop.setClock(QStringLiteral("2026-03-09T12:00")); }
+struct StatsFixture {
+    StatsFixture() { platform.loop.setClock(QStringLiteral("2026-03-09T12:00")); }
 
     FakePlatform platform;
 
@@ -40,8 +40,8 @@ const Day someDay{1, 2, 3, 4, 5.5, 6.25};
 } // namespace
 
 TEST(Stats, a_fresh_store_has_a_zero_today_and_a_week_of_zero_days) {
-    StatsBench bench;
-    const Stats stats = bench.loaded();
+    StatsFixture fixture;
+    const Stats stats = fixture.loaded();
     EXPECT_EQ(stats.today(), Day{});
     const auto week = stats.lastWeek();
     QStringList labels;
@@ -53,9 +53,9 @@ TEST(Stats, a_fresh_store_has_a_zero_today_and_a_week_of_zero_days) {
 }
 
 TEST(Stats, the_last_week_runs_from_six_days_ago_to_today) {
-    StatsBench bench;
-    Stats stats = bench.loaded();
-    stats.setDays(bench.daysUpToToday(8));
+    StatsFixture fixture;
+    Stats stats = fixture.loaded();
+    stats.setDays(fixture.daysUpToToday(8));
     const auto week = stats.lastWeek();
     ASSERT_EQ(week.size(), 7U);
     for (std::size_t i = 0; i < 7; ++i)
@@ -65,86 +65,86 @@ TEST(Stats, the_last_week_runs_from_six_days_ago_to_today) {
 TEST(Stats, weekday_labels_are_english_whatever_the_users_language) {
     const QLocale before;
     QLocale::setDefault(QLocale(QLocale::German));
-    StatsBench bench;
-    const QString label = bench.loaded().lastWeek().front().label;
+    StatsFixture fixture;
+    const QString label = fixture.loaded().lastWeek().front().label;
     QLocale::setDefault(before);
     EXPECT_EQ(label, QStringLiteral("Tue"));
 }
 
 TEST(Stats, a_day_is_kept_under_its_local_date) {
-    StatsBench bench;
-    Stats stats = bench.loaded();
+    StatsFixture fixture;
+    Stats stats = fixture.loaded();
     stats.setToday(someDay);
-    EXPECT_EQ(bench.stored(), (QJsonObject{{QStringLiteral("2026-03-09"),
-                                            QJsonObject{{QStringLiteral("micro"), 1},
-                                                        {QStringLiteral("long"), 2},
-                                                        {QStringLiteral("planned"), 3},
-                                                        {QStringLiteral("skipped"), 4},
-                                                        {QStringLiteral("screenSeconds"), 5.5},
-                                                        {QStringLiteral("breakSeconds"), 6.25}}}}));
+    EXPECT_EQ(fixture.stored(), (QJsonObject{{QStringLiteral("2026-03-09"),
+                                              QJsonObject{{QStringLiteral("micro"), 1},
+                                                          {QStringLiteral("long"), 2},
+                                                          {QStringLiteral("planned"), 3},
+                                                          {QStringLiteral("skipped"), 4},
+                                                          {QStringLiteral("screenSeconds"), 5.5},
+                                                          {QStringLiteral("breakSeconds"), 6.25}}}}));
 }
 
 TEST(Stats, what_was_stored_is_loaded_again) {
-    StatsBench bench;
+    StatsFixture fixture;
     {
-        Stats stats = bench.loaded();
+        Stats stats = fixture.loaded();
         stats.setToday(someDay);
-        bench.stored(); // encoded while its owner is there
-        bench.platform.fakeDefaults.encoders.clear();
+        fixture.stored(); // encoded while its owner is there
+        fixture.platform.fakeDefaults.encoders.clear();
     }
-    const Stats stats = bench.loaded();
+    const Stats stats = fixture.loaded();
     EXPECT_EQ(stats.today(), someDay);
 }
 
 TEST(Stats, every_day_needs_all_six_members_of_the_right_type) {
     const QByteArray whole =
         R"({"2026-03-09": {"micro": 1, "long": 2, "planned": 3, "skipped": 4, "screenSeconds": 5, "breakSeconds": 6}})";
-    StatsBench bench;
-    bench.store(whole);
-    EXPECT_EQ(bench.loaded().today().planned, 3);
+    StatsFixture fixture;
+    fixture.store(whole);
+    EXPECT_EQ(fixture.loaded().today().planned, 3);
     for (const char *member : {"micro", "long", "planned", "skipped", "screenSeconds", "breakSeconds"}) {
-        bench.store(QByteArray(whole).replace(member, "other"));
-        EXPECT_TRUE(bench.loaded().days().empty()) << member;
+        fixture.store(QByteArray(whole).replace(member, "other"));
+        EXPECT_TRUE(fixture.loaded().days().empty()) << member;
     }
     for (const char *value : {"\"1\"", "null", "true", "1.5", "[]"}) {
-        bench.store(QByteArray(whole).replace("\"micro\": 1", QByteArray("\"micro\": ") + value));
-        EXPECT_TRUE(bench.loaded().days().empty()) << value;
+        fixture.store(QByteArray(whole).replace("\"micro\": 1", QByteArray("\"micro\": ") + value));
+        EXPECT_TRUE(fixture.loaded().days().empty()) << value;
     }
-    bench.store(QByteArray(whole).replace("\"micro\"", "\"extra\": 9, \"micro\""));
-    EXPECT_EQ(bench.loaded().today().micro, 1);
+    fixture.store(QByteArray(whole).replace("\"micro\"", "\"extra\": 9, \"micro\""));
+    EXPECT_EQ(fixture.loaded().today().micro, 1);
 }
 
 TEST(Stats, what_cannot_be_decoded_starts_empty_and_is_overwritten_by_the_next_change) {
-    StatsBench bench;
+    StatsFixture fixture;
     for (const char *json : {"", "[]", "null", "{", "{\"2026-03-09\": 3}", "\xff"}) {
-        bench.store(json);
-        EXPECT_TRUE(bench.loaded().days().empty()) << json;
+        fixture.store(json);
+        EXPECT_TRUE(fixture.loaded().days().empty()) << json;
     }
-    bench.platform.fakeDefaults.values[Stats::key] = QStringLiteral("a text");
-    Stats stats = bench.loaded();
+    fixture.platform.fakeDefaults.values[Stats::key] = QStringLiteral("a text");
+    Stats stats = fixture.loaded();
     EXPECT_TRUE(stats.days().empty());
     stats.setToday(someDay);
-    EXPECT_EQ(bench.stored().size(), 1);
+    EXPECT_EQ(fixture.stored().size(), 1);
 }
 
 TEST(Stats, sixty_days_are_kept_even_when_some_are_older) {
-    StatsBench bench;
-    Stats stats = bench.loaded();
-    Days days = bench.daysUpToToday(59);
+    StatsFixture fixture;
+    Stats stats = fixture.loaded();
+    Days days = fixture.daysUpToToday(59);
     days.emplace(QStringLiteral("2001-01-01"), Day{});
     stats.setDays(days);
     EXPECT_EQ(stats.days().size(), 60U);
 }
 
 TEST(Stats, from_61_days_on_those_before_the_date_60_days_ago_are_dropped) {
-    StatsBench bench;
-    Stats stats = bench.loaded();
-    stats.setDays(bench.daysUpToToday(61)); // the oldest is exactly 60 days old
+    StatsFixture fixture;
+    Stats stats = fixture.loaded();
+    stats.setDays(fixture.daysUpToToday(61)); // the oldest is exactly 60 days old
     EXPECT_EQ(stats.days().size(), 61U);
-    stats.setDays(bench.daysUpToToday(62));
+    stats.setDays(fixture.daysUpToToday(62));
     EXPECT_EQ(stats.days().size(), 61U);
     EXPECT_EQ(stats.days().begin()->first, QStringLiteral("2026-01-08"));
-    Days sparse = bench.daysUpToToday(58);
+    Days sparse = fixture.daysUpToToday(58);
     for (const char *old : {"2001-01-01", "2001-01-02", "2001-01-03"})
         sparse.emplace(QString::fromLatin1(old), Day{});
     stats.setDays(sparse);
@@ -152,32 +152,32 @@ TEST(Stats, from_61_days_on_those_before_the_date_60_days_ago_are_dropped) {
 }
 
 TEST(Stats, keys_of_the_future_are_kept) {
-    StatsBench bench;
-    Stats stats = bench.loaded();
-    Days days = bench.daysUpToToday(61);
+    StatsFixture fixture;
+    Stats stats = fixture.loaded();
+    Days days = fixture.daysUpToToday(61);
     days.emplace(QStringLiteral("2099-01-01"), someDay);
     stats.setDays(days);
     EXPECT_TRUE(stats.days().contains(QStringLiteral("2099-01-01")));
 }
 
 TEST(Stats, a_year_of_days_keeps_the_last_61) {
-    StatsBench bench;
-    Stats stats = bench.loaded();
+    StatsFixture fixture;
+    Stats stats = fixture.loaded();
     for (QDate date(2028, 1, 1); date.year() == 2028; date = date.addDays(1)) {
-        bench.platform.loop.setClock(date.toString(Qt::ISODate) + QStringLiteral("T12:00"));
+        fixture.platform.loop.setClock(date.toString(Qt::ISODate) + QStringLiteral("T12:00"));
         stats.setToday(someDay);
         ASSERT_LE(stats.days().size(), 61U);
     }
     EXPECT_EQ(stats.days().begin()->first, QStringLiteral("2028-11-01"));
-    EXPECT_EQ(bench.stored().size(), 61);
+    EXPECT_EQ(fixture.stored().size(), 61);
 }
 
 TEST(Stats, a_key_written_before_a_change_of_the_zone_stays_and_the_new_day_follows_the_new_zone) {
-    StatsBench bench;
-    Stats stats = bench.loaded();
-    bench.platform.loop.setClock(QStringLiteral("2026-03-09T20:00"));
+    StatsFixture fixture;
+    Stats stats = fixture.loaded();
+    fixture.platform.loop.setClock(QStringLiteral("2026-03-09T20:00"));
     stats.setToday(Day{.micro = 1});
-    bench.platform.loop.setZone("Asia/Tokyo");
+    fixture.platform.loop.setZone("Asia/Tokyo");
     EXPECT_EQ(stats.today(), Day{});
     stats.setToday(Day{.micro = 2});
     EXPECT_EQ(stats.days(), (Days{{QStringLiteral("2026-03-09"), Day{.micro = 1}},
@@ -185,26 +185,26 @@ TEST(Stats, a_key_written_before_a_change_of_the_zone_stays_and_the_new_day_foll
 }
 
 TEST(Stats, after_a_reset_the_stored_value_is_an_empty_object) {
-    StatsBench bench;
-    Stats stats = bench.loaded();
+    StatsFixture fixture;
+    Stats stats = fixture.loaded();
     stats.setToday(someDay);
     stats.setDays({});
     EXPECT_EQ(stats.today(), Day{});
-    EXPECT_EQ(bench.platform.fakeDefaults.value(Stats::key), StoredValue(QByteArray("{}")));
+    EXPECT_EQ(fixture.platform.fakeDefaults.value(Stats::key), StoredValue(QByteArray("{}")));
 }
 
 TEST(Stats, figures_that_are_no_numbers_are_not_written) {
-    StatsBench bench;
-    Stats stats = bench.loaded();
+    StatsFixture fixture;
+    Stats stats = fixture.loaded();
     stats.setToday(someDay);
-    const auto before = bench.stored();
+    const auto before = fixture.stored();
     stats.setToday(Day{.screenSeconds = std::numeric_limits<double>::quiet_NaN()});
-    EXPECT_EQ(bench.stored(), before);
+    EXPECT_EQ(fixture.stored(), before);
 }
 
 TEST(Stats, observers_hear_of_every_change) {
-    StatsBench bench;
-    Stats stats = bench.loaded();
+    StatsFixture fixture;
+    Stats stats = fixture.loaded();
     int heard = 0;
     const auto observation = stats.observe([&] { ++heard; });
     stats.setToday(someDay);

@@ -89,7 +89,7 @@ INSTANTIATE_TEST_SUITE_P(Values, BadStore,
 
 TEST_P(BadStore, is_survived) {
     Desktop desktop;
-    for (int milliseconds = 4000; milliseconds < patience && desktop.statistics().isEmpty();
+    for (int milliseconds = 4000; milliseconds < generousTimeout && desktop.statistics().isEmpty();
          milliseconds *= 2) {
         desktop.store(GetParam().members);
         desktop.startProgram();

@@ -100,7 +100,8 @@ void HeadlessProgram::send(int signal) {
 int HeadlessProgram::end(int signal) {
     QProcess &process = program_->process();
     send(signal);
-    const bool ended = process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit;
+    const bool ended =
+        process.waitForFinished(generousTimeout) && process.exitStatus() == QProcess::NormalExit;
     EXPECT_TRUE(ended) << process.readAllStandardError().constData();
     return ended ? process.exitCode() : -1;
 }
@@ -114,7 +115,7 @@ qint64 HeadlessProgram::residentMemory() const {
 
 void HeadlessProgram::kill() {
     program_->process().kill();
-    EXPECT_TRUE(program_->process().waitForFinished(patience));
+    EXPECT_TRUE(program_->process().waitForFinished(generousTimeout));
 }
 
 } // namespace pavonel::test

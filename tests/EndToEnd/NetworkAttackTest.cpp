@@ -49,7 +49,7 @@ protected:
                                      server.url("/updates.json").toString());
         ChildProcess child(QStringLiteral(PAVONEL_PROGRAM), {QStringLiteral("--update-now")},
                            program.environment());
-        EXPECT_TRUE(waitUntil([&] { return !child.isRunning(); }, 2 * patience));
+        EXPECT_TRUE(waitUntil([&] { return !child.isRunning(); }, 2 * generousTimeout));
         QProcess &process = child.process();
         return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
     }

@@ -60,7 +60,7 @@ void SettingsRoad::walk(const QString &script, const QStringList &arguments) {
     const QString path = QStringLiteral(PAVONEL_SOURCE_DIR "/tests/EndToEnd/settings-road/") + script;
     ChildProcess python(QStringLiteral("/usr/bin/python3"), QStringList{path} + arguments,
                         desktop.environment());
-    constexpr int long_ = 4 * patience; // every wait of the script has a limit of its own
+    constexpr int long_ = 4 * generousTimeout; // every wait of the script has a limit of its own
     const bool ended = waitUntil([&] { return !python.isRunning(); }, long_);
     const std::string errors = python.process().readAllStandardError().toStdString();
     ASSERT_TRUE(ended) << script.toStdString() << " does not end\n" << errors;

@@ -1,4 +1,4 @@
-#include "EndToEnd/UpdateBench.h"
+#include "EndToEnd/ReleaseFixture.h"
 
 #include <csignal>
 #include <ostream>
@@ -8,7 +8,7 @@ namespace pavonel::test {
 namespace {
 
 /// Somebody has the feed, the site or the line in hand, but not the team's key.
-class UpdateAttack : public UpdateBench {
+class UpdateAttack : public ReleaseFixture {
 protected:
     UpdateAttack() { // What is attacked is the real program; what is offered to it need only look like one.
         shell("bundle \"$installed\" 1.0 \"$build/pavonel\"; bundle image/Pavonel.app 1.1 /bin/true; mkdir "

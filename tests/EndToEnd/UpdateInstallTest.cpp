@@ -1,5 +1,5 @@
+#include "EndToEnd/ReleaseFixture.h"
 #include "EndToEnd/Remote.h"
-#include "EndToEnd/UpdateBench.h"
 #include "support/AccessibilityBus.h"
 #include "support/MessageBus.h"
 #include "support/XServer.h"
@@ -20,7 +20,7 @@ namespace pavonel::test {
 namespace {
 
 /// From one release to the next, with nothing in between but what a user has.
-class UpdateInstall : public UpdateBench {
+class UpdateInstall : public ReleaseFixture {
 protected:
     UpdateInstall() { shell("make_release 1.9.0; install_release 1.9.0"); }
 

@@ -1,4 +1,4 @@
-#include "EndToEnd/UpdateBench.h"
+#include "EndToEnd/ReleaseFixture.h"
 #include "support/InChild.h"
 #include "support/waitUntil.h"
 
@@ -14,7 +14,7 @@ namespace pavonel::test {
 namespace {
 
 /// Nobody means harm, but things go wrong between two releases.
-class UpdateMishap : public UpdateBench {
+class UpdateMishap : public ReleaseFixture {
 protected:
     UpdateMishap() {
         shell("bundle \"$installed\" 1.0 \"$build/pavonel\"; mkdir image site; cp -R \"$installed\" image\n"

@@ -1,4 +1,4 @@
-#include "EndToEnd/UpdateBench.h"
+#include "EndToEnd/ReleaseFixture.h"
 #include "support/waitUntil.h"
 
 #include <QCryptographicHash>
@@ -11,7 +11,7 @@ namespace pavonel::test {
 namespace {
 
 /// What packaging/make-release makes.
-class UpdateRelease : public UpdateBench {
+class UpdateRelease : public ReleaseFixture {
 protected:
     QJsonObject feed() const { return QJsonDocument::fromJson(read("site/updates.json")).object(); }
 

@@ -14,9 +14,9 @@ namespace pavonel::fuzz {
 namespace {
 
 /// `hdiutil` beside an unpacker that lists what it is told to, and unpacks nothing.
-class Workshop {
+class ImageFixture {
 public:
-    Workshop() {
+    ImageFixture() {
         require(QFile::copy(QStringLiteral(PAVONEL_SOURCE_DIR "/libexec/hdiutil"), path("hdiutil")));
         write("confine", "#!/bin/sh\n[ -n \"$2\" ] || exec cat \"$1\"\n");
         QFile::setPermissions(path("confine"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
@@ -75,8 +75,8 @@ bool mayBeAccepted(const QByteArray &listing) {
 
 /// What lists a disk image tells of it. Nothing is attached of which a line is not as it must be.
 void imageListing(const QByteArray &input) {
-    const auto &workshop = onlyOne<Workshop>();
-    require(!workshop.accepts(input) || mayBeAccepted(input));
+    const auto &fixture = onlyOne<ImageFixture>();
+    require(!fixture.accepts(input) || mayBeAccepted(input));
 }
 
 } // namespace pavonel::fuzz

@@ -10,13 +10,13 @@ import time
 import urllib.error
 import urllib.request
 
-PATIENCE = 120  # seconds; for a busy machine
+TIMEOUT = 120  # seconds; for a busy machine
 PORTRAIT, LANDSCAPE = (390, 844), (844, 390)
 
 
 def wait_until(condition, what):
     """The first true value of the condition. `what` is a text, or gives one when it never comes."""
-    deadline = time.monotonic() + PATIENCE
+    deadline = time.monotonic() + TIMEOUT
     while not (value := condition()):
         if time.monotonic() > deadline:
             raise AssertionError(f"waited in vain until {what() if callable(what) else what}")
@@ -44,7 +44,7 @@ class Browser:
         request = urllib.request.Request(self.base + self.session + path, data, {"Content-Type": "application/json"},
                                          method=method)
         try:
-            with urllib.request.urlopen(request, timeout=PATIENCE) as reply:
+            with urllib.request.urlopen(request, timeout=TIMEOUT) as reply:
                 return json.load(reply)["value"]
         except urllib.error.HTTPError as error:
             raise AssertionError(json.load(error)["value"]["message"]) from None

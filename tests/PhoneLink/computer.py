@@ -6,7 +6,7 @@ import shutil
 import subprocess
 import tempfile
 
-from browser import PATIENCE, wait_until
+from browser import TIMEOUT, wait_until
 
 STORE = {"didOnboard": True, "microInterval": 3600, "microDuration": 20, "longEnabled": False, "preNotifySeconds": 0,
          "naturalBreakEnabled": False, "soundEnabled": False, "launchAtLogin": False, "hotKeysEnabled": False}
@@ -52,7 +52,7 @@ class Program:
     def close(self):
         if self.process.poll() is None:
             self.process.terminate()
-        status = self.process.wait(PATIENCE)
+        status = self.process.wait(TIMEOUT)
         if self.bus:
             self.bus.terminate()
             self.bus.wait()

@@ -1,6 +1,6 @@
 #include "Core/SystemBits.h"
 #include "Platform/Linux/DetachedLauncher.h"
-#include "support/Workshop.h"
+#include "support/ToolFixture.h"
 
 #include <sys/wait.h>
 
@@ -9,7 +9,7 @@ namespace pavonel::test {
 namespace {
 
 /// Break scripts over the real launcher, with recording stand-ins for both tools.
-class AutomationTest : public Workshop {
+class AutomationTest : public ToolFixture {
 protected:
     AutomationTest() {
         for (const char *tool : {"osascript", "shortcuts"})

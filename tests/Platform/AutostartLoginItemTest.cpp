@@ -2,7 +2,7 @@
 
 #include "Platform/Linux/DesktopEntry.h"
 #include "support/ChildProcess.h"
-#include "support/Workshop.h"
+#include "support/ToolFixture.h"
 
 #include <QStandardPaths>
 
@@ -22,7 +22,7 @@ QString starter() {
                                            QStringLiteral("/usr/libexec"), QStringLiteral("/usr/lib")});
 }
 
-class LoginItemTest : public Workshop {
+class LoginItemTest : public ToolFixture {
 protected:
     LoginItemTest() { qunsetenv("XDG_CURRENT_DESKTOP"); }
 

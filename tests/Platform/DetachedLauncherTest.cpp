@@ -1,7 +1,7 @@
 #include "Platform/Linux/DetachedLauncher.h"
 
 #include "Platform/GivenEnvironment.h"
-#include "support/Workshop.h"
+#include "support/ToolFixture.h"
 
 #include <QElapsedTimer>
 
@@ -14,7 +14,7 @@ namespace pavonel::test {
 
 namespace {
 
-class DetachedLauncherTest : public Workshop {
+class DetachedLauncherTest : public ToolFixture {
 protected:
     DetachedLauncher launcher{files()};
 

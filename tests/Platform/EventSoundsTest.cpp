@@ -2,7 +2,7 @@
 
 #include "support/Scenario.h"
 #include "support/SoundServer.h"
-#include "support/Workshop.h"
+#include "support/ToolFixture.h"
 
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -15,9 +15,9 @@ namespace {
 const ProgramFiles builtFiles(QStringLiteral(PAVONEL_PROGRAM));
 
 /// What a sound server hears, from the making of this on.
-class Ear {
+class SoundObserver {
 public:
-    explicit Ear(SoundServer &server)
+    explicit SoundObserver(SoundServer &server)
         : server_(server),
           subscription_(QStringLiteral("pactl"), {QStringLiteral("subscribe")}, server.environment()) {
         // Every question asked of the server is a new client; the first that is reported shows that we hear.
@@ -89,7 +89,7 @@ private:
 };
 
 /// A theme folder in the user's data and one of the system.
-class SoundThemes : public Workshop {
+class SoundThemes : public ToolFixture {
 protected:
     SoundThemes() {
         qputenv("XDG_DATA_HOME", QFile::encodeName(path(QStringLiteral("home"))));
@@ -119,41 +119,41 @@ class OnSoundServer : public testing::TestWithParam<SoundServer::Kind> {};
 TEST_P(OnSoundServer, start_and_end_sounds_are_heard_once_a_break) {
     SoundServer server(GetParam());
     server.start();
-    Ear ear(server);
+    SoundObserver observer(server);
     SoundingScenario day;
     day.controller.startBreak(BreakKind::micro, BreakController::Initiator::user);
-    EXPECT_TRUE(ear.hears("Submarine.wav"));
+    EXPECT_TRUE(observer.hears("Submarine.wav"));
     day.advance(20);
-    EXPECT_TRUE(ear.hears("Glass.wav"));
+    EXPECT_TRUE(observer.hears("Glass.wav"));
     day.advance(600);
-    EXPECT_TRUE(ear.hearsSilenceAgain());
-    EXPECT_EQ(ear.streams(), 2);
+    EXPECT_TRUE(observer.hearsSilenceAgain());
+    EXPECT_EQ(observer.streams(), 2);
 }
 
 TEST_P(OnSoundServer, without_sounds_enabled_none_is_heard) {
     SoundServer server(GetParam());
     server.start();
-    Ear ear(server);
+    SoundObserver observer(server);
     SoundingScenario day;
     day.settings.soundEnabled = false;
     day.completeBreak();
     day.platform.sounds->play(QStringLiteral("Hero")); // would come after the others
-    EXPECT_TRUE(ear.hears("Hero.wav"));
-    EXPECT_TRUE(ear.hearsSilenceAgain());
-    EXPECT_EQ(ear.streams(), 1);
+    EXPECT_TRUE(observer.hears("Hero.wav"));
+    EXPECT_TRUE(observer.hearsSilenceAgain());
+    EXPECT_EQ(observer.streams(), 1);
 }
 
 TEST_P(OnSoundServer, a_sound_plays_at_the_volume_of_events_under_our_name) {
     VirtualMainLoop loop;
     SoundServer server(GetParam());
     server.start();
-    Ear ear(server);
+    SoundObserver observer(server);
     EventSounds(builtFiles, loop).play(QStringLiteral("Submarine"));
-    EXPECT_TRUE(ear.hears("Submarine.wav"));
-    const QByteArray stream = ear.playing();
+    EXPECT_TRUE(observer.hears("Submarine.wav"));
+    const QByteArray stream = observer.playing();
     EXPECT_TRUE(stream.contains("media.role = \"event\"")) << stream.constData();
     EXPECT_TRUE(stream.contains("application.id = \"org.pavonel.Pavonel\"")) << stream.constData();
-    EXPECT_TRUE(ear.hearsSilenceAgain());
+    EXPECT_TRUE(observer.hearsSilenceAgain());
 }
 
 INSTANTIATE_TEST_SUITE_P(EventSounds, OnSoundServer,
@@ -165,30 +165,30 @@ INSTANTIATE_TEST_SUITE_P(EventSounds, OnSoundServer,
 TEST(EventSounds, a_break_cut_short_has_no_end_sound) {
     SoundServer server(SoundServer::Kind::pulseAudio);
     server.start();
-    Ear ear(server);
+    SoundObserver observer(server);
     SoundingScenario day;
     day.settings.endSound = QStringLiteral("Ping");
     day.controller.startBreak(BreakKind::micro, BreakController::Initiator::user);
-    EXPECT_TRUE(ear.hears("Submarine.wav"));
+    EXPECT_TRUE(observer.hears("Submarine.wav"));
     day.controller.skip();
     day.platform.sounds->play(QStringLiteral("Hero"));
-    EXPECT_TRUE(ear.hears("Hero.wav"));
-    EXPECT_TRUE(ear.hearsSilenceAgain());
-    EXPECT_EQ(ear.streams(), 2);
+    EXPECT_TRUE(observer.hears("Hero.wav"));
+    EXPECT_TRUE(observer.hearsSilenceAgain());
+    EXPECT_EQ(observer.streams(), 2);
 }
 
 TEST(EventSounds, none_and_an_unknown_name_are_silent) {
     VirtualMainLoop loop;
     SoundServer server(SoundServer::Kind::pulseAudio);
     server.start();
-    Ear ear(server);
+    SoundObserver observer(server);
     EventSounds sounds(builtFiles, loop);
     for (const char *name : {"None", "", "Nonsense", "glass", "../sounds/Glass", "/dev/null"})
         sounds.play(QString::fromLatin1(name));
     sounds.play(QStringLiteral("Hero"));
-    EXPECT_TRUE(ear.hears("Hero.wav"));
-    EXPECT_TRUE(ear.hearsSilenceAgain());
-    EXPECT_EQ(ear.streams(), 1);
+    EXPECT_TRUE(observer.hears("Hero.wav"));
+    EXPECT_TRUE(observer.hearsSilenceAgain());
+    EXPECT_EQ(observer.streams(), 1);
 }
 
 TEST(EventSounds, a_sound_finds_a_server_that_came_later) {
@@ -197,9 +197,9 @@ TEST(EventSounds, a_sound_finds_a_server_that_came_later) {
     EventSounds sounds(builtFiles, loop);
     sounds.play(QStringLiteral("Glass")); // nobody there to hear it
     server.start();
-    Ear ear(server);
+    SoundObserver observer(server);
     sounds.play(QStringLiteral("Hero"));
-    EXPECT_TRUE(ear.hears("Hero.wav"));
+    EXPECT_TRUE(observer.hears("Hero.wav"));
     server.kill();
     sounds.play(QStringLiteral("Glass"));
 }

@@ -3,7 +3,7 @@
 #include "support/ChildProcess.h"
 #include "support/HttpServer.h"
 #include "support/InChild.h"
-#include "support/Workshop.h"
+#include "support/ToolFixture.h"
 #include "support/kernelKnows.h"
 
 #include <utility>
@@ -13,7 +13,7 @@ namespace pavonel::test {
 namespace {
 
 /// The tool that reads what servers send, taken over by one of them.
-class FetchConfinement : public Workshop {
+class FetchConfinement : public ToolFixture {
 protected:
     FetchConfinement() {
         write(QStringLiteral("secret"), "secret");

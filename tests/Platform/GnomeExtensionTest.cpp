@@ -17,55 +17,55 @@
 
 namespace pavonel::test {
 
-struct ToldFrame {
+struct ReportedFrame {
     int x = 0;
     int y = 0;
     int width = 0;
     int height = 0;
 };
-struct ToldFront {
+struct ReportedFront {
     uint process = 0;
     QString windowClass;
     QString windowInstance;
-    ToldFrame frame;
+    ReportedFrame frame;
     bool fullscreen = false;
 };
-struct ToldPoint {
+struct ReportedPoint {
     int x = 0;
     int y = 0;
 };
 
-QDBusArgument &operator<<(QDBusArgument &argument, const ToldFrame &frame) {
+QDBusArgument &operator<<(QDBusArgument &argument, const ReportedFrame &frame) {
     argument.beginStructure();
     argument << frame.x << frame.y << frame.width << frame.height;
     argument.endStructure();
     return argument;
 }
-const QDBusArgument &operator>>(const QDBusArgument &argument, ToldFrame &frame) {
+const QDBusArgument &operator>>(const QDBusArgument &argument, ReportedFrame &frame) {
     argument.beginStructure();
     argument >> frame.x >> frame.y >> frame.width >> frame.height;
     argument.endStructure();
     return argument;
 }
-QDBusArgument &operator<<(QDBusArgument &argument, const ToldFront &front) {
+QDBusArgument &operator<<(QDBusArgument &argument, const ReportedFront &front) {
     argument.beginStructure();
     argument << front.process << front.windowClass << front.windowInstance << front.frame << front.fullscreen;
     argument.endStructure();
     return argument;
 }
-const QDBusArgument &operator>>(const QDBusArgument &argument, ToldFront &front) {
+const QDBusArgument &operator>>(const QDBusArgument &argument, ReportedFront &front) {
     argument.beginStructure();
     argument >> front.process >> front.windowClass >> front.windowInstance >> front.frame >> front.fullscreen;
     argument.endStructure();
     return argument;
 }
-QDBusArgument &operator<<(QDBusArgument &argument, const ToldPoint &point) {
+QDBusArgument &operator<<(QDBusArgument &argument, const ReportedPoint &point) {
     argument.beginStructure();
     argument << point.x << point.y;
     argument.endStructure();
     return argument;
 }
-const QDBusArgument &operator>>(const QDBusArgument &argument, ToldPoint &point) {
+const QDBusArgument &operator>>(const QDBusArgument &argument, ReportedPoint &point) {
     argument.beginStructure();
     argument >> point.x >> point.y;
     argument.endStructure();
@@ -73,9 +73,9 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, ToldPoint &point)
 }
 
 } // namespace pavonel::test
-Q_DECLARE_METATYPE(pavonel::test::ToldFrame)
-Q_DECLARE_METATYPE(pavonel::test::ToldFront)
-Q_DECLARE_METATYPE(pavonel::test::ToldPoint)
+Q_DECLARE_METATYPE(pavonel::test::ReportedFrame)
+Q_DECLARE_METATYPE(pavonel::test::ReportedFront)
+Q_DECLARE_METATYPE(pavonel::test::ReportedPoint)
 
 namespace pavonel::test {
 
@@ -91,24 +91,24 @@ class Shell : public QObject {
 
 public:
     explicit Shell(const QDBusConnection &bus) : bus_(bus) {
-        qDBusRegisterMetaType<ToldFrame>();
-        qDBusRegisterMetaType<ToldFront>();
-        qDBusRegisterMetaType<ToldPoint>();
+        qDBusRegisterMetaType<ReportedFrame>();
+        qDBusRegisterMetaType<ReportedFront>();
+        qDBusRegisterMetaType<ReportedPoint>();
         bus_.registerObject(path, this, QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals);
     }
     void appear() { EXPECT_TRUE(bus_.registerService(name)); }
     void vanish() { EXPECT_TRUE(bus_.unregisterService(name)); }
 
-    ToldFront front;
-    ToldPoint pointer;
+    ReportedFront front;
+    ReportedPoint pointer;
     QStringList grabs;
     QList<uint> ungrabs;
     QString taken;
 
-    Q_SIGNAL void FrontChanged(const pavonel::test::ToldFront &front);
+    Q_SIGNAL void FrontChanged(const pavonel::test::ReportedFront &front);
     Q_SIGNAL void Pressed(uint action);
-    Q_SLOT pavonel::test::ToldFront Front() { return front; }
-    Q_SLOT pavonel::test::ToldPoint Pointer() { return pointer; }
+    Q_SLOT pavonel::test::ReportedFront Front() { return front; }
+    Q_SLOT pavonel::test::ReportedPoint Pointer() { return pointer; }
     Q_SLOT uint Grab(const QString &keys) {
         grabs.append(keys);
         return keys == taken ? 0 : 100 + static_cast<uint>(grabs.size());
@@ -177,14 +177,14 @@ TEST_F(GnomeExtensionTest, is_not_believed_what_no_desktop_has) {
     shell.appear();
     constexpr int smallest = std::numeric_limits<int>::min();
     constexpr int largest = std::numeric_limits<int>::max();
-    const ToldFront lies[] = {
+    const ReportedFront lies[] = {
         {77, {}, {}, {0, 0, 0, 0}, true},
         {77, {}, {}, {largest, largest, largest, largest}, true},
         {77, {}, {}, {smallest, 0, 640, 480}, true},
         {0xffffffffu, {}, {}, {0, 0, 640, 480}, true},
         {77, QString(100'000, u'x'), {}, {0, 0, 640, 480}, true},
     };
-    for (const ToldFront &lie : lies) {
+    for (const ReportedFront &lie : lies) {
         Q_EMIT shell.FrontChanged(shell.front);
         ASSERT_TRUE(waitUntil([&] { return extension->front().has_value(); }));
         Q_EMIT shell.FrontChanged(lie);

@@ -2,7 +2,7 @@
 
 #include "Platform/Qt/QtMainLoop.h"
 #include "support/SlowDisk.h"
-#include "support/Workshop.h"
+#include "support/ToolFixture.h"
 
 namespace pavonel::test {
 
@@ -14,7 +14,7 @@ std::vector<QImage> icon(const QColor &colour) {
     return {image};
 }
 
-class IconFilesTest : public Workshop {
+class IconFilesTest : public ToolFixture {
 protected:
     QString nameOf(const QColor &colour) {
         return files_.nameFor(QStringLiteral("pause.fill"), icon(colour));

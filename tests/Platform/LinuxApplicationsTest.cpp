@@ -122,7 +122,7 @@ TEST_F(LinuxApplicationsTest, a_remote_desktop_counts_only_while_somebody_looks)
         {QStringLiteral("-c"), QStringLiteral("import socket,time\ns=socket.create_server(('127.0.0.1',0))\n"
                                               "print(s.getsockname()[1],flush=True)\nc=s.accept()[0]\n"
                                               "while c.recv(1): pass\nc.close()\ntime.sleep(300)")});
-    ASSERT_TRUE(process.process().waitForReadyRead(patience))
+    ASSERT_TRUE(process.process().waitForReadyRead(generousTimeout))
         << process.process().readAllStandardError().toStdString();
     const auto port = process.process().readLine().trimmed().toUShort();
     waitUntil([&] { return isRunning(sharing); }, 1000);
@@ -246,7 +246,7 @@ TEST_F(LinuxApplicationsTest, the_window_in_front_is_known_by_its_class_and_a_re
 TEST_F(LinuxApplicationsTest, two_thousand_processes_are_no_stall) {
     const QString crowd = QStringLiteral("for i in $(seq 2000); do sleep 40 & done; echo done; wait");
     ChildProcess processes(QStringLiteral("setsid"), {QStringLiteral("sh"), QStringLiteral("-c"), crowd});
-    ASSERT_TRUE(processes.process().waitForReadyRead(patience));
+    ASSERT_TRUE(processes.process().waitForReadyRead(generousTimeout));
     double longest = 0;
     for (int tick = 0; tick < 60; ++tick) {
         const double before = processorSeconds();

@@ -2,7 +2,7 @@
 
 #include "support/ChildProcess.h"
 #include "support/InChild.h"
-#include "support/Workshop.h"
+#include "support/ToolFixture.h"
 
 #include <cstdio>
 #include <ios>
@@ -14,7 +14,7 @@ namespace pavonel::test {
 
 namespace {
 
-class LinuxInstallationTest : public Workshop {
+class LinuxInstallationTest : public ToolFixture {
 protected:
     LinuxInstallationTest() {
         QDir(folder()).mkpath(QStringLiteral("Pavonel.app/libexec/pavonel"));

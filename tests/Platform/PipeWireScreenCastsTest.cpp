@@ -60,7 +60,7 @@ private:
 };
 
 /// Passes on what a PipeWire server says, and says twice what objects there are.
-class Stammerer {
+class ObjectRepeater {
 public:
     QByteArray operator()(const QByteArray &piece) {
         unread_ += piece;
@@ -120,7 +120,7 @@ HostileSocket::Conduct cutAfter(qsizetype bytes) {
 TEST_F(PipeWireScreenCastsTest,
        a_server_that_names_everything_twice_is_understood_and_nothing_is_lost_track_of) {
     const QString honest = qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/pipewire-0");
-    const HostilePipeWire stammering(HostileSocket::between(honest, Stammerer()));
+    const HostilePipeWire stammering(HostileSocket::between(honest, ObjectRepeater()));
     EXPECT_FALSE(casts.anyLive());
     ASSERT_TRUE(waitUntil([&] { return stammering.isConnected(); }));
     qunsetenv("PIPEWIRE_RUNTIME_DIR"); // other programs speak with the honest one

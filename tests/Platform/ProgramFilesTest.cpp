@@ -1,12 +1,12 @@
 #include "Platform/Qt/ProgramFiles.h"
 
-#include "support/Workshop.h"
+#include "support/ToolFixture.h"
 
 namespace pavonel::test {
 
 namespace {
 
-class ProgramFilesTest : public Workshop {
+class ProgramFilesTest : public ToolFixture {
 protected:
     void add(const char *name) const { write(QString::fromLatin1(name), ""); }
     QString at(const char *name) const { return path(QString::fromLatin1(name)); }

@@ -14,7 +14,7 @@ namespace {
 
 struct StoreFileTest : testing::Test {
     void store(const QByteArray &json) const { writeFile(path, json); }
-    StoredLook look() const { return lookIntoStoreFile(path, QStringLiteral("stats.days")); }
+    StoredEntry look() const { return readStoredEntryFrom(path, QStringLiteral("stats.days")); }
 
     QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("defaults.json"));

@@ -1,6 +1,6 @@
 #include "Platform/Posix/ToolProcesses.h"
 
-#include "support/Workshop.h"
+#include "support/ToolFixture.h"
 
 #include <thread>
 
@@ -8,7 +8,7 @@ namespace pavonel::test {
 
 namespace {
 
-class ToolRunnerTest : public Workshop {
+class ToolRunnerTest : public ToolFixture {
 protected:
     using Ended = ToolRunner::Ended;
     using NotStarted = ToolRunner::NotStarted;

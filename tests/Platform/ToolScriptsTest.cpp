@@ -1,12 +1,12 @@
 #include "support/ChildProcess.h"
-#include "support/Workshop.h"
+#include "support/ToolFixture.h"
 
 namespace pavonel::test {
 
 namespace {
 
 /// Our own tools that stand in for the fixed tool paths, as processes.
-class ToolScriptsTest : public Workshop {
+class ToolScriptsTest : public ToolFixture {
 protected:
     ToolScriptsTest() {
         environment.insert(QStringLiteral("HOME"), folder());

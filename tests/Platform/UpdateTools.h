@@ -2,17 +2,17 @@
 
 #include "support/ChildProcess.h"
 #include "support/InChild.h"
-#include "support/Workshop.h"
+#include "support/ToolFixture.h"
 
 namespace pavonel::test {
 
-/// Our update tools as an installed copy has them, in the workshop's "program" folder, which trusts the key
+/// Our update tools as an installed copy has them, in the fixture's "program" folder, which trusts the key
 /// of the team TEAM1. A stranger's key, that of TEAM2, lies beside that team's in "keys".
-class UpdateTools : public Workshop {
+class UpdateTools : public ToolFixture {
 protected:
     UpdateTools();
 
-    /// Runs commands of bash in the workshop, whose path is $0; $app is the bundle, `sign TEAM` signs it.
+    /// Runs commands of bash in the fixture, whose path is $0; $app is the bundle, `sign TEAM` signs it.
     void shell(const QByteArray &commands) const;
 
     ChildProcess::Result run(const char *tool, const QStringList &arguments) const;

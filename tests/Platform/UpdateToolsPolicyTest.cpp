@@ -28,13 +28,13 @@ protected:
     }
 };
 
-struct Offence {
+struct Violation {
     const char *name;
     const char *commands;
     const char *sentence;
 };
-void PrintTo(const Offence &offence, std::ostream *out) {
-    *out << offence.name;
+void PrintTo(const Violation &violation, std::ostream *out) {
+    *out << violation.name;
 }
 
 constexpr char special[] = "It holds files with special permissions.";
@@ -44,7 +44,7 @@ constexpr char unlisted[] = "It holds files that are not in its list.";
 constexpr char noProgram[] = "It holds no program.";
 
 // Each signed anew where that can be signed at all: the team's own mistakes are refused too.
-const Offence offences[] = {
+const Violation violations[] = {
     {"a_set_uid_file", "chmod u+s $app/pavonel", special},
     {"a_set_gid_file", "chmod g+s $app/resources/data", special},
     {"a_set_gid_folder", "chmod g+s $app/resources", special},
@@ -91,7 +91,7 @@ const Offence offences[] = {
      "It needs system libraries that this computer does not have."},
 };
 
-class UpdateToolsOffence : public UpdateToolsPolicy, public testing::WithParamInterface<Offence> {};
+class UpdateToolsViolation : public UpdateToolsPolicy, public testing::WithParamInterface<Violation> {};
 
 } // namespace
 
@@ -104,12 +104,12 @@ TEST_F(UpdateToolsPolicy, a_link_within_the_bundle_is_accepted) {
     expectAccepted();
 }
 
-TEST_P(UpdateToolsOffence, is_refused) {
+TEST_P(UpdateToolsViolation, is_refused) {
     shell(GetParam().commands);
     expectRefused(GetParam().sentence);
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, UpdateToolsOffence, testing::ValuesIn(offences),
+INSTANTIATE_TEST_SUITE_P(Of, UpdateToolsViolation, testing::ValuesIn(violations),
                          [](const auto &one) { return std::string(one.param.name); });
 
 TEST_F(UpdateToolsPolicy, a_link_to_a_bundle_is_refused) {

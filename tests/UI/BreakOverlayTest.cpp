@@ -81,7 +81,7 @@ TEST_F(Overlay, a_picture_prepared_for_a_break_that_does_not_come_is_given_back)
     scenario.platform.loop.advance(1);
 
     overlays->expect();
-    ASSERT_TRUE(waitUntil([] { return !Errand::anyAtWork(); }));
+    ASSERT_TRUE(waitUntil([] { return !BackgroundTask::anyRunning(); }));
     scenario.platform.loop.advance(0);
     save(Qt::green);
     overlays->standDown();
@@ -177,7 +177,7 @@ TEST_F(Overlay, fades_out_within_03_seconds_and_then_goes_and_gives_the_keyboard
 }
 
 TEST_F(Overlay, with_reduced_motion_it_comes_and_goes_at_once) {
-    scenario.platform.look.current.reducedMotion = true;
+    scenario.platform.colours.current.reducedMotion = true;
     startBreak();
     EXPECT_EQ(windows().front()->windowOpacity(), 1);
     overlays->hide();

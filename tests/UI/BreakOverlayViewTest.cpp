@@ -158,7 +158,7 @@ TEST_F(BreakScreen, the_arc_glides_for_a_second_after_each_change) {
 }
 
 TEST_F(BreakScreen, with_reduced_motion_the_arc_steps) {
-    scenario.platform.look.current.reducedMotion = true;
+    scenario.platform.colours.current.reducedMotion = true;
     scenario.settings.backgroundStyle = plainBlack;
     startBreak(4);
     show();

@@ -13,7 +13,7 @@ struct FadeTest : ::testing::Test {
     FakePlatform platform;
     std::vector<double> applied;
     int completions = 0;
-    std::optional<Fade> fade{std::in_place, platform.loop, platform.look,
+    std::optional<Fade> fade{std::in_place, platform.loop, platform.colours,
                              [this](double opacity) { applied.push_back(opacity); }};
     Fade::Completion count = [this] { ++completions; };
 };
@@ -51,7 +51,7 @@ TEST_F(FadeTest, turns_round_where_it_stands) {
 }
 
 TEST_F(FadeTest, reduced_motion_sets_the_target_at_once) {
-    platform.look.current.reducedMotion = true;
+    platform.colours.current.reducedMotion = true;
     fade->to(1, 0.45, count);
     EXPECT_EQ(applied, std::vector<double>{1});
     EXPECT_EQ(completions, 0) << "from within the call";

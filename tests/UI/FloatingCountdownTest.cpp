@@ -48,7 +48,7 @@ TEST_F(FloatingCountdown, turns_dark_as_a_whole_with_the_desktop) {
     QApplication::processEvents();
     PaintCount counted;
     panel()->installEventFilter(&counted);
-    scenario.platform.look.change({true, false, {}});
+    scenario.platform.colours.change({true, false, {}});
     QApplication::processEvents();
     EXPECT_EQ(counted.paints, 1) << "it does not wait for the next second";
     const QImage turned = picture();

@@ -221,7 +221,7 @@ TEST_F(HeadsUp, its_buttons_follow_the_settings_while_it_is_shown) {
 TEST_F(HeadsUp, turns_dark_as_a_whole_with_the_desktop) {
     show();
     const QImage light = picture();
-    scenario.platform.look.change({true, false, {}});
+    scenario.platform.colours.change({true, false, {}});
     const QImage turned = picture();
     EXPECT_NE(turned, light);
     show();
@@ -359,7 +359,7 @@ TEST_F(HeadsUp, fades_out_within_a_fifth_of_a_second_and_is_gone) {
 }
 
 TEST_F(HeadsUp, appears_and_goes_at_once_where_the_user_wishes_for_less_motion) {
-    scenario.platform.look.current.reducedMotion = true;
+    scenario.platform.colours.current.reducedMotion = true;
     show();
     EXPECT_EQ(panel()->windowOpacity(), 1);
     headsUp.hide();
@@ -438,7 +438,7 @@ TEST_F(HeadsUp, every_button_says_its_name_to_a_screen_reader) {
 TEST_F(HeadsUp, is_dark_on_a_dark_desktop) {
     show();
     EXPECT_GT(picture().pixelColor(300, 110).lightnessF(), 0.8f);
-    scenario.platform.look.current.dark = true;
+    scenario.platform.colours.current.dark = true;
     show();
     EXPECT_LT(picture().pixelColor(300, 110).lightnessF(), 0.3f);
 }

@@ -1,5 +1,5 @@
 #include "UI/Controls/Button.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/SettingsWindow/Pages/Phone/CodeView.h"
 #include "UI/SettingsWindow/Pages/Phone/QrCodeView.h"
 #include "support/OpenSettings.h"
@@ -87,8 +87,8 @@ TEST_F(PhonePage, without_a_phone_says_what_happens_without_a_service) {
 }
 
 TEST_F(PhonePage, the_code_for_the_camera_is_dark_on_white_with_whole_modules_and_a_margin) {
-    Look look(open.platform);
-    QrCodeView view(look, u"http://192.168.1.20:8787/#K7WQ3M"_s);
+    Visuals visuals(open.platform);
+    QrCodeView view(visuals, u"http://192.168.1.20:8787/#K7WQ3M"_s);
     const QrCode code = QrCode::of("http://192.168.1.20:8787/#K7WQ3M");
     ASSERT_EQ(code.side, 29);
     for (const int ratio : {1, 2}) {
@@ -113,8 +113,8 @@ TEST_F(PhonePage, the_code_for_the_camera_grows_along_with_the_text) {
         QFont font = before;
         font.setPixelSize(textPixels);
         QApplication::setFont(font);
-        Look look(open.platform);
-        return QrCodeView(look, u"http://192.168.1.20:8787/#K7WQ3M"_s).width();
+        Visuals visuals(open.platform);
+        return QrCodeView(visuals, u"http://192.168.1.20:8787/#K7WQ3M"_s).width();
     };
     EXPECT_EQ(side(30), 2 * side(15));
     QApplication::setFont(before);

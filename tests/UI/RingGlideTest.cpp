@@ -16,7 +16,7 @@ protected:
 
     FakePlatform platform;
     std::vector<double> shown;
-    RingGlide glide{platform.loop, platform.look, [this] { shown.push_back(glide.reached()); }};
+    RingGlide glide{platform.loop, platform.colours, [this] { shown.push_back(glide.reached()); }};
 };
 
 } // namespace
@@ -67,7 +67,7 @@ TEST_F(RingGlideTest, an_arc_that_needs_seconds_for_a_step_still_moves) {
 }
 
 TEST_F(RingGlideTest, with_reduced_motion_it_steps) {
-    platform.look.current.reducedMotion = true;
+    platform.colours.current.reducedMotion = true;
     glide.glideTo(0.05);
     EXPECT_EQ(shown, std::vector<double>{0.05});
     platform.loop.advance(5);

@@ -21,9 +21,9 @@ constexpr int height = 40;
 class RowListTest : public ::testing::Test {
 protected:
     FakePlatform platform;
-    Look look{platform};
+    Visuals visuals{platform};
     QStringList made;
-    RowList *rows = new RowList(look, height, RowList::Lines::all, [this](const QString &key) {
+    RowList *rows = new RowList(visuals, height, RowList::Lines::all, [this](const QString &key) {
         made.append(key);
         return Button::ofSymbol(QStringLiteral("plus"), key);
     });
@@ -36,7 +36,7 @@ protected:
         lines->setContentsMargins({});
         lines->addWidget(rows);
         lines->addStretch();
-        area = new ScrollArea(look, column);
+        area = new ScrollArea(visuals, column);
         auto *whole = new QVBoxLayout(&window);
         whole->setContentsMargins({});
         whole->addWidget(area);
@@ -90,7 +90,7 @@ TEST_F(RowListTest, of_a_long_list_makes_only_the_rows_near_the_visible_part) {
 
 TEST_F(RowListTest, makes_no_row_of_a_long_list_before_it_is_shown) {
     QWidget page;
-    RowList unseen(look, height, RowList::Lines::none, [](const QString &) { return new QWidget; });
+    RowList unseen(visuals, height, RowList::Lines::none, [](const QString &) { return new QWidget; });
     unseen.setParent(&page);
     unseen.setKeys(numbered(1000));
     for (std::size_t index = 0; index < 1000; ++index)

@@ -38,8 +38,8 @@ int darkest(QWidget &row) {
 } // namespace
 
 TEST_F(SettingsFinish, the_symbols_and_controls_at_the_right_end_at_one_edge) {
-    const Look look(open.platform);
-    const int besideSymbol = Button::besideSymbol(look);
+    const Visuals visuals(open.platform);
+    const int besideSymbol = Button::besideSymbol(visuals);
     open.scenario.plan(12, 30, 1800);
     open.show(Page::planned);
     const int edge = rightOf(widget(QAccessible::SpinBox, u"Duration"_s)) - FocusRing::room;
@@ -70,7 +70,7 @@ TEST_F(SettingsFinish, the_update_card_keeps_its_height_from_state_to_state) {
 }
 
 TEST_F(SettingsFinish, a_disabled_row_is_pale_as_a_whole) {
-    Look look(open.platform);
+    Visuals visuals(open.platform);
     bool on = true;
     double seconds = 60;
     QString text = u"Tea"_s;
@@ -80,8 +80,8 @@ TEST_F(SettingsFinish, a_disabled_row_is_pale_as_a_whole) {
     const Elements rows{SwitchRow{u"Enabled"_s, isOn, u"A note"_s}, StepRow{u"Every"_s, value, {0, 120}, 60},
                         PickerRow{u"Break starts"_s, words, {u"Tea"_s}}, LabeledField{u"Script"_s, words}};
     for (const Element &element : rows) {
-        const std::unique_ptr<QWidget> row(element.make(look));
-        row->setPalette(look.toolkitPalette());
+        const std::unique_ptr<QWidget> row(element.make(visuals));
+        row->setPalette(visuals.toolkitPalette());
         row->resize(400, 80);
         EXPECT_LT(darkest(*row), 60);
         row->setEnabled(false);

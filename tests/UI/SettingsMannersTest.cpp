@@ -224,7 +224,7 @@ TEST_F(SettingsManners, dialogs_and_tooltips_follow_dark_mode) {
     open.show();
     EXPECT_GT(QApplication::palette().color(QPalette::Window).lightness(), 200);
     EXPECT_GT(QToolTip::palette().color(QPalette::ToolTipBase).lightness(), 200);
-    open.platform.look.change({true, false, {}});
+    open.platform.colours.change({true, false, {}});
     EXPECT_LT(QApplication::palette().color(QPalette::Window).lightness(), 60);
     EXPECT_LT(QToolTip::palette().color(QPalette::ToolTipBase).lightness(), 60);
     EXPECT_GT(QToolTip::palette().color(QPalette::ToolTipText).lightness(), 200);
@@ -378,7 +378,7 @@ TEST_F(SettingsManners, notes_of_the_tray_and_of_waking_belong_to_no_setting) {
 TEST_F(SettingsManners, failures_look_like_failures) {
     open.updater.state = Updater::Failed{u"The disk is full."_s};
     open.show(Page::advanced);
-    const Palette palette(open.platform.look.wishes());
+    const Palette palette(open.platform.colours.wishes());
     for (Text *text : childrenOf<Text>(open.window())) {
         if (text->text() != u"The disk is full."_s)
             continue;
@@ -445,7 +445,7 @@ TEST_F(SettingsManners, the_footer_of_the_phone_is_small) {
     open.show(Page::phone);
     for (Text *text : childrenOf<Text>(open.window())) {
         if (text->text().startsWith(u"Only the break itself"_s)) {
-            EXPECT_EQ(text->font().pixelSize(), Look(open.platform).font(11).pixelSize());
+            EXPECT_EQ(text->font().pixelSize(), Visuals(open.platform).font(11).pixelSize());
         }
     }
 }
@@ -453,7 +453,7 @@ TEST_F(SettingsManners, the_footer_of_the_phone_is_small) {
 TEST_F(SettingsManners, a_switch_can_be_seen_on_every_accent) {
     open.settings.strictMode = true;
     for (const std::uint32_t accent : {0xF5C211U, 0xFFFF00U, 0xFFFFFFU}) {
-        open.platform.look.change({false, true, accent});
+        open.platform.colours.change({false, true, accent});
         open.show(Page::breaks);
         settle();
         QWidget *strict = control(QAccessible::CheckBox, u"Strict mode"_s);

@@ -251,11 +251,11 @@ TEST_F(SettingsWindow, the_tab_key_leads_to_every_control_in_reading_order) {
 TEST_F(SettingsWindow, follows_a_change_to_a_dark_desktop_and_to_another_accent) {
     open.show();
     const QImage light = open.window()->grab().toImage();
-    open.platform.look.change({true, false, {}});
+    open.platform.colours.change({true, false, {}});
     const QImage dark = open.window()->grab().toImage();
     EXPECT_GT(light.pixelColor(790, 300).lightness(), 200);
     EXPECT_LT(dark.pixelColor(790, 300).lightness(), 60);
-    open.platform.look.change({true, false, 0xC03020});
+    open.platform.colours.change({true, false, 0xC03020});
     EXPECT_NE(open.window()->grab().toImage(), dark);
 }
 

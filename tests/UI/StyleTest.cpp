@@ -55,7 +55,7 @@ constexpr double readable = 4.5;
 TEST(Style, every_line_of_a_menu_can_be_read_light_and_dark) {
     for (const bool dark : {false, true}) {
         FakePlatform platform;
-        platform.look.current.dark = dark;
+        platform.colours.current.dark = dark;
         StyledMenu styled(platform);
         EXPECT_EQ(styled.material().lightness() < 128, dark);
         for (const int line : {0, 2, 3})
@@ -68,8 +68,8 @@ TEST(Style, a_menu_has_our_type) {
     FakePlatform platform;
     StyledMenu styled(platform);
     styled.picture();
-    EXPECT_EQ(styled.menu.font().family(), Look(platform).font(13).family());
-    EXPECT_EQ(styled.menu.font().pixelSize(), Look(platform).font(13).pixelSize());
+    EXPECT_EQ(styled.menu.font().family(), Visuals(platform).font(13).family());
+    EXPECT_EQ(styled.menu.font().pixelSize(), Visuals(platform).font(13).pixelSize());
 }
 
 TEST(Style, the_chosen_line_stands_out) {

@@ -32,8 +32,8 @@ Day day(Seconds screen, Seconds breaks) {
 class WeekChartTest : public ::testing::Test {
 protected:
     FakePlatform platform;
-    Look look{platform};
-    WeekChart chart{look};
+    Visuals visuals{platform};
+    WeekChart chart{visuals};
 
     WeekChartTest() { chart.resize(516, chart.sizeHint().height()); }
 

@@ -85,7 +85,7 @@ TEST_P(WindowSourcesTest, a_fullscreen_window_is_as_large_as_its_screen) {
     const auto player = open("player", OtherWindow::State::fullscreen);
     std::vector<std::unique_ptr<WindowSource>> sources;
     sources.push_back(std::move(source));
-    ToldWindowList list(std::make_shared<WindowSources>(std::move(sources)));
+    ReportedWindowList list(std::make_shared<WindowSources>(std::move(sources)));
     std::vector<OnScreenWindow> windows;
     EXPECT_TRUE(waitUntil([&] {
         windows = list.onScreenWindows();

@@ -178,7 +178,7 @@ TEST_P(PanelsUnderEveryManager, the_buttons_of_the_heads_up_work_while_another_p
 
 TEST_P(PanelsUnderEveryManager, the_corners_show_what_lies_below_and_are_never_black) {
     other.open({4000, 0, 1760, 600}, theirs, XClient::Kind::unmanaged);
-    platform.look.current.reducedMotion = true;
+    platform.colours.current.reducedMotion = true;
     showHeadsUp();
     const QRect frame(5760 - 340 - 18, 18, 340, 132);
     ASSERT_TRUE(isPainted(frame.center() + QPoint(0, 40)));

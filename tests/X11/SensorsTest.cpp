@@ -57,7 +57,7 @@ protected:
     }
     /// How many ticks it takes until the wanted reason holds.
     int ticksUntil(std::optional<PauseReason> wanted) {
-        constexpr int most = patience / 1000;
+        constexpr int most = generousTimeout / 1000;
         for (int ticks = 1; ticks <= most; ++ticks) {
             tick();
             if (day.controller.pauseReason.get() == wanted)

@@ -83,7 +83,7 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return item->limitation().isEmpty(); })) << "no host";
         const QImage before = server().picture();
         bool opened = false;
-        const QDeadlineTimer deadline(patience);
+        const QDeadlineTimer deadline(generousTimeout);
         while (breaks == 0 && !deadline.hasExpired()) {
             server().xdotool({QStringLiteral("mousemove"), QString::number(place.x()),
                               QString::number(place.y()), QStringLiteral("click"), button});

@@ -19,7 +19,7 @@ TEST(X11IdleTime, a_spell_that_began_before_us_counts_from_its_beginning) {
 /// Each way to learn of it.
 class X11IdleTimeTest : public testing::TestWithParam<decltype(&x11::makeIdleTime)> {};
 
-INSTANTIATE_TEST_SUITE_P(X11, X11IdleTimeTest, testing::Values(x11::makeIdleTime, x11::makeAskedIdleTime),
+INSTANTIATE_TEST_SUITE_P(X11, X11IdleTimeTest, testing::Values(x11::makeIdleTime, x11::makeQueriedIdleTime),
                          [](const auto &way) { return way.index == 0 ? "told" : "asked"; });
 
 TEST_P(X11IdleTimeTest, counts_from_the_last_input_whoever_got_it) {

@@ -1,6 +1,6 @@
 #include "support/ChildProcess.h"
 
-#include "support/patience.h"
+#include "support/generousTimeout.h"
 
 #include <csignal>
 
@@ -22,7 +22,7 @@ ChildProcess::ChildProcess(const QString &program, const QStringList &arguments,
                            const QProcessEnvironment &environment) {
     prepare(process_, environment);
     process_.start(program, arguments);
-    if (!process_.waitForStarted(patience))
+    if (!process_.waitForStarted(generousTimeout))
         ADD_FAILURE() << program.toStdString() << " could not be started";
 }
 
@@ -37,7 +37,7 @@ void ChildProcess::end() {
     if (process_.waitForFinished(5'000))
         return;
     process_.kill();
-    process_.waitForFinished(patience);
+    process_.waitForFinished(generousTimeout);
 }
 
 ChildProcess::Result ChildProcess::run(const QString &program, const QStringList &arguments,
@@ -45,7 +45,8 @@ ChildProcess::Result ChildProcess::run(const QString &program, const QStringList
     QProcess process;
     prepare(process, environment);
     process.start(program, arguments);
-    const bool ended = process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit;
+    const bool ended =
+        process.waitForFinished(generousTimeout) && process.exitStatus() == QProcess::NormalExit;
     return {ended ? process.exitCode() : -1, process.readAllStandardOutput(), process.readAllStandardError()};
 }
 

@@ -387,7 +387,7 @@ struct FakePlatform : Platform {
     FakeToolRunner &toolRunner;
     FakeInstallation &copy;
     FakeLoginItem &login;
-    FakeAppearance &look;
+    FakeAppearance &colours;
     FakeStatusItem &menuBar;
     FakeHttpClient &web;
 
@@ -403,7 +403,7 @@ private:
           keys(give(hotKeys, new FakeHotKeys)), fakeSounds(give(sounds, new FakeSounds)),
           launcher(give(processes, new FakeProcessLauncher)), toolRunner(give(tools, new FakeToolRunner)),
           copy(give(installation, new FakeInstallation)), login(give(loginItem, new FakeLoginItem)),
-          look(give(appearance, new FakeAppearance)), menuBar(give(statusItem, new FakeStatusItem)),
+          colours(give(appearance, new FakeAppearance)), menuBar(give(statusItem, new FakeStatusItem)),
           web(give(http, new FakeHttpClient)) {}
 
     template <class Interface, class Fake> static Fake &give(std::unique_ptr<Interface> &place, Fake *fake) {

@@ -1,6 +1,6 @@
 #include "support/MessageBus.h"
 
-#include "support/patience.h"
+#include "support/generousTimeout.h"
 
 #include <QFile>
 
@@ -34,7 +34,7 @@ MessageBus::MessageBus(const QString &services, const QProcessEnvironment &envir
               {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
                QStringLiteral("--config-file=") + configuration(folder_.path(), address_, services)},
               environment) {
-    if (!daemon_.process().waitForReadyRead(patience)) // it names its address once it listens
+    if (!daemon_.process().waitForReadyRead(generousTimeout)) // it names its address once it listens
         ADD_FAILURE() << "No message bus: " << daemon_.process().readAllStandardError().toStdString();
 }
 

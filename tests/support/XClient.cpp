@@ -1,6 +1,6 @@
 #include "support/XClient.h"
 
-#include "support/patience.h"
+#include "support/generousTimeout.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
@@ -75,7 +75,7 @@ xcb_window_t XClient::open(const QRect &at, const QColor &colour, Kind kind) {
         setAtoms(window, "_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DESKTOP");
     xcb_map_window(connection_, window);
     sync();
-    const QDeadlineTimer deadline(patience);
+    const QDeadlineTimer deadline(generousTimeout);
     while (!isViewable(window) && !deadline.hasExpired())
         QThread::msleep(2);
     if (!isViewable(window))

@@ -1,7 +1,7 @@
 #include "support/XServer.h"
 
+#include "support/generousTimeout.h"
 #include "support/holdsSoon.h"
-#include "support/patience.h"
 
 #include <QThread>
 
@@ -66,7 +66,7 @@ bool managesWindows(xcb_connection_t *connection) {
 
 /// The first line that a program writes to its standard output.
 QByteArray firstLine(QProcess &process) {
-    holdsSoon([&] { return process.canReadLine() || !process.waitForReadyRead(patience); });
+    holdsSoon([&] { return process.canReadLine() || !process.waitForReadyRead(generousTimeout); });
     return process.readLine().trimmed();
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/patience.h"
+#include "support/generousTimeout.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
@@ -10,7 +10,7 @@ namespace pavonel::test {
 /// Waits until `condition` holds without letting a loop run, for the time before there is an application
 /// object; false when it never does.
 template <class Condition> bool holdsSoon(Condition condition) {
-    const QDeadlineTimer deadline(patience);
+    const QDeadlineTimer deadline(generousTimeout);
     while (!condition()) {
         if (deadline.hasExpired())
             return false;

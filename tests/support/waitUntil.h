@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/patience.h"
+#include "support/generousTimeout.h"
 
 #include <QDeadlineTimer>
 #include <QEventLoop>
@@ -9,7 +9,7 @@
 namespace pavonel::test {
 
 /// Lets the main loop run until `condition` holds; false when it does not in this time.
-template <class Condition> bool waitUntil(Condition condition, int milliseconds = patience) {
+template <class Condition> bool waitUntil(Condition condition, int milliseconds = generousTimeout) {
     const QDeadlineTimer deadline(milliseconds);
     QTimer alarm; // wakes the loop, which truly sleeps in between as it does in the program
     alarm.start(5);

@@ -146,8 +146,8 @@ void installWindowSensors(Platform &platform, const std::shared_ptr<X11Connectio
         platform.windowList = std::make_unique<X11WindowList>(windows);
     } else {
         const auto sources = windowSources(wayland, gnome);
-        front = std::make_unique<ToldFrontWindow>(sources);
-        platform.windowList = std::make_unique<ToldWindowList>(sources);
+        front = std::make_unique<ReportedFrontWindow>(sources);
+        platform.windowList = std::make_unique<ReportedWindowList>(sources);
     }
     platform.applications =
         std::make_unique<LinuxApplications>(std::move(front), std::make_unique<PipeWireScreenCasts>(),
@@ -218,8 +218,8 @@ std::unique_ptr<Installation> makeInstallation() {
         configFolder() + QStringLiteral("/pavonel/updates-are-signed"));
 }
 
-StoredLook lookIntoStore(const QString &key) {
-    return lookIntoStoreFile(storePath(), key);
+StoredEntry readStoredEntry(const QString &key) {
+    return readStoredEntryFrom(storePath(), key);
 }
 
 HeadlessPlatform makeHeadlessPlatform() {
@@ -246,7 +246,7 @@ std::unique_ptr<Platform> makePlatform() {
     platform->audioDevices = std::make_unique<PulseAudioDevices>();
     installWindowSensors(*platform, x11, wayland, gnome);
     platform->installedApplications = std::make_unique<LinuxInstalledApplications>(
-        LinuxInstalledApplications::Surroundings::ofThisDesktop(), *platform->mainLoop);
+        LinuxInstalledApplications::Environment::ofThisDesktop(), *platform->mainLoop);
     platform->windowLayers = windowLayers(x11, workedOn);
     platform->hotKeys = hotKeys(x11, gnome, *platform->mainLoop);
     platform->sounds = std::make_unique<EventSounds>(ProgramFiles::ofThisProgram(), *platform->mainLoop);

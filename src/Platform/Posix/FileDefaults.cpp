@@ -127,25 +127,26 @@ void FileDefaults::collectLazyValues() {
 
 void FileDefaults::save() {
     nextWrite_.reset();
-    if (write_.isOut())
+    if (write_.isPending())
         return schedule(Urgency::soon); // the disk is slower than we change
     collectLazyValues();
     if (!std::exchange(isChanged_, false))
         return;
     const auto work = [this, path = path_, found = fileIsOurs_ ? Found::ours : Found::anothers,
-                       now = loop_.now(), json = storedJson::writeMembers(members_)]() -> Errand::Action {
+                       now = loop_.now(),
+                       json = storedJson::writeMembers(members_)]() -> BackgroundTask::Action {
         return [this, isWritten = write(path, found, now, json)] { finishWriting(isWritten); };
     };
     if (writing_ == Writing::aside)
-        write_ = Errand::begin(loop_, work);
+        write_ = BackgroundTask::start(loop_, work);
     else
         work()();
 }
 
 void FileDefaults::flush() {
-    constexpr std::chrono::milliseconds patience{3000}; // the session's end leaves little more
-    const QDeadlineTimer deadline(patience);
-    write_.await(patience);
+    constexpr std::chrono::milliseconds timeout{3000}; // the session's end leaves little more
+    const QDeadlineTimer deadline(timeout);
+    write_.await(timeout);
     save();
     write_.await(std::chrono::milliseconds(deadline.remainingTime()));
 }

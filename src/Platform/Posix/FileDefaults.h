@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Errand.h"
+#include "Platform/BackgroundTask.h"
 #include "Platform/Qt/StoredJson.h"
 #include "Platform/UserDefaults.h"
 
@@ -49,7 +49,7 @@ private:
     TimerHandle nextWrite_;
     Urgency nextUrgency_ = Urgency::whenConvenient;
     Seconds retryDelay_;
-    Errand write_;
+    BackgroundTask write_;
 };
 
 } // namespace pavonel

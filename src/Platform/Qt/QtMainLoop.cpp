@@ -63,9 +63,9 @@ struct QtMainLoop::Beat {
 };
 
 /// One QTimer for all repeating timers of an interval.
-class QtMainLoop::Metronome {
+class QtMainLoop::SharedTimer {
 public:
-    Metronome(QtMainLoop &loop, milliseconds interval) : loop_(loop) {
+    SharedTimer(QtMainLoop &loop, milliseconds interval) : loop_(loop) {
         // A beat of seconds may give way a little, so that one wake-up serves several; a short one is motion.
         timer_.setTimerType(interval >= std::chrono::seconds(1) ? Qt::CoarseTimer : Qt::PreciseTimer);
         QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { beat(); });
@@ -91,15 +91,16 @@ private:
 
 namespace {
 
-template <class Metronome> class Repeating final : public Timer {
+template <class SharedTimer> class Repeating final : public Timer {
 public:
-    Repeating(std::shared_ptr<Metronome> metronome, MainLoop::Action action)
-        : metronome_(std::move(metronome)), action_(std::make_shared<MainLoop::Action>(std::move(action))) {
-        metronome_->add(action_);
+    Repeating(std::shared_ptr<SharedTimer> sharedTimer, MainLoop::Action action)
+        : sharedTimer_(std::move(sharedTimer)),
+          action_(std::make_shared<MainLoop::Action>(std::move(action))) {
+        sharedTimer_->add(action_);
     }
 
 private:
-    std::shared_ptr<Metronome> metronome_;
+    std::shared_ptr<SharedTimer> sharedTimer_;
     std::shared_ptr<MainLoop::Action> action_;
 };
 
@@ -122,11 +123,11 @@ QTimeZone QtMainLoop::zone() const {
 
 TimerHandle QtMainLoop::every(Seconds interval, Action action) {
     const milliseconds beat = std::clamp(rounded(interval), shortest, longest);
-    auto &known = metronomes_[beat];
-    auto metronome = known.lock();
-    if (!metronome)
-        known = metronome = std::make_shared<Metronome>(*this, beat);
-    return std::make_unique<Repeating<Metronome>>(std::move(metronome), std::move(action));
+    auto &known = sharedTimers_[beat];
+    auto sharedTimer = known.lock();
+    if (!sharedTimer)
+        known = sharedTimer = std::make_shared<SharedTimer>(*this, beat);
+    return std::make_unique<Repeating<SharedTimer>>(std::move(sharedTimer), std::move(action));
 }
 
 TimerHandle QtMainLoop::after(Seconds delay, Action action) {

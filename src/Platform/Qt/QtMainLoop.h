@@ -26,7 +26,7 @@ public:
     void quit(int status) override;
 
 private:
-    class Metronome;
+    class SharedTimer;
     struct Beat;
 
     /// Runs actions that are due together.
@@ -35,7 +35,7 @@ private:
     QObject context_;
     Beat *beat_ = nullptr; ///< Whose actions are running, for the main thread alone.
     mutable LocalZone zone_;
-    std::map<std::chrono::milliseconds, std::weak_ptr<Metronome>> metronomes_;
+    std::map<std::chrono::milliseconds, std::weak_ptr<SharedTimer>> sharedTimers_;
 };
 
 } // namespace pavonel

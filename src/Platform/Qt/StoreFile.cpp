@@ -22,7 +22,7 @@ std::optional<storedJson::Members> readStoreFile(const QString &path) {
     return file.error() == QFile::NoError ? storedJson::readMembers(json) : std::nullopt;
 }
 
-StoredLook lookIntoStoreFile(const QString &path, const QString &key) {
+StoredEntry readStoredEntryFrom(const QString &path, const QString &key) {
     const auto members = readStoreFile(path);
     if (!members)
         return {{}, QFileInfo::exists(path) || QFileInfo(path).isSymLink()};

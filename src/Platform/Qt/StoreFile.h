@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/Qt/StoredJson.h"
-#include "Platform/StoredLook.h"
+#include "Platform/StoredEntry.h"
 
 namespace pavonel {
 
@@ -10,6 +10,6 @@ namespace pavonel {
 std::optional<storedJson::Members> readStoreFile(const QString &path);
 
 /// What the store in this file has under the key. That there is no file is no damage.
-StoredLook lookIntoStoreFile(const QString &path, const QString &key);
+StoredEntry readStoredEntryFrom(const QString &path, const QString &key);
 
 } // namespace pavonel

@@ -1,7 +1,7 @@
 #include "UI/Controls/Button.h"
 
 #include "UI/Controls/FocusRing.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/Fonts.h"
 
 #include <QFontMetrics>
@@ -35,19 +35,19 @@ Button *Button::ofSymbol(const QString &symbol, const QString &name, Role role) 
     return button;
 }
 
-double Button::symbolSide(const Look &look) const {
+double Button::symbolSide(const Visuals &visuals) const {
     if (!isNotice())
-        return look.length(16);
+        return visuals.length(16);
     const double ratio = devicePixelRatioF(); // between two pixels it would blur
     return closeDiameter - 2 * std::round(closeDiameter * closeAir * ratio) / ratio;
 }
 
-int Button::roundDiameter(const Look &look) {
-    return look.length(24);
+int Button::roundDiameter(const Visuals &visuals) {
+    return visuals.length(24);
 }
 
-int Button::besideSymbol(const Look &look) {
-    return FocusRing::room + (roundDiameter(look) - look.length(16)) / 2;
+int Button::besideSymbol(const Visuals &visuals) {
+    return FocusRing::room + (roundDiameter(visuals) - visuals.length(16)) / 2;
 }
 
 QSize Button::noticeSize() const {

@@ -4,7 +4,7 @@
 
 namespace pavonel {
 
-class Look;
+class Visuals;
 
 /// A push button of a certain role, with a symbol where it has one; `Style` draws it by these. `clicked`
 /// tells.
@@ -26,12 +26,12 @@ public:
     static Button *ofSymbol(const QString &symbol, const QString &name, Role role = Role::bare);
 
     /// From the right edge of a round one to that of its symbol.
-    static int besideSymbol(const Look &look);
+    static int besideSymbol(const Visuals &visuals);
 
     Role role() const { return role_; }
     const QString &symbol() const { return symbol_; }
-    double symbolSide(const Look &look) const;
-    static int roundDiameter(const Look &look);
+    double symbolSide(const Visuals &visuals) const;
+    static int roundDiameter(const Visuals &visuals);
 
     bool isNotice() const { return role_ >= Role::notice; }
     QSize noticeSize() const;

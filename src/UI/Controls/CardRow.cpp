@@ -16,10 +16,10 @@ constexpr int gap = 12;
 
 } // namespace
 
-CardRow::CardRow(Look &look) : look_(look), line_(new QHBoxLayout(this)) {
+CardRow::CardRow(Visuals &visuals) : visuals_(visuals), line_(new QHBoxLayout(this)) {
     line_->setContentsMargins(margin, 0, margin - FocusRing::room, 0);
     line_->setSpacing(gap - FocusRing::room);
-    setMinimumHeight(look.lineHeight(lowest));
+    setMinimumHeight(visuals.lineHeight(lowest));
 }
 
 void CardRow::add(QWidget *widget) {
@@ -37,9 +37,9 @@ void CardRow::addLabel(const QString &label, const QString &note) {
     lines->setContentsMargins(0, air, 0, air);
     lines->setSpacing(betweenLines);
     lines->addStretch();
-    lines->addWidget(new Text(look_, label, Text::Style::label));
+    lines->addWidget(new Text(visuals_, label, Text::Style::label));
     if (!note.isEmpty())
-        lines->addWidget(new Text(look_, note, Text::Style::note));
+        lines->addWidget(new Text(visuals_, note, Text::Style::note));
     lines->addStretch();
     line_->addLayout(lines, 1);
 }
@@ -48,11 +48,11 @@ void CardRow::paintEvent(QPaintEvent *) {
     if (y() == 0)
         return; // the card's own outline is there
     QPainter painter(this);
-    drawLine(painter, look_, 0, width());
+    drawLine(painter, visuals_, 0, width());
 }
 
-void CardRow::drawLine(QPainter &painter, const Look &look, double y, int width) {
-    drawHairline(painter, {margin, y}, {static_cast<double>(width - margin), y}, look.palette().hairline);
+void CardRow::drawLine(QPainter &painter, const Visuals &visuals, double y, int width) {
+    drawHairline(painter, {margin, y}, {static_cast<double>(width - margin), y}, visuals.palette().hairline);
 }
 
 } // namespace pavonel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QWidget>
 
@@ -16,7 +16,7 @@ public:
     static constexpr int air = 7;          ///< Above and below texts.
     static constexpr int betweenLines = 2; ///< From a label to its note.
 
-    explicit CardRow(Look &look);
+    explicit CardRow(Visuals &visuals);
 
     /// Keeps its own size; the first one should be a text, which takes what is left over.
     void add(QWidget *widget);
@@ -28,15 +28,15 @@ public:
     void addLabel(const QString &label, const QString &note = {});
 
     /// The hairline above a row that begins at `y` in something as wide as the card.
-    static void drawLine(QPainter &painter, const Look &look, double y, int width);
+    static void drawLine(QPainter &painter, const Visuals &visuals, double y, int width);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
-    Look &look() const { return look_; }
+    Visuals &visuals() const { return visuals_; }
 
 private:
-    Look &look_;
+    Visuals &visuals_;
     QHBoxLayout *line_;
 };
 

@@ -26,14 +26,14 @@ QString onOneLine(const QString &text) {
 
 } // namespace
 
-ListRow::ListRow(Look &look, const Entry &entry, std::function<void()> remove,
+ListRow::ListRow(Visuals &visuals, const Entry &entry, std::function<void()> remove,
                  std::function<void(const QString &)> edit)
-    : CardRow(look), whole_(entry.text),
+    : CardRow(visuals), whole_(entry.text),
       edit_(std::move(edit)), entry_{onOneLine(entry.text), onOneLine(entry.detail), entry.picture},
       remove_(
           Button::ofSymbol(QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove ") + entry_.text)) {
     // The symbol, not the room around it, ends where the other rows end.
-    layout()->setContentsMargins(margin, 0, margin - Button::besideSymbol(look), 0);
+    layout()->setContentsMargins(margin, 0, margin - Button::besideSymbol(visuals), 0);
     static_cast<QHBoxLayout *>(layout())->addStretch();
     add(remove_);
     setAccessibleName(entry_.text);
@@ -96,18 +96,18 @@ void ListRow::paintEvent(QPaintEvent *event) {
         return;
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    draw(painter, QRectF(margin, 0, remove_->x() - gap - margin, height()), entry_, look(),
-         look().palette().text, look().palette().secondaryText);
+    draw(painter, QRectF(margin, 0, remove_->x() - gap - margin, height()), entry_, visuals(),
+         visuals().palette().text, visuals().palette().secondaryText);
 }
 
-void ListRow::draw(QPainter &painter, const QRectF &place, const Entry &entry, const Look &look,
+void ListRow::draw(QPainter &painter, const QRectF &place, const Entry &entry, const Visuals &visuals,
                    const QColor &ink, const QColor &detailInk) {
     QRectF room = place;
     if (!entry.picture.isNull()) {
-        painter.drawImage(QRectF(room.left(), room.center().y() - pictureSide(look) / 2.0, pictureSide(look),
-                                 pictureSide(look)),
+        painter.drawImage(QRectF(room.left(), room.center().y() - pictureSide(visuals) / 2.0,
+                                 pictureSide(visuals), pictureSide(visuals)),
                           entry.picture);
-        room.setLeft(room.left() + pictureSide(look) + gap);
+        room.setLeft(room.left() + pictureSide(visuals) + gap);
     }
     const auto write = [&](const QString &text, const QFont &font, const QColor &colour) {
         painter.setFont(font);
@@ -117,8 +117,8 @@ void ListRow::draw(QPainter &painter, const QRectF &place, const Entry &entry, c
         painter.drawText(room, Qt::AlignVCenter | Qt::AlignLeft, shown);
         room.setLeft(room.left() + metrics.horizontalAdvance(shown) + gap);
     };
-    write(entry.text, look.font(13), ink);
-    write(entry.detail, look.font(11), detailInk);
+    write(entry.text, visuals.font(13), ink);
+    write(entry.detail, visuals.font(11), detailInk);
 }
 
 QAccessibleInterface *ListRow::makeAccessible() {

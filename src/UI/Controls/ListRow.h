@@ -24,15 +24,15 @@ public:
         QImage picture = {};
     };
 
-    static int pictureSide(const Look &look) { return look.length(24); }
+    static int pictureSide(const Visuals &visuals) { return visuals.length(24); }
 
     /// In the middle of `place`, one behind the other; the detail gives way first.
-    static void draw(QPainter &painter, const QRectF &place, const Entry &entry, const Look &look,
+    static void draw(QPainter &painter, const QRectF &place, const Entry &entry, const Visuals &visuals,
                      const QColor &ink, const QColor &detailInk);
 
     /// `remove` may destroy the row, as may `edit`, which is given another text. Where there is an `edit`, a
     /// double click or F2 lets the text be edited in its place.
-    ListRow(Look &look, const Entry &entry, std::function<void()> remove,
+    ListRow(Visuals &visuals, const Entry &entry, std::function<void()> remove,
             std::function<void(const QString &)> edit = {});
 
     QAccessibleInterface *makeAccessible() override;

@@ -1,6 +1,6 @@
 #include "UI/Controls/PopUpButton.h"
 
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/Style/Keyboard.h"
 
 #include <QAbstractItemView>
@@ -58,7 +58,8 @@ private:
 
 } // namespace
 
-PopUpButton::PopUpButton(Look &look, const QString &name, const QStringList &choices) : look_(look) {
+PopUpButton::PopUpButton(Visuals &visuals, const QString &name, const QStringList &choices)
+    : visuals_(visuals) {
     setAccessibleName(name);
     setFocusPolicy(Qt::TabFocus);
     setSizeAdjustPolicy(QComboBox::AdjustToContents);
@@ -92,7 +93,7 @@ void PopUpButton::showPopup() {
         followAssistiveTechnology();
         view()->setAccessibleName(accessibleName());
         view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-        view()->window()->setMaximumHeight(look_.length(tallest));
+        view()->window()->setMaximumHeight(visuals_.length(tallest));
         view()->window()->installEventFilter(this);
     }
     QComboBox::showPopup();

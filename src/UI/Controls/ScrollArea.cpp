@@ -17,7 +17,7 @@ constexpr double share = 0.28; // of the rest of the way, each frame
 
 } // namespace
 
-ScrollArea::ScrollArea(Look &look, QWidget *content) : look_(look) {
+ScrollArea::ScrollArea(Visuals &visuals, QWidget *content) : visuals_(visuals) {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(true);
@@ -65,10 +65,10 @@ void ScrollArea::glideBy(double distance) {
     const QScrollBar &bar = *verticalScrollBar();
     const double from = frames_ ? target_ : bar.value();
     target_ = std::clamp<double>(from + distance, bar.minimum(), bar.maximum());
-    if (look_.appearance().wishes().reducedMotion)
+    if (visuals_.appearance().wishes().reducedMotion)
         verticalScrollBar()->setValue(qRound(target_));
     else if (!frames_)
-        frames_ = look_.loop().every(frame, [this] { glide(); });
+        frames_ = visuals_.loop().every(frame, [this] { glide(); });
 }
 
 void ScrollArea::glide() {

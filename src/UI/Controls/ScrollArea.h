@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/MainLoop.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QScrollArea>
 
@@ -11,7 +11,7 @@ namespace pavonel {
 /// large that it has no room.
 class ScrollArea : public QScrollArea {
 public:
-    ScrollArea(Look &look, QWidget *content);
+    ScrollArea(Visuals &visuals, QWidget *content);
     ~ScrollArea() override;
 
 protected:
@@ -23,7 +23,7 @@ private:
     void glideBy(double distance);
     void glide();
 
-    Look &look_;
+    Visuals &visuals_;
     double target_ = 0; ///< Where the glide under way ends.
     TimerHandle frames_;
 };

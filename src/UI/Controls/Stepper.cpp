@@ -20,8 +20,8 @@ constexpr Seconds repeatInterval = 0.08;
 
 } // namespace
 
-Stepper::Stepper(Look &look, const QString &name, Range range, double step, Wording wording)
-    : look_(look), range_(range), step_(step), wording_(std::move(wording)), value_(range.least) {
+Stepper::Stepper(Visuals &visuals, const QString &name, Range range, double step, Wording wording)
+    : visuals_(visuals), range_(range), step_(step), wording_(std::move(wording)), value_(range.least) {
     setAccessibleName(name);
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::TabFocus);
@@ -58,7 +58,7 @@ void Stepper::moveTo(double value) {
 }
 
 QSize Stepper::bodySize() const {
-    return {look_.length(57), look_.length(26)};
+    return {visuals_.length(57), visuals_.length(26)};
 }
 
 QSize Stepper::sizeHint() const {
@@ -105,8 +105,8 @@ void Stepper::mousePressEvent(QMouseEvent *event) {
     if (!held_)
         return;
     step(*held_);
-    repeat_ = look_.loop().after(
-        repeatDelay, [this] { repeat_ = look_.loop().every(repeatInterval, [this] { step(*held_); }); });
+    repeat_ = visuals_.loop().after(
+        repeatDelay, [this] { repeat_ = visuals_.loop().every(repeatInterval, [this] { step(*held_); }); });
     update();
 }
 
@@ -161,18 +161,18 @@ void Stepper::paintEvent(QPaintEvent *) {
     painter.setRenderHint(QPainter::Antialiasing);
     if (!isEnabled())
         painter.setOpacity(disabledOpacity);
-    const ButtonColours &colours = look_.palette().plainButton;
+    const ButtonColours &colours = visuals_.palette().plainButton;
     drawBody(painter, body(), radius, colours.fill, Qt::transparent);
     for (const Direction direction : {Direction::down, Direction::up})
         drawHalf(painter, direction);
     drawBody(painter, body(), radius, Qt::transparent, colours.outline);
     const double middle = std::floor(body().center().x());
     drawHairline(painter, {middle, body().top() + 1}, {middle, body().bottom() - 1.5}, colours.outline);
-    FocusRing::draw(painter, *this, body(), radius, look_.palette().accentText);
+    FocusRing::draw(painter, *this, body(), radius, visuals_.palette().accentText);
 }
 
 void Stepper::drawHalf(QPainter &painter, Direction direction) const {
-    const ButtonColours &colours = look_.palette().plainButton;
+    const ButtonColours &colours = visuals_.palette().plainButton;
     const QRectF area = half(direction);
     const bool able = canStep(direction);
     painter.save();
@@ -184,7 +184,7 @@ void Stepper::drawHalf(QPainter &painter, Direction direction) const {
     }
     if (!able)
         painter.setOpacity(painter.opacity() * 0.35);
-    const double arm = look_.length(17) / 4.0;
+    const double arm = visuals_.length(17) / 4.0;
     constexpr double thickness = 1.3;
     const QPointF centre(area.center().x() + (direction == Direction::up ? 0.25 : -0.25), area.center().y());
     painter.setPen(QPen(colours.ink, thickness, Qt::SolidLine, Qt::RoundCap));

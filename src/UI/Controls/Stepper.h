@@ -3,7 +3,7 @@
 #include "Platform/MainLoop.h"
 #include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/FocusRing.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QWidget>
 
@@ -26,7 +26,7 @@ public:
     /// The number as people read it.
     using Wording = std::function<QString(double)>;
 
-    Stepper(Look &look, const QString &name, Range range, double step, Wording wording);
+    Stepper(Visuals &visuals, const QString &name, Range range, double step, Wording wording);
 
     double value() const { return value_; }
 
@@ -73,7 +73,7 @@ private:
     void release();
     void reportValue(const QString &textBefore);
 
-    Look &look_;
+    Visuals &visuals_;
     Range range_;
     double step_;
     Wording wording_;

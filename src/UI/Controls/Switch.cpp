@@ -14,8 +14,8 @@ constexpr Seconds slide = 0.16;
 
 } // namespace
 
-Switch::Switch(Look &look, const QString &name)
-    : knob_(look.loop(), look.appearance(), [this](double) { update(); }) {
+Switch::Switch(Visuals &visuals, const QString &name)
+    : knob_(visuals.loop(), visuals.appearance(), [this](double) { update(); }) {
     setAccessibleName(name);
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

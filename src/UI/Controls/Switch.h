@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/Fade.h"
 
 #include <QCheckBox>
@@ -11,7 +11,7 @@ namespace pavonel {
 class Switch : public QCheckBox {
 public:
     /// `name` is what a screen reader says.
-    Switch(Look &look, const QString &name);
+    Switch(Visuals &visuals, const QString &name);
 
     /// Without motion and without a report; for what did not come from the user.
     void setOn(bool on);

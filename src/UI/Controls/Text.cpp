@@ -14,25 +14,25 @@ namespace {
 
 constexpr int longestWord = 120; // points that a text insists on; longer words are broken
 
-QFont fontOf(const Look &look, Text::Style style) {
+QFont fontOf(const Visuals &visuals, Text::Style style) {
     switch (style) {
     case Text::Style::pageTitle:
-        return look.font(22, QFont::Bold);
+        return visuals.font(22, QFont::Bold);
     case Text::Style::brand:
     case Text::Style::cardTitle:
-        return look.font(13, QFont::DemiBold);
+        return visuals.font(13, QFont::DemiBold);
     case Text::Style::cardSubtitle:
-        return look.font(12);
+        return visuals.font(12);
     case Text::Style::label:
-        return look.font(13);
+        return visuals.font(13);
     case Text::Style::secondary:
-        return look.font(13);
+        return visuals.font(13);
     case Text::Style::note:
-        return look.font(11);
+        return visuals.font(11);
     case Text::Style::failure:
-        return look.font(11, QFont::Medium);
+        return visuals.font(11, QFont::Medium);
     }
-    return look.font(13);
+    return visuals.font(13);
 }
 
 QColor inkOf(const Palette &palette, Text::Style style) {
@@ -61,8 +61,8 @@ double breakLines(QTextLayout &layout, double width) {
 
 } // namespace
 
-Text::Text(Look &look, const QString &text, Style style) : look_(look), style_(style) {
-    QFont font = fontOf(look, style);
+Text::Text(Visuals &visuals, const QString &text, Style style) : visuals_(visuals), style_(style) {
+    QFont font = fontOf(visuals, style);
     if (style == Style::pageTitle)
         font.setLetterSpacing(QFont::AbsoluteSpacing, -0.2);
     setFont(font);
@@ -74,7 +74,7 @@ Text::Text(Look &look, const QString &text, Style style) : look_(look), style_(s
 
 void Text::setStyle(Style style) {
     style_ = style;
-    setFont(fontOf(look_, style));
+    setFont(fontOf(visuals_, style));
     whole_ = {};
     heightKnownFor_ = -1;
     update();
@@ -131,7 +131,7 @@ void Text::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     if (!isEnabled())
         painter.setOpacity(disabledOpacity);
-    painter.setPen(inkOf(look_.palette(), style_));
+    painter.setPen(inkOf(visuals_.palette(), style_));
     QTextLayout layout(text_, font());
     const double spare = QWidget::height() - breakLines(layout, width());
     layout.draw(&painter, QPointF(0, std::max(0.0, std::floor(spare / 2))));

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QWidget>
 
@@ -22,7 +22,7 @@ public:
         failure,   ///< What went wrong.
     };
 
-    Text(Look &look, const QString &text, Style style);
+    Text(Visuals &visuals, const QString &text, Style style);
 
     void setStyle(Style style);
 
@@ -42,7 +42,7 @@ protected:
 private:
     QSize measured() const;
 
-    Look &look_;
+    Visuals &visuals_;
     QString text_;
     Style style_;
     // Layouts ask again and again, and breaking lines takes its time.

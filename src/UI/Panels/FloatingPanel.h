@@ -25,7 +25,7 @@ public:
         double radius;        ///< Of the corners.
         double borderOpacity; ///< Of the white line along the inside of the edge.
         Mouse mouse;
-        PanelShadow::Look shadow;
+        PanelShadow::Geometry shadow;
     };
 
     FloatingPanel(Platform &platform, const Make &make);

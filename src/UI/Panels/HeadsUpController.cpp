@@ -17,10 +17,10 @@ QPoint corner(const QRectF &visible) {
 } // namespace
 
 HeadsUpController::HeadsUpController(Platform &platform, BreakController &controller, Settings &settings)
-    : platform_(platform), controller_(controller), settings_(settings), stage_(platform) {}
+    : platform_(platform), controller_(controller), settings_(settings), presenter_(platform) {}
 
 void HeadsUpController::show(BreakKind kind, const QString &title) {
-    stage_.show({[=, this] { return makePanel(kind, title); }, corner, fadeIn, fadeOut});
+    presenter_.show({[=, this] { return makePanel(kind, title); }, corner, fadeIn, fadeOut});
 }
 
 std::unique_ptr<FloatingPanel> HeadsUpController::makePanel(BreakKind kind, const QString &title) {
@@ -36,7 +36,7 @@ std::unique_ptr<FloatingPanel> HeadsUpController::makePanel(BreakKind kind, cons
 }
 
 void HeadsUpController::hide() {
-    stage_.hide();
+    presenter_.hide();
 }
 
 } // namespace pavonel

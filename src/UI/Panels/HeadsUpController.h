@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/BreakController.h"
-#include "UI/Panels/PanelStage.h"
+#include "UI/Panels/NoticePresenter.h"
 
 namespace pavonel {
 
@@ -20,7 +20,7 @@ private:
     Platform &platform_;
     BreakController &controller_;
     Settings &settings_;
-    PanelStage stage_;
+    NoticePresenter presenter_;
 };
 
 } // namespace pavonel

@@ -18,14 +18,14 @@ double distance(const QRectF &body, double radius, QPointF point) {
 }
 
 /// One pixel a point suffices at any ratio: there is nothing sharp in it.
-QImage blurred(const PanelShadow::Look &look, QSize window, const QRectF &body, double radius) {
-    const double softness = look.blur / 2.0 * std::numbers::sqrt2;
+QImage blurred(const PanelShadow::Geometry &geometry, QSize window, const QRectF &body, double radius) {
+    const double softness = geometry.blur / 2.0 * std::numbers::sqrt2;
     QImage image(window, QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < window.height(); ++y) {
         auto *row = reinterpret_cast<QRgb *>(image.scanLine(y));
         for (int x = 0; x < window.width(); ++x) {
             const double outside = distance(body, radius, QPointF(x + 0.5, y + 0.5));
-            const double shade = look.opacity * std::erfc(outside / softness) / 2;
+            const double shade = geometry.opacity * std::erfc(outside / softness) / 2;
             row[x] = qRgba(0, 0, 0, static_cast<int>(std::lround(255 * shade)));
         }
     }
@@ -44,15 +44,16 @@ void cutOut(QImage &image, const QRectF &panel, double radius) {
 
 } // namespace
 
-PanelShadow::PanelShadow(const Look &look, QSize panel, double radius) {
-    const QMargins around = room(look);
+PanelShadow::PanelShadow(const Geometry &geometry, QSize panel, double radius) {
+    const QMargins around = room(geometry);
     const QRectF body(QPointF(around.left(), around.top()), QSizeF(panel));
-    image_ = blurred(look, panel.grownBy(around), body.translated(0, look.drop), radius);
+    image_ = blurred(geometry, panel.grownBy(around), body.translated(0, geometry.drop), radius);
     cutOut(image_, body, radius);
 }
 
-QMargins PanelShadow::room(const Look &look) {
-    return {look.blur, std::max(0, look.blur - look.drop), look.blur, look.drop + look.blur};
+QMargins PanelShadow::room(const Geometry &geometry) {
+    return {geometry.blur, std::max(0, geometry.blur - geometry.drop), geometry.blur,
+            geometry.drop + geometry.blur};
 }
 
 void PanelShadow::paint(QPainter &painter) const {

@@ -17,10 +17,10 @@ QPoint corner(const QRectF &visible) {
 
 } // namespace
 
-ToastController::ToastController(Platform &platform) : platform_(platform), stage_(platform) {}
+ToastController::ToastController(Platform &platform) : platform_(platform), presenter_(platform) {}
 
 void ToastController::show(const QString &text, const QString &symbol) {
-    stage_.show({[=, this] { return makePanel(text, symbol); }, corner, fade, fade});
+    presenter_.show({[=, this] { return makePanel(text, symbol); }, corner, fade, fade});
     dismissal_ = platform_.mainLoop->after(stay, [this] { hide(); });
 }
 
@@ -38,7 +38,7 @@ std::unique_ptr<FloatingPanel> ToastController::makePanel(const QString &text, c
 
 void ToastController::hide() {
     dismissal_.reset();
-    stage_.hide();
+    presenter_.hide();
 }
 
 } // namespace pavonel

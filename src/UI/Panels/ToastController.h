@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/Panels/PanelStage.h"
+#include "UI/Panels/NoticePresenter.h"
 
 namespace pavonel {
 
@@ -17,7 +17,7 @@ private:
     std::unique_ptr<FloatingPanel> makePanel(const QString &text, const QString &symbol);
 
     Platform &platform_;
-    PanelStage stage_;
+    NoticePresenter presenter_;
     TimerHandle dismissal_;
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/SettingsWindow/Page.h"
 
 #include <QAbstractSlider>
@@ -13,7 +13,7 @@ namespace pavonel {
 /// One page: its title, its subtitle, and its cards in a column that scrolls.
 class PageView : public QWidget {
 public:
-    PageView(Look &look, const PageEntry &entry, PageContext &context);
+    PageView(Visuals &visuals, const PageEntry &entry, PageContext &context);
 
     /// Lets every row show what its setting is now.
     void refresh();

@@ -17,26 +17,26 @@ namespace pavonel {
 const QString SettingsView::phonePageSeenKey = QStringLiteral("phonePageSeen");
 
 SettingsView::SettingsView(const PageContext &context, SettingsSelection &selection)
-    : context_(context), selection_(selection), look_(context.platform),
+    : context_(context), selection_(selection), visuals_(context.platform),
       onSelection_(*context.platform.mainLoop, {&selection}, [this] { showSelected(); }),
       onSettings_(*context.platform.mainLoop, {&context.settings},
                   [this] {
                       if (page_)
                           page_->refresh();
                   }),
-      onAppearance_(look_.appearance().onChange([this] { followLook(); })) {
+      onAppearance_(visuals_.appearance().onChange([this] { followAppearance(); })) {
     auto *line = new QHBoxLayout(this);
     line->setContentsMargins({});
     line->setSpacing(0);
     makeSidebar();
-    setPalette(look_.toolkitPalette());
+    setPalette(visuals_.toolkitPalette());
 }
 
 SettingsView::~SettingsView() = default;
 
 void SettingsView::makeSidebar() {
     delete sidebar_;
-    sidebar_ = new Sidebar(look_);
+    sidebar_ = new Sidebar(visuals_);
     sidebar_->onSelect = [this](Page page) {
         selection_.page = page;
         showSelected();
@@ -45,7 +45,7 @@ void SettingsView::makeSidebar() {
 }
 
 QSize SettingsView::grown(const QSize &points) const {
-    return {look_.length(points.width()), look_.length(points.height())};
+    return {visuals_.length(points.width()), visuals_.length(points.height())};
 }
 
 void SettingsView::showSelected() {
@@ -54,7 +54,7 @@ void SettingsView::showSelected() {
         return;
     dropPage();
     sidebar_->select(wanted);
-    page_ = new PageView(look_, entryOf(wanted), context_);
+    page_ = new PageView(visuals_, entryOf(wanted), context_);
     shown_ = wanted;
     static_cast<QBoxLayout *>(layout())->addWidget(page_, 1);
     page_->show();
@@ -67,9 +67,9 @@ void SettingsView::dropPage() {
     page_ = nullptr;
 }
 
-void SettingsView::followLook() {
-    look_.refresh();
-    setPalette(look_.toolkitPalette()); // and thereby a repaint of everything
+void SettingsView::followAppearance() {
+    visuals_.refresh();
+    setPalette(visuals_.toolkitPalette()); // and thereby a repaint of everything
     update();
 }
 
@@ -88,7 +88,7 @@ void SettingsView::keyPressEvent(QKeyEvent *event) {
 void SettingsView::showEvent(QShowEvent *event) {
     if (event->spontaneous())
         return;
-    if (look_.refreshTextSize())
+    if (visuals_.refreshTextSize())
         makeSidebar();
     showSelected();
 }
@@ -111,7 +111,7 @@ QAccessibleInterface *SettingsView::makeAccessible() {
 }
 
 void SettingsView::paintEvent(QPaintEvent *) {
-    QPainter(this).fillRect(rect(), look_.palette().window);
+    QPainter(this).fillRect(rect(), visuals_.palette().window);
 }
 
 } // namespace pavonel

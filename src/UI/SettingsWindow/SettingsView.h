@@ -1,7 +1,7 @@
 #pragma once
 
 #include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/Refresher.h"
 #include "UI/SettingsWindow/Page.h"
 
@@ -44,11 +44,11 @@ private:
     void showSelected();
     void dropPage();
     void giveUpPixels();
-    void followLook();
+    void followAppearance();
 
     PageContext context_;
     SettingsSelection &selection_;
-    Look look_;
+    Visuals visuals_;
     Sidebar *sidebar_ = nullptr;
     PageView *page_ = nullptr;
     Page shown_ = Page::breaks; ///< What `page_` is.

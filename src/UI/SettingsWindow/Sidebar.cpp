@@ -2,10 +2,10 @@
 
 #include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/FocusRing.h"
-#include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/ScrollArea.h"
 #include "UI/Controls/Text.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/Symbol.h"
 
 #include <QAbstractButton>
@@ -74,12 +74,12 @@ protected:
     void keyPressEvent(QKeyEvent *event) override { onKey(event); }
 };
 
-QLayout *brand(Look &look) {
+QLayout *brand(Visuals &visuals) {
     auto *lines = new QVBoxLayout;
     lines->setContentsMargins(margin, 0, 0, 0);
     lines->setSpacing(2);
-    lines->addWidget(new Text(look, QStringLiteral("Pavonel"), Text::Style::brand));
-    lines->addWidget(new Text(look, QStringLiteral("Version 1.0"), Text::Style::note));
+    lines->addWidget(new Text(visuals, QStringLiteral("Pavonel"), Text::Style::brand));
+    lines->addWidget(new Text(visuals, QStringLiteral("Version 1.0"), Text::Style::note));
     return lines;
 }
 
@@ -88,7 +88,7 @@ QLayout *brand(Look &look) {
 /// A page's entry in the sidebar.
 class SidebarItem : public QAbstractButton, public AccessibleControl {
 public:
-    SidebarItem(Look &look, const QString &title, const QString &symbol);
+    SidebarItem(Visuals &visuals, const QString &title, const QString &symbol);
 
     /// Only the selected one is reached by the Tab key.
     void setSelected(bool selected);
@@ -101,13 +101,13 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    Look &look_;
+    Visuals &visuals_;
     QString symbol_;
     bool selected_ = false;
 };
 
-SidebarItem::SidebarItem(Look &look, const QString &title, const QString &symbol)
-    : look_(look), symbol_(symbol) {
+SidebarItem::SidebarItem(Visuals &visuals, const QString &title, const QString &symbol)
+    : visuals_(visuals), symbol_(symbol) {
     setText(title);
     setFocusPolicy(Qt::NoFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -126,15 +126,15 @@ void SidebarItem::setSelected(bool selected) {
 }
 
 QSize SidebarItem::sizeHint() const {
-    const QFontMetrics metrics(look_.font(13, QFont::DemiBold));
-    return {metrics.horizontalAdvance(text()) + look_.length(symbolSide) + 3 * padding,
-            look_.lineHeight(itemHeight)};
+    const QFontMetrics metrics(visuals_.font(13, QFont::DemiBold));
+    return {metrics.horizontalAdvance(text()) + visuals_.length(symbolSide) + 3 * padding,
+            visuals_.lineHeight(itemHeight)};
 }
 
 void SidebarItem::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const Palette &palette = look_.palette();
+    const Palette &palette = visuals_.palette();
     QColor ground = palette.selection;
     if (!selected_) {
         ground = palette.text;
@@ -143,11 +143,11 @@ void SidebarItem::paintEvent(QPaintEvent *) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(ground);
     painter.drawRoundedRect(rect(), radius, radius);
-    const int side = look_.length(symbolSide);
+    const int side = visuals_.length(symbolSide);
     const QImage drawing = Symbol::image(
         symbol_, side, selected_ ? palette.accentText : palette.secondaryText, devicePixelRatioF());
     painter.drawImage(QPointF(padding, (height() - side) / 2.0), drawing);
-    painter.setFont(look_.font(13, selected_ ? QFont::DemiBold : QFont::Medium));
+    painter.setFont(visuals_.font(13, selected_ ? QFont::DemiBold : QFont::Medium));
     painter.setPen(selected_ ? palette.accentText : palette.text);
     painter.drawText(rect().adjusted(padding + side + padding, 0, -padding, 0),
                      Qt::AlignVCenter | Qt::AlignLeft, text());
@@ -162,7 +162,7 @@ QAccessibleInterface *SidebarItem::makeAccessible() {
     return new ListItemAccessible(*this, [this] { return selected_; });
 }
 
-Sidebar::Sidebar(Look &look) : look_(look) {
+Sidebar::Sidebar(Visuals &visuals) : visuals_(visuals) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(margin, top, margin + 1, bottom);
@@ -172,15 +172,15 @@ Sidebar::Sidebar(Look &look) : look_(look) {
     lines->setContentsMargins({});
     lines->setSpacing(2);
     for (const PageEntry &entry : allPages()) {
-        auto *item = new SidebarItem(look, entry.title, entry.symbol);
+        auto *item = new SidebarItem(visuals, entry.title, entry.symbol);
         connect(item, &SidebarItem::clicked, this, [this, place = items_.size()] { goTo(place); });
         lines->addWidget(item);
         items_.push_back(item);
     }
     lines->addStretch();
-    area_ = new ScrollArea(look, list); // large text can need more room than the window has
+    area_ = new ScrollArea(visuals, list); // large text can need more room than the window has
     column->addWidget(area_, 1);
-    column->addLayout(brand(look));
+    column->addLayout(brand(visuals));
     select(allPages().front().page);
 }
 
@@ -231,9 +231,9 @@ void Sidebar::keyPressEvent(QKeyEvent *event) {
 
 void Sidebar::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    painter.fillRect(rect(), look_.palette().sidebar);
+    painter.fillRect(rect(), visuals_.palette().sidebar);
     const double right = width() - 1 / devicePixelRatioF();
-    drawHairline(painter, {right, 0}, {right, static_cast<double>(height())}, look_.palette().cardOutline);
+    drawHairline(painter, {right, 0}, {right, static_cast<double>(height())}, visuals_.palette().cardOutline);
 }
 
 } // namespace pavonel

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/SettingsWindow/Page.h"
 
 #include <QWidget>
@@ -17,7 +17,7 @@ class SidebarItem;
 /// to page.
 class Sidebar : public QWidget {
 public:
-    explicit Sidebar(Look &look);
+    explicit Sidebar(Visuals &visuals);
 
     /// Told of the page that the user goes to.
     std::function<void(Page)> onSelect;
@@ -33,7 +33,7 @@ protected:
 private:
     void goTo(std::size_t place);
 
-    Look &look_;
+    Visuals &visuals_;
     ScrollArea *area_;
     std::vector<SidebarItem *> items_;
     std::size_t selected_ = 0;

@@ -1,8 +1,8 @@
 #include "UI/Controls/Button.h"
 #include "UI/Controls/FocusRing.h"
-#include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/Switch.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/Style/Drawing.h"
 #include "UI/Symbol.h"
 
@@ -63,7 +63,7 @@ void drawContent(const Context &context, const QStyleOptionButton &option, const
                  const QColor &ink) {
     const Button *button = ours(context.widget);
     const QString symbol = button ? button->symbol() : QString();
-    const double side = button ? button->symbolSide(context.look) : 0;
+    const double side = button ? button->symbolSide(context.visuals) : 0;
     const double top = body.top() + (body.height() - side) / 2;
     if (option.text.isEmpty())
         return drawSymbol(context.painter, symbol, {body.left() + (body.width() - side) / 2, top}, side, ink);
@@ -95,17 +95,17 @@ void drawKnob(QPainter &painter, const QRectF &knob, const QColor &fill) {
 
 } // namespace
 
-QSize pushButtonSize(const QStyleOptionButton &option, const Look &look, const QWidget *widget) {
+QSize pushButtonSize(const QStyleOptionButton &option, const Visuals &visuals, const QWidget *widget) {
     const Button *button = ours(widget);
     if (button && button->isNotice())
         return button->noticeSize();
     const QSize room = QSize(2, 2) * FocusRing::room;
     if (option.text.isEmpty() && button)
-        return QSize(1, 1) * Button::roundDiameter(look) + room;
+        return QSize(1, 1) * Button::roundDiameter(visuals) + room;
     const int text = option.fontMetrics.size(Qt::TextShowMnemonic, option.text).width();
     const int symbol =
-        !button || button->symbol().isEmpty() ? 0 : qRound(button->symbolSide(look)) + symbolGap;
-    return QSize(text + symbol + 2 * padding, look.lineHeight(bodyHeight)) + room;
+        !button || button->symbol().isEmpty() ? 0 : qRound(button->symbolSide(visuals)) + symbolGap;
+    return QSize(text + symbol + 2 * padding, visuals.lineHeight(bodyHeight)) + room;
 }
 
 void drawPushButton(const Context &context, const QStyleOptionButton &option) {
@@ -114,7 +114,7 @@ void drawPushButton(const Context &context, const QStyleOptionButton &option) {
     painter.setRenderHint(QPainter::Antialiasing);
     if (!option.state.testFlag(QStyle::State_Enabled))
         painter.setOpacity(disabledOpacity);
-    const Palette &palette = context.look.palette();
+    const Palette &palette = context.visuals.palette();
     const ButtonColours colours = coloursOf(context.widget, option, palette);
     const Button *button = ours(context.widget);
     const double room = button && button->isNotice() ? 0 : FocusRing::room;
@@ -127,8 +127,8 @@ void drawPushButton(const Context &context, const QStyleOptionButton &option) {
     painter.restore();
 }
 
-QSize switchSize(const Look &look) {
-    return {look.length(38), look.length(22)};
+QSize switchSize(const Visuals &visuals) {
+    return {visuals.length(38), visuals.length(22)};
 }
 
 /// Its knob may be on the way from one end to the other.
@@ -141,7 +141,7 @@ void drawSwitch(const Context &context, const QStyleOption &option) {
         painter.setOpacity(disabledOpacity);
     const auto *moving = dynamic_cast<const Switch *>(context.widget);
     const double share = moving ? moving->knob() : option.state.testFlag(QStyle::State_On) ? 1 : 0;
-    const Palette &palette = context.look.palette();
+    const Palette &palette = context.visuals.palette();
     QColor track = between(palette.track, palette.accent, share);
     if (enabled && option.state & (QStyle::State_MouseOver | QStyle::State_Sunken))
         track = between(track, palette.text, option.state.testFlag(QStyle::State_Sunken) ? 0.12 : 0.06);

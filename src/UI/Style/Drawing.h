@@ -16,32 +16,32 @@ class QWidget;
 /// free around its body, in which its ring is drawn.
 namespace pavonel {
 
-class Look;
+class Visuals;
 
 namespace drawing {
 
 struct Context {
     QPainter &painter;
-    const Look &look;
+    const Visuals &visuals;
     const QWidget *widget;
 };
 
 // Buttons.cpp
-QSize pushButtonSize(const QStyleOptionButton &button, const Look &look, const QWidget *widget);
+QSize pushButtonSize(const QStyleOptionButton &button, const Visuals &visuals, const QWidget *widget);
 void drawPushButton(const Context &context, const QStyleOptionButton &button);
-QSize switchSize(const Look &look);
+QSize switchSize(const Visuals &visuals);
 void drawSwitch(const Context &context, const QStyleOption &option);
 
 // Fields.cpp
-QSize fieldSize(const QSize &contents, const Look &look);
+QSize fieldSize(const QSize &contents, const Visuals &visuals);
 QRect fieldContents(const QRect &field);
 void drawField(const Context &context, const QStyleOption &option);
 void drawProgress(const Context &context, const QStyleOptionProgressBar &bar);
 
 // ComboBox.cpp
-QSize comboBoxSize(const QSize &contents, const Look &look);
-QRect comboBoxList(const QRect &box, const Look &look);
-QRect comboBoxText(const QRect &box, const Look &look);
+QSize comboBoxSize(const QSize &contents, const Visuals &visuals);
+QRect comboBoxList(const QRect &box, const Visuals &visuals);
+QRect comboBoxText(const QRect &box, const Visuals &visuals);
 void drawComboBox(const Context &context, const QStyleOptionComboBox &box);
 void drawComboBoxText(const Context &context, const QStyleOptionComboBox &box);
 
@@ -49,7 +49,7 @@ void drawComboBoxText(const Context &context, const QStyleOptionComboBox &box);
 constexpr int menuPadding = 5;    ///< Between the menu's edge and its lines.
 constexpr int menuTextInset = 28; ///< Of the texts of lines that can be ticked, from the line's left end.
 constexpr int choiceHeight = 28;  ///< Of such lines at the ordinary text size.
-QSize menuLineSize(const QStyleOptionMenuItem &item, const QSize &contents, const Look &look);
+QSize menuLineSize(const QStyleOptionMenuItem &item, const QSize &contents, const Visuals &visuals);
 void drawMenu(const Context &context, const QRect &rect);
 void drawMenuLine(const Context &context, const QStyleOptionMenuItem &item);
 

@@ -1,6 +1,6 @@
 #include "UI/Controls/FocusRing.h"
-#include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/Style/Drawing.h"
 
 #include <QPainter>
@@ -20,8 +20,8 @@ constexpr double barThickness = 6;
 
 } // namespace
 
-QSize fieldSize(const QSize &contents, const Look &look) {
-    return {contents.width() + 2 * (padding + room), look.lineHeight(bodyHeight) + 2 * room};
+QSize fieldSize(const QSize &contents, const Visuals &visuals) {
+    return {contents.width() + 2 * (padding + room), visuals.lineHeight(bodyHeight) + 2 * room};
 }
 
 QRect fieldContents(const QRect &field) {
@@ -35,7 +35,7 @@ void drawField(const Context &context, const QStyleOption &option) {
     painter.setRenderHint(QPainter::Antialiasing);
     if (!option.state.testFlag(QStyle::State_Enabled))
         painter.setOpacity(disabledOpacity);
-    const Palette &palette = context.look.palette();
+    const Palette &palette = context.visuals.palette();
     const QRectF body = QRectF(option.rect).adjusted(room, room, -room, -room);
     drawBody(painter, body, radius, palette.plainButton.fill, palette.plainButton.outline);
     if (option.state.testFlag(QStyle::State_HasFocus)) {
@@ -47,7 +47,7 @@ void drawField(const Context &context, const QStyleOption &option) {
 }
 
 void drawProgress(const Context &context, const QStyleOptionProgressBar &bar) {
-    const Palette &palette = context.look.palette();
+    const Palette &palette = context.visuals.palette();
     const QRectF place(bar.rect);
     QRectF track(place.left(), place.center().y() - barThickness / 2, place.width(), barThickness);
     drawBody(context.painter, track, barThickness / 2, palette.track, Qt::transparent);

@@ -1,5 +1,5 @@
-#include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/Style/Drawing.h"
 
 #include <QPainter>
@@ -75,17 +75,17 @@ void drawLine(QPainter &painter, const QStyleOptionMenuItem &item, const Palette
 
 } // namespace
 
-QSize menuLineSize(const QStyleOptionMenuItem &item, const QSize &contents, const Look &look) {
+QSize menuLineSize(const QStyleOptionMenuItem &item, const QSize &contents, const Visuals &visuals) {
     if (item.menuItemType == QStyleOptionMenuItem::Separator)
         return {contents.width(), separatorHeight};
     const bool extra = item.menuItemType == QStyleOptionMenuItem::SubMenu || parts(item).size() > 1;
     const int text = canBeTicked(item) ? item.fontMetrics.horizontalAdvance(item.text) : contents.width();
     return {text + textInset(item) + inset + (extra ? beforeShortcut : 0),
-            look.lineHeight(canBeTicked(item) ? choiceHeight : lineHeight)};
+            visuals.lineHeight(canBeTicked(item) ? choiceHeight : lineHeight)};
 }
 
 void drawMenu(const Context &context, const QRect &rect) {
-    const Palette &colours = context.look.palette();
+    const Palette &colours = context.visuals.palette();
     const bool blends = context.widget && context.widget->testAttribute(Qt::WA_TranslucentBackground);
     if (!blends)
         context.painter.fillRect(rect, colours.card);
@@ -95,9 +95,9 @@ void drawMenu(const Context &context, const QRect &rect) {
 void drawMenuLine(const Context &context, const QStyleOptionMenuItem &item) {
     context.painter.save();
     if (item.menuItemType == QStyleOptionMenuItem::Separator)
-        drawSeparator(context.painter, item.rect, context.look.palette());
+        drawSeparator(context.painter, item.rect, context.visuals.palette());
     else
-        drawLine(context.painter, item, context.look.palette());
+        drawLine(context.painter, item, context.visuals.palette());
     context.painter.restore();
 }
 

@@ -1,4 +1,4 @@
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/Style/Drawing.h"
 
 #include <QPainter>
@@ -34,7 +34,7 @@ void drawScrollBar(const Context &context, const QStyleOptionSlider &bar) {
         return;
     const bool held = bar.state.testFlag(QStyle::State_Sunken);
     const bool hovered = held || bar.state.testFlag(QStyle::State_MouseOver);
-    QColor ink = context.look.palette().text;
+    QColor ink = context.visuals.palette().text;
     ink.setAlphaF(held ? 0.45F : hovered ? 0.35F : 0.20F);
     const double thickness = hovered ? 7 : 5;
     QRectF thumb = scrollThumb(bar);

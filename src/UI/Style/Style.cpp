@@ -39,14 +39,14 @@ bool isScrollArrow(const QWidget *widget) {
 } // namespace
 
 Style::Style(Platform &platform)
-    : QProxyStyle(QStringLiteral("Fusion")), look_(platform),
+    : QProxyStyle(QStringLiteral("Fusion")), visuals_(platform),
       onAppearance_(platform.appearance->onChange([this] { takeColours(); })) {
     takeColours();
 }
 
 void Style::takeColours() {
-    look_.refresh();
-    const QPalette colours = look_.toolkitPalette();
+    visuals_.refresh();
+    const QPalette colours = visuals_.toolkitPalette();
     QApplication::setPalette(colours);
     QToolTip::setPalette(colours);
 }
@@ -54,7 +54,7 @@ void Style::takeColours() {
 void Style::polish(QWidget *widget) {
     QProxyStyle::polish(widget);
     if (isList(widget))
-        widget->setAttribute(Qt::WA_TranslucentBackground, look_.canBlend());
+        widget->setAttribute(Qt::WA_TranslucentBackground, visuals_.canBlend());
     if (widget->focusPolicy() & Qt::TabFocus || qobject_cast<QAbstractButton *>(widget)) {
         widget->setAttribute(Qt::WA_Hover);
         widget->installEventFilter(&keyboard_);
@@ -63,15 +63,15 @@ void Style::polish(QWidget *widget) {
 }
 
 void Style::giveType(QWidget &widget) {
-    look_.refreshTextSize();
+    visuals_.refreshTextSize();
     const auto *button = dynamic_cast<Button *>(&widget);
     if (button && button->isNotice())
         return; // has one size
     if (qobject_cast<QPushButton *>(&widget))
-        widget.setFont(look_.font(13, QFont::Medium));
+        widget.setFont(visuals_.font(13, QFont::Medium));
     else if (qobject_cast<QMenu *>(&widget) || qobject_cast<QComboBox *>(&widget) ||
              qobject_cast<QLineEdit *>(&widget))
-        widget.setFont(look_.font(13));
+        widget.setFont(visuals_.font(13));
 }
 
 int Style::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
@@ -99,9 +99,9 @@ int Style::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWi
     case PM_ScrollBarExtent:
         return drawing::scrollBarWidth;
     case PM_IndicatorWidth:
-        return drawing::switchSize(look_).width();
+        return drawing::switchSize(visuals_).width();
     case PM_IndicatorHeight:
-        return drawing::switchSize(look_).height();
+        return drawing::switchSize(visuals_).height();
     case PM_MenuScrollerHeight:
         return isScrollArrow(widget) ? 0 : QProxyStyle::pixelMetric(metric, option, widget);
     default:
@@ -114,16 +114,16 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption *option, con
     switch (type) {
     case CT_MenuItem:
         if (const auto *item = as<QStyleOptionMenuItem>(option))
-            return drawing::menuLineSize(*item, contents, look_);
+            return drawing::menuLineSize(*item, contents, visuals_);
         break;
     case CT_PushButton:
         if (const auto *button = as<QStyleOptionButton>(option))
-            return drawing::pushButtonSize(*button, look_, widget);
+            return drawing::pushButtonSize(*button, visuals_, widget);
         break;
     case CT_ComboBox:
-        return drawing::comboBoxSize(contents, look_);
+        return drawing::comboBoxSize(contents, visuals_);
     case CT_LineEdit:
-        return drawing::fieldSize(contents, look_);
+        return drawing::fieldSize(contents, visuals_);
     default:
         break;
     }
@@ -163,15 +163,15 @@ QRect Style::subControlRect(ComplexControl control, const QStyleOptionComplex *o
         }
     }
     if (control == CC_ComboBox && part == SC_ComboBoxListBoxPopup)
-        return drawing::comboBoxList(option->rect, look_);
+        return drawing::comboBoxList(option->rect, visuals_);
     if (control == CC_ComboBox && part == SC_ComboBoxEditField)
-        return drawing::comboBoxText(option->rect, look_);
+        return drawing::comboBoxText(option->rect, visuals_);
     return QProxyStyle::subControlRect(control, option, part, widget);
 }
 
 void Style::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                           const QWidget *widget) const {
-    const drawing::Context context{*painter, look_, widget};
+    const drawing::Context context{*painter, visuals_, widget};
     switch (element) {
     case PE_FrameMenu:
     case PE_FrameFocusRect: // each control draws its ring
@@ -189,7 +189,7 @@ void Style::drawPrimitive(PrimitiveElement element, const QStyleOption *option, 
 
 void Style::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                         const QWidget *widget) const {
-    const drawing::Context context{*painter, look_, widget};
+    const drawing::Context context{*painter, visuals_, widget};
     switch (element) {
     case CE_MenuEmptyArea:
         return;
@@ -217,7 +217,7 @@ void Style::drawControl(ControlElement element, const QStyleOption *option, QPai
 
 void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
                                const QWidget *widget) const {
-    const drawing::Context context{*painter, look_, widget};
+    const drawing::Context context{*painter, visuals_, widget};
     if (const auto *box = as<QStyleOptionComboBox>(option); control == CC_ComboBox && box)
         return drawing::drawComboBox(context, *box);
     if (const auto *bar = as<QStyleOptionSlider>(option); control == CC_ScrollBar && bar)

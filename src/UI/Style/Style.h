@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/Style/Keyboard.h"
 
 #include <QProxyStyle>
@@ -36,7 +36,7 @@ private:
     void takeColours();
     void giveType(QWidget &widget);
 
-    Look look_;
+    Visuals visuals_;
     Appearance::Listening onAppearance_;
     Keyboard keyboard_;
 };

@@ -12,8 +12,8 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 warnings.simplefilter("ignore", DeprecationWarning)
 
-PATIENCE = 120  # seconds; for a busy machine
-Atspi.set_timeout(PATIENCE * 1000, 0)  # its own would take a program for gone that is only slow
+TIMEOUT = 120  # seconds; for a busy machine
+Atspi.set_timeout(TIMEOUT * 1000, 0)  # its own would take a program for gone that is only slow
 
 CHECK_BOX = Atspi.Role.CHECK_BOX
 RADIO_BUTTON = Atspi.Role.RADIO_BUTTON
@@ -35,7 +35,7 @@ class Gone(Exception):
 
 def wait_for(what, condition):
     """The first true value of the condition. When it never comes, `what` is told: a text, or what gives one then."""
-    deadline = time.monotonic() + PATIENCE
+    deadline = time.monotonic() + TIMEOUT
     while True:
         try:
             value = condition()

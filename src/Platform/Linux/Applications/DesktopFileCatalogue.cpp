@@ -34,12 +34,12 @@ QStringList DesktopFileCatalogue::standardFolders() {
     return QStandardPaths::standardLocations(QStandardPaths::ApplicationsLocation);
 }
 
-bool DesktopFileCatalogue::read(std::chrono::milliseconds patience) {
-    const QDeadlineTimer deadline(patience);
-    if (!errand_.isOut() && change_ != Change::none)
+bool DesktopFileCatalogue::read(std::chrono::milliseconds timeout) {
+    const QDeadlineTimer deadline(timeout);
+    if (!task_.isPending() && change_ != Change::none)
         look();
-    while (errand_.isOut() && !deadline.hasExpired())
-        errand_.await(std::chrono::milliseconds(deadline.remainingTime()));
+    while (task_.isPending() && !deadline.hasExpired())
+        task_.await(std::chrono::milliseconds(deadline.remainingTime()));
     return std::exchange(isNew_, false);
 }
 
@@ -55,7 +55,7 @@ DesktopFileCatalogue::Places DesktopFileCatalogue::findPlaces(const QStringList 
 
 void DesktopFileCatalogue::look() {
     const Change change = std::exchange(change_, Change::none);
-    errand_ = Errand::begin(loop_, [this, change, folders = folders_]() -> Errand::Action {
+    task_ = BackgroundTask::start(loop_, [this, change, folders = folders_]() -> BackgroundTask::Action {
         return [this, change, found = findPlaces(folders)] { watch(found, change); };
     });
 }
@@ -75,7 +75,7 @@ void DesktopFileCatalogue::watch(const Places &found, Change change) {
 }
 
 void DesktopFileCatalogue::readFiles() {
-    errand_ = Errand::begin(loop_, [this, folders = folders_]() -> Errand::Action {
+    task_ = BackgroundTask::start(loop_, [this, folders = folders_]() -> BackgroundTask::Action {
         DesktopFileIndex index;
         for (const ListedDesktopFile &file : listDesktopFiles(folders, [](const QString &) {}))
             index.add(file.identifier, parseDesktopFile(readDesktopFile(file.path)));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Errand.h"
+#include "Platform/BackgroundTask.h"
 #include "Platform/Linux/Applications/DesktopFiles.h"
 
 #include <QFileSystemWatcher>
@@ -20,7 +20,7 @@ public:
     static QStringList standardFolders();
 
     /// Begins to read what is outdated and waits for it, at most so long. True when `index` is a new one.
-    bool read(std::chrono::milliseconds patience);
+    bool read(std::chrono::milliseconds timeout);
 
     const DesktopFileIndex &index() const { return index_; }
 
@@ -44,7 +44,7 @@ private:
     DesktopFileIndex index_;
     bool isNew_ = false;
     Change change_ = Change::within; ///< Since the last look.
-    Errand errand_;
+    BackgroundTask task_;
     QFileSystemWatcher watcher_;
 };
 

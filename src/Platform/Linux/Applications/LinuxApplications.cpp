@@ -13,7 +13,7 @@ namespace pavonel {
 namespace {
 
 /// What one question may take: nobody notices a stall that short.
-constexpr std::chrono::milliseconds patience{8};
+constexpr std::chrono::milliseconds timeBudget{8};
 
 } // namespace
 
@@ -35,7 +35,7 @@ QString LinuxApplications::limitation() const {
 }
 
 void LinuxApplications::refreshIndex() {
-    if (!catalogue_.read(patience))
+    if (!catalogue_.read(timeBudget))
         return;
     processes_.reconsider();
     knownWindow_ = {};
@@ -54,7 +54,7 @@ void LinuxApplications::refreshProcesses(QDeadlineTimer deadline) {
 
 std::vector<Application> LinuxApplications::running() {
     refreshIndex();
-    const QDeadlineTimer deadline(patience, Qt::PreciseTimer);
+    const QDeadlineTimer deadline(timeBudget, Qt::PreciseTimer);
     refreshProcesses(deadline);
     auto applications = processes_.applications();
     const auto isServer = [](const Application &application) {

@@ -24,9 +24,9 @@ namespace pavonel {
 namespace {
 
 /// For what a window is about to show; disks that answer take much less.
-constexpr std::chrono::milliseconds patience{2000};
+constexpr std::chrono::milliseconds timeout{2000};
 
-using Surroundings = LinuxInstalledApplications::Surroundings;
+using Environment = LinuxInstalledApplications::Environment;
 
 bool intersects(const QStringList &one, const QStringList &other) {
     return std::ranges::any_of(one, [&](const QString &text) { return other.contains(text); });
@@ -90,16 +90,16 @@ QStringList withoutDuplicates(QStringList texts) {
 }
 
 /// Also makes it see what came or went since the last time.
-void setUpIconSearch(const Surroundings &surroundings) {
-    QIcon::setThemeSearchPaths(withoutDuplicates(surroundings.iconThemes + QIcon::themeSearchPaths()));
-    QIcon::setFallbackSearchPaths(withoutDuplicates(surroundings.icons + QIcon::fallbackSearchPaths()));
+void setUpIconSearch(const Environment &environment) {
+    QIcon::setThemeSearchPaths(withoutDuplicates(environment.iconThemes + QIcon::themeSearchPaths()));
+    QIcon::setFallbackSearchPaths(withoutDuplicates(environment.icons + QIcon::fallbackSearchPaths()));
     if (QIcon::themeName().isEmpty())
         QIcon::setThemeName(QStringLiteral("hicolor"));
 }
 
 } // namespace
 
-Surroundings Surroundings::ofThisDesktop() {
+Environment Environment::ofThisDesktop() {
     const auto folders = [](const char *name) {
         return QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, QLatin1String(name),
                                          QStandardPaths::LocateDirectory);
@@ -110,18 +110,18 @@ Surroundings Surroundings::ofThisDesktop() {
             languages.value(0).replace(u'-', u'_')};
 }
 
-LinuxInstalledApplications::Found LinuxInstalledApplications::find(const Surroundings &surroundings) {
+LinuxInstalledApplications::Found LinuxInstalledApplications::find(const Environment &environment) {
     Found found;
     QSet<QString> seen;
-    for (const ListedDesktopFile &file : listDesktopFiles(surroundings.desktopFiles, [](const auto &) {})) {
+    for (const ListedDesktopFile &file : listDesktopFiles(environment.desktopFiles, [](const auto &) {})) {
         if (seen.contains(file.identifier))
             continue;
         seen.insert(file.identifier);
         const auto entry = DesktopEntry::parse(readDesktopFile(file.path));
-        if (!entry || !isForTheMenu(*entry, surroundings.desktops))
+        if (!entry || !isForTheMenu(*entry, environment.desktops))
             continue;
         const QString identifier = identifierAtRunTime(file.identifier, *entry);
-        const QString name = nameFor(*entry, surroundings.locale);
+        const QString name = nameFor(*entry, environment.locale);
         if (name.isEmpty() || found.icons.contains(identifier))
             continue;
         found.applications.push_back({identifier, name});
@@ -138,27 +138,27 @@ LinuxInstalledApplications::Found LinuxInstalledApplications::find(const Surroun
 /// Empty while an earlier search waits for its disk.
 std::vector<InstalledApplication> LinuxInstalledApplications::all() {
     found_ = {};
-    if (search_.isOut())
+    if (search_.isPending())
         return {};
-    search_ = Errand::begin(loop_, [this, surroundings = surroundings_]() -> Errand::Action {
-        return [this, found = find(surroundings)] { found_ = found; };
+    search_ = BackgroundTask::start(loop_, [this, environment = environment_]() -> BackgroundTask::Action {
+        return [this, found = find(environment)] { found_ = found; };
     });
-    search_.await(patience);
-    if (!search_.isOut())
-        setUpIconSearch(surroundings_);
+    search_.await(timeout);
+    if (!search_.isPending())
+        setUpIconSearch(environment_);
     return found_.applications;
 }
 
 QImage LinuxInstalledApplications::imageIn(const QString &path, int side) {
-    if (reading_.isOut())
+    if (reading_.isPending())
         return {}; // the disk of an earlier one does not answer
     const auto read = std::make_shared<QImage>();
-    reading_ = Errand::begin(loop_, [read, path, side]() -> Errand::Action {
+    reading_ = BackgroundTask::start(loop_, [read, path, side]() -> BackgroundTask::Action {
         constexpr qint64 largest = 1 << 24; // bytes
         const auto file = readForeignFile(path, largest);
         return [read, icon = file ? decoded(*file, side) : QImage()] { *read = icon; };
     });
-    reading_.await(patience);
+    reading_.await(timeout);
     return *read;
 }
 

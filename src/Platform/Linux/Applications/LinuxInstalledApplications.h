@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Errand.h"
+#include "Platform/BackgroundTask.h"
 #include "Platform/InstalledApplications.h"
 
 #include <QHash>
@@ -16,18 +16,18 @@ namespace pavonel {
 class LinuxInstalledApplications final : public InstalledApplications {
 public:
     /// Where to look and for whom; a test gives folders of its own.
-    struct Surroundings {
+    struct Environment {
         QStringList desktopFiles;
         QStringList iconThemes; ///< Folders of icon themes.
         QStringList icons;      ///< Folders of icons that belong to no theme.
         QStringList desktops;   ///< What this desktop is called in OnlyShowIn and NotShowIn.
         QString locale;         ///< As "de_DE".
 
-        static Surroundings ofThisDesktop();
+        static Environment ofThisDesktop();
     };
 
-    LinuxInstalledApplications(Surroundings surroundings, MainLoop &loop)
-        : surroundings_(std::move(surroundings)), loop_(loop) {}
+    LinuxInstalledApplications(Environment environment, MainLoop &loop)
+        : environment_(std::move(environment)), loop_(loop) {}
 
     std::vector<InstalledApplication> all() override;
     QImage icon(const QString &bundleIdentifier, int side) override;
@@ -38,14 +38,14 @@ private:
         std::vector<InstalledApplication> applications;
         QHash<QString, QString> icons; ///< From the identifier to what its desktop file says of the icon.
     };
-    static Found find(const Surroundings &surroundings);
+    static Found find(const Environment &environment);
     QImage imageIn(const QString &path, int side);
 
-    Surroundings surroundings_;
+    Environment environment_;
     MainLoop &loop_;
     Found found_;
-    Errand search_;
-    Errand reading_;
+    BackgroundTask search_;
+    BackgroundTask reading_;
 };
 
 } // namespace pavonel

@@ -16,7 +16,8 @@ namespace {
 
 /// In refreshes, one a second: slow starters are what they will be by then.
 constexpr unsigned grownUp = 8;
-constexpr int looksBetweenWalks = 600; // some systems show a container another row of numbers than its own
+constexpr int refreshesBetweenWalks =
+    600;                               // some systems show a container another row of numbers than its own
 constexpr ProcessId longestLeap = 512; // trying more numbers costs more than reading the folder
 
 /// A number is given a moment before its process shows.
@@ -42,7 +43,7 @@ ProcessTable::~ProcessTable() {
 void ProcessTable::refresh(QDeadlineTimer deadline) {
     if (root_ < 0)
         return;
-    lookAgainAtYoung();
+    recheckRecent();
     dropEnded();
     const ProcessId last = lastBorn();
     if (mustWalk(last))
@@ -101,8 +102,8 @@ void ProcessTable::dropEnded() {
 
 /// Between its birth and the start of its program a process looks like its parent, and launchers turn into
 /// what they launch. So it is looked at again after one, two, four and eight refreshes.
-void ProcessTable::lookAgainAtYoung() {
-    for (auto &[id, young] : young_) {
+void ProcessTable::recheckRecent() {
+    for (auto &[id, young] : recent_) {
         if (!std::has_single_bit(++young.age))
             continue;
         const ProcessFolder process = folder(id);
@@ -115,7 +116,7 @@ void ProcessTable::lookAgainAtYoung() {
             place(process, *executable);
         }
     }
-    std::erase_if(young_, [](const auto &entry) { return entry.second.age >= grownUp; });
+    std::erase_if(recent_, [](const auto &entry) { return entry.second.age >= grownUp; });
 }
 
 /// The number that the kernel gave last, to a process or a thread; 0 when it does not tell.
@@ -132,14 +133,14 @@ ProcessId ProcessTable::lastBorn() const {
 
 bool ProcessTable::mustWalk(ProcessId last) const {
     const bool inRow = last > 0 && last >= newest_ && last - met_ <= longestLeap;
-    return !inRow || isOutdated_ || looksSinceWalk_ >= looksBetweenWalks;
+    return !inRow || isOutdated_ || refreshesSinceWalk_ >= refreshesBetweenWalks;
 }
 
 void ProcessTable::walk(ProcessId last) {
     merge(list());
     newest_ = last;
     met_ = std::max(last - perhapsNotShown, 0);
-    looksSinceWalk_ = 0;
+    refreshesSinceWalk_ = 0;
     isOutdated_ = false;
     hasPending_ = true;
     ++walks_;
@@ -181,9 +182,9 @@ void ProcessTable::merge(std::vector<Known> listed) {
 }
 
 void ProcessTable::meetNewborn(ProcessId last) {
-    ++looksSinceWalk_;
+    ++refreshesSinceWalk_;
     for (ProcessId id = met_ + 1; id <= last; ++id) {
-        if (!young_.contains(id))
+        if (!recent_.contains(id))
             meet(id);
     }
     met_ = std::exchange(newest_, last);
@@ -195,7 +196,7 @@ void ProcessTable::meet(ProcessId id) {
     if (!executable)
         return;
     if (!isUrgent_(*executable))
-        young_.insert_or_assign(id, Young{});
+        recent_.insert_or_assign(id, RecentProcess{});
     else if (!process.isThread())
         take(id);
 }
@@ -219,7 +220,7 @@ void ProcessTable::take(ProcessId id) {
     if (!executable)
         return;
     if (id > newest_ - longestLeap)
-        young_.insert_or_assign(id, Young{*executable});
+        recent_.insert_or_assign(id, RecentProcess{*executable});
     place(process, *executable);
 }
 

@@ -64,13 +64,13 @@ private:
         QByteArray executable;
     };
     /// Seen a moment ago, and so perhaps not yet the program that it is going to be.
-    struct Young {
+    struct RecentProcess {
         std::optional<QByteArray> executable; ///< Absent while it is not identified.
         unsigned age = 0;                     ///< In refreshes.
     };
 
     void dropEnded();
-    void lookAgainAtYoung();
+    void recheckRecent();
     ProcessId lastBorn() const;
     bool mustWalk(ProcessId last) const;
     void walk(ProcessId last);
@@ -88,11 +88,11 @@ private:
     IsUrgent isUrgent_;
     ProcessId newest_ = 0; ///< The last number given, when we looked.
     ProcessId met_ = 0;    ///< Numbers up to this one will not be tried any more.
-    int looksSinceWalk_ = 0;
+    int refreshesSinceWalk_ = 0;
     bool isOutdated_ = true;
     bool hasPending_ = false;
     std::vector<Known> known_; ///< What the last walk found, in the order of the numbers.
-    std::map<ProcessId, Young> young_;
+    std::map<ProcessId, RecentProcess> recent_;
     std::map<QString, std::vector<Member>> members_;
     std::size_t opened_ = 0;
     std::size_t walks_ = 0;

@@ -12,7 +12,7 @@ WindowSource *WindowSources::telling() const {
     return found == sources_.end() ? nullptr : found->get();
 }
 
-std::vector<OnScreenWindow> ToldWindowList::onScreenWindows() {
+std::vector<OnScreenWindow> ReportedWindowList::onScreenWindows() {
     WindowSource *source = sources_->telling();
     std::vector<OnScreenWindow> windows;
     if (!source)
@@ -27,17 +27,17 @@ std::vector<OnScreenWindow> ToldWindowList::onScreenWindows() {
     return windows;
 }
 
-QString ToldWindowList::limitation() const {
+QString ReportedWindowList::limitation() const {
     return sources_->telling() ? QString()
                                : QStringLiteral("This desktop does not tell about fullscreen windows.");
 }
 
-std::optional<FrontWindow> ToldFrontWindow::frontWindow() {
+std::optional<FrontWindow> ReportedFrontWindow::frontWindow() {
     WindowSource *source = sources_->telling();
     return source ? source->front() : std::nullopt;
 }
 
-QString ToldFrontWindow::limitation() const {
+QString ReportedFrontWindow::limitation() const {
     return sources_->telling() ? QString()
                                : QStringLiteral("This desktop does not tell which program is in front.");
 }

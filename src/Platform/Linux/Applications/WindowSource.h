@@ -50,9 +50,9 @@ private:
 };
 
 /// Windows that are fullscreen, each as large as its screen, whatever the desktop's own points are.
-class ToldWindowList final : public WindowList {
+class ReportedWindowList final : public WindowList {
 public:
-    explicit ToldWindowList(std::shared_ptr<WindowSources> sources) : sources_(std::move(sources)) {}
+    explicit ReportedWindowList(std::shared_ptr<WindowSources> sources) : sources_(std::move(sources)) {}
     std::vector<OnScreenWindow> onScreenWindows() override;
     QString limitation() const override;
 
@@ -60,9 +60,9 @@ private:
     std::shared_ptr<WindowSources> sources_;
 };
 
-class ToldFrontWindow final : public FrontWindowSource {
+class ReportedFrontWindow final : public FrontWindowSource {
 public:
-    explicit ToldFrontWindow(std::shared_ptr<WindowSources> sources) : sources_(std::move(sources)) {}
+    explicit ReportedFrontWindow(std::shared_ptr<WindowSources> sources) : sources_(std::move(sources)) {}
     std::optional<FrontWindow> frontWindow() override;
     QString limitation() const override;
 

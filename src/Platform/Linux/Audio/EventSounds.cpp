@@ -10,7 +10,7 @@ namespace pavonel {
 namespace {
 
 /// For the names, before the settings show; disks that answer take much less.
-constexpr std::chrono::milliseconds patience{1000};
+constexpr std::chrono::milliseconds timeout{1000};
 
 using SoundFiles = QMap<QString, QString>; // from the sound's name to its path, in the order of names
 
@@ -53,9 +53,9 @@ QString player(const ProgramFiles &files) {
 void EventSounds::play(const QString &name) {
     if (const QString own = ownSounds(files_).value(name); !own.isEmpty())
         return start(own);
-    if (search_.isOut())
+    if (search_.isPending())
         return;
-    search_ = Errand::begin(loop_, [this, name]() -> Errand::Action {
+    search_ = BackgroundTask::start(loop_, [this, name]() -> BackgroundTask::Action {
         return [this, file = themeSounds().value(name)] { start(file); };
     });
 }
@@ -65,18 +65,19 @@ void EventSounds::start(const QString &file) {
     const QString program = player(files_);
     if (file.isEmpty() || program.isEmpty())
         return;
-    start_ = Errand::begin(loop_, [files = files_, program, file]() -> Errand::Action {
+    start_ = BackgroundTask::start(loop_, [files = files_, program, file]() -> BackgroundTask::Action {
         DetachedLauncher(files).launch(program, {file});
         return {};
     });
 }
 
 void EventSounds::searchThemes() {
-    if (search_.isOut())
+    if (search_.isPending())
         return;
-    search_ = Errand::begin(
-        loop_, [this]() -> Errand::Action { return [this, found = themeSounds()] { themes_ = found; }; });
-    search_.await(patience);
+    search_ = BackgroundTask::start(loop_, [this]() -> BackgroundTask::Action {
+        return [this, found = themeSounds()] { themes_ = found; };
+    });
+    search_.await(timeout);
 }
 
 QStringList EventSounds::names() {

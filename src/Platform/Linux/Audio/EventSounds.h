@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Errand.h"
+#include "Platform/BackgroundTask.h"
 #include "Platform/Qt/ProgramFiles.h"
 #include "Platform/Sounds.h"
 
@@ -27,8 +27,8 @@ private:
     ProgramFiles files_;
     MainLoop &loop_;
     QMap<QString, QString> themes_; ///< From the names to the paths, as far as they are known.
-    Errand search_;
-    Errand start_;
+    BackgroundTask search_;
+    BackgroundTask start_;
 };
 
 } // namespace pavonel

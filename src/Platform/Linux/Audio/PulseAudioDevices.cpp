@@ -85,7 +85,7 @@ void PulseAudioDevices::drop() {
     for (Device *device : {&input_, &output_}) {
         device->running = false;
         device->stale = true;
-        device->looking = false;
+        device->isQueried = false;
     }
     pa_context *const context = std::exchange(context_, nullptr);
     if (!context)
@@ -136,11 +136,11 @@ void PulseAudioDevices::changed(Device &device) {
 }
 
 void PulseAudioDevices::look(Device &device) {
-    if (!device.asked || device.looking || !isReady())
+    if (!device.asked || device.isQueried || !isReady())
         return;
     device.asked = false;
     device.stale = false;
-    device.looking = true;
+    device.isQueried = true;
     device.active.reset();
     device.inUse.clear();
     if (&device == &input_)
@@ -169,7 +169,7 @@ void PulseAudioDevices::send(Device &device, pa_operation *operation) {
     if (operation)
         pulse_->pa_operation_unref(operation);
     else
-        device.looking = false;
+        device.isQueried = false;
 }
 
 template <class Info> void PulseAudioDevices::onDevice(pa_context *, const Info *info, int, void *data) {
@@ -187,7 +187,7 @@ template <class Info> void PulseAudioDevices::onDevice(pa_context *, const Info 
 template <class Info> void PulseAudioDevices::onStream(pa_context *, const Info *info, int end, void *data) {
     auto &device = *static_cast<Device *>(data);
     if (end || !info) {
-        device.owner.concludeLook(device);
+        device.owner.finishQuery(device);
         return;
     }
     if (info->corked)
@@ -214,8 +214,8 @@ bool PulseAudioDevices::isOurs(const pa_sink_input_info &stream) const {
     return id && std::strcmp(id, "org.pavonel.Pavonel") == 0;
 }
 
-void PulseAudioDevices::concludeLook(Device &device) {
-    device.looking = false;
+void PulseAudioDevices::finishQuery(Device &device) {
+    device.isQueried = false;
     device.running = device.active && device.inUse.contains(*device.active);
     if (device.stale)
         look(device);

@@ -32,7 +32,7 @@ private:
         bool wanted = false; ///< Asked at least once, hence subscribed.
         bool asked = false;  ///< Asked since the last look.
         bool stale = true;   ///< Changed since the last look.
-        bool looking = false;
+        bool isQueried = false;
         std::optional<std::uint32_t> active{}; ///< This look: the default device, when it is running.
         std::set<std::uint32_t> inUse{};       ///< This look: devices with a stream that counts.
     };
@@ -41,7 +41,7 @@ private:
     void look(Device &device);
     void requestInput();
     void requestOutput();
-    void concludeLook(Device &device);
+    void finishQuery(Device &device);
     void connectIfDue();
     void stateChanged();
     void subscribe();

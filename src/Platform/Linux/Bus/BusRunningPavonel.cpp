@@ -16,7 +16,7 @@ using Facts = Status::Facts;
 
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
-constexpr int patience = 5000; // milliseconds, for its answer
+constexpr int timeout = 5000; // milliseconds, for its answer
 
 /// 0 stands for none.
 std::optional<qint64> moment(const QVariant &seconds) {
@@ -72,7 +72,7 @@ RunningPavonel::Answer BusRunningPavonel::status() {
                                                            propertiesInterface, QStringLiteral("GetAll"));
     question << StatusInterface::name;
     question.setAutoStartService(false);
-    const QDBusMessage reply = bus_.call(question, QDBus::Block, patience);
+    const QDBusMessage reply = bus_.call(question, QDBus::Block, timeout);
     if (reply.type() == QDBusMessage::ReplyMessage)
         return statusOf(qdbus_cast<QVariantMap>(reply.arguments().value(0)));
     const bool isGone = !bus_.isConnected() || !bus_.interface()->isServiceRegistered(ourName::service);

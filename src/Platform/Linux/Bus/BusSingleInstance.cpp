@@ -17,7 +17,7 @@ namespace {
 
 using namespace ourName;
 
-constexpr int patience = 5000; // milliseconds, for the other one's answer
+constexpr int timeout = 5000; // milliseconds, for the other one's answer
 
 /// For one that is on its way out, whose name and lock go one after the other, and for one that only borrows
 /// the store: a disk takes its time.
@@ -124,7 +124,7 @@ BusSingleInstance::Answer BusSingleInstance::activateOther() {
         QDBusMessage::createMethodCall(service, path, ApplicationInterface::name, QStringLiteral("Activate"));
     activate << platformData();
     activate.setAutoStartService(false);
-    const QDBusMessage reply = bus_.call(activate, QDBus::Block, patience);
+    const QDBusMessage reply = bus_.call(activate, QDBus::Block, timeout);
     if (reply.type() == QDBusMessage::ReplyMessage)
         return Answer::given;
     return bus_.interface()->isServiceRegistered(service) ? Answer::none : Answer::gone;

@@ -24,7 +24,7 @@ const auto screenSaverPath = u"/org/gnome/ScreenSaver"_s;
 constexpr auto moment = 3s;
 
 /// Quitting waits so long for what is on its way.
-constexpr auto patience = 2s;
+constexpr auto timeout = 2s;
 
 } // namespace
 
@@ -62,12 +62,12 @@ void GnomeKeyBindings::settle() {
 }
 
 void GnomeKeyBindings::keep() {
-    again_ = errand_.isOut();
+    again_ = task_.isPending();
     if (again_)
         return;
     auto wanted = wanted_();
     hasAny_ = !wanted.empty();
-    errand_ = Errand::begin(loop_, [this, wanted = std::move(wanted)]() -> Errand::Action {
+    task_ = BackgroundTask::start(loop_, [this, wanted = std::move(wanted)]() -> BackgroundTask::Action {
         return [this, kept = keepCustomKeyBindings(wanted)] { take(kept); };
     });
 }
@@ -83,7 +83,7 @@ void GnomeKeyBindings::take(const CustomKeyBindings &kept) {
 void GnomeKeyBindings::giveBack() {
     settle_.stop();
     again_ = false;
-    errand_.await(patience);
+    task_.await(timeout);
     if (hasAny_)
         keepCustomKeyBindings({});
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Errand.h"
+#include "Platform/BackgroundTask.h"
 #include "Platform/Linux/Gnome/customKeyBindings.h"
 
 #include <QDBusConnection>
@@ -47,8 +47,8 @@ private:
     MainLoop &loop_;
     Wanted wanted_;
     QTimer settle_;
-    Errand errand_;
-    bool again_ = false;                      ///< Something changed while the errand was out.
+    BackgroundTask task_;
+    bool again_ = false;                      ///< Something changed while the task ran.
     bool hasAny_ = true;                      ///< Or may have: an earlier run can have left some.
     CustomKeyBindings kept_{true, false, {}}; ///< Nothing is amiss until it is known.
 };

@@ -55,13 +55,14 @@ QString IconFiles::nameFor(const QString &symbol, const std::vector<QImage> &tin
 }
 
 void IconFiles::write() {
-    if (written_.contains(wanted_.name) || writing_.isOut())
+    if (written_.contains(wanted_.name) || writing_.isPending())
         return;
-    writing_ = Errand::begin(loop_, [this, folder = folder_, icon = wanted_]() -> Errand::Action {
-        if (!isInPlace(folder, icon.name, icon.file))
-            return {}; // tried again with the next icon
-        return [this, name = icon.name] { conclude(name); };
-    });
+    writing_ =
+        BackgroundTask::start(loop_, [this, folder = folder_, icon = wanted_]() -> BackgroundTask::Action {
+            if (!isInPlace(folder, icon.name, icon.file))
+                return {}; // tried again with the next icon
+            return [this, name = icon.name] { conclude(name); };
+        });
 }
 
 void IconFiles::conclude(const QString &name) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Errand.h"
+#include "Platform/BackgroundTask.h"
 
 #include <QImage>
 #include <QSet>
@@ -35,7 +35,7 @@ private:
     std::function<void(const QString &)> isWritten_;
     Icon wanted_;
     QSet<QString> written_;
-    Errand writing_;
+    BackgroundTask writing_;
 };
 
 /// The image with every pixel in `colour`, at the opacity it had.

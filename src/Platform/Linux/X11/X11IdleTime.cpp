@@ -17,9 +17,10 @@ namespace pavonel {
 namespace {
 
 /// Asks the server each time, and waits for the answer.
-class AskedIdleTime final : public IdleTime {
+class QueriedIdleTime final : public IdleTime {
 public:
-    explicit AskedIdleTime(std::shared_ptr<X11Connection> connection) : connection_(std::move(connection)) {}
+    explicit QueriedIdleTime(std::shared_ptr<X11Connection> connection)
+        : connection_(std::move(connection)) {}
 
     Seconds idleSeconds() override {
         const auto cookie = xcb_screensaver_query_info(connection_->xcb(), connection_->root());
@@ -72,9 +73,9 @@ xcb_sync_counter_t idleCounter(xcb_connection_t *xcb) {
 }
 
 /// Is told by the server when a spell has lasted, and when it ends.
-class ToldIdleTime final : public IdleTime {
+class ReportedIdleTime final : public IdleTime {
 public:
-    ToldIdleTime(std::shared_ptr<X11Connection> connection, xcb_sync_counter_t counter)
+    ReportedIdleTime(std::shared_ptr<X11Connection> connection, xcb_sync_counter_t counter)
         : connection_(std::move(connection)) {
         const auto *extension = xcb_get_extension_data(connection_->xcb(), &xcb_sync_id);
         const auto alarmNotify = static_cast<std::uint8_t>(extension->first_event + XCB_SYNC_ALARM_NOTIFY);
@@ -90,7 +91,7 @@ public:
             lastInput_ = Clock::now() - fromSync(now->counter_value);
     }
 
-    ~ToldIdleTime() override {
+    ~ReportedIdleTime() override {
         xcb_sync_destroy_alarm(connection_->xcb(), began_);
         xcb_sync_destroy_alarm(connection_->xcb(), ended_);
         connection_->flush();
@@ -137,15 +138,15 @@ private:
 
 std::unique_ptr<IdleTime> x11::makeIdleTime(std::shared_ptr<X11Connection> connection) {
     if (const auto counter = idleCounter(connection->xcb()))
-        return std::make_unique<ToldIdleTime>(std::move(connection), counter);
-    return makeAskedIdleTime(std::move(connection));
+        return std::make_unique<ReportedIdleTime>(std::move(connection), counter);
+    return makeQueriedIdleTime(std::move(connection));
 }
 
-std::unique_ptr<IdleTime> x11::makeAskedIdleTime(std::shared_ptr<X11Connection> connection) {
+std::unique_ptr<IdleTime> x11::makeQueriedIdleTime(std::shared_ptr<X11Connection> connection) {
     const auto *extension = xcb_get_extension_data(connection->xcb(), &xcb_screensaver_id);
     if (!extension || !extension->present)
         return nullptr;
-    return std::make_unique<AskedIdleTime>(std::move(connection));
+    return std::make_unique<QueriedIdleTime>(std::move(connection));
 }
 
 } // namespace pavonel

@@ -16,7 +16,7 @@ namespace x11 {
 std::unique_ptr<IdleTime> makeIdleTime(std::shared_ptr<X11Connection> connection);
 
 /// The same from an old server (screen saver extension).
-std::unique_ptr<IdleTime> makeAskedIdleTime(std::shared_ptr<X11Connection> connection);
+std::unique_ptr<IdleTime> makeQueriedIdleTime(std::shared_ptr<X11Connection> connection);
 
 } // namespace x11
 

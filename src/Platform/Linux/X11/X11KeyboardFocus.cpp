@@ -7,7 +7,7 @@ namespace pavonel {
 namespace {
 
 /// Some managers focus a new window more than once, and some programs do it besides.
-constexpr int patience = 3;
+constexpr int mostAttempts = 3;
 
 /// After which a loss inside a Wayland session counts as that to another window.
 constexpr int renewal = 2000; // milliseconds
@@ -29,7 +29,7 @@ void X11KeyboardFocus::take(xcb_window_t window) {
     if (ours_ == XCB_WINDOW_NONE || focus != ours_)
         previous_ = focus;
     ours_ = window;
-    takesBack_ = patience; // with an activation that was under way when we took it
+    takesBack_ = mostAttempts; // with an activation that was under way when we took it
     watch_ = connection_->watch(window, XCB_EVENT_MASK_FOCUS_CHANGE);
     listening_ = connection_->listen([this](const xcb_generic_event_t &event) { notice(event); });
     setFocus(window); // refused while it is not on screen yet: `noticeMapped` repeats it
@@ -57,7 +57,7 @@ void X11KeyboardFocus::yield() {
 
 void X11KeyboardFocus::noticeMapped(xcb_window_t window, Owner owner) {
     if (owner == Owner::others)
-        takesBack_ = patience;
+        takesBack_ = mostAttempts;
     else if (window == ours_)
         setFocus(ours_);
 }
@@ -75,7 +75,7 @@ void X11KeyboardFocus::notice(const xcb_generic_event_t &event) {
 void X11KeyboardFocus::takeBack() {
     const bool isInsideWayland = connection_->isInsideWayland();
     if (isInsideWayland && sinceTakenBack_.isValid() && sinceTakenBack_.hasExpired(renewal))
-        takesBack_ = patience;
+        takesBack_ = mostAttempts;
     if (takesBack_ == 0)
         return;
     --takesBack_;

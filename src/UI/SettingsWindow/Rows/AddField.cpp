@@ -14,12 +14,12 @@ namespace {
 
 class AddFieldWidget final : public CardRow {
 public:
-    AddFieldWidget(Look &look, const AddField &row)
-        : CardRow(look), add_(row.add), field_(lineEdit(row.prompt, row.prompt)),
+    AddFieldWidget(Visuals &visuals, const AddField &row)
+        : CardRow(visuals), add_(row.add), field_(lineEdit(row.prompt, row.prompt)),
           button_(Button::ofSymbol(QStringLiteral("plus"), row.button)) {
-        layout()->setContentsMargins(margin - FocusRing::room, 3, margin - Button::besideSymbol(look), 3);
+        layout()->setContentsMargins(margin - FocusRing::room, 3, margin - Button::besideSymbol(visuals), 3);
         if (row.before)
-            CardRow::add(row.before(look));
+            CardRow::add(row.before(visuals));
         CardRow::add(field_);
         CardRow::add(button_);
         connect(field_, &QLineEdit::textChanged, this, [this] { button_->setEnabled(!entry().isEmpty()); });
@@ -47,8 +47,8 @@ private:
 
 } // namespace
 
-QWidget *AddField::make(Look &look) const {
-    return new AddFieldWidget(look, *this);
+QWidget *AddField::make(Visuals &visuals) const {
+    return new AddFieldWidget(visuals, *this);
 }
 
 } // namespace pavonel

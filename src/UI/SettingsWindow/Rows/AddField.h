@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QString>
 
@@ -16,9 +16,9 @@ struct AddField {
     QString prompt;
     QString button; ///< What a screen reader calls the button.
     std::function<void(const QString &)> add;
-    std::function<QWidget *(Look &)> before = {}; ///< What stands before the field, where something does.
+    std::function<QWidget *(Visuals &)> before = {}; ///< What stands before the field, where something does.
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 } // namespace pavonel

@@ -19,7 +19,7 @@ constexpr int air = 4;    // below the last row
 
 class CardWidget final : public QWidget, public AccessibleControl {
 public:
-    explicit CardWidget(Look &look) : look_(look) {}
+    explicit CardWidget(Visuals &visuals) : visuals_(visuals) {}
 
     QAccessibleInterface *makeAccessible() override {
         return new QAccessibleWidget(this, QAccessible::Grouping);
@@ -28,7 +28,7 @@ public:
 protected:
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
-        const Palette &palette = look_.palette();
+        const Palette &palette = visuals_.palette();
         const QRectF body = QRectF(rect()).adjusted(FocusRing::room, 0, -FocusRing::room, -shadow);
         const bool dark = palette.text.lightnessF() > 0.5F;
         if (!dark)
@@ -37,33 +37,33 @@ protected:
     }
 
 private:
-    Look &look_;
+    Visuals &visuals_;
 };
 
-QWidget *heading(Look &look, const Card &card) {
+QWidget *heading(Visuals &visuals, const Card &card) {
     auto *head = new QWidget;
     auto *lines = new QVBoxLayout(head);
     lines->setContentsMargins(CardRow::margin, 13, CardRow::margin, 9);
     lines->setSpacing(2);
-    lines->addWidget(new Text(look, card.title, Text::Style::cardTitle));
+    lines->addWidget(new Text(visuals, card.title, Text::Style::cardTitle));
     if (!card.subtitle.isEmpty())
-        lines->addWidget(new Text(look, card.subtitle, Text::Style::cardSubtitle));
+        lines->addWidget(new Text(visuals, card.subtitle, Text::Style::cardSubtitle));
     return head;
 }
 
 } // namespace
 
-QWidget *Card::make(Look &look) const {
-    auto *card = new CardWidget(look);
+QWidget *Card::make(Visuals &visuals) const {
+    auto *card = new CardWidget(visuals);
     card->setAccessibleName(title);
     card->setAccessibleDescription(subtitle);
     auto *lines = new QVBoxLayout(card);
     lines->setContentsMargins(FocusRing::room, 0, FocusRing::room, air + shadow);
     lines->setSpacing(0);
     if (!title.isEmpty())
-        lines->addWidget(heading(look, *this));
+        lines->addWidget(heading(visuals, *this));
     for (const Element &element : content)
-        lines->addWidget(element.make(look));
+        lines->addWidget(element.make(visuals));
     return card;
 }
 

@@ -12,7 +12,7 @@ struct Card {
     QString subtitle;
     Elements content;
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 } // namespace pavonel

@@ -16,8 +16,8 @@ namespace {
 
 class DynamicSectionWidget final : public QWidget {
 public:
-    DynamicSectionWidget(Look &look, const DynamicSection &part)
-        : look_(look), part_(part), refresher_(part.loop, part.watched, [this] { refresh(); }) {
+    DynamicSectionWidget(Visuals &visuals, const DynamicSection &part)
+        : visuals_(visuals), part_(part), refresher_(part.loop, part.watched, [this] { refresh(); }) {
         auto *lines = new QVBoxLayout(this);
         lines->setContentsMargins({});
         lines->setSpacing(part.spacing);
@@ -37,7 +37,7 @@ protected:
         QPainter painter(this);
         constexpr double inset = FocusRing::room;
         FocusRing::draw(painter, *this, QRectF(rect()).adjusted(inset, inset, -inset, -inset), 8,
-                        look_.palette().accentText);
+                        visuals_.palette().accentText);
     }
 
 private:
@@ -81,7 +81,7 @@ private:
             delete item;
         }
         for (const Element &element : part_.content()) {
-            QWidget *widget = element.make(look_);
+            QWidget *widget = element.make(visuals_);
             const bool wantsToHide =
                 widget->isHidden() && widget->testAttribute(Qt::WA_WState_ExplicitShowHide);
             layout()->addWidget(widget);
@@ -105,15 +105,15 @@ private:
         }
     }
 
-    Look &look_;
+    Visuals &visuals_;
     DynamicSection part_;
     Refresher refresher_;
 };
 
 } // namespace
 
-QWidget *DynamicSection::make(Look &look) const {
-    return new DynamicSectionWidget(look, *this);
+QWidget *DynamicSection::make(Visuals &visuals) const {
+    return new DynamicSectionWidget(visuals, *this);
 }
 
 } // namespace pavonel

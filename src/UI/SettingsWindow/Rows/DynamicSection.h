@@ -15,7 +15,7 @@ struct DynamicSection {
     std::function<Elements()> content;
     int spacing = 0; ///< Points between the elements.
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 } // namespace pavonel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QWidget>
 
@@ -16,21 +16,23 @@ namespace pavonel {
 class Element {
 public:
     template <class Description>
-    requires requires(const Description &description, Look &look) {
-        { description.make(look) } -> std::convertible_to<QWidget *>;
+    requires requires(const Description &description, Visuals &visuals) {
+        { description.make(visuals) } -> std::convertible_to<QWidget *>;
     }
     Element(Description description)
-        : make_([description = std::move(description)](Look &look) { return description.make(look); }) {}
+        : make_([description = std::move(description)](Visuals &visuals) {
+              return description.make(visuals);
+          }) {}
 
     template <class Function>
-    requires std::is_invocable_r_v<QWidget *, const Function &, Look &> Element(Function function)
+    requires std::is_invocable_r_v<QWidget *, const Function &, Visuals &> Element(Function function)
         : make_(std::move(function)) {}
 
-    /// A new widget, which the caller owns. The look must outlive it.
-    QWidget *make(Look &look) const { return make_(look); }
+    /// A new widget, which the caller owns. The visuals must outlive it.
+    QWidget *make(Visuals &visuals) const { return make_(visuals); }
 
 private:
-    std::function<QWidget *(Look &)> make_;
+    std::function<QWidget *(Visuals &)> make_;
 };
 
 using Elements = std::vector<Element>;

@@ -35,8 +35,8 @@ template <class Ancestor> Ancestor *ancestor(const QWidget *widget) {
 
 } // namespace
 
-RowList::RowList(Look &look, int rowHeight, Lines lines, Make make)
-    : look_(look), rowHeight_(rowHeight), lines_(lines), make_(std::move(make)),
+RowList::RowList(Visuals &visuals, int rowHeight, Lines lines, Make make)
+    : visuals_(visuals), rowHeight_(rowHeight), lines_(lines), make_(std::move(make)),
       chainBegin_(new QWidget(this)) {
     chainBegin_->setFocusPolicy(Qt::TabFocus); // else it has no place in that order
     chainBegin_->hide();
@@ -184,7 +184,7 @@ void RowList::paintEvent(QPaintEvent *event) {
     for (std::size_t index = 0; index < lines; ++index) {
         const double y = static_cast<double>(index) * rowHeight_;
         if (event->rect().top() <= y && y <= event->rect().bottom())
-            CardRow::drawLine(painter, look_, y, width());
+            CardRow::drawLine(painter, visuals_, y, width());
     }
 }
 

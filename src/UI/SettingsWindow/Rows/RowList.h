@@ -1,7 +1,7 @@
 #pragma once
 
 #include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QPointer>
 #include <QStringList>
@@ -29,7 +29,7 @@ public:
     };
 
     /// `make` gives a new widget, which the list owns.
-    RowList(Look &look, int rowHeight, Lines lines, Make make);
+    RowList(Visuals &visuals, int rowHeight, Lines lines, Make make);
 
     /// Each key stands for one row; none comes twice.
     void setKeys(const QStringList &keys);
@@ -63,7 +63,7 @@ private:
     void dropFarRows();
     void chainFocus();
 
-    Look &look_;
+    Visuals &visuals_;
     int rowHeight_;
     Lines lines_;
     Make make_;

@@ -21,9 +21,9 @@ namespace {
 
 class SwitchRowWidget final : public CardRow, public Refreshable {
 public:
-    SwitchRowWidget(Look &look, const SwitchRow &row) : CardRow(look), isOn_(row.isOn) {
+    SwitchRowWidget(Visuals &visuals, const SwitchRow &row) : CardRow(visuals), isOn_(row.isOn) {
         addLabel(row.label, row.note);
-        switch_ = new Switch(look, row.label);
+        switch_ = new Switch(visuals, row.label);
         switch_->setAccessibleDescription(row.note);
         add(switch_);
         connect(switch_, &Switch::toggled, this, [this](bool on) { isOn_.set(on); });
@@ -46,14 +46,14 @@ private:
 
 class StepRowWidget final : public CardRow, public Refreshable {
 public:
-    StepRowWidget(Look &look, const StepRow &row) : CardRow(look), value_(row.value) {
+    StepRowWidget(Visuals &visuals, const StepRow &row) : CardRow(visuals), value_(row.value) {
         addLabel(row.label);
         const auto wording = [suffix = row.suffix](double seconds) {
             const QString text = humanText(seconds);
             return suffix.isEmpty() ? text : text + u' ' + suffix;
         };
-        auto *shown = new StepValue(look, wording);
-        stepper_ = new Stepper(look, row.label, row.range, row.step, wording);
+        auto *shown = new StepValue(visuals, wording);
+        stepper_ = new Stepper(visuals, row.label, row.range, row.step, wording);
         add(shown);
         add(stepper_);
         stepper_->onStep = [this](double value) { value_.set(value); };
@@ -71,11 +71,11 @@ private:
 
 class PickerRowWidget final : public CardRow, public Refreshable {
 public:
-    PickerRowWidget(Look &look, const PickerRow &row) : CardRow(look), selection_(row.selection) {
+    PickerRowWidget(Visuals &visuals, const PickerRow &row) : CardRow(visuals), selection_(row.selection) {
         addLabel(row.label);
-        button_ = new PopUpButton(look, row.label, row.choices);
+        button_ = new PopUpButton(visuals, row.label, row.choices);
         if (row.before)
-            add(row.before(look));
+            add(row.before(visuals));
         add(button_);
         button_->onChoice = [this](const QString &choice) { selection_.set(choice); };
         PickerRowWidget::refresh();
@@ -90,14 +90,14 @@ private:
 
 class LabeledFieldWidget final : public CardRow, public Refreshable {
 public:
-    LabeledFieldWidget(Look &look, const LabeledField &row) : CardRow(look), text_(row.text) {
+    LabeledFieldWidget(Visuals &visuals, const LabeledField &row) : CardRow(visuals), text_(row.text) {
         auto *lines = new QWidget;
         auto *column = new QGridLayout(lines);
         column->setContentsMargins(0, 10, 0, 8);
         column->setSpacing(0);
         column->setVerticalSpacing(2);
         column->setColumnMinimumWidth(0, FocusRing::room);
-        column->addWidget(new Text(look, row.label, Text::Style::label), 0, 1);
+        column->addWidget(new Text(visuals, row.label, Text::Style::label), 0, 1);
         field_ = lineEdit(row.label, row.prompt);
         column->addWidget(field_, 1, 0, 1, 2);
         column->setColumnStretch(1, 1);
@@ -131,8 +131,8 @@ private:
 /// A text that comes and goes.
 class NoteWidget final : public QWidget, public Refreshable {
 public:
-    NoteWidget(Look &look, TextSource source, Text::Style style, const QMargins &margins)
-        : source_(std::move(source)), text_(new Text(look, {}, style)) {
+    NoteWidget(Visuals &visuals, TextSource source, Text::Style style, const QMargins &margins)
+        : source_(std::move(source)), text_(new Text(visuals, {}, style)) {
         auto *lines = new QVBoxLayout(this);
         lines->setContentsMargins(margins);
         lines->addWidget(text_);
@@ -154,37 +154,37 @@ private:
 
 } // namespace
 
-QWidget *SwitchRow::make(Look &look) const {
-    return new SwitchRowWidget(look, *this);
+QWidget *SwitchRow::make(Visuals &visuals) const {
+    return new SwitchRowWidget(visuals, *this);
 }
 
-QWidget *StepRow::make(Look &look) const {
-    return new StepRowWidget(look, *this);
+QWidget *StepRow::make(Visuals &visuals) const {
+    return new StepRowWidget(visuals, *this);
 }
 
-QWidget *EnabledWhile::make(Look &look) const {
-    QWidget *widget = row.make(look);
+QWidget *EnabledWhile::make(Visuals &visuals) const {
+    QWidget *widget = row.make(visuals);
     new EnabledState(*widget, holds);
     return widget;
 }
 
-QWidget *PickerRow::make(Look &look) const {
-    return new PickerRowWidget(look, *this);
+QWidget *PickerRow::make(Visuals &visuals) const {
+    return new PickerRowWidget(visuals, *this);
 }
 
-QWidget *LabeledField::make(Look &look) const {
-    return new LabeledFieldWidget(look, *this);
+QWidget *LabeledField::make(Visuals &visuals) const {
+    return new LabeledFieldWidget(visuals, *this);
 }
 
-QWidget *CardNote::make(Look &look) const {
-    return new NoteWidget(look, text, style, {CardRow::margin, 0, CardRow::margin, 9});
+QWidget *CardNote::make(Visuals &visuals) const {
+    return new NoteWidget(visuals, text, style, {CardRow::margin, 0, CardRow::margin, 9});
 }
 
-QWidget *PageNote::make(Look &look) const {
-    return new NoteWidget(look, text, style, {FocusRing::room, 0, FocusRing::room, 0});
+QWidget *PageNote::make(Visuals &visuals) const {
+    return new NoteWidget(visuals, text, style, {FocusRing::room, 0, FocusRing::room, 0});
 }
 
-QWidget *ButtonRow::make(Look &) const {
+QWidget *ButtonRow::make(Visuals &) const {
     auto *row = new QWidget;
     auto *line = new QHBoxLayout(row);
     line->setContentsMargins({});

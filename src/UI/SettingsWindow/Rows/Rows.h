@@ -18,7 +18,7 @@ struct SwitchRow {
     ValueBinding<bool> isOn;
     QString note = {};
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 struct StepRow {
@@ -28,7 +28,7 @@ struct StepRow {
     double step;
     QString suffix = {};
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 /// A row that can be used only while something else is as it must be, and is pale otherwise.
@@ -36,16 +36,16 @@ struct EnabledWhile {
     std::function<bool()> holds;
     Element row;
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 struct PickerRow {
     QString label;
     ValueBinding<QString> selection;
     QStringList choices;
-    std::function<QWidget *(Look &)> before = {}; ///< What stands before the choice, where something does.
+    std::function<QWidget *(Visuals &)> before = {}; ///< What stands before the choice, where something does.
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 struct LabeledField {
@@ -53,7 +53,7 @@ struct LabeledField {
     ValueBinding<QString> text;
     QString prompt = {};
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 /// Yields a sentence that can change; empty for nothing.
@@ -69,7 +69,7 @@ struct CardNote {
     TextSource text;
     Text::Style style = Text::Style::note;
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 /// A sentence on the page itself, below a card; takes no room while it is empty.
@@ -81,7 +81,7 @@ struct PageNote {
     TextSource text;
     Text::Style style = Text::Style::secondary;
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 /// A button at the left edge of the column.
@@ -91,7 +91,7 @@ struct ButtonRow {
     QString symbol = {};
     Button::Role role = Button::Role::plain;
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 /// Why the setting above it has no effect on this desktop; nothing where it has.

@@ -10,9 +10,9 @@
 
 namespace pavonel {
 
-StepValue::StepValue(Look &look, std::function<QString(double)> wording)
-    : look_(look), wording_(std::move(wording)) {
-    setFont(look.font(13));
+StepValue::StepValue(Visuals &visuals, std::function<QString(double)> wording)
+    : visuals_(visuals), wording_(std::move(wording)) {
+    setFont(visuals.font(13));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
 }
 
@@ -33,7 +33,7 @@ void StepValue::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     if (!isEnabled())
         painter.setOpacity(0.45);
-    painter.setPen(look_.palette().text);
+    painter.setPen(visuals_.palette().text);
     const QFontMetricsF metrics(font(), this);
     const double base = std::floor((height() - std::ceil(metrics.height())) / 2) + metrics.ascent();
     fonts::drawTabular(painter, {width() - fonts::tabularWidth(metrics, text_), base}, text_);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QWidget>
 
@@ -12,7 +12,7 @@ namespace pavonel {
 /// The number beside a stepper, as people read it, with digits that keep their places.
 class StepValue : public QWidget, public AccessibleControl {
 public:
-    StepValue(Look &look, std::function<QString(double)> wording);
+    StepValue(Visuals &visuals, std::function<QString(double)> wording);
 
     void setValue(double value);
 
@@ -24,7 +24,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    Look &look_;
+    Visuals &visuals_;
     std::function<QString(double)> wording_;
     QString text_;
 };

@@ -27,18 +27,18 @@ QStringList keysOf(const QStringList &texts) {
 
 class TextListWidget final : public QWidget, public Refreshable {
 public:
-    TextListWidget(Look &look, const TextList &list) : list_(list) {
+    TextListWidget(Visuals &visuals, const TextList &list) : list_(list) {
         auto *lines = new QVBoxLayout(this);
         lines->setContentsMargins({});
         lines->setSpacing(0);
-        empty_ = new CardRow(look);
-        empty_->add(new Text(look, list.whenEmpty, Text::Style::secondary));
+        empty_ = new CardRow(visuals);
+        empty_->add(new Text(visuals, list.whenEmpty, Text::Style::secondary));
         lines->addWidget(empty_);
         constexpr int rowHeight = 42;
-        rows_ = new RowList(look, look.lineHeight(rowHeight), RowList::Lines::first,
-                            [this, &look](const QString &key) { return row(look, key); });
+        rows_ = new RowList(visuals, visuals.lineHeight(rowHeight), RowList::Lines::first,
+                            [this, &visuals](const QString &key) { return row(visuals, key); });
         lines->addWidget(rows_);
-        undo_ = new UndoRow(look);
+        undo_ = new UndoRow(visuals);
         lines->addWidget(undo_);
         TextListWidget::refresh();
     }
@@ -51,12 +51,12 @@ public:
     }
 
 private:
-    QWidget *row(Look &look, const QString &key) {
+    QWidget *row(Visuals &visuals, const QString &key) {
         std::function<void(const QString &)> edit;
         if (list_.entries == TextList::Entries::editable)
             edit = [this, key](const QString &text) { replace(key, text); };
         return new ListRow(
-            look, entryOf(key), [this, key] { remove(key); }, edit);
+            visuals, entryOf(key), [this, key] { remove(key); }, edit);
     }
 
     void remove(const QString &key) {
@@ -94,8 +94,8 @@ private:
 
 } // namespace
 
-QWidget *TextList::make(Look &look) const {
-    return new TextListWidget(look, *this);
+QWidget *TextList::make(Visuals &visuals) const {
+    return new TextListWidget(visuals, *this);
 }
 
 QStringList withEntry(QStringList list, const QString &text) {

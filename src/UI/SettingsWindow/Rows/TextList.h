@@ -20,7 +20,7 @@ struct TextList {
     enum class Entries { fixed, editable };
     Entries entries = Entries::fixed;
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 /// The list with the text behind it; as it is where the text is there already.

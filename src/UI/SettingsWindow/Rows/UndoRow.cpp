@@ -11,8 +11,8 @@
 
 namespace pavonel {
 
-UndoRow::UndoRow(Look &look)
-    : CardRow(look), text_(new Text(look, {}, Text::Style::secondary)),
+UndoRow::UndoRow(Visuals &visuals)
+    : CardRow(visuals), text_(new Text(visuals, {}, Text::Style::secondary)),
       button_(new Button(QStringLiteral("Undo"))) {
     add(text_);
     static_cast<QBoxLayout *>(layout())->setStretchFactor(text_, 1);

@@ -12,7 +12,7 @@ class Text;
 /// Offers to take back the last removal from what stands above it; not there before the first one.
 class UndoRow : public CardRow {
 public:
-    explicit UndoRow(Look &look);
+    explicit UndoRow(Visuals &visuals);
 
     /// `what` was removed; `undo` brings it back.
     void offer(const QString &what, std::function<void()> undo);

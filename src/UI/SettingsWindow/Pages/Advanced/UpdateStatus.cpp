@@ -49,26 +49,27 @@ QString shortened(const QString &text) {
 }
 
 /// Of the height of a small line of text, so that nothing moves when it takes the place of one.
-QWidget *progressBar(const Look &look, double progress) {
+QWidget *progressBar(const Visuals &visuals, double progress) {
     constexpr int whole = 1000;
     auto *bar = new QProgressBar;
     bar->setAccessibleName(u"Download"_s);
     bar->setRange(0, whole);
     bar->setValue(std::isnan(progress) ? 0 : qRound(std::clamp(progress, 0.0, 1.0) * whole));
-    bar->setFixedHeight(QFontMetrics(look.font(11)).height());
+    bar->setFixedHeight(QFontMetrics(visuals.font(11)).height());
     return bar;
 }
 
 /// Shows one state; made anew for the next.
 class StatusRow final : public CardRow {
 public:
-    StatusRow(Look &look, Updater &updater, MainLoop &loop) : CardRow(look), updater_(updater), loop_(loop) {
+    StatusRow(Visuals &visuals, Updater &updater, MainLoop &loop)
+        : CardRow(visuals), updater_(updater), loop_(loop) {
         auto *texts = new QVBoxLayout;
         texts->setContentsMargins(0, air, FocusRing::room, air);
         texts->setSpacing(betweenLines);
-        texts->addWidget(new Text(look, u"Version "_s + updater.currentVersion(), Text::Style::label));
+        texts->addWidget(new Text(visuals, u"Version "_s + updater.currentVersion(), Text::Style::label));
         const bool failed = std::holds_alternative<Updater::Failed>(updater.state.get());
-        line_ = new Text(look, {}, failed ? Text::Style::failure : Text::Style::note);
+        line_ = new Text(visuals, {}, failed ? Text::Style::failure : Text::Style::note);
         texts->addWidget(line_);
         addState(*texts);
         auto *place = new QWidget;
@@ -83,16 +84,16 @@ protected:
     /// As the first in its part it would take itself for the first in the card.
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
-        drawLine(painter, look(), 0, width());
+        drawLine(painter, visuals(), 0, width());
     }
 
 private:
     void addState(QVBoxLayout &texts) {
         const Updater::State &state = updater_.state;
         if (const auto *available = std::get_if<Updater::Available>(&state))
-            texts.addWidget(new Text(look(), shortened(available->notes), Text::Style::note));
+            texts.addWidget(new Text(visuals(), shortened(available->notes), Text::Style::note));
         else if (const auto *downloading = std::get_if<Updater::Downloading>(&state))
-            texts.addWidget(progressBar(look(), downloading->progress));
+            texts.addWidget(progressBar(visuals(), downloading->progress));
         else if (std::holds_alternative<Updater::Idle>(state)) {
             constexpr Seconds minute = 60;
             minutes_ = loop_.every(minute, [this] { describe(); });
@@ -132,11 +133,11 @@ private:
 
 } // namespace
 
-QWidget *UpdateStatus::make(Look &look) const {
-    const auto row = [&updater = updater, &loop = loop](Look &shared) {
+QWidget *UpdateStatus::make(Visuals &visuals) const {
+    const auto row = [&updater = updater, &loop = loop](Visuals &shared) {
         return new StatusRow(shared, updater, loop);
     };
-    return DynamicSection{loop, {&updater}, [row] { return Elements{row}; }}.make(look);
+    return DynamicSection{loop, {&updater}, [row] { return Elements{row}; }}.make(visuals);
 }
 
 } // namespace pavonel

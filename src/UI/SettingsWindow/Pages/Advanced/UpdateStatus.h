@@ -12,7 +12,7 @@ struct UpdateStatus {
     Updater &updater;
     MainLoop &loop;
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 } // namespace pavonel

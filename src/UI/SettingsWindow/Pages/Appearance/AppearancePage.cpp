@@ -45,7 +45,7 @@ PickerRow soundRow(const QString &label, const ValueBinding<QString> &sound, Sou
         label,
         {sound.get, chooseAndPlay},
         QStringList(none) + sounds.names(),
-        [label, get = sound.get, &sounds](Look &) { return new ListenButton(label, get, sounds); }};
+        [label, get = sound.get, &sounds](Visuals &) { return new ListenButton(label, get, sounds); }};
 }
 
 } // namespace

@@ -34,9 +34,9 @@ void paintBreak(QPainter &painter, const QString &message, Seconds duration) {
 
 } // namespace
 
-BreakPreview::BreakPreview(Look &look, Settings &settings)
-    : look_(look), settings_(settings), backgrounds_(settings, look.loop()),
-      refresher_(look.loop(), {&settings}, [this] { forget(); }) {
+BreakPreview::BreakPreview(Visuals &visuals, Settings &settings)
+    : visuals_(visuals), settings_(settings), backgrounds_(settings, visuals.loop()),
+      refresher_(visuals.loop(), {&settings}, [this] { forget(); }) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setAccessibleName(QStringLiteral("Preview of the break screen"));
     backgrounds_.onLoaded = [this] { forget(); };
@@ -74,7 +74,7 @@ void BreakPreview::paintEvent(QPaintEvent *) {
         drawn_ = picture(pixels);
     QPainter painter(this);
     drawRounded(painter, rect(), radius, drawn_);
-    drawBody(painter, rect(), radius, Qt::transparent, look_.palette().cardOutline);
+    drawBody(painter, rect(), radius, Qt::transparent, visuals_.palette().cardOutline);
 }
 
 } // namespace pavonel

@@ -2,7 +2,7 @@
 
 #include "UI/Backgrounds.h"
 #include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/Refresher.h"
 
 #include <QImage>
@@ -13,9 +13,9 @@ namespace pavonel {
 /// The break screen in small, with the background, a message and the length of a micro break as they are set.
 class BreakPreview : public QWidget, public AccessibleControl {
 public:
-    BreakPreview(Look &look, Settings &settings);
+    BreakPreview(Visuals &visuals, Settings &settings);
 
-    QSize sizeHint() const override { return {look_.length(240), look_.length(150)}; }
+    QSize sizeHint() const override { return {visuals_.length(240), visuals_.length(150)}; }
     QAccessibleInterface *makeAccessible() override;
 
 protected:
@@ -26,7 +26,7 @@ private:
     void forget();
     QImage picture(QSize pixels);
 
-    Look &look_;
+    Visuals &visuals_;
     Settings &settings_;
     Backgrounds backgrounds_;
     QImage drawn_; ///< Null until it is needed.

@@ -1,14 +1,14 @@
 #include "UI/SettingsWindow/Pages/Appearance/CustomImageRow.h"
 
 #include "Core/Settings.h"
-#include "Platform/Errand.h"
+#include "Platform/BackgroundTask.h"
 #include "Platform/ForeignFile.h"
 #include "UI/BackgroundImage.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/Text.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/SettingsWindow/Rows/Element.h"
 
 #include <QFileDialog>
@@ -29,7 +29,7 @@ namespace {
 /// far away.
 class PictureThumbnail : public QWidget {
 public:
-    explicit PictureThumbnail(Look &look);
+    explicit PictureThumbnail(Visuals &visuals);
 
     /// Reads the file anew, also when it is the same one.
     void setPath(const QString &path);
@@ -46,15 +46,15 @@ protected:
 private:
     void take(const QImage &picture);
 
-    Look &look_;
+    Visuals &visuals_;
     State state_ = State::none;
     QImage picture_;
-    Errand loading_;
+    BackgroundTask loading_;
 };
 
 constexpr double thumbnailRadius = 6;
 
-PictureThumbnail::PictureThumbnail(Look &look) : look_(look) {
+PictureThumbnail::PictureThumbnail(Visuals &visuals) : visuals_(visuals) {
     setFixedSize(PictureThumbnail::sizeHint());
 }
 
@@ -66,7 +66,7 @@ void PictureThumbnail::setPath(const QString &path) {
     if (path.isEmpty())
         return;
     const QSize pixels = (QSizeF(sizeHint()) * devicePixelRatioF()).toSize();
-    loading_ = Errand::begin(look_.loop(), [this, path, pixels]() -> Errand::Action {
+    loading_ = BackgroundTask::start(visuals_.loop(), [this, path, pixels]() -> BackgroundTask::Action {
         const auto file = readForeignFile(path, largestPictureFile);
         return [this, picture = file ? pictureImage(*file, pixels) : QImage()] { take(picture); };
     });
@@ -83,7 +83,7 @@ void PictureThumbnail::take(const QImage &picture) {
 void PictureThumbnail::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     if (picture_.isNull())
-        drawBody(painter, rect(), thumbnailRadius, look_.palette().window, look_.palette().cardOutline);
+        drawBody(painter, rect(), thumbnailRadius, visuals_.palette().window, visuals_.palette().cardOutline);
     else
         drawRounded(painter, rect(), thumbnailRadius, picture_);
 }
@@ -100,9 +100,9 @@ QString pictureFilter() {
 
 class CustomImageWidget final : public CardRow, public Refreshable {
 public:
-    CustomImageWidget(Look &look, Settings &settings)
-        : CardRow(look), settings_(settings), thumbnail_(new PictureThumbnail(look)),
-          name_(new Text(look, {}, Text::Style::label)), note_(new Text(look, {}, Text::Style::note)),
+    CustomImageWidget(Visuals &visuals, Settings &settings)
+        : CardRow(visuals), settings_(settings), thumbnail_(new PictureThumbnail(visuals)),
+          name_(new Text(visuals, {}, Text::Style::label)), note_(new Text(visuals, {}, Text::Style::note)),
           remove_(new Button(QStringLiteral("Remove"))),
           choose_(new Button(QStringLiteral("Choose image…"))) {
         add(thumbnail_);
@@ -148,13 +148,13 @@ private:
                            : QString());
         note_->setStyle(state == State::unreadable ? Text::Style::failure : Text::Style::note);
         note_->setVisible(!note_->text().isEmpty());
-        setMinimumHeight(look().lineHeight(state == State::none ? plainHeight : withPicture));
+        setMinimumHeight(visuals().lineHeight(state == State::none ? plainHeight : withPicture));
         thumbnail_->setVisible(state != State::none);
         remove_->setVisible(state != State::none);
     }
 
     /// Beside the picture, unless its disk may hold up the dialog.
-    QString whereToLook() const {
+    QString startFolder() const {
         return thumbnail_->state() == PictureThumbnail::State::shown
                    ? QFileInfo(path_).path()
                    : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
@@ -162,7 +162,7 @@ private:
 
     void choose() {
         auto *dialog =
-            new QFileDialog(window(), QStringLiteral("Choose an image"), whereToLook(), pictureFilter());
+            new QFileDialog(window(), QStringLiteral("Choose an image"), startFolder(), pictureFilter());
         dialog->setAttribute(Qt::WA_DeleteOnClose);
         dialog->setFileMode(QFileDialog::ExistingFile);
         connect(dialog, &QFileDialog::fileSelected, this,
@@ -181,8 +181,8 @@ private:
 
 } // namespace
 
-QWidget *CustomImageRow::make(Look &look) const {
-    return new CustomImageWidget(look, settings);
+QWidget *CustomImageRow::make(Visuals &visuals) const {
+    return new CustomImageWidget(visuals, settings);
 }
 
 } // namespace pavonel

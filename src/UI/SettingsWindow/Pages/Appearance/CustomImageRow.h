@@ -4,7 +4,7 @@ class QWidget;
 
 namespace pavonel {
 
-class Look;
+class Visuals;
 class Settings;
 
 /// The user's picture for the break screen: in small, with its name or what is the matter with it, and ways
@@ -12,7 +12,7 @@ class Settings;
 struct CustomImageRow {
     Settings &settings;
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 } // namespace pavonel

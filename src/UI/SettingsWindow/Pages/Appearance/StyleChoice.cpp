@@ -26,9 +26,9 @@ constexpr int bottom = 14 - room;
 /// the preview is smaller, and fewer tiles are in a row.
 class StyleChoiceWidget final : public QWidget, public Refreshable {
 public:
-    StyleChoiceWidget(Look &look, Settings &settings)
-        : settings_(settings), group_(new QButtonGroup(this)), preview_(new BreakPreview(look, settings)),
-          tiles_(tiles(look)) {
+    StyleChoiceWidget(Visuals &visuals, Settings &settings)
+        : settings_(settings), group_(new QButtonGroup(this)), preview_(new BreakPreview(visuals, settings)),
+          tiles_(tiles(visuals)) {
         preview_->setParent(this);
         QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
         policy.setHeightForWidth(true);
@@ -102,10 +102,10 @@ private:
         return {QPoint(CardRow::margin - room, preview.bottom() + 1 + gap - room), size};
     }
 
-    std::vector<StyleTile *> tiles(Look &look) {
+    std::vector<StyleTile *> tiles(Visuals &visuals) {
         std::vector<StyleTile *> tiles;
         for (const Background &theme : Theme::gradients()) {
-            auto *tile = new StyleTile(look, theme);
+            auto *tile = new StyleTile(visuals, theme);
             tile->setParent(this);
             group_->addButton(tile, theme.id);
             tiles.push_back(tile);
@@ -121,8 +121,8 @@ private:
 
 } // namespace
 
-QWidget *StyleChoice::make(Look &look) const {
-    return new StyleChoiceWidget(look, settings);
+QWidget *StyleChoice::make(Visuals &visuals) const {
+    return new StyleChoiceWidget(visuals, settings);
 }
 
 } // namespace pavonel

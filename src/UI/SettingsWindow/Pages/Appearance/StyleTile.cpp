@@ -17,12 +17,12 @@ constexpr int aboveName = 4;
 
 } // namespace
 
-StyleTile::StyleTile(Look &look, const Background &theme) : look_(look), theme_(theme) {
+StyleTile::StyleTile(Visuals &visuals, const Background &theme) : visuals_(visuals), theme_(theme) {
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setText(theme.name);
     setAccessibleName(theme.name);
-    setFont(look.font(11));
+    setFont(visuals.font(11));
 }
 
 QSize StyleTile::sizeHint() const {
@@ -31,7 +31,7 @@ QSize StyleTile::sizeHint() const {
 }
 
 QSize StyleTile::swatchSize() const {
-    return {look_.length(76), look_.length(48)};
+    return {visuals_.length(76), visuals_.length(48)};
 }
 
 QRectF StyleTile::swatch() const {
@@ -47,8 +47,8 @@ void StyleTile::paintEvent(QPaintEvent *) {
     if (gradient_.size() != pixels)
         gradient_ = gradientImage(theme_, pixels);
     drawRounded(painter, place, radius, gradient_);
-    drawBody(painter, place, radius, Qt::transparent, look_.palette().cardOutline);
-    const Palette &palette = look_.palette();
+    drawBody(painter, place, radius, Qt::transparent, visuals_.palette().cardOutline);
+    const Palette &palette = visuals_.palette();
     if (isChecked() || FocusRing::isOn(*this)) {
         constexpr double gap = 1;
         constexpr double width = 2;
@@ -63,7 +63,7 @@ void StyleTile::paintEvent(QPaintEvent *) {
 
 /// The chosen tile has a ring already: what tells that it has the keyboard is its name.
 void StyleTile::paintName(QPainter &painter, const QRectF &line) const {
-    const Palette &palette = look_.palette();
+    const Palette &palette = visuals_.palette();
     painter.setPen(isChecked() || underMouse() ? palette.text : palette.secondaryText);
     if (FocusRing::isOn(*this)) {
         constexpr double around = 6;

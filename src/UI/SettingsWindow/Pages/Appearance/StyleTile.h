@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QImage>
 #include <QRadioButton>
@@ -12,7 +12,7 @@ struct Background;
 /// A theme of the break screen to choose, one of a group: its gradient in small, above its name.
 class StyleTile : public QRadioButton {
 public:
-    StyleTile(Look &look, const Background &theme);
+    StyleTile(Visuals &visuals, const Background &theme);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -25,7 +25,7 @@ private:
     QRectF swatch() const;
     void paintName(QPainter &painter, const QRectF &line) const;
 
-    Look &look_;
+    Visuals &visuals_;
     const Background &theme_;
     QImage gradient_;
 };

@@ -59,21 +59,21 @@ bool fits(const InstalledApplication &application, const QString &words) {
 
 } // namespace
 
-void AppChooser::open(Look &look, InstalledApplications &applications, QWidget &anchor,
+void AppChooser::open(Visuals &visuals, InstalledApplications &applications, QWidget &anchor,
                       std::function<void(const QString &)> choose) {
-    auto *chooser = new AppChooser(look, applications, anchor, std::move(choose));
+    auto *chooser = new AppChooser(visuals, applications, anchor, std::move(choose));
     connect(&anchor, &QObject::destroyed, chooser, &QObject::deleteLater);
     chooser->show();
     chooser->raise();
     chooser->search_->setFocus(Qt::OtherFocusReason);
 }
 
-AppChooser::AppChooser(Look &look, InstalledApplications &applications, QWidget &anchor,
+AppChooser::AppChooser(Visuals &visuals, InstalledApplications &applications, QWidget &anchor,
                        std::function<void(const QString &)> choose)
-    : QWidget(anchor.window()), look_(look), applications_(applications), anchor_(&anchor),
+    : QWidget(anchor.window()), visuals_(visuals), applications_(applications), anchor_(&anchor),
       choose_(std::move(choose)), all_(applications.all()), body_(new QWidget(this)),
       search_(lineEdit(QStringLiteral("Search"), QStringLiteral("Search"))),
-      nothing_(new Text(look, QStringLiteral("No application is called so"), Text::Style::secondary)) {
+      nothing_(new Text(visuals, QStringLiteral("No application is called so"), Text::Style::secondary)) {
     for (const InstalledApplication &application : all_)
         byIdentifier_.insert(application.bundleIdentifier, application);
     setAccessibleName(QStringLiteral("Choose an application"));
@@ -82,7 +82,7 @@ AppChooser::AppChooser(Look &look, InstalledApplications &applications, QWidget 
     lines->setSpacing(8);
     auto *head = new QVBoxLayout;
     head->setContentsMargins(padding, 0, padding, 0);
-    head->addWidget(new Text(look, QStringLiteral("Choose an application"), Text::Style::cardTitle));
+    head->addWidget(new Text(visuals, QStringLiteral("Choose an application"), Text::Style::cardTitle));
     lines->addLayout(head);
     auto *field = new QHBoxLayout;
     field->setContentsMargins(padding - FocusRing::room, 0, padding - FocusRing::room, 0);
@@ -111,7 +111,7 @@ QWidget *AppChooser::list() {
     auto *lines = new QVBoxLayout(column);
     lines->setContentsMargins({});
     lines->setSpacing(0);
-    rows_ = new RowList(look_, look_.lineHeight(rowHeight), RowList::Lines::none,
+    rows_ = new RowList(visuals_, visuals_.lineHeight(rowHeight), RowList::Lines::none,
                         [this](const QString &identifier) { return row(identifier); });
     auto *empty = new QVBoxLayout;
     empty->setContentsMargins(padding, 8, padding, 8);
@@ -119,13 +119,13 @@ QWidget *AppChooser::list() {
     lines->addWidget(rows_);
     lines->addLayout(empty);
     lines->addStretch();
-    return new ScrollArea(look_, column);
+    return new ScrollArea(visuals_, column);
 }
 
 QWidget *AppChooser::row(const QString &identifier) {
     const InstalledApplication application = byIdentifier_.value(identifier);
-    auto *row = new AppRow(look_, application,
-                           appIcon(applications_, application, ListRow::pictureSide(look_), look_));
+    auto *row = new AppRow(visuals_, application,
+                           appIcon(applications_, application, ListRow::pictureSide(visuals_), visuals_));
     connect(row, &AppRow::clicked, this, [this, identifier] { take(identifier); });
     return row;
 }
@@ -153,8 +153,8 @@ void AppChooser::leave() {
 }
 
 QRect AppChooser::panel() const {
-    const QSize size(std::min(look_.length(widest), width() - 2 * aside),
-                     std::min(look_.length(tallest), height() - 2 * aside));
+    const QSize size(std::min(visuals_.length(widest), width() - 2 * aside),
+                     std::min(visuals_.length(tallest), height() - 2 * aside));
     return {QPoint((width() - size.width()) / 2, (height() - size.height()) / 2), size};
 }
 
@@ -176,7 +176,7 @@ void AppChooser::paintEvent(QPaintEvent *) {
     for (int spread = 16; spread > 0; spread -= 2)
         drawBody(painter, place.adjusted(-spread, 2 - spread, spread, 4 + spread), radius + spread,
                  QColor(0, 0, 0, 6), Qt::transparent);
-    drawBody(painter, place, radius, look_.palette().card, look_.palette().cardOutline);
+    drawBody(painter, place, radius, visuals_.palette().card, visuals_.palette().cardOutline);
 }
 
 void AppChooser::keyPressEvent(QKeyEvent *event) {

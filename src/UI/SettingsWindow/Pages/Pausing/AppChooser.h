@@ -2,7 +2,7 @@
 
 #include "Platform/InstalledApplications.h"
 #include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QHash>
 #include <QPointer>
@@ -22,7 +22,7 @@ class Text;
 class AppChooser : public QWidget, public AccessibleControl {
 public:
     /// Opens over the window of `anchor` and does not outlive that. `choose` is given the identifier.
-    static void open(Look &look, InstalledApplications &applications, QWidget &anchor,
+    static void open(Visuals &visuals, InstalledApplications &applications, QWidget &anchor,
                      std::function<void(const QString &)> choose);
 
     QAccessibleInterface *makeAccessible() override;
@@ -35,7 +35,7 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
-    AppChooser(Look &look, InstalledApplications &applications, QWidget &anchor,
+    AppChooser(Visuals &visuals, InstalledApplications &applications, QWidget &anchor,
                std::function<void(const QString &)> choose);
 
     QWidget *list();
@@ -46,7 +46,7 @@ private:
     void take(const QString &identifier);
     void leave();
 
-    Look &look_;
+    Visuals &visuals_;
     InstalledApplications &applications_;
     QPointer<QWidget> anchor_; ///< Gets the keyboard back.
     std::function<void(const QString &)> choose_;

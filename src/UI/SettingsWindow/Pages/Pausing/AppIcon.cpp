@@ -2,7 +2,7 @@
 
 #include "Core/Characters.h"
 #include "Platform/InstalledApplications.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QGuiApplication>
 #include <QPainter>
@@ -13,13 +13,13 @@ namespace {
 
 constexpr qsizetype longestCharacter = 16; // of those that are made of several
 
-void paintLetter(QPainter &painter, int side, const QString &name, const Look &look) {
+void paintLetter(QPainter &painter, int side, const QString &name, const Visuals &visuals) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(look.palette().panelButton.hovered);
+    painter.setBrush(visuals.palette().panelButton.hovered);
     painter.drawRoundedRect(QRectF(1, 1, side - 2, side - 2), side * 0.22, side * 0.22);
-    painter.setPen(look.palette().text);
-    painter.setFont(look.font(side / 2, QFont::DemiBold));
+    painter.setPen(visuals.palette().text);
+    painter.setFont(visuals.font(side / 2, QFont::DemiBold));
     painter.drawText(QRectF(0, 0, side, side), Qt::AlignCenter,
                      charactersOf(beginning(name, longestCharacter)).value(0).toUpper());
 }
@@ -27,7 +27,7 @@ void paintLetter(QPainter &painter, int side, const QString &name, const Look &l
 } // namespace
 
 QImage appIcon(InstalledApplications &applications, const InstalledApplication &application, int side,
-               const Look &look) {
+               const Visuals &visuals) {
     const double ratio = qGuiApp->devicePixelRatio();
     const int pixels = qRound(side * ratio);
     QImage square(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
@@ -40,7 +40,7 @@ QImage appIcon(InstalledApplications &applications, const InstalledApplication &
             QRect(QPoint((pixels - fitting.width()) / 2, (pixels - fitting.height()) / 2), fitting), icon);
     } else {
         painter.scale(ratio, ratio);
-        paintLetter(painter, side, application.name, look);
+        paintLetter(painter, side, application.name, visuals);
     }
     return square;
 }

@@ -12,8 +12,8 @@ constexpr int inset = 6; // of the highlight
 
 } // namespace
 
-AppRow::AppRow(Look &look, const InstalledApplication &application, const QImage &icon)
-    : look_(look), application_(application), icon_(icon) {
+AppRow::AppRow(Visuals &visuals, const InstalledApplication &application, const QImage &icon)
+    : visuals_(visuals), application_(application), icon_(icon) {
     setText(application.name);
     setAccessibleName(application.name);
     setAccessibleDescription(application.bundleIdentifier);
@@ -22,13 +22,13 @@ AppRow::AppRow(Look &look, const InstalledApplication &application, const QImage
 }
 
 QSize AppRow::sizeHint() const {
-    return {200, look_.lineHeight(40)};
+    return {200, visuals_.lineHeight(40)};
 }
 
 void AppRow::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    const Palette &palette = look_.palette();
+    const Palette &palette = visuals_.palette();
     const bool lit = hasFocus() || underMouse() || isDown();
     if (lit) {
         painter.setPen(Qt::NoPen);
@@ -36,7 +36,7 @@ void AppRow::paintEvent(QPaintEvent *) {
         painter.drawRoundedRect(QRectF(rect()).adjusted(inset, 1, -inset, -1), 7, 7);
     }
     ListRow::draw(painter, QRectF(rect()).adjusted(CardRow::margin, 0, -CardRow::margin, 0),
-                  {application_.name, application_.bundleIdentifier, icon_}, look_,
+                  {application_.name, application_.bundleIdentifier, icon_}, visuals_,
                   hasFocus() ? palette.onAccent : palette.text,
                   hasFocus() ? palette.onAccent : palette.secondaryText);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/InstalledApplications.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QAbstractButton>
 #include <QImage>
@@ -11,7 +11,7 @@ namespace pavonel {
 /// An application to choose: its icon, its name and, behind that, its identifier.
 class AppRow : public QAbstractButton {
 public:
-    AppRow(Look &look, const InstalledApplication &application, const QImage &icon);
+    AppRow(Visuals &visuals, const InstalledApplication &application, const QImage &icon);
 
     QSize sizeHint() const override;
 
@@ -19,7 +19,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    Look &look_;
+    Visuals &visuals_;
     InstalledApplication application_;
     QImage icon_;
 };

@@ -39,18 +39,18 @@ private:
     std::optional<std::vector<InstalledApplication>> all_;
 };
 
-ListRow::Entry entryOf(Names &names, const QString &identifier, const Look &look) {
+ListRow::Entry entryOf(Names &names, const QString &identifier, const Visuals &visuals) {
     const InstalledApplication *known = names.find(identifier);
     const InstalledApplication shown = known ? *known : InstalledApplication{identifier, identifier};
     return {shown.name, known ? identifier : QString(),
-            appIcon(names.applications(), shown, ListRow::pictureSide(look), look)};
+            appIcon(names.applications(), shown, ListRow::pictureSide(visuals), visuals)};
 }
 
-QWidget *chooseButton(Look &look, InstalledApplications &applications,
+QWidget *chooseButton(Visuals &visuals, InstalledApplications &applications,
                       const std::function<void(const QString &)> &add) {
     auto *button = new Button(u"Choose app…"_s);
-    QObject::connect(button, &Button::clicked, button, [&look, &applications, button, add] {
-        AppChooser::open(look, applications, *button, add);
+    QObject::connect(button, &Button::clicked, button, [&visuals, &applications, button, add] {
+        AppChooser::open(visuals, applications, *button, add);
     });
     return button;
 }
@@ -60,15 +60,16 @@ Elements focusAppParts(Settings &settings, InstalledApplications &applications) 
         settings.deepFocusApps = withEntry(settings.deepFocusApps, identifier);
     };
     const auto names = std::make_shared<Names>(applications);
-    const auto list = [&settings, names](Look &look) {
+    const auto list = [&settings, names](Visuals &visuals) {
         return TextList{
             settings.deepFocusApps, u"None yet"_s,
-            [names, &look](const QString &identifier) { return entryOf(*names, identifier, look); }}
-            .make(look);
+            [names, &visuals](const QString &identifier) { return entryOf(*names, identifier, visuals); }}
+            .make(visuals);
     };
-    return {list,
-            AddField{u"or a bundle id"_s, u"Add the bundle id"_s, add,
-                     [&applications, add](Look &look) { return chooseButton(look, applications, add); }}};
+    return {list, AddField{u"or a bundle id"_s, u"Add the bundle id"_s, add,
+                           [&applications, add](Visuals &visuals) {
+                               return chooseButton(visuals, applications, add);
+                           }}};
 }
 
 } // namespace

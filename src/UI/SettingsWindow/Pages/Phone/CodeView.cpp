@@ -23,14 +23,14 @@ constexpr double radius = 10;
 
 } // namespace
 
-CodeView::CodeView(Look &look, const QString &code)
-    : look_(look), code_(charactersOf(beginning(code, longest).simplified())) {
+CodeView::CodeView(Visuals &visuals, const QString &code)
+    : visuals_(visuals), code_(charactersOf(beginning(code, longest).simplified())) {
     setAccessibleName(code_.join(QString()));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 QSize CodeView::sizeHint() const {
-    return {240, look_.length(panelHeight)};
+    return {240, visuals_.length(panelHeight)};
 }
 
 QAccessibleInterface *CodeView::makeAccessible() {
@@ -40,10 +40,10 @@ QAccessibleInterface *CodeView::makeAccessible() {
 /// Each character in the middle of a cell, all as wide as the widest.
 void CodeView::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    drawBody(painter, rect(), radius, look_.palette().window, Qt::transparent);
+    drawBody(painter, rect(), radius, visuals_.palette().window, Qt::transparent);
     if (code_.isEmpty())
         return;
-    const QFontMetricsF metrics(look_.font(fontSize));
+    const QFontMetricsF metrics(visuals_.font(fontSize));
     double cell = 0;
     for (const QString &character : code_)
         cell = std::max(cell, metrics.horizontalAdvance(character));
@@ -52,8 +52,8 @@ void CodeView::paintEvent(QPaintEvent *) {
     const double shrink = std::min(1.0, (width() - 2 * padding) / whole);
     painter.translate(QRectF(rect()).center());
     painter.scale(shrink, shrink);
-    painter.setFont(look_.font(fontSize));
-    painter.setPen(look_.palette().text);
+    painter.setFont(visuals_.font(fontSize));
+    painter.setPen(visuals_.palette().text);
     double left = -whole / 2;
     for (const QString &character : code_) {
         const double inset = (cell - metrics.horizontalAdvance(character)) / 2;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QWidget>
 
@@ -10,7 +10,7 @@ namespace pavonel {
 /// A code to be typed elsewhere, large and evenly spaced. One that is too long for the width gets smaller.
 class CodeView : public QWidget, public AccessibleControl {
 public:
-    CodeView(Look &look, const QString &code);
+    CodeView(Visuals &visuals, const QString &code);
 
     QSize sizeHint() const override;
     QAccessibleInterface *makeAccessible() override;
@@ -19,7 +19,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    Look &look_;
+    Visuals &visuals_;
     QStringList code_; ///< Its characters.
 };
 

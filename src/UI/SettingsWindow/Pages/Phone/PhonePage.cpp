@@ -2,8 +2,8 @@
 #include "Platform/Platform.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/Look.h"
 #include "UI/Controls/Text.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Pages.h"
 #include "UI/SettingsWindow/Pages/Phone/CodeView.h"
@@ -26,17 +26,19 @@ namespace {
 /// That all is well. Says nothing to a screen reader: the text beside it does.
 class Tick final : public QWidget {
 public:
-    explicit Tick(Look &look) : look_(look) { setFixedSize(look.length(28), look.length(28)); }
+    explicit Tick(Visuals &visuals) : visuals_(visuals) {
+        setFixedSize(visuals.length(28), visuals.length(28));
+    }
 
 protected:
     void paintEvent(QPaintEvent *) override {
         QPainter(this).drawImage(QPointF(0, 0),
                                  Symbol::image(u"checkmark.circle.fill"_s, width(),
-                                               look_.palette().accentText, devicePixelRatioF()));
+                                               visuals_.palette().accentText, devicePixelRatioF()));
     }
 
 private:
-    Look &look_;
+    Visuals &visuals_;
 };
 
 /// Text in a card, free of its edges.
@@ -45,11 +47,11 @@ struct CardText {
     Text::Style style = Text::Style::label;
     QMargins margins{CardRow::margin, 0, CardRow::margin, 12};
 
-    QWidget *make(Look &look) const {
+    QWidget *make(Visuals &visuals) const {
         auto *place = new QWidget;
         auto *lines = new QVBoxLayout(place);
         lines->setContentsMargins(margins);
-        lines->addWidget(new Text(look, text, style));
+        lines->addWidget(new Text(visuals, text, style));
         return place;
     }
 };
@@ -59,14 +61,14 @@ struct Code {
     QString code;
     QString page;
 
-    QWidget *make(Look &look) const {
+    QWidget *make(Visuals &visuals) const {
         auto *place = new QWidget;
         auto *line = new QHBoxLayout(place);
         line->setContentsMargins(CardRow::margin, 2, CardRow::margin, 12);
         line->setSpacing(CardRow::margin);
-        line->addWidget(new CodeView(look, code));
+        line->addWidget(new CodeView(visuals, code));
         if (!page.isEmpty())
-            line->addWidget(new QrCodeView(look, page));
+            line->addWidget(new QrCodeView(visuals, page));
         return place;
     }
 };
@@ -75,9 +77,9 @@ struct Code {
 struct PairedRow {
     std::function<void()> disconnect;
 
-    QWidget *make(Look &look) const {
-        auto *row = new CardRow(look);
-        row->add(new Tick(look));
+    QWidget *make(Visuals &visuals) const {
+        auto *row = new CardRow(visuals);
+        row->add(new Tick(visuals));
         row->addLabel(u"Your phone is connected"_s, u"When a break starts here, it starts there too."_s);
         auto *button = new Button(u"Disconnect"_s);
         row->add(button);
@@ -102,8 +104,8 @@ Elements unpairedParts(Phone &phone, const QString &failure) {
         "you like. While this Mac is running Pavonel, this Mac decides."_s,
         Text::Style::label,
         {CardRow::margin, 14, CardRow::margin, 12}}};
-    Elements parts{[card = Card{{}, {}, card}](Look &look) {
-        QWidget *widget = card.make(look);
+    Elements parts{[card = Card{{}, {}, card}](Visuals &visuals) {
+        QWidget *widget = card.make(visuals);
         widget->setAccessibleName(u"Pavonel for iPhone"_s); // it has no title
         return widget;
     }};

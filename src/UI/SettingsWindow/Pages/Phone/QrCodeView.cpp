@@ -1,7 +1,7 @@
 #include "UI/SettingsWindow/Pages/Phone/QrCodeView.h"
 
-#include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QAccessibleWidget>
 #include <QPainter>
@@ -10,10 +10,11 @@
 
 namespace pavonel {
 
-QrCodeView::QrCodeView(Look &look, const QString &text) : look_(look), code_(QrCode::of(text.toUtf8())) {
+QrCodeView::QrCodeView(Visuals &visuals, const QString &text)
+    : visuals_(visuals), code_(QrCode::of(text.toUtf8())) {
     setAccessibleName(QStringLiteral("Code for the phone’s camera"));
     setAccessibleDescription(text);
-    const int side = look.length(132);
+    const int side = visuals.length(132);
     setFixedSize(side, side);
 }
 
@@ -25,7 +26,7 @@ void QrCodeView::paintEvent(QPaintEvent *) {
     constexpr double radius = 10;
     constexpr int margin = 3; // modules on each side, which with the round corners cameras manage with
     QPainter painter(this);
-    drawBody(painter, rect(), radius, Qt::white, look_.palette().cardOutline);
+    drawBody(painter, rect(), radius, Qt::white, visuals_.palette().cardOutline);
     if (code_.side == 0)
         return;
     const double ratio = painter.deviceTransform().m11(); // device pixels a point, wherever this is drawn

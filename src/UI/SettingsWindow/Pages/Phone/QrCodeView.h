@@ -7,14 +7,14 @@
 
 namespace pavonel {
 
-class Look;
+class Visuals;
 
 /// A code for the phone's camera: dark on white in every appearance, each module a whole number of device
 /// pixels. It grows along with the text.
 class QrCodeView : public QWidget, public AccessibleControl {
 public:
     /// `text` is what the camera reads.
-    QrCodeView(Look &look, const QString &text);
+    QrCodeView(Visuals &visuals, const QString &text);
 
     QAccessibleInterface *makeAccessible() override;
 
@@ -22,7 +22,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    Look &look_;
+    Visuals &visuals_;
     QrCode code_;
 };
 

@@ -1,7 +1,7 @@
 #include "Core/Settings.h"
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/Look.h"
 #include "UI/Controls/Text.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Pages.h"
 #include "UI/SettingsWindow/Pages/Planned/PlannedEditing.h"
@@ -29,10 +29,11 @@ namespace {
 /// set when the user adds one, to which the keyboard then goes.
 class PlannedList final : public QWidget, public Refreshable {
 public:
-    PlannedList(Look &look, Settings &settings, std::shared_ptr<bool> added)
-        : settings_(settings), added_(std::move(added)), state_(new Text(look, {}, Text::Style::secondary)),
-          rows_(new RowList(look, PlannedRow::rowHeight(look), RowList::Lines::all,
-                            [this, &look](const QString &key) { return row(look, key); })) {
+    PlannedList(Visuals &visuals, Settings &settings, std::shared_ptr<bool> added)
+        : settings_(settings), added_(std::move(added)),
+          state_(new Text(visuals, {}, Text::Style::secondary)),
+          rows_(new RowList(visuals, PlannedRow::rowHeight(visuals), RowList::Lines::all,
+                            [this, &visuals](const QString &key) { return row(visuals, key); })) {
         auto *lines = new QVBoxLayout(this);
         lines->setContentsMargins({});
         lines->setSpacing(0);
@@ -41,7 +42,7 @@ public:
         head->addWidget(state_);
         lines->addLayout(head);
         lines->addWidget(rows_);
-        undo_ = new UndoRow(look);
+        undo_ = new UndoRow(visuals);
         lines->addWidget(undo_);
         PlannedList::refresh();
     }
@@ -61,9 +62,9 @@ public:
     }
 
 private:
-    QWidget *row(Look &look, const QString &key) {
+    QWidget *row(Visuals &visuals, const QString &key) {
         auto *row = new PlannedRow(
-            look,
+            visuals,
             [this, key](const PlannedRow::Edit &edit) {
                 settings_.plannedBreaks = edited(settings_.plannedBreaks, key, edit);
             },
@@ -104,7 +105,9 @@ Elements plannedPage(PageContext &context) {
         settings.plannedBreaks = std::move(breaks);
         *added = true;
     };
-    const auto list = [&settings, added](Look &look) { return new PlannedList(look, settings, added); };
+    const auto list = [&settings, added](Visuals &visuals) {
+        return new PlannedList(visuals, settings, added);
+    };
     return {
         Card{u"Your schedule"_s, u"Planned breaks still wait for meetings, calls and focus apps"_s, {list}},
         ButtonRow{u"Add planned break"_s, add, u"plus"_s},

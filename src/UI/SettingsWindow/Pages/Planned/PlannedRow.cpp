@@ -37,14 +37,15 @@ QHBoxLayout *line(QWidget *of) {
 
 } // namespace
 
-PlannedRow::PlannedRow(Look &look, std::function<void(const Edit &)> change, std::function<void()> remove)
+PlannedRow::PlannedRow(Visuals &visuals, std::function<void(const Edit &)> change,
+                       std::function<void()> remove)
     : change_(std::move(change)) {
     auto *lines = new QVBoxLayout(this);
     constexpr int room = FocusRing::room;
     lines->setContentsMargins(CardRow::margin - room, air, 0, air);
     lines->setSpacing(0);
-    lines->addWidget(firstLine(look));
-    lines->addWidget(secondLine(look));
+    lines->addWidget(firstLine(visuals));
+    lines->addWidget(secondLine(visuals));
     connect(remove_, &Button::clicked, this, std::move(remove),
             Qt::QueuedConnection); // this row goes with it
 }
@@ -54,29 +55,29 @@ void PlannedRow::takeKeyboard() {
     label_->selectAll();
 }
 
-int PlannedRow::rowHeight(const Look &look) {
-    return 2 * look.length(lineHeight) + 2 * air;
+int PlannedRow::rowHeight(const Visuals &visuals) {
+    return 2 * visuals.length(lineHeight) + 2 * air;
 }
 
-QWidget *PlannedRow::firstLine(Look &look) {
+QWidget *PlannedRow::firstLine(Visuals &visuals) {
     auto *place = new QWidget;
     auto *row = line(place);
-    row->setContentsMargins(0, 0, CardRow::margin - Button::besideSymbol(look), 0);
+    row->setContentsMargins(0, 0, CardRow::margin - Button::besideSymbol(visuals), 0);
     label_ = lineEdit(QStringLiteral("Label"), QStringLiteral("Label"));
     connect(label_, &QLineEdit::textChanged, this, [this](const QString &text) {
         change_([&](PlannedBreak &planned) { planned.label = text; });
         nameAfter(text);
     });
-    hour_ = picker(look, QStringLiteral("Hour"), hours, hourText, &PlannedBreak::hour);
-    minute_ = picker(look, QStringLiteral("Minute"), minutes, minuteText, &PlannedBreak::minute);
-    enabled_ = new Switch(look, QStringLiteral("Enabled"));
+    hour_ = picker(visuals, QStringLiteral("Hour"), hours, hourText, &PlannedBreak::hour);
+    minute_ = picker(visuals, QStringLiteral("Minute"), minutes, minuteText, &PlannedBreak::minute);
+    enabled_ = new Switch(visuals, QStringLiteral("Enabled"));
     connect(enabled_, &Switch::toggled, this,
             [this](bool on) { change_([on](PlannedBreak &planned) { planned.enabled = on; }); });
     remove_ = Button::ofSymbol(QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove"));
     row->addWidget(label_, 1);
     row->addSpacing(8);
     row->addWidget(hour_);
-    row->addWidget(new Text(look, QStringLiteral(":"), Text::Style::label));
+    row->addWidget(new Text(visuals, QStringLiteral(":"), Text::Style::label));
     row->addWidget(minute_);
     row->addSpacing(8);
     row->addWidget(enabled_);
@@ -85,25 +86,25 @@ QWidget *PlannedRow::firstLine(Look &look) {
     return place;
 }
 
-QWidget *PlannedRow::secondLine(Look &look) {
+QWidget *PlannedRow::secondLine(Visuals &visuals) {
     auto *place = new QWidget;
     auto *row = line(place);
     row->setContentsMargins(0, 0, CardRow::margin - FocusRing::room, 0);
     for (const int weekday : WeekdayToggle::inOrder()) {
-        auto *toggle = new WeekdayToggle(look, weekday);
+        auto *toggle = new WeekdayToggle(visuals, weekday);
         connect(toggle, &WeekdayToggle::toggled, this,
                 [this, weekday](bool on) { toggleWeekday(weekday, on); });
         weekdays_.push_back(toggle);
         row->addWidget(toggle);
     }
-    duration_ = new Stepper(look, QStringLiteral("Duration"), durations, durationStep, humanText);
-    durationText_ = new StepValue(look, humanText);
+    duration_ = new Stepper(visuals, QStringLiteral("Duration"), durations, durationStep, humanText);
+    durationText_ = new StepValue(visuals, humanText);
     duration_->onStep = [this](double seconds) {
         change_([seconds](PlannedBreak &planned) { planned.duration = seconds; });
     };
     duration_->onChange = [this](double seconds) { durationText_->setValue(seconds); };
     row->addStretch();
-    row->addWidget(new Text(look, QStringLiteral("For"), Text::Style::secondary));
+    row->addWidget(new Text(visuals, QStringLiteral("For"), Text::Style::secondary));
     row->addSpacing(6);
     row->addWidget(durationText_);
     row->addSpacing(6);
@@ -111,12 +112,12 @@ QWidget *PlannedRow::secondLine(Look &look) {
     return place;
 }
 
-PopUpButton *PlannedRow::picker(Look &look, const QString &name, int count, QString (*text)(int),
+PopUpButton *PlannedRow::picker(Visuals &visuals, const QString &name, int count, QString (*text)(int),
                                 int PlannedBreak::*field) {
     QStringList choices;
     for (int value = 0; value < count; ++value)
         choices.append(text(value));
-    auto *button = new PopUpButton(look, name, choices);
+    auto *button = new PopUpButton(visuals, name, choices);
     button->onChoice = [this, choices, field](const QString &choice) {
         const auto value = static_cast<int>(choices.indexOf(choice));
         change_([=](PlannedBreak &planned) { planned.*field = value; });

@@ -2,7 +2,7 @@
 
 #include "Core/PlannedBreak.h"
 #include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QWidget>
 
@@ -26,7 +26,7 @@ public:
     using Edit = std::function<void(PlannedBreak &)>;
 
     /// `change` is given what to do to the record, `remove` takes it away; both at once with the user's act.
-    PlannedRow(Look &look, std::function<void(const Edit &)> change, std::function<void()> remove);
+    PlannedRow(Visuals &visuals, std::function<void(const Edit &)> change, std::function<void()> remove);
 
     /// Without a report.
     void display(const PlannedBreak &planned);
@@ -34,14 +34,14 @@ public:
     /// To its label, all of which the next letter replaces.
     void takeKeyboard();
 
-    static int rowHeight(const Look &look);
+    static int rowHeight(const Visuals &visuals);
 
     QAccessibleInterface *makeAccessible() override;
 
 private:
-    QWidget *firstLine(Look &look);
-    QWidget *secondLine(Look &look);
-    PopUpButton *picker(Look &look, const QString &name, int count, QString (*text)(int),
+    QWidget *firstLine(Visuals &visuals);
+    QWidget *secondLine(Visuals &visuals);
+    PopUpButton *picker(Visuals &visuals, const QString &name, int count, QString (*text)(int),
                         int PlannedBreak::*field);
     void toggleWeekday(int weekday, bool on);
     void nameAfter(const QString &label);

@@ -24,13 +24,13 @@ int toToolkit(int weekday) {
 
 } // namespace
 
-WeekdayToggle::WeekdayToggle(Look &look, int weekday) : look_(look), weekday_(weekday) {
+WeekdayToggle::WeekdayToggle(Visuals &visuals, int weekday) : visuals_(visuals), weekday_(weekday) {
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setText(nameOf(weekday).left(1));
     setAccessibleName(nameOf(weekday));
     setToolTip(nameOf(weekday));
-    setFont(look.font(11, QFont::DemiBold));
+    setFont(visuals.font(11, QFont::DemiBold));
 }
 
 std::vector<int> WeekdayToggle::inOrder() {
@@ -46,7 +46,7 @@ QString WeekdayToggle::nameOf(int weekday) {
 }
 
 QSize WeekdayToggle::sizeHint() const {
-    const int side = look_.length(diameter) + 2 * FocusRing::room;
+    const int side = visuals_.length(diameter) + 2 * FocusRing::room;
     return {side, side};
 }
 
@@ -63,14 +63,14 @@ void WeekdayToggle::paintEvent(QPaintEvent *) {
     constexpr double room = FocusRing::room;
     const QRectF body = QRectF(rect()).adjusted(room, room, -room, -room);
     const ButtonColours &colours =
-        isChecked() ? look_.palette().prominentButton : look_.palette().plainButton;
+        isChecked() ? visuals_.palette().prominentButton : visuals_.palette().plainButton;
     QStyleOptionButton option;
     initStyleOption(&option);
     option.state.setFlag(QStyle::State_On, false); // said by the colours
     drawBody(painter, body, body.width() / 2, colours, option.state);
-    painter.setPen(isChecked() ? colours.ink : look_.palette().secondaryText);
+    painter.setPen(isChecked() ? colours.ink : visuals_.palette().secondaryText);
     painter.drawText(rect(), Qt::AlignCenter, text());
-    FocusRing::draw(painter, *this, body, body.width() / 2, look_.palette().accentText);
+    FocusRing::draw(painter, *this, body, body.width() / 2, visuals_.palette().accentText);
 }
 
 } // namespace pavonel

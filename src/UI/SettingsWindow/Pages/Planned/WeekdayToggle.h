@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QCheckBox>
 
@@ -12,7 +12,7 @@ namespace pavonel {
 class WeekdayToggle : public QCheckBox {
 public:
     /// 1 is Sunday, 7 is Saturday.
-    WeekdayToggle(Look &look, int weekday);
+    WeekdayToggle(Visuals &visuals, int weekday);
 
     int weekday() const { return weekday_; }
 
@@ -31,7 +31,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    Look &look_;
+    Visuals &visuals_;
     int weekday_;
 };
 

@@ -1,7 +1,7 @@
 #include "Core/ClockText.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/Refresher.h"
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Pages.h"
@@ -34,9 +34,9 @@ Tiles tilesOf(const WeekFigures &week) {
 /// The figures of the last seven days and their chart, kept up to date.
 class WeekSection final : public QWidget {
 public:
-    WeekSection(Look &look, Stats &stats)
-        : look_(look), stats_(stats), chart_(new WeekChart(look)),
-          refresher_(look.loop(), {&stats}, [this] { refresh(); }) {
+    WeekSection(Visuals &visuals, Stats &stats)
+        : visuals_(visuals), stats_(stats), chart_(new WeekChart(visuals)),
+          refresher_(visuals.loop(), {&stats}, [this] { refresh(); }) {
         auto *lines = new QVBoxLayout(this);
         lines->setContentsMargins(CardRow::margin, 2, CardRow::margin, 10);
         lines->setSpacing(14);
@@ -71,12 +71,12 @@ private:
         places->setContentsMargins({});
         places->setSpacing(10);
         for (int index = 0; index < static_cast<int>(tiles.size()); ++index)
-            places->addWidget(tiles[static_cast<std::size_t>(index)].make(look_), index / columns,
+            places->addWidget(tiles[static_cast<std::size_t>(index)].make(visuals_), index / columns,
                               index % columns);
         return grid;
     }
 
-    Look &look_;
+    Visuals &visuals_;
     Stats &stats_;
     WeekChart *chart_;
     QStringList shown_;
@@ -125,10 +125,10 @@ private:
 
 Elements statsPage(PageContext &context) {
     Stats &stats = context.stats;
-    const auto week = [&stats](Look &look) { return new WeekSection(look, stats); };
+    const auto week = [&stats](Visuals &visuals) { return new WeekSection(visuals, stats); };
     return {
         Card{u"Last 7 days"_s, {}, {week}},
-        [&stats](Look &) { return new ResetRow(stats); },
+        [&stats](Visuals &) { return new ResetRow(stats); },
     };
 }
 

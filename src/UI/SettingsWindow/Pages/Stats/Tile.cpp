@@ -1,8 +1,8 @@
 #include "UI/SettingsWindow/Pages/Stats/Tile.h"
 
 #include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/Look.h"
 #include "UI/Controls/Pixels.h"
+#include "UI/Controls/Visuals.h"
 #include "UI/Fonts.h"
 
 #include <QAccessibleWidget>
@@ -21,7 +21,7 @@ constexpr int between = 2;
 
 class TileWidget final : public QWidget, public AccessibleControl {
 public:
-    TileWidget(Look &look, const Tile &tile) : look_(look), tile_(tile) {
+    TileWidget(Visuals &visuals, const Tile &tile) : visuals_(visuals), tile_(tile) {
         setAccessibleName(tile.label);
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     }
@@ -36,14 +36,14 @@ public:
 protected:
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
-        drawBody(painter, rect(), radius, look_.palette().window, Qt::transparent);
+        drawBody(painter, rect(), radius, visuals_.palette().window, Qt::transparent);
         const QFont number = numberFont();
         const QFontMetricsF metrics(number, this);
         painter.setFont(number);
-        painter.setPen(look_.palette().text);
+        painter.setPen(visuals_.palette().text);
         drawNumber(painter, padding + metrics.ascent(), fonts::tabularWidth(metrics, tile_.value));
         painter.setFont(captionFont());
-        painter.setPen(look_.palette().secondaryText);
+        painter.setPen(visuals_.palette().secondaryText);
         const QRectF place(padding, padding + metrics.height() + between, width() - 2 * padding, height());
         painter.drawText(
             place, Qt::AlignLeft | Qt::AlignTop,
@@ -75,17 +75,17 @@ private:
         painter.restore();
     }
 
-    QFont numberFont() const { return look_.font(24, QFont::Light); }
-    QFont captionFont() const { return look_.font(11); }
+    QFont numberFont() const { return visuals_.font(24, QFont::Light); }
+    QFont captionFont() const { return visuals_.font(11); }
 
-    Look &look_;
+    Visuals &visuals_;
     Tile tile_;
 };
 
 } // namespace
 
-QWidget *Tile::make(Look &look) const {
-    return new TileWidget(look, *this);
+QWidget *Tile::make(Visuals &visuals) const {
+    return new TileWidget(visuals, *this);
 }
 
 } // namespace pavonel

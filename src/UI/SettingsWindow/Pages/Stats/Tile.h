@@ -6,14 +6,14 @@ class QWidget;
 
 namespace pavonel {
 
-class Look;
+class Visuals;
 
 /// A large number with a caption. Stands beside others of its kind, in a grid.
 struct Tile {
     QString value;
     QString label;
 
-    QWidget *make(Look &look) const;
+    QWidget *make(Visuals &visuals) const;
 };
 
 } // namespace pavonel

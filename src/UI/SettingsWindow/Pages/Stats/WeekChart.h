@@ -2,7 +2,7 @@
 
 #include "Core/Stats.h"
 #include "UI/Controls/AccessibleControl.h"
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QWidget>
 
@@ -15,7 +15,7 @@ namespace pavonel {
 /// reader gets those of all.
 class WeekChart : public QWidget, public AccessibleControl {
 public:
-    explicit WeekChart(Look &look);
+    explicit WeekChart(Visuals &visuals);
 
     void setDays(std::vector<LabelledDay> days);
 
@@ -49,7 +49,7 @@ private:
     void paintLegend(QPainter &painter) const;
     void paintDay(QPainter &painter, std::size_t day) const;
 
-    Look &look_;
+    Visuals &visuals_;
     std::vector<LabelledDay> days_;
     std::optional<std::size_t> hovered_;
 };

@@ -1,4 +1,4 @@
-#include "Waiter.h"
+#include "Subscriber.h"
 
 #include "Clock.h"
 
@@ -36,29 +36,29 @@ std::string comeBack() {
 
 } // namespace
 
-void Waiter::offer(const PhoneState &state) {
+void Subscriber::offer(const PhoneState &state) {
     if (state.version <= state_.version)
         return;
     state_ = state;
     wake_.cancel();
 }
 
-void Waiter::sendAway() {
+void Subscriber::sendAway() {
     sentAway_ = true;
     wake_.cancel();
 }
 
-void Waiter::hangUp() {
+void Subscriber::hangUp() {
     gone_ = true;
     over_ = true;
     wake_.cancel();
 }
 
-bool Waiter::hasEnded() const {
+bool Subscriber::hasEnded() const {
     return !state_.current || state_.current->endsAt <= nowMilliseconds();
 }
 
-std::string Waiter::next() {
+std::string Subscriber::next() {
     if (over_)
         return {};
     std::string text = news();
@@ -70,7 +70,7 @@ std::string Waiter::next() {
     return text;
 }
 
-std::string Waiter::news() {
+std::string Subscriber::news() {
     const bool isNew = state_.version != toldVersion_;
     const bool first = toldVersion_ == 0;
     toldVersion_ = state_.version;
@@ -92,7 +92,7 @@ std::string Waiter::news() {
     return comeBack();
 }
 
-std::chrono::steady_clock::time_point Waiter::due() const {
+std::chrono::steady_clock::time_point Subscriber::due() const {
     const auto heartbeat = lastWord_ + heartbeat_;
     if (!showsBreak_)
         return heartbeat;
@@ -100,7 +100,7 @@ std::chrono::steady_clock::time_point Waiter::due() const {
     return std::min(heartbeat, std::chrono::steady_clock::now() + left);
 }
 
-net::awaitable<void> Waiter::wait() {
+net::awaitable<void> Subscriber::wait() {
     wake_.expires_at(over_ ? std::chrono::steady_clock::time_point::max() : due());
     boost::system::error_code woken;
     co_await wake_.async_wait(net::redirect_error(net::use_awaitable, woken));

@@ -13,9 +13,9 @@ namespace net = boost::asio;
 
 /// One phone that waits: what it has been told, and what it is to be told next, as server-sent events.
 /// Of several changes that come while it is being told, only the last is left to tell.
-class Waiter {
+class Subscriber {
 public:
-    Waiter(const net::any_io_executor &executor, std::string phone, std::chrono::seconds heartbeat)
+    Subscriber(const net::any_io_executor &executor, std::string phone, std::chrono::seconds heartbeat)
         : phone_(std::move(phone)), heartbeat_(heartbeat), wake_(executor) {}
 
     const std::string &phone() const { return phone_; }

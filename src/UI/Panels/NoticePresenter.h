@@ -8,7 +8,7 @@ namespace pavonel {
 
 /// Fades one notice in at a time, on the main screen; those that it hides fade out on their own, retired. The
 /// one that is shown follows its screen, and goes to the main one when its own goes.
-class PanelStage {
+class NoticePresenter {
 public:
     struct Notice {
         std::function<std::unique_ptr<FloatingPanel>()> make;
@@ -17,15 +17,15 @@ public:
         Seconds fadeOut;
     };
 
-    explicit PanelStage(Platform &platform);
+    explicit NoticePresenter(Platform &platform);
 
     /// In place of one that is shown.
     void show(Notice notice);
     void hide();
 
 private:
-    struct Actor {
-        Actor(Platform &platform, std::unique_ptr<FloatingPanel> newcomer);
+    struct FadingPanel {
+        FadingPanel(Platform &platform, std::unique_ptr<FloatingPanel> newcomer);
 
         std::unique_ptr<FloatingPanel> panel;
         Fade fade;
@@ -44,8 +44,8 @@ private:
     Platform &platform_;
     Notice notice_;
     Place place_;
-    std::unique_ptr<Actor> shown_;
-    std::vector<std::unique_ptr<Actor>> leaving_;
+    std::unique_ptr<FadingPanel> shown_;
+    std::vector<std::unique_ptr<FadingPanel>> leaving_;
     ScreenChanges screenChanges_;
 };
 

@@ -1,4 +1,4 @@
-#include "EndToEnd/UpdateBench.h"
+#include "EndToEnd/ReleaseFixture.h"
 
 #include "support/files.h"
 #include "support/waitUntil.h"
@@ -15,7 +15,7 @@ const QString bash = QStringLiteral("bash");
 
 } // namespace
 
-UpdateBench::UpdateBench() {
+ReleaseFixture::ReleaseFixture() {
     home.environment().insert(QStringLiteral("PAVONEL_UPDATE_FEED"), server.url("/updates.json").toString());
     home.environment().insert(QStringLiteral("url"), server.url().toString());
     home.environment().insert(QStringLiteral("project"), QStringLiteral(PAVONEL_SOURCE_DIR));
@@ -25,37 +25,37 @@ UpdateBench::UpdateBench() {
     shell("make_keys team; make_keys stranger");
 }
 
-UpdateBench::~UpdateBench() {
+ReleaseFixture::~ReleaseFixture() {
     EXPECT_TRUE(endProcessesIn(path("Applications")));
 }
 
-QByteArray UpdateBench::shell(const QByteArray &commands) {
+QByteArray ReleaseFixture::shell(const QByteArray &commands) {
     const auto result = tryShell(commands);
     EXPECT_EQ(result.status, 0) << commands.toStdString() << "\n"
                                 << (result.output + result.errors).toStdString();
     return result.output;
 }
 
-ChildProcess::Result UpdateBench::tryShell(const QByteArray &commands) {
+ChildProcess::Result ReleaseFixture::tryShell(const QByteArray &commands) {
     const QByteArray prelude =
-        "cd -- '" + QFile::encodeName(path("")) + "' && . \"$project/tests/EndToEnd/update-bench\"\n";
+        "cd -- '" + QFile::encodeName(path("")) + "' && . \"$project/tests/EndToEnd/release-fixture\"\n";
     return ChildProcess::run(bash, {QStringLiteral("-c"), QString::fromUtf8(prelude + commands)},
                              home.environment());
 }
 
-bool UpdateBench::exists(const char *inHome) const {
+bool ReleaseFixture::exists(const char *inHome) const {
     return QFileInfo::exists(path(inHome));
 }
 
-QByteArray UpdateBench::read(const char *inHome) const {
+QByteArray ReleaseFixture::read(const char *inHome) const {
     return readFile(path(inHome));
 }
 
-void UpdateBench::write(const char *inHome, const QByteArray &content) const {
+void ReleaseFixture::write(const char *inHome, const QByteArray &content) const {
     writeFile(path(inHome), content);
 }
 
-std::unique_ptr<ChildProcess> UpdateBench::startUpdate(const QByteArray &commandsBefore) {
+std::unique_ptr<ChildProcess> ReleaseFixture::startUpdate(const QByteArray &commandsBefore) {
     const QString program = installed() + QStringLiteral("/pavonel");
     const QString updateNow = QStringLiteral("--update-now");
     if (commandsBefore.isEmpty())
@@ -67,7 +67,7 @@ std::unique_ptr<ChildProcess> UpdateBench::startUpdate(const QByteArray &command
         home.environment());
 }
 
-UpdateBench::Update UpdateBench::updateNow(const QByteArray &commandsBefore) {
+ReleaseFixture::Update ReleaseFixture::updateNow(const QByteArray &commandsBefore) {
     const auto program = startUpdate(commandsBefore);
     const bool ended = waitUntil([&] { return !program->isRunning(); });
     EXPECT_TRUE(ended) << "the update neither succeeded nor failed";
@@ -78,7 +78,7 @@ UpdateBench::Update UpdateBench::updateNow(const QByteArray &commandsBefore) {
             process.readAllStandardError()};
 }
 
-void UpdateBench::serve(const HttpServer::Request &request, QTcpSocket &connection) {
+void ReleaseFixture::serve(const HttpServer::Request &request, QTcpSocket &connection) {
     if (answer)
         return answer(request, connection);
     QFile file(path("site") + QString::fromUtf8(request.line().split(' ').value(1)));

@@ -13,9 +13,9 @@ struct Platform;
 
 /// What the controls of one window share: colours, type sizes, and the way things move. A control reads it
 /// whenever it paints, so that a repaint is all that a change of the user's wishes needs.
-class Look {
+class Visuals {
 public:
-    explicit Look(Platform &platform);
+    explicit Visuals(Platform &platform);
 
     const Palette &palette() const { return palette_; }
 

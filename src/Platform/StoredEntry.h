@@ -5,13 +5,13 @@
 namespace pavonel {
 
 /// What lies in the store on the disk under one key.
-struct StoredLook {
+struct StoredEntry {
     std::optional<StoredValue> value; ///< Absent when there is none, or none that can be read.
     bool isDamaged = false;           ///< There is something that cannot be read.
 };
 
-/// Looks without a change to anything, whichever process the store belongs to at the moment. That one may
+/// Changes nothing, whichever process the store belongs to at the moment. That one may
 /// know more already: see `UserDefaults::setLazily`.
-StoredLook lookIntoStore(const QString &key);
+StoredEntry readStoredEntry(const QString &key);
 
 } // namespace pavonel

@@ -16,11 +16,11 @@ namespace pavonel::test {
 
 /// A private folder with a program folder in it, where tests put tools of their own. What those leave in the
 /// folder is how a test sees them; `leaveAlive` in a tool names it for ending.
-class Workshop : public testing::Test {
+class ToolFixture : public testing::Test {
 protected:
-    Workshop() { QDir(folder()).mkpath(QStringLiteral("program/libexec/pavonel")); }
+    ToolFixture() { QDir(folder()).mkpath(QStringLiteral("program/libexec/pavonel")); }
 
-    ~Workshop() override {
+    ~ToolFixture() override {
         for (const QString &name : QDir(folder()).entryList({QStringLiteral("*.pid")}))
             ::kill(read(name).toInt(), SIGKILL);
     }
@@ -29,7 +29,7 @@ protected:
     QString path(const QString &name) const { return folder() + u'/' + name; }
     ProgramFiles files() const { return ProgramFiles(path(QStringLiteral("program/pavonel"))); }
 
-    /// Writes an executable shell script whose working folder is the workshop.
+    /// Writes an executable shell script whose working folder is the fixture.
     QString addScript(const QString &name, const QByteArray &commands) const {
         const QString script = path(name);
         write(name, "#!/bin/sh\ncd '" + QFile::encodeName(folder()) + "' || exit\n" + commands + '\n');

@@ -1,4 +1,4 @@
-#include "UI/Controls/Look.h"
+#include "UI/Controls/Visuals.h"
 
 #include "Platform/Platform.h"
 #include "UI/Controls/Pixels.h"
@@ -24,44 +24,44 @@ double wishedTextScale() {
 
 } // namespace
 
-Look::Look(Platform &platform)
+Visuals::Visuals(Platform &platform)
     : platform_(platform), palette_(platform.appearance->wishes()), textScale_(wishedTextScale()) {}
 
-void Look::refresh() {
+void Visuals::refresh() {
     palette_ = Palette(platform_.appearance->wishes());
 }
 
-bool Look::refreshTextSize() {
+bool Visuals::refreshTextSize() {
     const double before = std::exchange(textScale_, wishedTextScale());
     return textScale_ != before;
 }
 
-QFont Look::font(int size, QFont::Weight weight) const {
+QFont Visuals::font(int size, QFont::Weight weight) const {
     return fonts::ui(length(size), weight);
 }
 
-int Look::length(int points) const {
+int Visuals::length(int points) const {
     return static_cast<int>(std::lround(points * textScale_));
 }
 
-int Look::lineHeight(int points) const {
+int Visuals::lineHeight(int points) const {
     constexpr int line = 16;
     return points + length(line) - line;
 }
 
-MainLoop &Look::loop() const {
+MainLoop &Visuals::loop() const {
     return *platform_.mainLoop;
 }
 
-Appearance &Look::appearance() const {
+Appearance &Visuals::appearance() const {
     return *platform_.appearance;
 }
 
-bool Look::canBlend() const {
+bool Visuals::canBlend() const {
     return platform_.windowLayers->canBlend();
 }
 
-QPalette Look::toolkitPalette() const {
+QPalette Visuals::toolkitPalette() const {
     QPalette toolkit;
     toolkit.setColor(QPalette::Window, palette_.card);
     toolkit.setColor(QPalette::Base, palette_.plainButton.fill);

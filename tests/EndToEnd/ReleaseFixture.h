@@ -10,14 +10,14 @@ namespace pavonel::test {
 
 /// A team that makes releases of the built program, a web site that serves them, and the home of a user who
 /// installed one.
-class UpdateBench : public testing::Test {
+class ReleaseFixture : public testing::Test {
 protected:
-    UpdateBench();
+    ReleaseFixture();
     /// Ends whatever runs of the installed copy.
-    ~UpdateBench() override;
+    ~ReleaseFixture() override;
 
-    /// Runs commands of bash in the home, with the functions of the file "update-bench", and gives what they
-    /// printed. Fails the test when they fail.
+    /// Runs commands of bash in the home, with the functions of the file "release-fixture", and gives what
+    /// they printed. Fails the test when they fail.
     QByteArray shell(const QByteArray &commands);
     /// The status and the complaints of the same.
     ChildProcess::Result tryShell(const QByteArray &commands);

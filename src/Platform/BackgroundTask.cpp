@@ -1,4 +1,4 @@
-#include "Platform/Errand.h"
+#include "Platform/BackgroundTask.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -11,16 +11,16 @@ namespace pavonel {
 
 namespace {
 
-std::atomic<int> atWork = 0;
+std::atomic<int> runningTasks = 0;
 
 } // namespace
 
-struct Errand::State {
-    enum class Status { atWork, done, over };
+struct BackgroundTask::State {
+    enum class Status { running, done, over };
 
     std::mutex guard;
     std::condition_variable changed;
-    Status status = Status::atWork; ///< Over once the action was taken or is wanted no more.
+    Status status = Status::running; ///< Over once the action was taken or is wanted no more.
     Action action;
 
     void run() {
@@ -28,14 +28,14 @@ struct Errand::State {
         if (status != Status::done)
             return;
         status = Status::over;
-        const Action taken = std::move(action); // it may destroy the errand
+        const Action taken = std::move(action); // it may destroy the task
         lock.unlock();
         if (taken)
             taken();
     }
 };
 
-Errand &Errand::operator=(Errand &&other) noexcept {
+BackgroundTask &BackgroundTask::operator=(BackgroundTask &&other) noexcept {
     if (this != &other) {
         drop();
         state_ = std::move(other.state_);
@@ -43,19 +43,19 @@ Errand &Errand::operator=(Errand &&other) noexcept {
     return *this;
 }
 
-Errand Errand::begin(MainLoop &loop, Work work) {
+BackgroundTask BackgroundTask::start(MainLoop &loop, Work work) {
     const auto state = std::make_shared<State>();
-    ++atWork;
-    const auto errand = [state, &loop, work = std::move(work)] { workOn(state, loop, work); };
+    ++runningTasks;
+    const auto thread = [state, &loop, work = std::move(work)] { workOn(state, loop, work); };
     try {
-        std::thread(errand).detach();
+        std::thread(thread).detach();
     } catch (const std::system_error &) {
-        errand();
+        thread();
     }
-    return Errand(state);
+    return BackgroundTask(state);
 }
 
-void Errand::workOn(const std::shared_ptr<State> &state, MainLoop &loop, const Work &work) {
+void BackgroundTask::workOn(const std::shared_ptr<State> &state, MainLoop &loop, const Work &work) {
     Action action = work();
     const std::scoped_lock lock(state->guard);
     // Otherwise the loop may be gone with whoever wanted this.
@@ -64,29 +64,29 @@ void Errand::workOn(const std::shared_ptr<State> &state, MainLoop &loop, const W
         state->status = State::Status::done;
         loop.post([state] { state->run(); });
     }
-    --atWork; // before anybody learns that it is done
+    --runningTasks; // before anybody learns that it is done
     state->changed.notify_all();
 }
 
-bool Errand::isOut() const {
+bool BackgroundTask::isPending() const {
     if (!state_)
         return false;
     const std::scoped_lock lock(state_->guard);
     return state_->status != State::Status::over;
 }
 
-void Errand::await(std::chrono::milliseconds patience) {
+void BackgroundTask::await(std::chrono::milliseconds timeout) {
     if (!state_)
         return;
     const auto state = state_;
     {
         std::unique_lock lock(state->guard);
-        state->changed.wait_for(lock, patience, [&] { return state->status != State::Status::atWork; });
+        state->changed.wait_for(lock, timeout, [&] { return state->status != State::Status::running; });
     }
     state->run();
 }
 
-void Errand::drop() {
+void BackgroundTask::drop() {
     if (!state_)
         return;
     Action unwanted; // goes after the lock: it can hold anything
@@ -95,8 +95,8 @@ void Errand::drop() {
     unwanted = std::exchange(state_->action, {});
 }
 
-bool Errand::anyAtWork() {
-    return atWork > 0;
+bool BackgroundTask::anyRunning() {
+    return runningTasks > 0;
 }
 
 } // namespace pavonel
