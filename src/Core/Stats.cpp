@@ -8,6 +8,7 @@
 #include <QLocale>
 
 #include <cmath>
+#include <utility>
 
 namespace pavonel {
 
@@ -113,7 +114,10 @@ void Stats::persist(Instant now) {
         if (cutOff.isValid())
             days_.erase(days_.begin(), days_.lower_bound(dayKey(cutOff)));
     }
-    defaults_.setLazily(key, [this] { return encodeDays(); });
+    if (std::exchange(isStoredLazily_, true))
+        defaults_.noteChange(key);
+    else
+        defaults_.setLazily(key, [this] { return encodeDays(); });
 }
 
 std::optional<StoredValue> Stats::encodeDays() {

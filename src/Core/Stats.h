@@ -74,6 +74,7 @@ private:
     const MainLoop &loop_;
     Today today_;
     Days days_;
+    bool isStoredLazily_ = false; ///< From the first change on, so that a store without one stays as it is.
     /// Each day as it was last encoded: of all that is written every minute, only today changes.
     std::map<QString, std::pair<Day, QByteArray>> encoded_;
 };

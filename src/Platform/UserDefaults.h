@@ -37,6 +37,9 @@ public:
     /// the value is on disk within a minute. It must stay callable as long as the store or until replaced.
     virtual void setLazily(const QString &key, Encoder encode) = 0;
 
+    /// That what the key's encoder yields is another value by now; it too is on disk within a minute.
+    virtual void noteChange(const QString &key) = 0;
+
     virtual void remove(const QString &key) = 0;
 
     /// Begins to write what is pending, without waiting for the disk. A write that fails stays pending and is

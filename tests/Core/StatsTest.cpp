@@ -52,6 +52,17 @@ TEST(Stats, a_fresh_store_has_a_zero_today_and_a_week_of_zero_days) {
     EXPECT_EQ(labels.join(u' '), QStringLiteral("Tue Wed Thu Fri Sat Sun Mon"));
 }
 
+TEST(Stats, how_they_are_stored_is_said_once_and_that_they_changed_each_time) {
+    StatsFixture fixture;
+    Stats stats = fixture.loaded();
+    EXPECT_EQ(fixture.platform.fakeDefaults.registrations, 0);
+    for (int second = 1; second <= 3; ++second)
+        stats.setToday(Day{.screenSeconds = double(second)});
+    EXPECT_EQ(fixture.platform.fakeDefaults.registrations, 1);
+    EXPECT_EQ(fixture.platform.fakeDefaults.changes, QStringList(2, Stats::key));
+    EXPECT_EQ(fixture.stored().value(dayKey(QDate(2026, 3, 9)))[u"screenSeconds"], 3);
+}
+
 TEST(Stats, the_last_week_runs_from_six_days_ago_to_today) {
     StatsFixture fixture;
     Stats stats = fixture.loaded();

@@ -22,9 +22,14 @@ TEST_F(BorrowedDefaultsTest, what_is_set_is_in_the_store_at_once_beside_all_else
     EXPECT_EQ(object(), (QJsonObject{{QStringLiteral("microInterval"), 900}, {key, true}}));
     EXPECT_EQ(borrowed.value(key), StoredValue(true));
     borrowed.remove(key);
-    borrowed.setLazily(QStringLiteral("lazy"), [] { return StoredValue(false); });
+    bool lazy = false;
+    borrowed.setLazily(QStringLiteral("lazy"), [&] { return StoredValue(lazy); });
     EXPECT_EQ(object(),
               (QJsonObject{{QStringLiteral("microInterval"), 900}, {QStringLiteral("lazy"), false}}));
+    lazy = true;
+    borrowed.noteChange(QStringLiteral("lazy"));
+    EXPECT_EQ(object(),
+              (QJsonObject{{QStringLiteral("microInterval"), 900}, {QStringLiteral("lazy"), true}}));
 }
 
 TEST_F(BorrowedDefaultsTest, what_another_wrote_in_between_stays) {

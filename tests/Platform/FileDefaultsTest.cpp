@@ -139,9 +139,9 @@ TEST_F(FileDefaultsTest, a_lazy_change_alone_is_on_disk_within_a_minute_and_no_s
     open();
     int encodings = 0;
     int seconds = 0;
+    store->setLazily(QStringLiteral("stats.days"), [&] { return ++encodings, QByteArray::number(seconds); });
     for (; seconds < 50; ++seconds) {
-        store->setLazily(QStringLiteral("stats.days"),
-                         [&] { return ++encodings, QByteArray::number(seconds); });
+        store->noteChange(QStringLiteral("stats.days"));
         loop.advance(1);
     }
     EXPECT_EQ(encodings, 0);
@@ -149,6 +149,16 @@ TEST_F(FileDefaultsTest, a_lazy_change_alone_is_on_disk_within_a_minute_and_no_s
     loop.advance(10);
     EXPECT_EQ(encodings, 1);
     EXPECT_EQ(get<QByteArray>(reopen(), "stats.days"), "50");
+}
+
+TEST_F(FileDefaultsTest, a_lazy_value_that_changes_again_is_on_disk_within_another_minute) {
+    QByteArray days("old");
+    open().setLazily(QStringLiteral("stats.days"), [&] { return days; });
+    loop.advance(60);
+    days = "new";
+    store->noteChange(QStringLiteral("stats.days"));
+    loop.advance(60);
+    EXPECT_EQ(get<QByteArray>(reopen(), "stats.days"), "new");
 }
 
 TEST_F(FileDefaultsTest, a_change_takes_the_lazy_ones_along) {

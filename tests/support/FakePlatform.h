@@ -23,7 +23,9 @@ template <class Service> struct Limited : Service {
 struct FakeDefaults final : UserDefaults {
     mutable QHash<QString, StoredValue> values;
     mutable QHash<QString, Encoder> encoders;
-    QStringList written; ///< The keys in the order of their writing.
+    QStringList written;   ///< The keys in the order of their writing.
+    QStringList changes;   ///< The keys whose encoders are told to yield another value.
+    int registrations = 0; ///< Of encoders.
     int saves = 0;
 
     std::optional<StoredValue> value(const QString &key) const override {
@@ -39,7 +41,11 @@ struct FakeDefaults final : UserDefaults {
         encoders.remove(key);
         values[key] = std::move(value);
     }
-    void setLazily(const QString &key, Encoder encode) override { encoders[key] = std::move(encode); }
+    void setLazily(const QString &key, Encoder encode) override {
+        ++registrations;
+        encoders[key] = std::move(encode);
+    }
+    void noteChange(const QString &key) override { changes.append(key); }
     void remove(const QString &key) override {
         encoders.remove(key);
         values.remove(key);

@@ -30,7 +30,13 @@ void BorrowedDefaults::set(const QString &key, StoredValue value) {
 }
 
 void BorrowedDefaults::setLazily(const QString &key, Encoder encode) {
-    if (auto value = encode())
+    encoders_[key] = std::move(encode);
+    noteChange(key);
+}
+
+void BorrowedDefaults::noteChange(const QString &key) {
+    const auto encoder = encoders_.find(key);
+    if (auto value = encoder == encoders_.end() ? std::nullopt : encoder->second())
         set(key, std::move(*value));
 }
 

@@ -3,6 +3,8 @@
 #include "Platform/MainLoop.h"
 #include "Platform/UserDefaults.h"
 
+#include <map>
+
 namespace pavonel {
 
 /// The store as seen by a process that may run beside the one to which it belongs. It is opened anew for each
@@ -15,6 +17,7 @@ public:
     std::optional<StoredValue> value(const QString &key) const override;
     void set(const QString &key, StoredValue value) override;
     void setLazily(const QString &key, Encoder encode) override;
+    void noteChange(const QString &key) override;
     void remove(const QString &key) override;
     void save() override {} ///< Nothing is ever pending.
     void flush() override {}
@@ -25,6 +28,7 @@ private:
     QString path_;
     QString lockPath_;
     MainLoop &loop_;
+    std::map<QString, Encoder> encoders_;
 };
 
 } // namespace pavonel

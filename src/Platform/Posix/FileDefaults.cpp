@@ -89,6 +89,10 @@ void FileDefaults::set(const QString &key, StoredValue value) {
 
 void FileDefaults::setLazily(const QString &key, Encoder encode) {
     encoders_[key] = std::move(encode);
+    noteChange(key);
+}
+
+void FileDefaults::noteChange(const QString &) {
     schedule(Urgency::whenConvenient);
 }
 

@@ -27,6 +27,7 @@ public:
     std::optional<StoredValue> value(const QString &key) const override;
     void set(const QString &key, StoredValue value) override;
     void setLazily(const QString &key, Encoder encode) override;
+    void noteChange(const QString &key) override;
     void remove(const QString &key) override;
     void save() override;
     void flush() override;
