@@ -10,6 +10,8 @@
 #include <cstring>
 #include <utility>
 
+#include <xcb/xcb_icccm.h>
+
 namespace pavonel {
 
 namespace {
@@ -167,11 +169,9 @@ void EmbeddedTray::dock() {
     const xcb_atom_t info = x_->atom("_XEMBED_INFO");
     xcb_change_property(x_->xcb(), XCB_PROP_MODE_REPLACE, window_, info, info, 32, 2, versionAndMapped);
     constexpr char windowClass[] = "pavonel\0pavonel";
-    xcb_change_property(x_->xcb(), XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
-                        sizeof windowClass, windowClass);
+    xcb_icccm_set_wm_class(x_->xcb(), window_, sizeof windowClass, windowClass);
     constexpr char name[] = "Pavonel";
-    xcb_change_property(x_->xcb(), XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
-                        sizeof name - 1, name);
+    xcb_icccm_set_wm_name(x_->xcb(), window_, XCB_ATOM_STRING, 8, sizeof name - 1, name);
     hintSize();
 
     constexpr std::uint32_t requestDock = 0;
@@ -212,12 +212,9 @@ void EmbeddedTray::resizeToContent() {
 }
 
 void EmbeddedTray::hintSize() {
-    // Trays go by the smallest size in WM_NORMAL_HINTS (ICCCM), whose flag for it is 1 << 4.
-    std::uint32_t hints[18] = {1U << 4U};
-    hints[5] = static_cast<std::uint32_t>(wantedWidth());
-    hints[6] = static_cast<std::uint32_t>(size_.height());
-    xcb_change_property(x_->xcb(), XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NORMAL_HINTS,
-                        XCB_ATOM_WM_SIZE_HINTS, 32, 18, hints);
+    xcb_size_hints_t hints{};
+    xcb_icccm_size_hints_set_min_size(&hints, wantedWidth(), size_.height()); // by which trays go
+    xcb_icccm_set_wm_normal_hints(x_->xcb(), window_, &hints);
 }
 
 void EmbeddedTray::draw() {

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include <xcb/shape.h>
+#include <xcb/xcb_icccm.h>
 
 namespace pavonel {
 
@@ -73,8 +74,7 @@ Qt::WindowFlags X11WindowLayers::windowFlags(WindowLayer layer) const {
 void X11WindowLayers::show(QWindow &window, WindowLayer layer, const Screen &screen) {
     const xcb_window_t id = numberOf(window);
     constexpr char windowClass[] = "pavonel\0pavonel"; // whatever name the program was started under
-    xcb_change_property(connection_->xcb(), XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
-                        sizeof windowClass, windowClass);
+    xcb_icccm_set_wm_class(connection_->xcb(), id, sizeof windowClass, windowClass);
     forget(&window);
     windows_.push_back({&window, id, layer, screen.name});
     QObject::connect(&window, &QWindow::visibleChanged, &checkSoon_, [this] { followVisibility(); });
