@@ -41,8 +41,8 @@ qsizetype threads() {
 
 class Ticks {
 public:
-    Ticks(pavonel::Platform &platform, const pavonel::Settings &settings)
-        : monitor_(platform), settings_(settings) {}
+    Ticks(const pavonel::SensorServices &sensors, const pavonel::Settings &settings)
+        : monitor_(sensors), settings_(settings) {}
 
     void run(int count, int pause) {
         QEventLoop loop;

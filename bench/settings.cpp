@@ -74,9 +74,10 @@ int main(int argc, char **argv) {
     QApplication::setStyle(new Style(platform));
     Settings &settings = Settings::shared();
     Stats &stats = Stats::shared();
-    BreakController controller(platform, settings, stats, nullptr);
-    SettingsWindowController window(
-        {platform, controller, settings, stats, Phone::shared(), HotKeyManager::shared(), Updater::shared()});
+    SettingsWindowController window({platform, platform, *platform.pointer, *platform.installedApplications,
+                                     *platform.sounds, *platform.processes, *platform.loginItem,
+                                     *platform.power, *platform.statusItem, *platform.defaults, settings,
+                                     stats, Phone::shared(), HotKeyManager::shared(), Updater::shared()});
 
     bool kept = report("opening the settings for the first time", timeToPaint([&] { window.show(); }), 200);
     double slowest = 0;

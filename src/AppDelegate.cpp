@@ -13,7 +13,9 @@ namespace pavonel {
 AppDelegate::AppDelegate(Platform &platform, Settings &settings, Stats &stats, HotKeyManager &hotKeys,
                          Phone &phone, Updater &updater)
     : platform_(platform), settings_(settings), stats_(stats), hotKeys_(hotKeys), phone_(phone),
-      updater_(updater), controller_(platform, settings, stats, &phone), toast_(platform) {}
+      updater_(updater), controller_({*platform.mainLoop, platform, *platform.processes, *platform.sounds},
+                                     settings, stats, &phone),
+      toast_(platform) {}
 
 AppDelegate::~AppDelegate() {
     platform_.power->onWake({}); // the platform stays when we go
@@ -22,10 +24,13 @@ AppDelegate::~AppDelegate() {
 void AppDelegate::setUp() {
     overlays_.emplace(platform_, controller_, settings_, hotKeys_);
     headsUp_.emplace(platform_, controller_, settings_);
-    floating_.emplace(platform_, controller_);
-    settingsWindow_.emplace(
-        PageContext{platform_, controller_, settings_, stats_, phone_, hotKeys_, updater_});
-    menuBar_.emplace(platform_, controller_, settings_, stats_, [this] { settingsWindow_->show(); });
+    floating_.emplace(platform_, *platform_.pointer, controller_);
+    settingsWindow_.emplace(PageContext{
+        platform_, platform_, *platform_.pointer, *platform_.installedApplications, *platform_.sounds,
+        *platform_.processes, *platform_.loginItem, *platform_.power, *platform_.statusItem,
+        *platform_.defaults, settings_, stats_, phone_, hotKeys_, updater_});
+    menuBar_.emplace(*platform_.statusItem, *platform_.mainLoop, controller_, settings_, stats_,
+                     [this] { settingsWindow_->show(); });
     connectController();
     repairLoginItem();
     if (settings_.hotKeysEnabled)

@@ -17,6 +17,7 @@ namespace pavonel {
 
 class HotKeyManager;
 class Phone;
+struct Platform;
 class Updater;
 
 /// Builds every long-lived object and connects them; nothing else does.

@@ -4,7 +4,7 @@
 #include "UI/Backgrounds.h"
 #include "UI/BreakOverlayView.h"
 #include "UI/Theme.h"
-#include "support/FakePlatform.h"
+#include "support/Scenario.h"
 #include "support/files.h"
 
 #include <QApplication>
@@ -93,7 +93,7 @@ public:
 
 private:
     Stats stats{platform.fakeDefaults, platform.loop};
-    BreakController controller{platform, settings, stats};
+    BreakController controller{test::servicesOf(platform), settings, stats};
     Backgrounds backgrounds{settings, platform.loop};
 };
 

@@ -70,7 +70,7 @@ void drawColumn(Sheet &sheet, Scenario &scenario) {
     drawHeadsUp(sheet, scenario, BreakKind::long_, QStringLiteral("Long break"), Strictness::strict);
     drawHeadsUp(sheet, scenario, BreakKind::planned,
                 QStringLiteral("A long lunch with the people from the office upstairs"), Strictness::lenient);
-    FloatingCountdownController countdown(scenario.platform, scenario.controller);
+    FloatingCountdownController countdown(scenario.platform, scenario.platform.mouse, scenario.controller);
     countdown.show();
     sheet.take(QStringLiteral("Pavonel Countdown"));
     ToastController toast(scenario.platform);

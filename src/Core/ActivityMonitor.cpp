@@ -1,7 +1,11 @@
 #include "Core/ActivityMonitor.h"
 
 #include "Core/Settings.h"
-#include "Platform/Platform.h"
+#include "Platform/Applications.h"
+#include "Platform/AudioDevices.h"
+#include "Platform/IdleTime.h"
+#include "Platform/Screens.h"
+#include "Platform/WindowList.h"
 
 #include <QSet>
 
@@ -34,17 +38,17 @@ bool hasSizeOf(const QRectF &bounds, const QRectF &screen) {
 } // namespace
 
 Seconds ActivityMonitor::idleSeconds() const {
-    return platform_.idleTime->idleSeconds();
+    return sensors_.idleTime.idleSeconds();
 }
 
 std::optional<PauseReason> ActivityMonitor::currentPauseReason(const Settings &settings) const {
-    if (settings.pauseOnMicrophone && platform_.audioDevices->isDefaultInputRunning())
+    if (settings.pauseOnMicrophone && sensors_.audioDevices.isDefaultInputRunning())
         return PauseReason::microphone;
     if (settings.pauseOnScreenSharing && isRecordingAppActive())
         return PauseReason::screenSharing;
     if (settings.pauseOnFullscreen && isFrontmostFullscreen())
         return PauseReason::fullscreen;
-    if (settings.pauseOnAudio && platform_.audioDevices->isDefaultOutputRunning())
+    if (settings.pauseOnAudio && sensors_.audioDevices.isDefaultOutputRunning())
         return PauseReason::audio;
     if (isFocusAppInFront(settings))
         return PauseReason::deepFocus;
@@ -52,20 +56,20 @@ std::optional<PauseReason> ActivityMonitor::currentPauseReason(const Settings &s
 }
 
 bool ActivityMonitor::isRecordingAppActive() const {
-    const auto running = platform_.applications->running();
+    const auto running = sensors_.applications.running();
     return std::any_of(running.begin(), running.end(), [](const Application &application) {
         return recordingBundleIDs().contains(application.bundleIdentifier);
     });
 }
 
 bool ActivityMonitor::isFrontmostFullscreen() const {
-    const auto front = platform_.applications->frontmost();
+    const auto front = sensors_.applications.frontmost();
     if (!front)
         return false;
-    const auto windows = platform_.windowList->onScreenWindows();
+    const auto windows = sensors_.windowList.onScreenWindows();
     if (windows.empty())
         return false;
-    const auto screens = platform_.screens->all();
+    const auto screens = sensors_.screens.all();
     return std::any_of(windows.begin(), windows.end(), [&](const OnScreenWindow &window) {
         if (window.owner != front->processId || window.layer != 0 || !window.bounds)
             return false;
@@ -78,7 +82,7 @@ bool ActivityMonitor::isFocusAppInFront(const Settings &settings) const {
     const QStringList &focusApps = settings.deepFocusApps;
     if (focusApps.isEmpty())
         return false;
-    const auto front = platform_.applications->frontmost();
+    const auto front = sensors_.applications.frontmost();
     return front && !front->bundleIdentifier.isEmpty() && focusApps.contains(front->bundleIdentifier);
 }
 

@@ -1,17 +1,17 @@
 #pragma once
 
 #include "Core/BreakVocabulary.h"
+#include "Platform/SensorServices.h"
 
 namespace pavonel {
 
 class Settings;
-struct Platform;
 
 /// Says how long the user has been away and whether something holds the timer. Keeps no state: every question
-/// is asked afresh of the platform, and a question whose switch is off is not asked at all.
+/// is asked afresh, and a question whose switch is off is not asked at all.
 class ActivityMonitor {
 public:
-    explicit ActivityMonitor(Platform &platform) : platform_(platform) {}
+    explicit ActivityMonitor(const SensorServices &sensors) : sensors_(sensors) {}
 
     /// Since the last keyboard or pointer event; 0 when it cannot be read.
     Seconds idleSeconds() const;
@@ -25,7 +25,7 @@ private:
     bool isFrontmostFullscreen() const;
     bool isFocusAppInFront(const Settings &settings) const;
 
-    Platform &platform_;
+    SensorServices sensors_;
 };
 
 } // namespace pavonel

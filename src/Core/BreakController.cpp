@@ -1,7 +1,8 @@
 #include "Core/BreakController.h"
 
 #include "Core/SystemBits.h"
-#include "Platform/Platform.h"
+#include "Platform/ProcessLauncher.h"
+#include "Platform/Sounds.h"
 
 #include <QRandomGenerator>
 
@@ -36,9 +37,10 @@ QString anyOf(const QStringList &messages) {
 
 } // namespace
 
-BreakController::BreakController(Platform &platform, Settings &settings, Stats &stats, BreakRelay *relay)
-    : platform_(platform), loop_(*platform.mainLoop), s_(settings), stats_(stats), relay_(relay),
-      monitor_(platform), today_(loop_) {}
+BreakController::BreakController(const Services &services, Settings &settings, Stats &stats,
+                                 BreakRelay *relay)
+    : loop_(services.loop), processes_(services.processes), sounds_(services.sounds), s_(settings),
+      stats_(stats), relay_(relay), monitor_(services.sensors), today_(loop_) {}
 
 void BreakController::start() {
     timer_ = loop_.every(oneTick, [this] { tick(); });
@@ -185,7 +187,7 @@ void BreakController::startBreak(BreakKind kind, Initiator, std::optional<Second
     breakMessage = anyOf(s_.messages);
     phase = Phase::breaking;
     playSound(s_.startSound);
-    Automation::run(*platform_.processes, s_.onBreakStartScript);
+    Automation::run(processes_, s_.onBreakStartScript);
     if (relay_)
         relay_->breakStarted(kind, breakTitle, breakTotal);
     if (onBreakStart)
@@ -207,7 +209,7 @@ void BreakController::endBreak(Ending ending, Instant now) {
     } else {
         countSkipped(now);
     }
-    Automation::run(*platform_.processes, s_.onBreakEndScript);
+    Automation::run(processes_, s_.onBreakEndScript);
     if (relay_)
         relay_->breakEnded();
     microElapsed = 0;
@@ -310,7 +312,7 @@ void BreakController::dismissHeadsUp() {
 
 void BreakController::playSound(const QString &name) {
     if (s_.soundEnabled)
-        SoundPlayer::play(*platform_.sounds, name);
+        SoundPlayer::play(sounds_, name);
 }
 
 void BreakController::countSkipped(Instant now) {

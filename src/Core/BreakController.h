@@ -13,14 +13,22 @@
 
 namespace pavonel {
 
-struct Platform;
+class ProcessLauncher;
+class Sounds;
 
 /// The scheduler. One tick a second counts screen time, decides which break comes next and when, and leads
 /// each break from its heads-up to its end. What does not apply in the current phase does nothing.
 class BreakController final : public Observable {
 public:
+    struct Services {
+        MainLoop &loop;
+        SensorServices sensors;
+        ProcessLauncher &processes;
+        Sounds &sounds;
+    };
+
     /// `relay` may be null; everything given must outlive the controller.
-    BreakController(Platform &platform, Settings &settings, Stats &stats, BreakRelay *relay = nullptr);
+    BreakController(const Services &services, Settings &settings, Stats &stats, BreakRelay *relay = nullptr);
 
     Published<Phase> phase{*this, Phase::counting};
     Published<std::optional<PauseReason>> pauseReason{
@@ -102,8 +110,9 @@ private:
         Instant validUntil;
     };
 
-    Platform &platform_;
     MainLoop &loop_;
+    ProcessLauncher &processes_;
+    Sounds &sounds_;
     Settings &s_;
     Stats &stats_;
     BreakRelay *relay_;

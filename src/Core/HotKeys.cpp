@@ -1,7 +1,5 @@
 #include "Core/HotKeys.h"
 
-#include "Platform/Platform.h"
-
 #include <utility>
 
 namespace pavonel {
@@ -11,12 +9,6 @@ HotKeyManager::HotKeyManager(HotKeyService &service, MainLoop &loop) : service_(
 HotKeyManager::~HotKeyManager() {
     if (handlerInstalled_)
         service_.setPressHandler({});
-}
-
-HotKeyManager &HotKeyManager::shared() {
-    static HotKeyManager &manager =
-        *new HotKeyManager(*Platform::current().hotKeys, *Platform::current().mainLoop);
-    return manager;
 }
 
 void HotKeyManager::registerBinding(Binding binding) {

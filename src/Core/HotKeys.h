@@ -31,6 +31,9 @@ public:
 
     static HotKeyManager &shared();
 
+    /// See `Service`.
+    QString limitation() const { return service_.limitation(); }
+
     /// Replaces the action of a binding with the same id.
     void registerBinding(Binding binding);
 

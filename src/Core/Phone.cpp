@@ -1,7 +1,5 @@
 #include "Core/Phone.h"
 
-#include "Platform/Platform.h"
-
 #include <QJsonDocument>
 
 #include <algorithm>
@@ -61,16 +59,10 @@ std::optional<QUrl> Phone::serviceAddress() {
     return address.isValid() ? std::optional(address) : std::nullopt;
 }
 
-Phone::Phone(Platform &platform, QUrl base)
-    : http_(*platform.http), loop_(*platform.mainLoop), defaults_(*platform.defaults),
-      base_(std::move(base)) {
+Phone::Phone(HttpClient &http, MainLoop &loop, UserDefaults &defaults, QUrl base)
+    : http_(http), loop_(loop), defaults_(defaults), base_(std::move(base)) {
     if (token())
         state = Paired{};
-}
-
-Phone &Phone::shared() {
-    static Phone &phone = *new Phone(Platform::current(), serviceAddress().value());
-    return phone;
 }
 
 QString Phone::serviceName() const {

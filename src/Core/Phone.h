@@ -15,8 +15,6 @@
 
 namespace pavonel {
 
-struct Platform;
-
 /// Why a pairing failed, as one sentence for the user.
 struct PairingError {
     QString message;
@@ -47,7 +45,7 @@ public:
     /// The service's address: our own, or what PAVONEL_PAIR_HOST holds. Absent when that is no URL.
     static std::optional<QUrl> serviceAddress();
 
-    Phone(Platform &platform, QUrl base);
+    Phone(HttpClient &http, MainLoop &loop, UserDefaults &defaults, QUrl base);
 
     static Phone &shared();
 

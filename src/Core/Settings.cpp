@@ -1,7 +1,5 @@
 #include "Core/Settings.h"
 
-#include "Platform/Platform.h"
-
 #include <cmath>
 #include <limits>
 
@@ -99,11 +97,6 @@ Settings::Settings(UserDefaults &defaults, MainLoop &loop) : defaults_(defaults)
     for (StoredSetting *setting : all_)
         setting->load(defaults_);
     saveOnChange_ = observe([this] { quietPeriod_ = loop_.after(quietPeriod, [this] { save(); }); });
-}
-
-Settings &Settings::shared() {
-    static Settings &settings = *new Settings(*Platform::current().defaults, *Platform::current().mainLoop);
-    return settings;
 }
 
 QStringList Settings::defaultMessages() {

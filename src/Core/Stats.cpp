@@ -1,7 +1,6 @@
 #include "Core/Stats.h"
 
 #include "Core/StrictJson.h"
-#include "Platform/Platform.h"
 
 #include <QByteArrayList>
 #include <QJsonDocument>
@@ -70,11 +69,6 @@ Stats::Stats(UserDefaults &defaults, const MainLoop &loop) : defaults_(defaults)
     const auto *json = stored ? std::get_if<QByteArray>(&*stored) : nullptr;
     if (json)
         days_ = decodeDays(*json).value_or(Days{});
-}
-
-Stats &Stats::shared() {
-    static Stats &stats = *new Stats(*Platform::current().defaults, *Platform::current().mainLoop);
-    return stats;
 }
 
 void Stats::setDays(Days days) {

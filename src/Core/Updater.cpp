@@ -1,7 +1,5 @@
 #include "Core/Updater.h"
 
-#include "Platform/Platform.h"
-
 #include <QCoreApplication>
 #include <QFile>
 
@@ -34,11 +32,6 @@ Updater::Updater(const HeadlessPlatform &platform, QUrl manifest)
     const auto stored = platform_.defaults->value(lastCheckKey);
     if (const auto *date = stored ? std::get_if<Instant>(&*stored) : nullptr)
         lastCheck = *date;
-}
-
-Updater &Updater::shared() {
-    static Updater &updater = *new Updater(Platform::current(), feedAddress().value());
-    return updater;
 }
 
 bool Updater::automatic() const {

@@ -3,9 +3,7 @@
 #include "Core/Lifetime.h"
 #include "Core/Observable.h"
 #include "Core/UpdaterInstall.h"
-#include "Platform/HttpClient.h"
-#include "Platform/MainLoop.h"
-#include "Platform/UserDefaults.h"
+#include "Platform/HeadlessPlatform.h"
 
 #include <QUrl>
 
@@ -14,8 +12,6 @@
 #include <variant>
 
 namespace pavonel {
-
-struct HeadlessPlatform;
 
 /// Keeps the application current: asks a feed for the latest release and, when told to, fetches it, verifies
 /// it and has it take our place. Used on the main thread.

@@ -1,7 +1,7 @@
 #include "Core/UpdaterInstall.h"
 
 #include "Core/Characters.h"
-#include "Platform/Platform.h"
+#include "Platform/HeadlessPlatform.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>

@@ -1,7 +1,5 @@
 #include "UI/BreakOverlay.h"
 
-#include "Platform/Platform.h"
-
 #include <QBackingStore>
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -62,8 +60,8 @@ void OverlayWindow::resizeEvent(QResizeEvent *event) {
     view_->setGeometry(rect());
 }
 
-OverlayManager::Set::Set(Platform &platform)
-    : fade(*platform.mainLoop, *platform.appearance, [this](double opacity) {
+OverlayManager::Set::Set(const DisplayServices &display)
+    : fade(display.loop, display.appearance, [this](double opacity) {
           for (const auto &window : windows)
               window->setOpacity(opacity);
       }) {}
@@ -89,10 +87,10 @@ bool OverlayManager::Set::covers(const Screen &screen) const {
                                [&](const auto &window) { return window->screenName() == screen.name; });
 }
 
-OverlayManager::OverlayManager(Platform &platform, BreakController &controller, Settings &settings,
-                               HotKeyManager &hotKeys)
-    : platform_(platform), controller_(controller), settings_(settings), hotKeys_(hotKeys),
-      backgrounds_(settings, *platform.mainLoop), current_(std::make_unique<Set>(platform)),
+OverlayManager::OverlayManager(const DisplayServices &display, BreakController &controller,
+                               Settings &settings, HotKeyManager &hotKeys)
+    : display_(display), controller_(controller), settings_(settings), hotKeys_(hotKeys),
+      backgrounds_(settings, display.loop), current_(std::make_unique<Set>(display)),
       screenChanges_([this] { followScreens(); }) {
     backgrounds_.onLoaded = [this] {
         for (const auto &window : windows())
@@ -109,14 +107,14 @@ void OverlayManager::expect() {
     if (settings_.customBackgroundPath->isEmpty())
         return;
     std::vector<QSize> sizes;
-    for (const Screen &screen : platform_.screens->all())
+    for (const Screen &screen : display_.screens.all())
         sizes.push_back(screen.frame.toRect().size() * pixelRatio(screen));
     backgrounds_.prepare(sizes);
 }
 
 /// Not now: where the break begins at once, its windows will be up.
 void OverlayManager::standDown() {
-    platform_.mainLoop->post(lifetime_.guard([this] { giveBackIfIdle(); }));
+    display_.loop.post(lifetime_.guard([this] { giveBackIfIdle(); }));
 }
 
 void OverlayManager::giveBackIfIdle() {
@@ -129,7 +127,7 @@ void OverlayManager::show() {
         return;
     expect();
     backgrounds_.awaitPictures();
-    for (const Screen &screen : platform_.screens->all()) {
+    for (const Screen &screen : display_.screens.all()) {
         build(screen, screen.isMain ? BreakOverlayView::Role::primary : BreakOverlayView::Role::secondary);
         current_->screens.push_back(screen.name);
         current_->showsText |= screen.isMain;
@@ -141,14 +139,14 @@ void OverlayManager::show() {
 }
 
 void OverlayManager::build(const Screen &screen, BreakOverlayView::Role role) {
-    const Fading fading = fadingOn(*platform_.windowLayers);
+    const Fading fading = fadingOn(display_.layers);
     current_->windows.push_back(std::make_unique<OverlayWindow>(screen, fading, makeView(role)));
     current_->windows.back()->setOpacity(current_->fade.opacity());
-    current_->windows.back()->orderFront(*platform_.windowLayers, screen);
+    current_->windows.back()->orderFront(display_.layers, screen);
 }
 
 std::unique_ptr<BreakOverlayView> OverlayManager::makeView(BreakOverlayView::Role role) {
-    return std::make_unique<BreakOverlayView>(controller_, settings_, platform_, backgrounds_, role);
+    return std::make_unique<BreakOverlayView>(controller_, settings_, display_, backgrounds_, role);
 }
 
 /// Null when no window has the text.
@@ -163,7 +161,7 @@ void OverlayManager::takeKeyboard() {
         return;
     OverlayWindow *primary = primaryWindow();
     const OverlayWindow &window = primary ? *primary : *windows().front();
-    platform_.windowLayers->takeKeyboard(*window.windowHandle());
+    display_.layers.takeKeyboard(*window.windowHandle());
 }
 
 void OverlayManager::bindEscape() {
@@ -193,7 +191,7 @@ void OverlayManager::hide() {
     qGuiApp->removeEventFilter(this);
     if (current_->screens.empty())
         return;
-    leaving_.push_back(std::exchange(current_, std::make_unique<Set>(platform_)));
+    leaving_.push_back(std::exchange(current_, std::make_unique<Set>(display_)));
     Set *leaving = leaving_.back().get();
     for (const auto &window : leaving->windows)
         window->view().freeze();
@@ -204,7 +202,7 @@ void OverlayManager::letGo(const Set *gone) {
     // The next break may have begun meanwhile, and needs the keyboard itself.
     const bool hidden = current_->screens.empty();
     if (hidden)
-        platform_.windowLayers->yieldKeyboard();
+        display_.layers.yieldKeyboard();
     std::erase_if(leaving_, [gone](const auto &set) { return set.get() == gone; });
     giveBackIfIdle();
 }
@@ -212,14 +210,14 @@ void OverlayManager::letGo(const Set *gone) {
 void OverlayManager::followScreens() {
     if (current_->screens.empty() && leaving_.empty())
         return;
-    const auto attached = platform_.screens->all();
+    const auto attached = display_.screens.all();
     for (const auto &set : leaving_)
         set->follow(attached);
     current_->follow(attached);
     if (current_->screens.empty())
         return;
     // While its mode changes, a screen may be gone for a moment.
-    const bool anyMayBeBack = !platform_.screens->keepNames();
+    const bool anyMayBeBack = !display_.screens.keepNames();
     for (const Screen &screen : attached) {
         if ((anyMayBeBack || current_->screens.contains(screen.name)) && !current_->covers(screen))
             build(screen, BreakOverlayView::Role::secondary);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/HotKeys.h"
+#include "Platform/DisplayServices.h"
 #include "Platform/Screens.h"
 #include "Platform/WindowLayers.h"
 #include "UI/Backgrounds.h"
@@ -43,7 +44,7 @@ private:
 class OverlayManager final : public QObject {
 public:
     /// All of these must outlive the manager.
-    OverlayManager(Platform &platform, BreakController &controller, Settings &settings,
+    OverlayManager(const DisplayServices &display, BreakController &controller, Settings &settings,
                    HotKeyManager &hotKeys);
     ~OverlayManager() override;
 
@@ -66,7 +67,7 @@ public:
 private:
     /// The windows of one break, which come and go together.
     struct Set {
-        explicit Set(Platform &platform);
+        explicit Set(const DisplayServices &display);
 
         void follow(const std::vector<Screen> &screens);
         bool covers(const Screen &screen) const;
@@ -89,7 +90,7 @@ private:
     void keepText();
     void letGo(const Set *gone);
 
-    Platform &platform_;
+    DisplayServices display_;
     BreakController &controller_;
     Settings &settings_;
     HotKeyManager &hotKeys_;

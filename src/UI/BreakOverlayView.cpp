@@ -2,7 +2,7 @@
 
 #include "Core/ClockText.h"
 #include "Platform/Inset.h"
-#include "Platform/Platform.h"
+#include "Platform/WindowLayers.h"
 #include "UI/Backgrounds.h"
 #include "UI/BreakScreenText.h"
 #include "UI/Ring.h"
@@ -18,11 +18,12 @@
 
 namespace pavonel {
 
-BreakOverlayView::BreakOverlayView(BreakController &controller, Settings &settings, Platform &platform,
-                                   Backgrounds &backgrounds, Role role, QWidget *parent)
-    : QWidget(parent), controller_(controller), settings_(settings), loop_(*platform.mainLoop),
-      layers_(*platform.windowLayers), backgrounds_(backgrounds), role_(role),
-      glide_(*platform.mainLoop, *platform.appearance, [this] { updateArc(); }) {
+BreakOverlayView::BreakOverlayView(BreakController &controller, Settings &settings,
+                                   const DisplayServices &display, Backgrounds &backgrounds, Role role,
+                                   QWidget *parent)
+    : QWidget(parent), controller_(controller), settings_(settings), loop_(display.loop),
+      layers_(display.layers), backgrounds_(backgrounds), role_(role),
+      glide_(display.loop, display.appearance, [this] { updateArc(); }) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     shown_ = content();
     const auto refreshed = [this] { refresh(); };

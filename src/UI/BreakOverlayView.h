@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/BreakController.h"
+#include "Platform/DisplayServices.h"
 #include "UI/BreakLayout.h"
 #include "UI/MessageText.h"
 #include "UI/Refresher.h"
@@ -24,7 +25,7 @@ class BreakOverlayView final : public QWidget {
 public:
     enum class Role { primary, secondary };
 
-    BreakOverlayView(BreakController &controller, Settings &settings, Platform &platform,
+    BreakOverlayView(BreakController &controller, Settings &settings, const DisplayServices &display,
                      Backgrounds &backgrounds, Role role, QWidget *parent = nullptr);
     ~BreakOverlayView() override;
 

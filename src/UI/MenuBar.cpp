@@ -3,7 +3,6 @@
 #include "Core/ClockText.h"
 #include "Core/LocalDay.h"
 #include "Core/StatusLine.h"
-#include "Platform/Platform.h"
 #include "UI/Symbol.h"
 
 #include <utility>
@@ -61,11 +60,11 @@ QString shortRemainingTime(Seconds remaining) {
     return QStringLiteral("%1m").arg(static_cast<qint64>(std::min(remaining, longest) / 60) + 1);
 }
 
-MenuBarController::MenuBarController(Platform &platform, BreakController &controller,
+MenuBarController::MenuBarController(StatusItem &statusItem, MainLoop &loop, BreakController &controller,
                                      const Settings &settings, const Stats &stats,
                                      std::function<void()> onSettings)
-    : statusItem_(*platform.statusItem), loop_(*platform.mainLoop), controller_(controller),
-      settings_(settings), stats_(stats), onSettings_(std::move(onSettings)) {
+    : statusItem_(statusItem), loop_(loop), controller_(controller), settings_(settings), stats_(stats),
+      onSettings_(std::move(onSettings)) {
     statusItem_.setMenu(lifetime_.guard([this] { return menu(); }));
     // Made before the controller's timer, this one is served before it on the same beat; what is shown is of
     // after it.

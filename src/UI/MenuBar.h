@@ -13,8 +13,8 @@ namespace pavonel {
 class MenuBarController {
 public:
     /// Everything given must outlive the controller.
-    MenuBarController(Platform &platform, BreakController &controller, const Settings &settings,
-                      const Stats &stats, std::function<void()> onSettings);
+    MenuBarController(StatusItem &statusItem, MainLoop &loop, BreakController &controller,
+                      const Settings &settings, const Stats &stats, std::function<void()> onSettings);
 
 private:
     struct Face {

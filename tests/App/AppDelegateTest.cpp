@@ -29,7 +29,8 @@ struct AppDelegateTest : testing::Test {
     Settings settings{platform.fakeDefaults, platform.loop};
     Stats stats{platform.fakeDefaults, platform.loop};
     HotKeyManager hotKeys{platform.keys, platform.loop};
-    Phone phone{platform, QUrl(QStringLiteral("https://pair.example"))};
+    Phone phone{platform.web, platform.loop, platform.fakeDefaults,
+                QUrl(QStringLiteral("https://pair.example"))};
     Updater updater{platform, QUrl(QStringLiteral("https://updates.example/feed"))};
     AppDelegate delegate{platform, settings, stats, hotKeys, phone, updater};
 

@@ -1,6 +1,6 @@
 #include "Platform/Qt/QtMainLoop.h"
 #include "UI/MenuBar.h"
-#include "support/FakePlatform.h"
+#include "support/Scenario.h"
 #include "support/waitUntil.h"
 
 #include <gtest/gtest.h>
@@ -14,10 +14,10 @@ TEST(MenuBarBeat, the_title_is_of_the_same_second_as_the_countdown) {
         std::exchange(platform.mainLoop, std::unique_ptr<MainLoop>(std::make_unique<QtMainLoop>()));
     Settings settings(*platform.defaults, *platform.mainLoop);
     Stats stats(*platform.defaults, *platform.mainLoop);
-    BreakController controller(platform, settings, stats);
+    BreakController controller(servicesOf(platform), settings, stats);
     settings.microInterval = 50;
     settings.longEnabled = false;
-    const MenuBarController menuBar(platform, controller, settings, stats, [] {});
+    const MenuBarController menuBar(platform.menuBar, *platform.mainLoop, controller, settings, stats, [] {});
     controller.start();
 
     const auto agrees = [&] {

@@ -134,7 +134,7 @@ TEST(BadInput, a_wrong_type_under_every_key_at_once_leaves_the_defaults) {
     }
     Settings settings(platform.fakeDefaults, platform.loop);
     Stats stats(platform.fakeDefaults, platform.loop);
-    BreakController controller(platform, settings, stats);
+    BreakController controller(servicesOf(platform), settings, stats);
     controller.start();
     platform.loop.advance(1200);
     EXPECT_EQ(controller.currentBreak.get(), BreakKind::micro);

@@ -57,7 +57,7 @@ TEST(BreakController, a_controller_that_is_gone_does_not_tick) {
     FakePlatform platform;
     Settings settings(platform.fakeDefaults, platform.loop);
     Stats stats(platform.fakeDefaults, platform.loop);
-    auto controller = std::make_unique<BreakController>(platform, settings, stats);
+    auto controller = std::make_unique<BreakController>(servicesOf(platform), settings, stats);
     controller->start();
     platform.loop.advance(5);
     controller.reset();
@@ -70,7 +70,7 @@ TEST(BreakController, runs_without_anybody_listening) {
     FakePlatform platform;
     Settings settings(platform.fakeDefaults, platform.loop);
     Stats stats(platform.fakeDefaults, platform.loop);
-    BreakController controller(platform, settings, stats);
+    BreakController controller(servicesOf(platform), settings, stats);
     controller.start();
     platform.loop.advance(1200);
     EXPECT_EQ(controller.phase, Phase::breaking);

@@ -19,7 +19,7 @@ protected:
     FakePlatform platform;
     std::optional<Phone> phone;
 
-    PhoneLink() { phone.emplace(platform, service); }
+    PhoneLink() { phone.emplace(platform.web, platform.loop, platform.fakeDefaults, service); }
 
     void storeToken() { platform.defaults->set(Phone::tokenKey, QStringLiteral("secret")); }
     std::optional<StoredValue> token() const { return platform.defaults->value(Phone::tokenKey); }
@@ -63,7 +63,8 @@ TEST_F(PhoneLink, starts_unpaired_without_a_token) {
 
 TEST_F(PhoneLink, names_the_service_and_the_phones_page_that_brings_a_code_along) {
     const auto expect = [this](const char *address, const char *name, const char *page) {
-        const Phone other(platform, QUrl(QString::fromLatin1(address)));
+        const Phone other(platform.web, platform.loop, platform.fakeDefaults,
+                          QUrl(QString::fromLatin1(address)));
         EXPECT_EQ(other.serviceName(), QLatin1StringView(name)) << address;
         EXPECT_EQ(other.pageFor(QStringLiteral("K7WQ3M")), QLatin1StringView(page)) << address;
         EXPECT_EQ(other.pageFor(QStringLiteral("······")), QString()) << "no code yet";
@@ -77,7 +78,7 @@ TEST_F(PhoneLink, names_the_service_and_the_phones_page_that_brings_a_code_along
 
 TEST_F(PhoneLink, starts_paired_with_a_token_even_if_no_phone_ever_confirmed_it) {
     storeToken();
-    phone.emplace(platform, service);
+    phone.emplace(platform.web, platform.loop, platform.fakeDefaults, service);
     EXPECT_EQ(phone->state.get(), Phone::State(Phone::Paired{}));
 }
 
@@ -241,7 +242,7 @@ TEST_F(PhoneLink, replies_that_come_after_unpairing_change_nothing) {
 
 TEST_F(PhoneLink, unpairing_forgets_at_once_and_tells_the_service_with_the_token) {
     storeToken();
-    phone.emplace(platform, service);
+    phone.emplace(platform.web, platform.loop, platform.fakeDefaults, service);
     phone->unpair();
     EXPECT_EQ(phone->state.get(), Phone::State(Phone::Unpaired{}));
     EXPECT_FALSE(token());
@@ -321,7 +322,7 @@ TEST_F(PhoneLink, breaks_are_told_by_the_token_whatever_the_state) {
 
 TEST_F(PhoneLink, a_relay_that_fails_changes_nothing_and_is_not_tried_again) {
     storeToken();
-    phone.emplace(platform, service);
+    phone.emplace(platform.web, platform.loop, platform.fakeDefaults, service);
     phone->breakStarted(BreakKind::micro, {}, 20);
     breakOff(0);
     phone->breakEnded();
@@ -340,7 +341,7 @@ TEST_F(PhoneLink, paths_are_appended_to_the_base) {
     };
     storeToken();
     for (const auto &[base, expected] : bases) {
-        phone.emplace(platform, QUrl(QString::fromUtf8(base)));
+        phone.emplace(platform.web, platform.loop, platform.fakeDefaults, QUrl(QString::fromUtf8(base)));
         phone->breakEnded();
         EXPECT_EQ(sent().back().request.url.toEncoded().toStdString(), expected);
     }
@@ -364,7 +365,7 @@ TEST_F(PhoneLink, changes_of_state_are_observable) {
 TEST(PhoneLinkDeathTest, a_break_of_no_finite_length_is_a_programming_error) {
     FakePlatform platform;
     platform.defaults->set(Phone::tokenKey, QStringLiteral("secret"));
-    Phone phone(platform, service);
+    Phone phone(platform.web, platform.loop, platform.fakeDefaults, service);
     EXPECT_DEATH(phone.breakStarted(BreakKind::micro, {}, std::numeric_limits<double>::quiet_NaN()), "");
 }
 

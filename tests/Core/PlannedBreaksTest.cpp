@@ -215,7 +215,7 @@ TEST(PlannedBreaks, after_a_restart_no_occurrence_is_handled_or_put_off) {
     settings.plannedBreaks = PlannedBreaks{record};
     platform.loop.setClock(QStringLiteral("2026-03-02T08:59:50"));
     for (int start = 0; start < 2; ++start) {
-        BreakController controller(platform, settings, stats);
+        BreakController controller(servicesOf(platform), settings, stats);
         controller.start();
         platform.loop.advance(11);
         EXPECT_EQ(controller.currentBreak.get(), BreakKind::planned) << "start " << start;

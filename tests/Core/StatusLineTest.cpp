@@ -1,7 +1,7 @@
 #include "Core/StatusLine.h"
 
-#include "support/FakePlatform.h"
 #include "support/Printing.h"
+#include "support/Scenario.h"
 
 #include <QLocale>
 
@@ -21,7 +21,7 @@ TEST(StatusLine, says_what_is_going_on) {
     FakePlatform platform;
     Settings settings{*platform.defaults, *platform.mainLoop};
     Stats stats{*platform.defaults, *platform.mainLoop};
-    BreakController controller{platform, settings, stats};
+    BreakController controller{servicesOf(platform), settings, stats};
     const QString pauseEnd = QLocale().toString(QTime(9, 15), QLocale::ShortFormat);
     const struct {
         QString line;

@@ -29,7 +29,8 @@ bool canStandInAHeader(const QByteArray &text) {
 /// Replies to "/pair/start" and then to "/pair/status", with a zero byte between them.
 void pairing(const QByteArray &input) {
     test::FakePlatform platform;
-    Phone phone(platform, QUrl(QStringLiteral("https://pair.example")));
+    Phone phone(platform.web, platform.loop, platform.fakeDefaults,
+                QUrl(QStringLiteral("https://pair.example")));
     phone.startPairing();
     for (const QByteArray &reply : input.split('\0').mid(0, 8)) {
         answerNext(platform, reply);

@@ -50,9 +50,11 @@ private:
 
 /// The controller over virtual time, with real sounds.
 struct SoundingScenario : Scenario {
-    SoundingScenario() {
+    SoundingScenario()
+        : Scenario([](FakePlatform &fakes) {
+              fakes.sounds = std::make_unique<EventSounds>(builtFiles, fakes.loop);
+          }) {
         switchOffSensing(settings);
-        platform.sounds = std::make_unique<EventSounds>(builtFiles, platform.loop);
     }
     void completeBreak() {
         controller.startBreak(BreakKind::micro, BreakController::Initiator::user);

@@ -14,7 +14,7 @@ namespace {
 class FloatingCountdown : public ::testing::Test {
 protected:
     Scenario scenario;
-    FloatingCountdownController countdown{scenario.platform, scenario.controller};
+    FloatingCountdownController countdown{scenario.platform, scenario.platform.mouse, scenario.controller};
 
     static QWidget *panel() { return shownWindow("Pavonel Countdown"); }
     static QImage picture() { return panel()->grab(panel()->contentsRect()).toImage(); }

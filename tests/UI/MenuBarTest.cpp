@@ -14,9 +14,10 @@ protected:
     FakePlatform platform;
     Settings settings{*platform.defaults, *platform.mainLoop};
     Stats stats{*platform.defaults, *platform.mainLoop};
-    BreakController controller{platform, settings, stats};
+    BreakController controller{servicesOf(platform), settings, stats};
     int settingsOpened = 0;
-    MenuBarController menuBar{platform, controller, settings, stats, [this] { ++settingsOpened; }};
+    MenuBarController menuBar{platform.menuBar, platform.loop, controller,
+                              settings,         stats,         [this] { ++settingsOpened; }};
 
     void refresh() { platform.loop.advance(1); }
 
@@ -269,7 +270,8 @@ std::vector<MenuItem> commandsOf(const Menu &menu) {
 
 TEST(MenuBarLife, a_command_of_a_menu_opened_in_any_phase_leaves_every_later_phase_whole) {
     Scenario s;
-    const MenuBarController menuBar(s.platform, s.controller, s.settings, s.stats, [] {});
+    const MenuBarController menuBar(s.platform.menuBar, s.platform.loop, s.controller, s.settings, s.stats,
+                                    [] {});
     for (const Phase opened : everyPhase) {
         s.enter(opened);
         for (const MenuItem &command : commandsOf(s.platform.menuBar.makeMenu())) {
@@ -288,10 +290,11 @@ TEST(MenuBarLife, a_menu_that_outlives_the_menu_bar_does_nothing) {
     FakePlatform platform;
     Settings settings(*platform.defaults, *platform.mainLoop);
     Stats stats(*platform.defaults, *platform.mainLoop);
-    BreakController controller(platform, settings, stats);
+    BreakController controller(servicesOf(platform), settings, stats);
     Menu menu;
     {
-        MenuBarController menuBar(platform, controller, settings, stats, [] { FAIL(); });
+        MenuBarController menuBar(platform.menuBar, platform.loop, controller, settings, stats,
+                                  [] { FAIL(); });
         menu = platform.menuBar.makeMenu();
     }
     for (const MenuItem &item : menu) {

@@ -88,9 +88,10 @@ protected:
     Styled styled{platform};
     Settings settings{*platform.defaults, *platform.mainLoop};
     Stats stats{*platform.defaults, *platform.mainLoop};
-    BreakController controller{platform, settings, stats};
+    BreakController controller{
+        {*platform.mainLoop, platform, *platform.processes, *platform.sounds}, settings, stats};
     HeadsUpController headsUp{platform, controller, settings};
-    FloatingCountdownController countdown{platform, controller};
+    FloatingCountdownController countdown{platform, *platform.pointer, controller};
     ToastController toast{platform};
     XClient other;
 };
@@ -145,9 +146,10 @@ TEST_P(PanelsUnderEveryManager, clicks_on_the_toast_and_its_shadow_reach_the_win
 }
 
 TEST_P(PanelsUnderEveryManager, clicks_on_the_countdown_reach_the_window_below) {
-    platform.pointer = std::make_unique<FakePointer>(); // so that it stands still
+    FakePointer still;
+    FloatingCountdownController resting(platform, still, controller);
     other.open({200, 100, 800, 600}, theirs);
-    countdown.show();
+    resting.show();
     ASSERT_TRUE(standsAt("Pavonel Countdown", {416, 312, 86, 30}));
     clickAt({416 + 43, 312 + 15});
     EXPECT_TRUE(waitUntil([&] { return other.clicks() == 1; }));

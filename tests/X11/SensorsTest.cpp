@@ -30,16 +30,6 @@ double processorSeconds() {
 class SensorsTest : public testing::TestWithParam<SoundServer::Kind>, protected OtherProgram {
 protected:
     SensorsTest() {
-        const auto x = X11Connection::open(server().display());
-        const auto windows = std::make_shared<X11Windows>(x);
-        day.platform.idleTime = x11::makeIdleTime(x);
-        day.platform.audioDevices = std::make_unique<PulseAudioDevices>();
-        day.platform.windowList = std::make_unique<X11WindowList>(windows);
-        day.platform.screens = std::make_unique<X11Screens>(x);
-        day.platform.applications = std::make_unique<LinuxApplications>(
-            std::make_unique<X11FrontWindow>(windows), std::make_unique<PipeWireScreenCasts>(),
-            LinuxApplications::Folders{.processes = "/proc", .desktopFiles = {folder.path()}},
-            day.platform.loop);
         day.settings.naturalBreakEnabled = false;  // nobody touches this server's keyboard
         day.settings.pauseOnScreenSharing = false; // a recorder may belong to another test
         server().start(XServer::WindowManager::openbox);
@@ -49,6 +39,17 @@ protected:
     }
     ~SensorsTest() override { server().stopWindowManager(); }
 
+    void furnish(FakePlatform &platform) {
+        const auto x = X11Connection::open(server().display());
+        const auto windows = std::make_shared<X11Windows>(x);
+        platform.idleTime = x11::makeIdleTime(x);
+        platform.audioDevices = std::make_unique<PulseAudioDevices>();
+        platform.windowList = std::make_unique<X11WindowList>(windows);
+        platform.screens = std::make_unique<X11Screens>(x);
+        platform.applications = std::make_unique<LinuxApplications>(
+            std::make_unique<X11FrontWindow>(windows), std::make_unique<PipeWireScreenCasts>(),
+            LinuxApplications::Folders{.processes = "/proc", .desktopFiles = {folder.path()}}, platform.loop);
+    }
     void tick() {
         waitUntil([] { return false; }, 1000);
         const double before = processorSeconds();
@@ -87,7 +88,7 @@ protected:
     }
 
     SoundServer sound{GetParam()};
-    Scenario day;
+    Scenario day{[this](FakePlatform &platform) { furnish(platform); }};
     double longest = 0; ///< Seconds of processor time in one tick.
 };
 

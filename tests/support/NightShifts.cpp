@@ -1,7 +1,7 @@
 #include "support/NightShifts.h"
 
 #include "Core/BreakController.h"
-#include "support/FakePlatform.h"
+#include "support/Scenario.h"
 
 #include <algorithm>
 #include <ostream>
@@ -193,7 +193,7 @@ ShiftTotals work(const NightShifts &shifts, const StoreMaker &makeStore) {
     const auto store = makeStore(platform.loop);
     Settings settings(*store, platform.loop);
     Stats stats(*store, platform.loop);
-    BreakController controller(platform, settings, stats);
+    BreakController controller(servicesOf(platform), settings, stats);
     ShiftTotals totals;
     controller.onBreakStart = [&](BreakKind) { ++totals.startedByTitle[controller.breakTitle]; };
     settings.plannedBreaks = twentyRecords();

@@ -36,10 +36,11 @@ std::vector<QAccessibleInterface *> allBelow(QAccessibleInterface *root) {
 }
 
 OpenSettings::OpenSettings()
-    : phone(platform, QUrl(QStringLiteral("https://pair.example"))),
+    : phone(platform.web, platform.loop, platform.fakeDefaults, QUrl(QStringLiteral("https://pair.example"))),
       updater(platform, QUrl(QStringLiteral("https://updates.example/feed"))),
-      controller(
-          PageContext{platform, scenario.controller, settings, scenario.stats, phone, hotKeys, updater}) {}
+      controller(PageContext{platform, platform, platform.mouse, platform.installed, platform.fakeSounds,
+                             platform.launcher, platform.login, platform.powerEvents, platform.menuBar,
+                             platform.fakeDefaults, settings, scenario.stats, phone, hotKeys, updater}) {}
 
 QWidget *OpenSettings::window() const {
     return shownWindow("Pavonel");

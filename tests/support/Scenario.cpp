@@ -6,9 +6,26 @@
 
 namespace pavonel::test {
 
-Scenario::Scenario(const QByteArray &zoneId)
+namespace {
+
+BreakController::Services furnished(FakePlatform &platform,
+                                    const std::function<void(FakePlatform &)> &furnish) {
+    furnish(platform);
+    return servicesOf(platform);
+}
+
+} // namespace
+
+BreakController::Services servicesOf(FakePlatform &platform) {
+    return {*platform.mainLoop, platform, *platform.processes, *platform.sounds};
+}
+
+Scenario::Scenario(const QByteArray &zoneId) : Scenario([](FakePlatform &) {}, zoneId) {}
+
+Scenario::Scenario(const std::function<void(FakePlatform &)> &furnish, const QByteArray &zoneId)
     : platform(zoneId), settings(platform.fakeDefaults, platform.loop),
-      stats(platform.fakeDefaults, platform.loop), controller(platform, settings, stats, &relay) {
+      stats(platform.fakeDefaults, platform.loop),
+      controller(furnished(platform, furnish), settings, stats, &relay) {
     controller.onHeadsUp = [this](BreakKind, const QString &title) {
         record(QStringLiteral("heads-up ") + title);
     };

@@ -10,6 +10,9 @@
 
 namespace pavonel::test {
 
+/// All that a controller needs, fake.
+BreakController::Services servicesOf(FakePlatform &platform);
+
 /// Writes down what a paired phone would be told.
 struct FakeRelay final : BreakRelay {
     QStringList told;
@@ -26,6 +29,9 @@ class Scenario {
 public:
     /// Monday, 2 March 2026, 09:00 in the zone.
     explicit Scenario(const QByteArray &zoneId = "UTC");
+
+    /// Over services that `furnish` puts in place of fakes.
+    explicit Scenario(const std::function<void(FakePlatform &)> &furnish, const QByteArray &zoneId = "UTC");
 
     FakePlatform platform;
     Settings settings;

@@ -1,6 +1,9 @@
 #pragma once
 
-#include "Platform/Platform.h"
+#include "Platform/Applications.h"
+#include "Platform/IdleTime.h"
+#include "Platform/Pointer.h"
+#include "Platform/StatusItem.h"
 
 #include <utility>
 

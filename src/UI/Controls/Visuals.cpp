@@ -1,6 +1,6 @@
 #include "UI/Controls/Visuals.h"
 
-#include "Platform/Platform.h"
+#include "Platform/WindowLayers.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Fonts.h"
 
@@ -24,11 +24,11 @@ double wishedTextScale() {
 
 } // namespace
 
-Visuals::Visuals(Platform &platform)
-    : platform_(platform), palette_(platform.appearance->wishes()), textScale_(wishedTextScale()) {}
+Visuals::Visuals(const DisplayServices &display)
+    : display_(display), palette_(display.appearance.wishes()), textScale_(wishedTextScale()) {}
 
 void Visuals::refresh() {
-    palette_ = Palette(platform_.appearance->wishes());
+    palette_ = Palette(display_.appearance.wishes());
 }
 
 bool Visuals::refreshTextSize() {
@@ -50,15 +50,15 @@ int Visuals::lineHeight(int points) const {
 }
 
 MainLoop &Visuals::loop() const {
-    return *platform_.mainLoop;
+    return display_.loop;
 }
 
 Appearance &Visuals::appearance() const {
-    return *platform_.appearance;
+    return display_.appearance;
 }
 
 bool Visuals::canBlend() const {
-    return platform_.windowLayers->canBlend();
+    return display_.layers.canBlend();
 }
 
 QPalette Visuals::toolkitPalette() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/DisplayServices.h"
 #include "UI/Palette.h"
 
 #include <QFont>
@@ -8,14 +9,11 @@ class QPalette;
 
 namespace pavonel {
 
-class MainLoop;
-struct Platform;
-
 /// What the controls of one window share: colours, type sizes, and the way things move. A control reads it
 /// whenever it paints, so that a repaint is all that a change of the user's wishes needs.
 class Visuals {
 public:
-    explicit Visuals(Platform &platform);
+    explicit Visuals(const DisplayServices &display);
 
     const Palette &palette() const { return palette_; }
 
@@ -45,7 +43,7 @@ public:
     bool refreshTextSize();
 
 private:
-    Platform &platform_;
+    DisplayServices display_;
     Palette palette_;
     double textScale_ = 1;
 };

@@ -19,9 +19,9 @@ constexpr Seconds frame = 1.0 / 30;
 
 class CountdownView final : public QWidget {
 public:
-    CountdownView(Platform &platform, FloatingPanel &panel, BreakController &controller)
+    CountdownView(const DisplayServices &display, FloatingPanel &panel, BreakController &controller)
         : QWidget(&panel), controller_(controller), colours_(panel.colours()),
-          refresher_(*platform.mainLoop, {&controller}, [this] { refresh(); }) {
+          refresher_(display.loop, {&controller}, [this] { refresh(); }) {
         setGeometry(panel.contentsRect());
         refresh();
     }
@@ -88,22 +88,24 @@ QPoint beside(QPoint pointer, const std::optional<Screen> &screen) {
 
 } // namespace
 
-FloatingCountdownController::FloatingCountdownController(Platform &platform, BreakController &controller)
-    : platform_(platform), controller_(controller), screenChanges_([this] { followScreens(); }) {}
+FloatingCountdownController::FloatingCountdownController(const DisplayServices &display, Pointer &pointer,
+                                                         BreakController &controller)
+    : display_(display), pointer_(pointer), controller_(controller),
+      screenChanges_([this] { followScreens(); }) {}
 
 void FloatingCountdownController::show() {
     if (panel_)
         return;
-    screens_ = platform_.screens->all();
+    screens_ = display_.screens.all();
     panel_ =
-        std::make_unique<FloatingPanel>(platform_, FloatingPanel::Make{QStringLiteral("Pavonel Countdown"),
-                                                                       panelSize,
-                                                                       panelSize.height() / 2.0,
-                                                                       0.1,
-                                                                       FloatingPanel::Mouse::ignored,
-                                                                       {6, 16, 0.20}});
-    new CountdownView(platform_, *panel_, controller_);
-    timer_ = platform_.mainLoop->every(frame, [this] { follow(); });
+        std::make_unique<FloatingPanel>(display_, FloatingPanel::Make{QStringLiteral("Pavonel Countdown"),
+                                                                      panelSize,
+                                                                      panelSize.height() / 2.0,
+                                                                      0.1,
+                                                                      FloatingPanel::Mouse::ignored,
+                                                                      {6, 16, 0.20}});
+    new CountdownView(display_, *panel_, controller_);
+    timer_ = display_.loop.every(frame, [this] { follow(); });
     const QPoint place = corner();
     panel_->present(place, screenAt(screens_, place));
 }
@@ -114,7 +116,7 @@ void FloatingCountdownController::hide() {
 }
 
 QPoint FloatingCountdownController::corner() const {
-    if (const auto pointer = platform_.pointer->position())
+    if (const auto pointer = pointer_.position())
         return beside(pointer->toPoint(), screenAt(screens_, pointer->toPoint()));
     return restingPlace(mainScreen(screens_));
 }

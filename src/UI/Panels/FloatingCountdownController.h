@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/BreakController.h"
+#include "Platform/Pointer.h"
 #include "UI/Panels/FloatingPanel.h"
 #include "UI/ScreenChanges.h"
 
@@ -9,7 +10,8 @@ namespace pavonel {
 /// The time to the coming break, riding beside the pointer.
 class FloatingCountdownController {
 public:
-    FloatingCountdownController(Platform &platform, BreakController &controller);
+    FloatingCountdownController(const DisplayServices &display, Pointer &pointer,
+                                BreakController &controller);
 
     /// Does nothing while it is shown.
     void show();
@@ -20,7 +22,8 @@ private:
     void followScreens();
     QPoint corner() const;
 
-    Platform &platform_;
+    DisplayServices display_;
+    Pointer &pointer_;
     BreakController &controller_;
     std::vector<Screen> screens_; ///< While it is shown: asking thirty times a second would cost.
     std::unique_ptr<FloatingPanel> panel_;

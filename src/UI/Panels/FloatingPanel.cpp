@@ -32,11 +32,11 @@ QRegion touchedBy(const QPainterPath &shape, QSize size, qreal devicePixelRatio)
 
 } // namespace
 
-FloatingPanel::FloatingPanel(Platform &platform, const Make &make)
-    : platform_(platform), make_(make), palette_(platform.appearance->wishes()),
-      onAppearance_(platform.appearance->onChange([this] { takeColours(); })),
-      blends_(platform.windowLayers->canBlend()), opacity_(*this, fadingOn(*platform.windowLayers)) {
-    Qt::WindowFlags flags = platform.windowLayers->windowFlags(WindowLayer::panel);
+FloatingPanel::FloatingPanel(const DisplayServices &display, const Make &make)
+    : display_(display), make_(make), palette_(display.appearance.wishes()),
+      onAppearance_(display.appearance.onChange([this] { takeColours(); })),
+      blends_(display.layers.canBlend()), opacity_(*this, fadingOn(display.layers)) {
+    Qt::WindowFlags flags = display.layers.windowFlags(WindowLayer::panel);
     if (make.mouse == Mouse::ignored)
         flags |= Qt::WindowTransparentForInput;
     setWindowFlags(flags);
@@ -53,7 +53,7 @@ FloatingPanel::FloatingPanel(Platform &platform, const Make &make)
 }
 
 void FloatingPanel::takeColours() {
-    palette_ = Palette(platform_.appearance->wishes());
+    palette_ = Palette(display_.appearance.wishes());
     update();
 }
 
@@ -63,9 +63,9 @@ void FloatingPanel::present(QPoint corner, const std::optional<Screen> &screen) 
     winId();
     if (!blends_ || make_.mouse == Mouse::received) {
         const QRegion shape = touchedBy(outline(contentsRect(), make_.radius), size(), devicePixelRatioF());
-        platform_.windowLayers->cutTo(*windowHandle(), shape);
+        display_.layers.cutTo(*windowHandle(), shape);
     }
-    platform_.windowLayers->show(*windowHandle(), WindowLayer::panel, place);
+    display_.layers.show(*windowHandle(), WindowLayer::panel, place);
 }
 
 void FloatingPanel::moveTo(QPoint corner) {

@@ -1,6 +1,9 @@
 #pragma once
 
-#include "Platform/Platform.h"
+#include "Platform/Appearance.h"
+#include "Platform/DisplayServices.h"
+#include "Platform/Screens.h"
+#include "Platform/WindowLayers.h"
 #include "UI/Palette.h"
 #include "UI/Panels/PanelShadow.h"
 #include "UI/WindowOpacity.h"
@@ -28,7 +31,7 @@ public:
         PanelShadow::Geometry shadow;
     };
 
-    FloatingPanel(Platform &platform, const Make &make);
+    FloatingPanel(const DisplayServices &display, const Make &make);
 
     /// They follow the user's wishes for as long as the panel lives.
     const Palette &colours() const { return palette_; }
@@ -53,7 +56,7 @@ private:
     void takeColours();
     void paintMaterial(QPainter &painter) const;
 
-    Platform &platform_;
+    DisplayServices display_;
     Make make_;
     Palette palette_;
     Appearance::Listening onAppearance_;

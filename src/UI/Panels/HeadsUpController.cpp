@@ -16,8 +16,9 @@ QPoint corner(const QRectF &visible) {
 
 } // namespace
 
-HeadsUpController::HeadsUpController(Platform &platform, BreakController &controller, Settings &settings)
-    : platform_(platform), controller_(controller), settings_(settings), presenter_(platform) {}
+HeadsUpController::HeadsUpController(const DisplayServices &display, BreakController &controller,
+                                     Settings &settings)
+    : display_(display), controller_(controller), settings_(settings), presenter_(display) {}
 
 void HeadsUpController::show(BreakKind kind, const QString &title) {
     presenter_.show({[=, this] { return makePanel(kind, title); }, corner, fadeIn, fadeOut});
@@ -25,13 +26,13 @@ void HeadsUpController::show(BreakKind kind, const QString &title) {
 
 std::unique_ptr<FloatingPanel> HeadsUpController::makePanel(BreakKind kind, const QString &title) {
     auto panel = std::make_unique<FloatingPanel>(
-        platform_, FloatingPanel::Make{QStringLiteral("Pavonel Heads-up"),
-                                       QSize(HeadsUpView::width, HeadsUpView::height(settings_)),
-                                       14,
-                                       0.08,
-                                       FloatingPanel::Mouse::received,
-                                       {10, 30, 0.22}});
-    new HeadsUpView(platform_, *panel, controller_, settings_, kind, title, [this] { hide(); });
+        display_, FloatingPanel::Make{QStringLiteral("Pavonel Heads-up"),
+                                      QSize(HeadsUpView::width, HeadsUpView::height(settings_)),
+                                      14,
+                                      0.08,
+                                      FloatingPanel::Mouse::received,
+                                      {10, 30, 0.22}});
+    new HeadsUpView(display_, *panel, controller_, settings_, kind, title, [this] { hide(); });
     return panel;
 }
 

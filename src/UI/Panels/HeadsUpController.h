@@ -8,7 +8,7 @@ namespace pavonel {
 /// The notice in the right upper corner shortly before a break.
 class HeadsUpController {
 public:
-    HeadsUpController(Platform &platform, BreakController &controller, Settings &settings);
+    HeadsUpController(const DisplayServices &display, BreakController &controller, Settings &settings);
 
     /// In place of one that is shown.
     void show(BreakKind kind, const QString &title);
@@ -17,7 +17,7 @@ public:
 private:
     std::unique_ptr<FloatingPanel> makePanel(BreakKind kind, const QString &title);
 
-    Platform &platform_;
+    DisplayServices display_;
     BreakController &controller_;
     Settings &settings_;
     NoticePresenter presenter_;

@@ -47,18 +47,18 @@ int HeadsUpView::height(const Settings &settings) {
     return settings.isPostponePermitted() ? 132 : 96;
 }
 
-HeadsUpView::HeadsUpView(Platform &platform, FloatingPanel &panel, BreakController &controller,
+HeadsUpView::HeadsUpView(const DisplayServices &display, FloatingPanel &panel, BreakController &controller,
                          Settings &settings, BreakKind kind, const QString &title,
                          std::function<void()> onClose)
     : QWidget(&panel), controller_(controller), settings_(settings), palette_(panel.colours()), kind_(kind),
       title_(title), onClose_(std::move(onClose)) {
     setGeometry(panel.contentsRect());
     setAccessibleName(title.simplified() + QStringLiteral(" coming up"));
-    addCloseButton(platform);
+    addCloseButton(display);
     addButtons();
     refresh();
     refresher_ = std::make_unique<Refresher>(
-        *platform.mainLoop, std::vector<Observable *>{&controller_, &settings_}, [this] { refresh(); });
+        display.loop, std::vector<Observable *>{&controller_, &settings_}, [this] { refresh(); });
 }
 
 Button *HeadsUpView::addButton(const QString &text, Button::Role role, std::function<void()> action) {
@@ -78,13 +78,13 @@ void HeadsUpView::addButtons() {
     skip_ = addButton(QStringLiteral("Skip"), Button::Role::notice, [this] { controller_.skip(); });
 }
 
-void HeadsUpView::addCloseButton(Platform &platform) {
+void HeadsUpView::addCloseButton(const DisplayServices &display) {
     const QString explanation = QStringLiteral("Dismiss this notice");
     close_ = Button::ofSymbol(QStringLiteral("xmark"), explanation, Button::Role::noticeClose);
     close_->setParent(this);
     close_->move(width - padding - close_->width(), padding + (headerHeight - close_->height()) / 2);
     connect(close_, &Button::clicked, this, onClose_);
-    closeHint_ = std::make_unique<Hint>(platform, *close_, explanation);
+    closeHint_ = std::make_unique<Hint>(display, *close_, explanation);
 }
 
 void HeadsUpView::refresh() {

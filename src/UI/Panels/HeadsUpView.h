@@ -11,8 +11,8 @@ namespace pavonel {
 /// What stands on the heads-up notice. The time and the buttons are live.
 class HeadsUpView final : public QWidget {
 public:
-    HeadsUpView(Platform &platform, FloatingPanel &panel, BreakController &controller, Settings &settings,
-                BreakKind kind, const QString &title, std::function<void()> onClose);
+    HeadsUpView(const DisplayServices &display, FloatingPanel &panel, BreakController &controller,
+                Settings &settings, BreakKind kind, const QString &title, std::function<void()> onClose);
 
     static constexpr int width = 340;
     static int height(const Settings &settings);
@@ -23,7 +23,7 @@ protected:
 private:
     Button *addButton(const QString &text, Button::Role role, std::function<void()> action);
     void addButtons();
-    void addCloseButton(Platform &platform);
+    void addCloseButton(const DisplayServices &display);
     void refresh();
     void layOutButtons();
     void paintLines(QPainter &painter, double right) const;

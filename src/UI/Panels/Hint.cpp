@@ -37,8 +37,8 @@ private:
 
 } // namespace
 
-Hint::Hint(Platform &platform, QWidget &control, const QString &text)
-    : platform_(platform), control_(control), text_(text) {
+Hint::Hint(const DisplayServices &display, QWidget &control, const QString &text)
+    : display_(display), control_(control), text_(text) {
     control.setAccessibleDescription(text);
     control.installEventFilter(this);
 }
@@ -46,7 +46,7 @@ Hint::Hint(Platform &platform, QWidget &control, const QString &text)
 bool Hint::eventFilter(QObject *, QEvent *event) {
     switch (event->type()) {
     case QEvent::Enter:
-        rest_ = platform_.mainLoop->after(rest, [this] { show(); });
+        rest_ = display_.loop.after(rest, [this] { show(); });
         break;
     case QEvent::Leave:
     case QEvent::MouseButtonPress:
@@ -63,14 +63,14 @@ void Hint::show() {
     const QFontMetricsF metrics(fonts::ui(fontSize));
     const QSize size(static_cast<int>(std::ceil(metrics.horizontalAdvance(text_))) + 16, 22);
     panel_ = std::make_unique<FloatingPanel>(
-        platform_,
+        display_,
         FloatingPanel::Make{
             QStringLiteral("Pavonel Hint"), size, 6, 0.08, FloatingPanel::Mouse::ignored, {2, 8, 0.20}});
     auto *text = new HintText(text_, *panel_);
     text->show();
     const QPoint below =
         control_.mapToGlobal(QPoint(control_.width() - size.width() + 6, control_.height() + 6));
-    panel_->present(below, mainScreen(platform_.screens->all()));
+    panel_->present(below, mainScreen(display_.screens.all()));
 }
 
 void Hint::hide() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/MainLoop.h"
 #include "UI/Panels/FloatingPanel.h"
 
 namespace pavonel {
@@ -8,7 +9,7 @@ namespace pavonel {
 /// a moment. An ordinary tool tip would lie below the panel.
 class Hint : public QObject {
 public:
-    Hint(Platform &platform, QWidget &control, const QString &text);
+    Hint(const DisplayServices &display, QWidget &control, const QString &text);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -16,7 +17,7 @@ private:
     void show();
     void hide();
 
-    Platform &platform_;
+    DisplayServices display_;
     QWidget &control_;
     QString text_;
     TimerHandle rest_;

@@ -5,22 +5,23 @@
 
 namespace pavonel {
 
-NoticePresenter::FadingPanel::FadingPanel(Platform &platform, std::unique_ptr<FloatingPanel> newcomer)
-    : panel(std::move(newcomer)), fade(*platform.mainLoop, *platform.appearance,
+NoticePresenter::FadingPanel::FadingPanel(const DisplayServices &display,
+                                          std::unique_ptr<FloatingPanel> newcomer)
+    : panel(std::move(newcomer)), fade(display.loop, display.appearance,
                                        [&window = *panel](double opacity) { window.setOpacity(opacity); }) {}
 
-NoticePresenter::NoticePresenter(Platform &platform)
-    : platform_(platform), screenChanges_([this] { follow(); }) {}
+NoticePresenter::NoticePresenter(const DisplayServices &display)
+    : display_(display), screenChanges_([this] { follow(); }) {}
 
 void NoticePresenter::show(Notice notice) {
     hide();
     notice_ = std::move(notice);
-    raise(mainScreen(platform_.screens->all()));
+    raise(mainScreen(display_.screens.all()));
 }
 
 void NoticePresenter::raise(const std::optional<Screen> &screen) {
     place_ = placeOn(screen);
-    shown_ = std::make_unique<FadingPanel>(platform_, notice_.make());
+    shown_ = std::make_unique<FadingPanel>(display_, notice_.make());
     shown_->panel->setOpacity(0);
     shown_->panel->present(place_.corner, screen);
     shown_->fade.to(1, notice_.fadeIn);
@@ -32,7 +33,7 @@ NoticePresenter::Place NoticePresenter::placeOn(const std::optional<Screen> &scr
 
 /// While its mode changes, a screen may be gone for a moment, and then there may be none.
 void NoticePresenter::follow() {
-    const auto attached = platform_.screens->all();
+    const auto attached = display_.screens.all();
     if (!shown_ || attached.empty())
         return;
     const auto same = std::ranges::find(attached, place_.screen, &Screen::name);

@@ -17,7 +17,7 @@ public:
         Seconds fadeOut;
     };
 
-    explicit NoticePresenter(Platform &platform);
+    explicit NoticePresenter(const DisplayServices &display);
 
     /// In place of one that is shown.
     void show(Notice notice);
@@ -25,7 +25,7 @@ public:
 
 private:
     struct FadingPanel {
-        FadingPanel(Platform &platform, std::unique_ptr<FloatingPanel> newcomer);
+        FadingPanel(const DisplayServices &display, std::unique_ptr<FloatingPanel> newcomer);
 
         std::unique_ptr<FloatingPanel> panel;
         Fade fade;
@@ -41,7 +41,7 @@ private:
     void raise(const std::optional<Screen> &screen);
     void follow();
 
-    Platform &platform_;
+    DisplayServices display_;
     Notice notice_;
     Place place_;
     std::unique_ptr<FadingPanel> shown_;

@@ -17,21 +17,21 @@ QPoint corner(const QRectF &visible) {
 
 } // namespace
 
-ToastController::ToastController(Platform &platform) : platform_(platform), presenter_(platform) {}
+ToastController::ToastController(const DisplayServices &display) : display_(display), presenter_(display) {}
 
 void ToastController::show(const QString &text, const QString &symbol) {
     presenter_.show({[=, this] { return makePanel(text, symbol); }, corner, fade, fade});
-    dismissal_ = platform_.mainLoop->after(stay, [this] { hide(); });
+    dismissal_ = display_.loop.after(stay, [this] { hide(); });
 }
 
 std::unique_ptr<FloatingPanel> ToastController::makePanel(const QString &text, const QString &symbol) {
     auto panel =
-        std::make_unique<FloatingPanel>(platform_, FloatingPanel::Make{QStringLiteral("Pavonel Toast"),
-                                                                       panelSize,
-                                                                       panelSize.height() / 2.0,
-                                                                       0.08,
-                                                                       FloatingPanel::Mouse::ignored,
-                                                                       {8, 24, 0.20}});
+        std::make_unique<FloatingPanel>(display_, FloatingPanel::Make{QStringLiteral("Pavonel Toast"),
+                                                                      panelSize,
+                                                                      panelSize.height() / 2.0,
+                                                                      0.08,
+                                                                      FloatingPanel::Mouse::ignored,
+                                                                      {8, 24, 0.20}});
     new ToastView(*panel, text, symbol);
     return panel;
 }

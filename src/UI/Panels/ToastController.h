@@ -7,7 +7,7 @@ namespace pavonel {
 /// The strip at the top of the screen that carries a reminder for six seconds.
 class ToastController {
 public:
-    explicit ToastController(Platform &platform);
+    explicit ToastController(const DisplayServices &display);
 
     /// In place of one that is shown. `symbol` is a name of `Symbol`.
     void show(const QString &text, const QString &symbol);
@@ -16,7 +16,7 @@ public:
 private:
     std::unique_ptr<FloatingPanel> makePanel(const QString &text, const QString &symbol);
 
-    Platform &platform_;
+    DisplayServices display_;
     NoticePresenter presenter_;
     TimerHandle dismissal_;
 };

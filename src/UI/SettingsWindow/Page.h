@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/DisplayServices.h"
+#include "Platform/SensorServices.h"
 #include "UI/SettingsWindow/Rows/Element.h"
 
 #include <QString>
@@ -8,21 +10,35 @@
 
 namespace pavonel {
 
-class BreakController;
 class HotKeyManager;
+class InstalledApplications;
+class LoginItem;
 class Phone;
+class Pointer;
+class PowerEvents;
+class ProcessLauncher;
 class Settings;
+class Sounds;
 class Stats;
+class StatusItem;
 class Updater;
-struct Platform;
+class UserDefaults;
 
 /// The pages of the settings window, in the order of its sidebar.
 enum class Page { breaks, planned, phone, pausing, appearance, wellness, stats, advanced };
 
 /// What the pages show and change. All of it outlives the settings window.
 struct PageContext {
-    Platform &platform;
-    BreakController &controller;
+    DisplayServices display;
+    SensorServices sensors;
+    Pointer &pointer;
+    InstalledApplications &installedApplications;
+    Sounds &sounds;
+    ProcessLauncher &processes;
+    LoginItem &loginItem;
+    PowerEvents &power;
+    StatusItem &statusItem;
+    UserDefaults &defaults;
     Settings &settings;
     Stats &stats;
     Phone &phone;

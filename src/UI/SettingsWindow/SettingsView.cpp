@@ -1,7 +1,8 @@
 #include "UI/SettingsWindow/SettingsView.h"
 
 #include "Core/Settings.h"
-#include "Platform/Platform.h"
+#include "Platform/Appearance.h"
+#include "Platform/UserDefaults.h"
 #include "UI/SettingsWindow/PageView.h"
 #include "UI/SettingsWindow/Sidebar.h"
 
@@ -17,9 +18,9 @@ namespace pavonel {
 const QString SettingsView::phonePageSeenKey = QStringLiteral("phonePageSeen");
 
 SettingsView::SettingsView(const PageContext &context, SettingsSelection &selection)
-    : context_(context), selection_(selection), visuals_(context.platform),
-      onSelection_(*context.platform.mainLoop, {&selection}, [this] { showSelected(); }),
-      onSettings_(*context.platform.mainLoop, {&context.settings},
+    : context_(context), selection_(selection), visuals_(context.display),
+      onSelection_(context.display.loop, {&selection}, [this] { showSelected(); }),
+      onSettings_(context.display.loop, {&context.settings},
                   [this] {
                       if (page_)
                           page_->refresh();
@@ -59,7 +60,7 @@ void SettingsView::showSelected() {
     static_cast<QBoxLayout *>(layout())->addWidget(page_, 1);
     page_->show();
     if (wanted == Page::phone)
-        context_.platform.defaults->set(phonePageSeenKey, true);
+        context_.defaults.set(phonePageSeenKey, true);
 }
 
 void SettingsView::dropPage() {

@@ -1,6 +1,6 @@
 #include "UI/Style/Style.h"
 
-#include "Platform/Platform.h"
+#include "Platform/Appearance.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Style/Drawing.h"
@@ -38,9 +38,9 @@ bool isScrollArrow(const QWidget *widget) {
 
 } // namespace
 
-Style::Style(Platform &platform)
-    : QProxyStyle(QStringLiteral("Fusion")), visuals_(platform),
-      onAppearance_(platform.appearance->onChange([this] { takeColours(); })) {
+Style::Style(const DisplayServices &display)
+    : QProxyStyle(QStringLiteral("Fusion")), visuals_(display),
+      onAppearance_(display.appearance.onChange([this] { takeColours(); })) {
     takeColours();
 }
 

@@ -11,7 +11,7 @@ namespace pavonel {
 /// that Qt draws. What each control looks like is told in `Drawing.h`; this passes Qt's questions on.
 class Style final : public QProxyStyle {
 public:
-    explicit Style(Platform &platform);
+    explicit Style(const DisplayServices &display);
 
     using QProxyStyle::polish;
     void polish(QWidget *widget) override;

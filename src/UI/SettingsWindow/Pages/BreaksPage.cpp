@@ -1,5 +1,5 @@
 #include "Core/Settings.h"
-#include "Platform/Platform.h"
+#include "Platform/Pointer.h"
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Pages.h"
 #include "UI/SettingsWindow/Rows/Card.h"
@@ -34,7 +34,7 @@ Elements breaksPage(PageContext &context) {
              {
                  StepRow{u"Warn me before a break"_s, settings.preNotifySeconds, {0, 300}, 5},
                  SwitchRow{u"Countdown follows the cursor"_s, settings.showFloatingCountdown},
-                 limitationNote(*context.platform.pointer),
+                 limitationNote(context.pointer),
              }},
         Card{u"Behaviour"_s,
              {},

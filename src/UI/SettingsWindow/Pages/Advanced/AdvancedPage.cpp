@@ -2,7 +2,12 @@
 #include "Core/Settings.h"
 #include "Core/SystemBits.h"
 #include "Core/Updater.h"
-#include "Platform/Platform.h"
+#include "Platform/LoginItem.h"
+#include "Platform/MainLoop.h"
+#include "Platform/PowerEvents.h"
+#include "Platform/ProcessLauncher.h"
+#include "Platform/StatusItem.h"
+#include "Platform/UserDefaults.h"
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Advanced/UpdateStatus.h"
 #include "UI/SettingsWindow/Pages/Pages.h"
@@ -91,23 +96,23 @@ QString shortcutNote(const Settings &settings, const HotKeyManager &hotKeys) {
 
 Card updateCard(PageContext &context) {
     Updater &updater = context.updater;
-    UserDefaults &defaults = *context.platform.defaults;
+    UserDefaults &defaults = context.defaults;
     const ValueBinding<bool> automatic(
         [&updater] { return updater.automatic(); },
         [&defaults](bool wanted) { defaults.set(Updater::automaticKey, wanted); });
     return Card{u"Updates"_s,
                 {},
                 {
-                    UpdateStatus{updater, *context.platform.mainLoop},
+                    UpdateStatus{updater, context.display.loop},
                     SwitchRow{u"Check automatically"_s, automatic, u"Once a day, in the background"_s},
                 }};
 }
 
 Card systemCard(PageContext &context) {
     Settings &settings = context.settings;
-    const auto login = std::make_shared<LoginSwitch>(settings, *context.platform.loginItem);
+    const auto login = std::make_shared<LoginSwitch>(settings, context.loginItem);
     const auto shortcuts = [&context] {
-        const QString limitation = context.platform.hotKeys->limitation();
+        const QString limitation = context.hotKeys.limitation();
         return limitation.isEmpty() ? shortcutNote(context.settings, context.hotKeys) : limitation;
     };
     return Card{u"System"_s,
@@ -130,17 +135,17 @@ Elements advancedPage(PageContext &context) {
     return {
         updateCard(context),
         systemCard(context),
-        PageNote([&context] { return context.platform.statusItem->limitation(); }),
-        PageNote([&context] { return context.platform.power->limitation(); }),
+        PageNote([&context] { return context.statusItem.limitation(); }),
+        PageNote([&context] { return context.power.limitation(); }),
         Card{u"Automation"_s,
              {},
              {
                  LabeledField{u"When a break starts"_s, settings.onBreakStartScript},
                  LabeledField{u"When a break ends"_s, settings.onBreakEndScript},
                  CardNote(u"AppleScript, a .scpt path, or shortcut:Name"_s),
-                 limitationNote(*context.platform.processes),
+                 limitationNote(context.processes),
              }},
-        ButtonRow{u"Quit Pavonel"_s, [&context] { context.platform.mainLoop->quit(0); }},
+        ButtonRow{u"Quit Pavonel"_s, [&context] { context.display.loop.quit(0); }},
     };
 }
 

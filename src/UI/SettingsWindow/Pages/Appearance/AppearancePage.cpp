@@ -1,6 +1,7 @@
 #include "Core/Settings.h"
 #include "Core/SystemBits.h"
-#include "Platform/Platform.h"
+#include "Platform/Sounds.h"
+#include "Platform/WindowLayers.h"
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Appearance/CustomImageRow.h"
 #include "UI/SettingsWindow/Pages/Appearance/StyleChoice.h"
@@ -52,7 +53,7 @@ PickerRow soundRow(const QString &label, const ValueBinding<QString> &sound, Sou
 
 Elements appearancePage(PageContext &context) {
     Settings &settings = context.settings;
-    Platform &platform = context.platform;
+    Sounds &player = context.sounds;
     const auto sounds = [&settings] { return settings.soundEnabled.get(); };
     const auto addMessage = [&settings](const QString &text) {
         settings.messages = settings.messages.get() + QStringList(text);
@@ -63,15 +64,15 @@ Elements appearancePage(PageContext &context) {
              {
                  StyleChoice{settings},
                  CustomImageRow{settings},
-                 limitationNote(*platform.windowLayers),
+                 limitationNote(context.display.layers),
              }},
         Card{u"Sounds"_s,
              {},
              {
                  SwitchRow{u"Play sounds"_s, settings.soundEnabled},
-                 EnabledWhile{sounds, soundRow(u"Break starts"_s, settings.startSound, *platform.sounds)},
-                 EnabledWhile{sounds, soundRow(u"Break ends"_s, settings.endSound, *platform.sounds)},
-                 limitationNote(*platform.sounds),
+                 EnabledWhile{sounds, soundRow(u"Break starts"_s, settings.startSound, player)},
+                 EnabledWhile{sounds, soundRow(u"Break ends"_s, settings.endSound, player)},
+                 limitationNote(player),
              }},
         Card{u"Break messages"_s,
              u"One is picked at random for each break"_s,

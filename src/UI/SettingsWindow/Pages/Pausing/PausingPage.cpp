@@ -1,6 +1,9 @@
 #include "Core/Settings.h"
+#include "Platform/Applications.h"
+#include "Platform/AudioDevices.h"
+#include "Platform/IdleTime.h"
 #include "Platform/InstalledApplications.h"
-#include "Platform/Platform.h"
+#include "Platform/WindowList.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/ListRow.h"
 #include "UI/SettingsWindow/Page.h"
@@ -76,19 +79,19 @@ Elements focusAppParts(Settings &settings, InstalledApplications &applications) 
 
 Elements pausingPage(PageContext &context) {
     Settings &settings = context.settings;
-    Platform &platform = context.platform;
-    Elements focusApps = focusAppParts(settings, *platform.installedApplications);
-    focusApps.push_back(limitationNote(*platform.applications));
+    const SensorServices &sensors = context.sensors;
+    Elements focusApps = focusAppParts(settings, context.installedApplications);
+    focusApps.push_back(limitationNote(sensors.applications));
     return {
         Card{u"Pause automatically"_s,
              u"The timer holds while one of these is in front"_s,
              {
                  SwitchRow{u"In fullscreen apps"_s, settings.pauseOnFullscreen},
-                 limitationNote(*platform.windowList),
+                 limitationNote(sensors.windowList),
                  SwitchRow{u"While the microphone is in use"_s, settings.pauseOnMicrophone,
                            u"Meetings and calls"_s},
                  SwitchRow{u"While video or audio is playing"_s, settings.pauseOnAudio},
-                 limitationNote(*platform.audioDevices),
+                 limitationNote(sensors.audioDevices),
                  SwitchRow{u"During screen recording or sharing"_s, settings.pauseOnScreenSharing},
              }},
         Card{
@@ -98,7 +101,7 @@ Elements pausingPage(PageContext &context) {
                 SwitchRow{u"Reset the timer when I step away"_s, settings.naturalBreakEnabled},
                 EnabledWhile{[&settings] { return settings.naturalBreakEnabled.get(); },
                              StepRow{u"After"_s, settings.idleResetSeconds, {20, 600}, 10, u"of no input"_s}},
-                limitationNote(*platform.idleTime),
+                limitationNote(sensors.idleTime),
             }},
         Card{u"Focus apps"_s, {}, focusApps},
     };

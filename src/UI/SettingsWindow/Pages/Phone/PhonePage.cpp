@@ -1,5 +1,4 @@
 #include "Core/Phone.h"
-#include "Platform/Platform.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/Text.h"
@@ -154,8 +153,7 @@ Elements phonePage(PageContext &context) {
     Phone &phone = context.phone;
     constexpr int betweenCards = 14;
     return {
-        DynamicSection{
-            *context.platform.mainLoop, {&phone}, [&phone] { return phoneParts(phone); }, betweenCards},
+        DynamicSection{context.display.loop, {&phone}, [&phone] { return phoneParts(phone); }, betweenCards},
         PageNote(
             u"Only the break itself travels to the phone: its kind, its name and when it ends. Settings and "
             "statistics never leave this computer."_s,
