@@ -2,7 +2,6 @@
 #include "UI/Controls/ListRow.h"
 #include "UI/Controls/PopUpButton.h"
 #include "UI/SettingsWindow/Pages/Appearance/BreakPreview.h"
-#include "UI/SettingsWindow/Pages/Appearance/StyleTile.h"
 #include "UI/Theme.h"
 #include "support/OpenSettings.h"
 #include "support/files.h"
@@ -13,6 +12,7 @@
 #include <QFileDialog>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QRadioButton>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -30,8 +30,8 @@ protected:
 
     void show() { open.show(Page::appearance); }
 
-    StyleTile *style(const QString &name) {
-        return open.widget<StyleTile>(QAccessible::RadioButton, name, u"Break screen"_s);
+    QRadioButton *style(const QString &name) {
+        return open.widget<QRadioButton>(QAccessible::RadioButton, name, u"Break screen"_s);
     }
     Button *button(const QString &name, const QString &card = u"Break screen"_s) {
         return open.widget<Button>(QAccessible::Button, name, card);
@@ -69,7 +69,7 @@ protected:
 TEST_F(AppearancePage, offers_every_style_by_its_name_and_writes_the_choice) {
     show();
     for (const Background &theme : Theme::gradients()) {
-        StyleTile *tile = style(theme.name);
+        QRadioButton *tile = style(theme.name);
         ASSERT_NE(tile, nullptr) << qPrintable(theme.name);
         tile->click();
         EXPECT_EQ(open.settings.backgroundStyle, theme.id);

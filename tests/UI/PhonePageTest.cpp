@@ -1,7 +1,6 @@
 #include "UI/Controls/Button.h"
 #include "UI/Controls/Visuals.h"
-#include "UI/SettingsWindow/Pages/Phone/CodeView.h"
-#include "UI/SettingsWindow/Pages/Phone/QrCodeView.h"
+#include "UI/SettingsWindow/Pages/Phone/PairingCodes.h"
 #include "support/OpenSettings.h"
 #include "support/windows.h"
 

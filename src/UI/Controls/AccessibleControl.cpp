@@ -1,25 +1,41 @@
 #include "UI/Controls/AccessibleControl.h"
 
-#include <QAccessible>
+#include <QAccessibleWidget>
+#include <QVariant>
 #include <QWidget>
 
 namespace pavonel {
 
 namespace {
 
+constexpr char roleProperty[] = "accessibleRole";
+
 QAccessibleInterface *makeFor(const QString &, QObject *object) {
-    auto *control = dynamic_cast<AccessibleControl *>(object);
-    return control ? control->makeAccessible() : nullptr;
+    if (auto *control = dynamic_cast<AccessibleControl *>(object))
+        return control->makeAccessible();
+    const QVariant role = object ? object->property(roleProperty) : QVariant();
+    return role.isValid() ? new QAccessibleWidget(static_cast<QWidget *>(object),
+                                                  static_cast<QAccessible::Role>(role.toInt()))
+                          : nullptr;
 }
 
-} // namespace
-
-AccessibleControl::AccessibleControl() {
+void install() {
     static const bool installed = [] {
         QAccessible::installFactory(makeFor);
         return true;
     }();
     static_cast<void>(installed);
+}
+
+} // namespace
+
+AccessibleControl::AccessibleControl() {
+    install();
+}
+
+void setAccessibleRole(QWidget &widget, QAccessible::Role role) {
+    install();
+    widget.setProperty(roleProperty, static_cast<int>(role));
 }
 
 void announce(QWidget &widget) {

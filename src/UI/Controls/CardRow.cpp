@@ -1,10 +1,10 @@
 #include "UI/Controls/CardRow.h"
 
 #include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Layouts.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/Text.h"
 
-#include <QHBoxLayout>
 #include <QPainter>
 
 namespace pavonel {
@@ -16,9 +16,8 @@ constexpr int gap = 12;
 
 } // namespace
 
-CardRow::CardRow(Visuals &visuals) : visuals_(visuals), line_(new QHBoxLayout(this)) {
-    line_->setContentsMargins(margin, 0, margin - FocusRing::room, 0);
-    line_->setSpacing(gap - FocusRing::room);
+CardRow::CardRow(Visuals &visuals)
+    : visuals_(visuals), line_(line(this, {margin, 0, margin - FocusRing::room, 0}, gap - FocusRing::room)) {
     setMinimumHeight(visuals.lineHeight(lowest));
 }
 
@@ -33,9 +32,7 @@ void CardRow::addOutdented(QWidget *widget) {
 }
 
 void CardRow::addLabel(const QString &label, const QString &note) {
-    auto *lines = new QVBoxLayout;
-    lines->setContentsMargins(0, air, 0, air);
-    lines->setSpacing(betweenLines);
+    auto *lines = column(nullptr, {0, air, 0, air}, betweenLines);
     lines->addStretch();
     lines->addWidget(new Text(visuals_, label, Text::Style::label));
     if (!note.isEmpty())

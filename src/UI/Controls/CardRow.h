@@ -9,7 +9,8 @@ class QPainter;
 
 namespace pavonel {
 
-/// One row of a card: what is added stands side by side, and a hairline sets the row off from what is above.
+/// One row of a card, for which Qt has no widget: what is added stands side by side, and a hairline sets the
+/// row off from what is above.
 class CardRow : public QWidget {
 public:
     static constexpr int margin = 16;      ///< Of the content, left and right, in points.

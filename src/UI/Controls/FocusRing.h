@@ -10,7 +10,7 @@ class QWidget;
 namespace pavonel {
 
 /// The ring around the control that has the keyboard. It is shown to those who go from control to control by
-/// keys, not to those who click. There is one keyboard, and thus one ring.
+/// keys, not to those who click; Qt's own is shown to both. There is one keyboard, and thus one ring.
 class FocusRing {
 public:
     /// What a control leaves free around its body for the ring, in points.

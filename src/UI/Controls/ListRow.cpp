@@ -1,16 +1,19 @@
 #include "UI/Controls/ListRow.h"
 
 #include "Core/Characters.h"
+#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/LineEdit.h"
+#include "UI/Controls/Text.h"
 
-#include <QAccessibleWidget>
 #include <QFontMetricsF>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
+
+#include <utility>
 
 namespace pavonel {
 
@@ -36,6 +39,7 @@ ListRow::ListRow(Visuals &visuals, const Entry &entry, std::function<void()> rem
     layout()->setContentsMargins(margin, 0, margin - Button::besideSymbol(visuals), 0);
     static_cast<QHBoxLayout *>(layout())->addStretch();
     add(remove_);
+    setAccessibleRole(*this, QAccessible::ListItem);
     setAccessibleName(entry_.text);
     setAccessibleDescription(entry_.detail);
     setToolTip(QStringLiteral("<p>%1</p>").arg(beginning(entry.text, longestTold).toHtmlEscaped()) +
@@ -121,8 +125,27 @@ void ListRow::draw(QPainter &painter, const QRectF &place, const Entry &entry, c
     write(entry.detail, visuals.font(11), detailInk);
 }
 
-QAccessibleInterface *ListRow::makeAccessible() {
-    return new QAccessibleWidget(this, QAccessible::ListItem);
+UndoRow::UndoRow(Visuals &visuals)
+    : CardRow(visuals), text_(new Text(visuals, {}, Text::Style::secondary)),
+      button_(new Button(QStringLiteral("Undo"))) {
+    add(text_);
+    static_cast<QBoxLayout *>(layout())->setStretchFactor(text_, 1);
+    add(button_);
+    hide();
+    connect(button_, &Button::clicked, this, [this] {
+        hide();
+        std::exchange(undo_, {})();
+    });
+}
+
+void UndoRow::offer(const QString &what, std::function<void()> undo) {
+    constexpr qsizetype longest = 60;
+    undo_ = std::move(undo);
+    const QString name = beginning(what.simplified(), longest);
+    text_->setText(name.isEmpty() ? QStringLiteral("Removed") : QStringLiteral("Removed “%1”").arg(name));
+    button_->setAccessibleName(QStringLiteral("Undo removing ") + name);
+    show();
+    announce(*text_);
 }
 
 } // namespace pavonel

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/CardRow.h"
 
 #include <QImage>
@@ -13,10 +12,11 @@ class QLineEdit;
 namespace pavonel {
 
 class Button;
+class Text;
 
 /// An entry of a list: a picture where there is one, a text on one line, a lesser one behind it, and a button
 /// that removes the entry.
-class ListRow : public CardRow, public AccessibleControl {
+class ListRow : public CardRow {
 public:
     struct Entry {
         QString text;
@@ -35,8 +35,6 @@ public:
     ListRow(Visuals &visuals, const Entry &entry, std::function<void()> remove,
             std::function<void(const QString &)> edit = {});
 
-    QAccessibleInterface *makeAccessible() override;
-
 protected:
     void paintEvent(QPaintEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
@@ -51,6 +49,20 @@ private:
     QPointer<QLineEdit> field_; ///< While it is edited.
     Entry entry_;
     Button *remove_;
+};
+
+/// Offers to take back the last removal from what stands above it; not there before the first one.
+class UndoRow : public CardRow {
+public:
+    explicit UndoRow(Visuals &visuals);
+
+    /// `what` was removed; `undo` brings it back.
+    void offer(const QString &what, std::function<void()> undo);
+
+private:
+    Text *text_;
+    Button *button_;
+    std::function<void()> undo_;
 };
 
 } // namespace pavonel

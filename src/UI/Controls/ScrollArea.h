@@ -7,8 +7,8 @@
 
 namespace pavonel {
 
-/// A column that scrolls up and down, smoothly for a wheel with notches; sideways too where the text is so
-/// large that it has no room.
+/// A column that scrolls up and down, smoothly for a wheel with notches, for which Qt's own jumps; sideways
+/// too where the text is so large that it has no room.
 class ScrollArea : public QScrollArea {
 public:
     ScrollArea(Visuals &visuals, QWidget *content);

@@ -7,7 +7,8 @@
 
 namespace pavonel {
 
-/// A check box whose knob glides when the user turns it. `toggled` tells what the user does.
+/// A check box whose knob glides when the user turns it, which takes a memory of its own beside the style.
+/// `toggled` tells what the user does.
 class Switch : public QCheckBox {
 public:
     /// `name` is what a screen reader says.

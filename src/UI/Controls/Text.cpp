@@ -1,8 +1,8 @@
 #include "UI/Controls/Text.h"
 
+#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Pixels.h"
 
-#include <QAccessibleWidget>
 #include <QPainter>
 #include <QTextLayout>
 
@@ -69,6 +69,8 @@ Text::Text(Visuals &visuals, const QString &text, Style style) : visuals_(visual
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
+    const bool heading = style == Style::pageTitle || style == Style::cardTitle;
+    setAccessibleRole(*this, heading ? QAccessible::Heading : QAccessible::StaticText);
     setText(text);
 }
 
@@ -120,11 +122,6 @@ QSize Text::measured() const {
 QSize Text::minimumSizeHint() const {
     const QSize whole = sizeHint();
     return {std::min(whole.width(), longestWord), std::min(whole.height(), fontMetrics().height())};
-}
-
-QAccessibleInterface *Text::makeAccessible() {
-    const bool heading = style_ == Style::pageTitle || style_ == Style::cardTitle;
-    return new QAccessibleWidget(this, heading ? QAccessible::Heading : QAccessible::StaticText);
 }
 
 void Text::paintEvent(QPaintEvent *) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Visuals.h"
 
 #include <QWidget>
@@ -9,7 +8,7 @@ namespace pavonel {
 
 /// A text that wraps to its width, in one of the inks that can be read on every surface. Not a `QLabel`,
 /// which is never a heading to assistive technology and does not break a word that is longer than the line.
-class Text : public QWidget, public AccessibleControl {
+class Text : public QWidget {
 public:
     enum class Style {
         pageTitle,
@@ -33,8 +32,6 @@ public:
     int heightForWidth(int width) const override;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
-
-    QAccessibleInterface *makeAccessible() override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -1,7 +1,5 @@
 #include "UI/SettingsWindow/Page.h"
 
-#include "UI/SettingsWindow/Pages/Pages.h"
-
 #include <algorithm>
 
 namespace pavonel {

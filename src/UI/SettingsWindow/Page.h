@@ -46,6 +46,17 @@ struct PageContext {
     Updater &updater;
 };
 
+/// The content of each page, from top to bottom, under its title: cards and rows, no logic. Each stands in a
+/// file of its own under Pages/.
+Elements breaksPage(PageContext &context);
+Elements plannedPage(PageContext &context);
+Elements phonePage(PageContext &context);
+Elements pausingPage(PageContext &context);
+Elements appearancePage(PageContext &context);
+Elements wellnessPage(PageContext &context);
+Elements statsPage(PageContext &context);
+Elements advancedPage(PageContext &context);
+
 /// What the window shows of a page.
 struct PageEntry {
     Page page;

@@ -1,12 +1,11 @@
 #include "UI/SettingsWindow/PageView.h"
 
 #include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Layouts.h"
 #include "UI/Controls/ScrollArea.h"
 #include "UI/Controls/Text.h"
 
-#include <QHBoxLayout>
 #include <QScrollBar>
-#include <QVBoxLayout>
 
 namespace pavonel {
 
@@ -18,45 +17,37 @@ constexpr int bottom = 24;
 constexpr int widest = 668; // a switch far from its label belongs to none
 constexpr int betweenCards = 14;
 
-QWidget *column(Visuals &visuals, const PageEntry &entry, PageContext &context) {
-    auto *column = new QWidget;
-    column->setMaximumWidth(visuals.length(widest));
-    auto *lines = new QVBoxLayout(column);
-    lines->setContentsMargins({});
-    lines->setSpacing(betweenCards);
-    auto *head = new QVBoxLayout;
-    head->setContentsMargins(FocusRing::room, 0, FocusRing::room, 4);
-    head->setSpacing(4);
+QWidget *cards(Visuals &visuals, const PageEntry &entry, PageContext &context) {
+    auto *cards = new QWidget;
+    cards->setMaximumWidth(visuals.length(widest));
+    auto *lines = column(cards, {}, betweenCards);
+    auto *head = column(nullptr, {FocusRing::room, 0, FocusRing::room, 4}, 4);
     head->addWidget(new Text(visuals, entry.title, Text::Style::pageTitle));
     head->addWidget(new Text(visuals, entry.subtitle, Text::Style::secondary));
     lines->addLayout(head);
     for (const Element &element : entry.content(context))
         lines->addWidget(element.make(visuals));
     lines->addStretch(1);
-    return column;
+    return cards;
 }
 
 } // namespace
 
 PageView::PageView(Visuals &visuals, const PageEntry &entry, PageContext &context) {
     auto *content = new QWidget;
-    auto *place = new QHBoxLayout(content);
-    place->setContentsMargins(side, top, side, bottom);
-    place->setSpacing(0);
+    auto *place = line(content, {side, top, side, bottom});
     place->addStretch(1);
-    place->addWidget(column(visuals, entry, context), 100'000); // all of the width, up to its widest
+    place->addWidget(cards(visuals, entry, context), 100'000); // all of the width, up to its widest
     place->addStretch(1);
-    auto *whole = new QVBoxLayout(this);
-    whole->setContentsMargins({});
     area_ = new ScrollArea(visuals, content);
-    whole->addWidget(area_);
+    column(this)->addWidget(area_);
     setAccessibleName(entry.title);
 }
 
 void PageView::refresh() {
-    const auto widgets = findChildren<QWidget *>();
-    for (QWidget *widget : widgets) {
-        if (auto *follower = dynamic_cast<Refreshable *>(widget))
+    const auto children = findChildren<QObject *>();
+    for (QObject *child : children) {
+        if (auto *follower = dynamic_cast<Follower *>(child))
             follower->refresh();
     }
 }

@@ -3,12 +3,12 @@
 #include "Core/Settings.h"
 #include "Platform/Appearance.h"
 #include "Platform/UserDefaults.h"
+#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Layouts.h"
 #include "UI/SettingsWindow/PageView.h"
 #include "UI/SettingsWindow/Sidebar.h"
 
-#include <QAccessibleWidget>
 #include <QBackingStore>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QShowEvent>
@@ -26,9 +26,8 @@ SettingsView::SettingsView(const PageContext &context, SettingsSelection &select
                           page_->refresh();
                   }),
       onAppearance_(visuals_.appearance().onChange([this] { followAppearance(); })) {
-    auto *line = new QHBoxLayout(this);
-    line->setContentsMargins({});
-    line->setSpacing(0);
+    setAccessibleRole(*this, QAccessible::Window);
+    line(this);
     makeSidebar();
     setPalette(visuals_.toolkitPalette());
 }
@@ -105,10 +104,6 @@ void SettingsView::hideEvent(QHideEvent *event) {
 void SettingsView::giveUpPixels() {
     if (QBackingStore *pixels = backingStore())
         pixels->resize(QSize(1, 1));
-}
-
-QAccessibleInterface *SettingsView::makeAccessible() {
-    return new QAccessibleWidget(this, QAccessible::Window);
 }
 
 void SettingsView::paintEvent(QPaintEvent *) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Visuals.h"
 #include "UI/Refresher.h"
 #include "UI/SettingsWindow/Page.h"
@@ -20,7 +19,7 @@ public:
 
 /// The settings window's root: the sidebar and the selected page. Only that page's widgets exist, and only
 /// while the window is shown.
-class SettingsView : public QWidget, public AccessibleControl {
+class SettingsView : public QWidget {
 public:
     SettingsView(const PageContext &context, SettingsSelection &selection);
     ~SettingsView() override;
@@ -30,8 +29,6 @@ public:
 
     /// These points at the ordinary text size, as larger as the user's text is.
     QSize grown(const QSize &points) const;
-
-    QAccessibleInterface *makeAccessible() override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -2,10 +2,10 @@
 
 #include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Layouts.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/ScrollArea.h"
 #include "UI/Controls/Text.h"
-#include "UI/Controls/Visuals.h"
 #include "UI/Symbol.h"
 
 #include <QAbstractButton>
@@ -13,7 +13,6 @@
 #include <QFontMetrics>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QVBoxLayout>
 
 #include <algorithm>
 #include <functional>
@@ -62,22 +61,16 @@ constexpr int margin = 10;
 constexpr int top = 20;
 constexpr int bottom = 14;
 
-class PageList final : public QWidget, public AccessibleControl {
+class PageList final : public QWidget {
 public:
     std::function<void(QKeyEvent *)> onKey; ///< Before what scrolls the list takes the arrow keys.
-
-    QAccessibleInterface *makeAccessible() override {
-        return new QAccessibleWidget(this, QAccessible::List, QStringLiteral("Pages"));
-    }
 
 protected:
     void keyPressEvent(QKeyEvent *event) override { onKey(event); }
 };
 
 QLayout *brand(Visuals &visuals) {
-    auto *lines = new QVBoxLayout;
-    lines->setContentsMargins(margin, 0, 0, 0);
-    lines->setSpacing(2);
+    auto *lines = column(nullptr, {margin, 0, 0, 0}, 2);
     lines->addWidget(new Text(visuals, QStringLiteral("Pavonel"), Text::Style::brand));
     lines->addWidget(new Text(visuals, QStringLiteral("Version 1.0"), Text::Style::note));
     return lines;
@@ -88,89 +81,81 @@ QLayout *brand(Visuals &visuals) {
 /// A page's entry in the sidebar.
 class SidebarItem : public QAbstractButton, public AccessibleControl {
 public:
-    SidebarItem(Visuals &visuals, const QString &title, const QString &symbol);
+    SidebarItem(Visuals &visuals, const QString &title, const QString &symbol)
+        : visuals_(visuals), symbol_(symbol) {
+        setText(title);
+        setFocusPolicy(Qt::NoFocus);
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    }
 
     /// Only the selected one is reached by the Tab key.
-    void setSelected(bool selected);
-    bool isSelected() const { return selected_; }
+    void setSelected(bool selected) {
+        if (selected == selected_)
+            return;
+        selected_ = selected;
+        setFocusPolicy(selected ? Qt::TabFocus : Qt::NoFocus);
+        QAccessible::State changed;
+        changed.selected = true;
+        QAccessibleStateChangeEvent event(this, changed);
+        QAccessible::updateAccessibility(&event);
+        update();
+    }
 
-    QSize sizeHint() const override;
-    QAccessibleInterface *makeAccessible() override;
+    QSize sizeHint() const override {
+        const QFontMetrics metrics(visuals_.font(13, QFont::DemiBold));
+        return {metrics.horizontalAdvance(text()) + visuals_.length(symbolSide) + 3 * padding,
+                visuals_.lineHeight(itemHeight)};
+    }
+
+    QAccessibleInterface *makeAccessible() override {
+        return new ListItemAccessible(*this, [this] { return selected_; });
+    }
 
 protected:
-    void paintEvent(QPaintEvent *event) override;
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const Palette &palette = visuals_.palette();
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(ground());
+        painter.drawRoundedRect(rect(), radius, radius);
+        const int side = visuals_.length(symbolSide);
+        const QColor symbolInk = selected_ ? palette.accentText : palette.secondaryText;
+        painter.drawImage(QPointF(padding, (height() - side) / 2.0),
+                          Symbol::image(symbol_, side, symbolInk, devicePixelRatioF()));
+        painter.setFont(visuals_.font(13, selected_ ? QFont::DemiBold : QFont::Medium));
+        painter.setPen(selected_ ? palette.accentText : palette.text);
+        painter.drawText(rect().adjusted(padding + side + padding, 0, -padding, 0),
+                         Qt::AlignVCenter | Qt::AlignLeft, text());
+        if (FocusRing::isOn(*this)) {
+            painter.setPen(QPen(palette.accentText, 2));
+            painter.setBrush(Qt::NoBrush);
+            painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), radius - 1, radius - 1);
+        }
+    }
 
 private:
+    QColor ground() const {
+        if (selected_)
+            return visuals_.palette().selection;
+        QColor veil = visuals_.palette().text;
+        veil.setAlphaF(isDown() ? 0.09F : underMouse() ? 0.05F : 0);
+        return veil;
+    }
+
     Visuals &visuals_;
     QString symbol_;
     bool selected_ = false;
 };
 
-SidebarItem::SidebarItem(Visuals &visuals, const QString &title, const QString &symbol)
-    : visuals_(visuals), symbol_(symbol) {
-    setText(title);
-    setFocusPolicy(Qt::NoFocus);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-}
-
-void SidebarItem::setSelected(bool selected) {
-    if (selected == selected_)
-        return;
-    selected_ = selected;
-    setFocusPolicy(selected ? Qt::TabFocus : Qt::NoFocus);
-    QAccessible::State changed;
-    changed.selected = true;
-    QAccessibleStateChangeEvent event(this, changed);
-    QAccessible::updateAccessibility(&event);
-    update();
-}
-
-QSize SidebarItem::sizeHint() const {
-    const QFontMetrics metrics(visuals_.font(13, QFont::DemiBold));
-    return {metrics.horizontalAdvance(text()) + visuals_.length(symbolSide) + 3 * padding,
-            visuals_.lineHeight(itemHeight)};
-}
-
-void SidebarItem::paintEvent(QPaintEvent *) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const Palette &palette = visuals_.palette();
-    QColor ground = palette.selection;
-    if (!selected_) {
-        ground = palette.text;
-        ground.setAlphaF(isDown() ? 0.09F : underMouse() ? 0.05F : 0);
-    }
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(ground);
-    painter.drawRoundedRect(rect(), radius, radius);
-    const int side = visuals_.length(symbolSide);
-    const QImage drawing = Symbol::image(
-        symbol_, side, selected_ ? palette.accentText : palette.secondaryText, devicePixelRatioF());
-    painter.drawImage(QPointF(padding, (height() - side) / 2.0), drawing);
-    painter.setFont(visuals_.font(13, selected_ ? QFont::DemiBold : QFont::Medium));
-    painter.setPen(selected_ ? palette.accentText : palette.text);
-    painter.drawText(rect().adjusted(padding + side + padding, 0, -padding, 0),
-                     Qt::AlignVCenter | Qt::AlignLeft, text());
-    if (FocusRing::isOn(*this)) {
-        painter.setPen(QPen(palette.accentText, 2));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), radius - 1, radius - 1);
-    }
-}
-
-QAccessibleInterface *SidebarItem::makeAccessible() {
-    return new ListItemAccessible(*this, [this] { return selected_; });
-}
-
 Sidebar::Sidebar(Visuals &visuals) : visuals_(visuals) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
-    auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(margin, top, margin + 1, bottom);
+    auto *places = column(this, {margin, top, margin + 1, bottom}, -1);
     auto *list = new PageList;
+    setAccessibleRole(*list, QAccessible::List);
+    list->setAccessibleName(QStringLiteral("Pages"));
     list->onKey = [this](QKeyEvent *event) { keyPressEvent(event); };
-    auto *lines = new QVBoxLayout(list);
-    lines->setContentsMargins({});
-    lines->setSpacing(2);
+    auto *lines = column(list, {}, 2);
     for (const PageEntry &entry : allPages()) {
         auto *item = new SidebarItem(visuals, entry.title, entry.symbol);
         connect(item, &SidebarItem::clicked, this, [this, place = items_.size()] { goTo(place); });
@@ -179,8 +164,8 @@ Sidebar::Sidebar(Visuals &visuals) : visuals_(visuals) {
     }
     lines->addStretch();
     area_ = new ScrollArea(visuals, list); // large text can need more room than the window has
-    column->addWidget(area_, 1);
-    column->addLayout(brand(visuals));
+    places->addWidget(area_, 1);
+    places->addLayout(brand(visuals));
     select(allPages().front().page);
 }
 

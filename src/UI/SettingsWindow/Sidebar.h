@@ -1,6 +1,5 @@
 #pragma once
 
-#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Visuals.h"
 #include "UI/SettingsWindow/Page.h"
 
@@ -14,7 +13,7 @@ class ScrollArea;
 class SidebarItem;
 
 /// The list of the pages, and below it Pavonel's name. One stop for the Tab key; arrow keys go from page
-/// to page.
+/// to page. Not a `QListView`: its entries can be pressed by assistive technology.
 class Sidebar : public QWidget {
 public:
     explicit Sidebar(Visuals &visuals);

@@ -95,6 +95,17 @@ void drawKnob(QPainter &painter, const QRectF &knob, const QColor &fill) {
 
 } // namespace
 
+ControlPainting::ControlPainting(QPainter &painter, const QStyleOption &control) : painter_(painter) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!control.state.testFlag(QStyle::State_Enabled))
+        painter.setOpacity(disabledOpacity);
+}
+
+ControlPainting::~ControlPainting() {
+    painter_.restore();
+}
+
 QSize pushButtonSize(const QStyleOptionButton &option, const Visuals &visuals, const QWidget *widget) {
     const Button *button = ours(widget);
     if (button && button->isNotice())
@@ -110,10 +121,7 @@ QSize pushButtonSize(const QStyleOptionButton &option, const Visuals &visuals, c
 
 void drawPushButton(const Context &context, const QStyleOptionButton &option) {
     QPainter &painter = context.painter;
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (!option.state.testFlag(QStyle::State_Enabled))
-        painter.setOpacity(disabledOpacity);
+    const ControlPainting painting(painter, option);
     const Palette &palette = context.visuals.palette();
     const ButtonColours colours = coloursOf(context.widget, option, palette);
     const Button *button = ours(context.widget);
@@ -124,7 +132,6 @@ void drawPushButton(const Context &context, const QStyleOptionButton &option) {
     drawContent(context, option, body, colours.ink);
     if (context.widget)
         FocusRing::draw(painter, *context.widget, body, corner, palette.accentText);
-    painter.restore();
 }
 
 QSize switchSize(const Visuals &visuals) {
@@ -134,11 +141,8 @@ QSize switchSize(const Visuals &visuals) {
 /// Its knob may be on the way from one end to the other.
 void drawSwitch(const Context &context, const QStyleOption &option) {
     QPainter &painter = context.painter;
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
+    const ControlPainting painting(painter, option);
     const bool enabled = option.state.testFlag(QStyle::State_Enabled);
-    if (!enabled)
-        painter.setOpacity(disabledOpacity);
     const auto *moving = dynamic_cast<const Switch *>(context.widget);
     const double share = moving ? moving->knob() : option.state.testFlag(QStyle::State_On) ? 1 : 0;
     const Palette &palette = context.visuals.palette();
@@ -153,7 +157,6 @@ void drawSwitch(const Context &context, const QStyleOption &option) {
              between(Qt::white, palette.onAccent, share)); // on a light accent white would not be seen
     if (context.widget)
         FocusRing::draw(painter, *context.widget, body, body.height() / 2, palette.accentText);
-    painter.restore();
 }
 
 } // namespace pavonel::drawing

@@ -63,24 +63,18 @@ QRect comboBoxText(const QRect &box, const Visuals &visuals) {
 
 void drawComboBox(const Context &context, const QStyleOptionComboBox &box) {
     QPainter &painter = context.painter;
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (!box.state.testFlag(QStyle::State_Enabled))
-        painter.setOpacity(disabledOpacity);
+    const ControlPainting painting(painter, box);
     const ButtonColours &colours = context.visuals.palette().plainButton;
     const QRectF body = QRectF(box.rect).adjusted(room, room, -room, -room);
     drawBody(painter, body, radius, colours, box.state);
     drawChevrons(painter, {body.right() - chevronInset, body.center().y()}, context.visuals);
     if (context.widget)
         FocusRing::draw(painter, *context.widget, body, radius, context.visuals.palette().accentText);
-    painter.restore();
 }
 
 void drawComboBoxText(const Context &context, const QStyleOptionComboBox &box) {
     QPainter &painter = context.painter;
-    painter.save();
-    if (!box.state.testFlag(QStyle::State_Enabled))
-        painter.setOpacity(disabledOpacity);
+    const ControlPainting painting(painter, box);
     QRect place = comboBoxText(box.rect, context.visuals);
     if (!box.currentIcon.isNull()) {
         box.currentIcon.paint(&painter, place, Qt::AlignLeft | Qt::AlignVCenter);
@@ -89,7 +83,6 @@ void drawComboBoxText(const Context &context, const QStyleOptionComboBox &box) {
     painter.setPen(context.visuals.palette().text);
     painter.drawText(place, Qt::AlignVCenter | Qt::AlignLeft,
                      box.fontMetrics.elidedText(box.currentText.simplified(), Qt::ElideRight, place.width()));
-    painter.restore();
 }
 
 } // namespace pavonel::drawing

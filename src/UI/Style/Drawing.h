@@ -26,6 +26,18 @@ struct Context {
     const QWidget *widget;
 };
 
+/// For as long as it lives shapes are smooth, and a control that cannot be used is pale.
+class ControlPainting {
+public:
+    ControlPainting(QPainter &painter, const QStyleOption &control);
+    ControlPainting(const ControlPainting &) = delete;
+    ControlPainting &operator=(const ControlPainting &) = delete;
+    ~ControlPainting();
+
+private:
+    QPainter &painter_;
+};
+
 // Buttons.cpp
 QSize pushButtonSize(const QStyleOptionButton &button, const Visuals &visuals, const QWidget *widget);
 void drawPushButton(const Context &context, const QStyleOptionButton &button);

@@ -31,10 +31,7 @@ QRect fieldContents(const QRect &field) {
 /// Where the cursor is, a field shows that it has the keyboard however it came there.
 void drawField(const Context &context, const QStyleOption &option) {
     QPainter &painter = context.painter;
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (!option.state.testFlag(QStyle::State_Enabled))
-        painter.setOpacity(disabledOpacity);
+    const ControlPainting painting(painter, option);
     const Palette &palette = context.visuals.palette();
     const QRectF body = QRectF(option.rect).adjusted(room, room, -room, -room);
     drawBody(painter, body, radius, palette.plainButton.fill, palette.plainButton.outline);
@@ -43,7 +40,6 @@ void drawField(const Context &context, const QStyleOption &option) {
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(body, radius, radius);
     }
-    painter.restore();
 }
 
 void drawProgress(const Context &context, const QStyleOptionProgressBar &bar) {

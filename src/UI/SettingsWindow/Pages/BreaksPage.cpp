@@ -1,8 +1,6 @@
 #include "Core/Settings.h"
 #include "Platform/Pointer.h"
 #include "UI/SettingsWindow/Page.h"
-#include "UI/SettingsWindow/Pages/Pages.h"
-#include "UI/SettingsWindow/Rows/Card.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 
 namespace pavonel {

@@ -1,14 +1,11 @@
-#include "UI/SettingsWindow/Rows/DynamicSection.h"
-
 #include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Layouts.h"
 #include "UI/Refresher.h"
+#include "UI/SettingsWindow/Rows/Rows.h"
 
-#include <QAccessible>
 #include <QFocusEvent>
 #include <QPainter>
-#include <QVBoxLayout>
-#include <QWidget>
 
 namespace pavonel {
 
@@ -17,10 +14,8 @@ namespace {
 class DynamicSectionWidget final : public QWidget {
 public:
     DynamicSectionWidget(Visuals &visuals, const DynamicSection &part)
-        : visuals_(visuals), part_(part), refresher_(part.loop, part.watched, [this] { refresh(); }) {
-        auto *lines = new QVBoxLayout(this);
-        lines->setContentsMargins({});
-        lines->setSpacing(part.spacing);
+        : visuals_(visuals), part_(part), refresher_(visuals.loop(), part.watched, [this] { refresh(); }) {
+        column(this, {}, part.spacing);
         build();
     }
 

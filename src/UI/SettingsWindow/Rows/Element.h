@@ -12,7 +12,7 @@
 namespace pavonel {
 
 /// Anything that can stand in the column of a page or of a card, described before it is built: one of the
-/// rows (`Rows.h`), a `Card`, or a function that makes a widget of one's own.
+/// rows (`Rows.h`), or a function that makes a widget of one's own.
 class Element {
 public:
     template <class Description>
@@ -37,18 +37,24 @@ private:
 
 using Elements = std::vector<Element>;
 
-/// Mixed into widgets of a page that show a setting: told from the loop after any setting changed.
-class Refreshable {
+/// Keeps a widget of a page true to the settings: `refresh` is called now, and from the loop after any
+/// setting changed.
+class Follower final : public QObject {
 public:
-    Refreshable() = default;
-    Refreshable(const Refreshable &) = delete;
-    Refreshable &operator=(const Refreshable &) = delete;
+    Follower(QWidget &widget, std::function<void()> refresh)
+        : QObject(&widget), refresh_(std::move(refresh)) {
+        refresh_();
+    }
 
-    virtual void refresh() = 0;
+    void refresh() const { refresh_(); }
 
-protected:
-    ~Refreshable() = default;
+private:
+    std::function<void()> refresh_;
 };
+
+inline void follow(QWidget &widget, std::function<void()> refresh) {
+    new Follower(widget, std::move(refresh));
+}
 
 /// Lets a widget be seen or not. One that has not come to its place yet is seen as soon as it is there; to
 /// show it before would open a window of its own.

@@ -1,36 +1,62 @@
 #include "UI/SettingsWindow/Rows/Rows.h"
 
 #include "Core/ClockText.h"
+#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Layouts.h"
 #include "UI/Controls/LineEdit.h"
+#include "UI/Controls/Pixels.h"
 #include "UI/Controls/PopUpButton.h"
 #include "UI/Controls/Switch.h"
-#include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Rows/StepValue.h"
 
 #include <QGridLayout>
-#include <QHBoxLayout>
 #include <QLineEdit>
 #include <QMouseEvent>
-#include <QVBoxLayout>
+#include <QPainter>
 
 namespace pavonel {
 
 namespace {
 
-class SwitchRowWidget final : public CardRow, public Refreshable {
+constexpr int cardShadow = 1; // points below the body
+
+class CardWidget final : public QWidget {
 public:
-    SwitchRowWidget(Visuals &visuals, const SwitchRow &row) : CardRow(visuals), isOn_(row.isOn) {
-        addLabel(row.label, row.note);
-        switch_ = new Switch(visuals, row.label);
-        switch_->setAccessibleDescription(row.note);
-        add(switch_);
-        connect(switch_, &Switch::toggled, this, [this](bool on) { isOn_.set(on); });
-        SwitchRowWidget::refresh();
+    CardWidget(Visuals &visuals, const Card &card) : visuals_(visuals) {
+        setAccessibleRole(*this, QAccessible::Grouping);
+        setAccessibleName(card.title);
+        setAccessibleDescription(card.subtitle);
     }
 
-    void refresh() override { switch_->setOn(isOn_.get()); }
+protected:
+    void paintEvent(QPaintEvent *) override {
+        constexpr double radius = 12;
+        QPainter painter(this);
+        const Palette &palette = visuals_.palette();
+        const QRectF body = QRectF(rect()).adjusted(FocusRing::room, 0, -FocusRing::room, -cardShadow);
+        const bool dark = palette.text.lightnessF() > 0.5F;
+        if (!dark)
+            drawBody(painter, body.translated(0, cardShadow), radius, QColor(0, 0, 0, 9), Qt::transparent);
+        drawBody(painter, body, radius, palette.card, palette.cardOutline);
+    }
+
+private:
+    Visuals &visuals_;
+};
+
+/// Its label turns the switch too.
+class SwitchRowWidget final : public CardRow {
+public:
+    SwitchRowWidget(Visuals &visuals, const SwitchRow &row)
+        : CardRow(visuals), switch_(new Switch(visuals, row.label)) {
+        addLabel(row.label, row.note);
+        switch_->setAccessibleDescription(row.note);
+        add(switch_);
+        connect(switch_, &Switch::toggled, this, row.isOn.set);
+        follow(*switch_, [it = switch_, get = row.isOn.get] { it->setOn(get()); });
+    }
 
 protected:
     void mousePressEvent(QMouseEvent *event) override { event->accept(); }
@@ -40,157 +66,138 @@ protected:
     }
 
 private:
-    ValueBinding<bool> isOn_;
     Switch *switch_;
 };
 
-class StepRowWidget final : public CardRow, public Refreshable {
-public:
-    StepRowWidget(Visuals &visuals, const StepRow &row) : CardRow(visuals), value_(row.value) {
-        addLabel(row.label);
-        const auto wording = [suffix = row.suffix](double seconds) {
-            const QString text = humanText(seconds);
-            return suffix.isEmpty() ? text : text + u' ' + suffix;
-        };
-        auto *shown = new StepValue(visuals, wording);
-        stepper_ = new Stepper(visuals, row.label, row.range, row.step, wording);
-        add(shown);
-        add(stepper_);
-        stepper_->onStep = [this](double value) { value_.set(value); };
-        stepper_->onChange = [shown](double value) { shown->setValue(value); };
-        shown->setValue(stepper_->value());
-        StepRowWidget::refresh();
-    }
-
-    void refresh() override { stepper_->setValue(value_.get()); }
-
-private:
-    ValueBinding<double> value_;
-    Stepper *stepper_;
-};
-
-class PickerRowWidget final : public CardRow, public Refreshable {
-public:
-    PickerRowWidget(Visuals &visuals, const PickerRow &row) : CardRow(visuals), selection_(row.selection) {
-        addLabel(row.label);
-        button_ = new PopUpButton(visuals, row.label, row.choices);
-        if (row.before)
-            add(row.before(visuals));
-        add(button_);
-        button_->onChoice = [this](const QString &choice) { selection_.set(choice); };
-        PickerRowWidget::refresh();
-    }
-
-    void refresh() override { button_->setChoice(selection_.get()); }
-
-private:
-    ValueBinding<QString> selection_;
-    PopUpButton *button_;
-};
-
-class LabeledFieldWidget final : public CardRow, public Refreshable {
-public:
-    LabeledFieldWidget(Visuals &visuals, const LabeledField &row) : CardRow(visuals), text_(row.text) {
-        auto *lines = new QWidget;
-        auto *column = new QGridLayout(lines);
-        column->setContentsMargins(0, 10, 0, 8);
-        column->setSpacing(0);
-        column->setVerticalSpacing(2);
-        column->setColumnMinimumWidth(0, FocusRing::room);
-        column->addWidget(new Text(visuals, row.label, Text::Style::label), 0, 1);
-        field_ = lineEdit(row.label, row.prompt);
-        column->addWidget(field_, 1, 0, 1, 2);
-        column->setColumnStretch(1, 1);
-        addOutdented(lines);
-        // Not `textEdited`, which keeps silent about what a screen reader writes.
-        connect(field_, &QLineEdit::textChanged, this, [this](const QString &text) { text_.set(text); });
-        LabeledFieldWidget::refresh();
-    }
-
-    void refresh() override { showText(*field_, text_.get()); }
-
-private:
-    ValueBinding<QString> text_;
-    QLineEdit *field_;
-};
-
-/// Never seen itself: it lets the row that it lies in be used or not.
-class EnabledState final : public QWidget, public Refreshable {
-public:
-    EnabledState(QWidget &row, std::function<bool()> holds) : QWidget(&row), holds_(std::move(holds)) {
-        hide();
-        EnabledState::refresh();
-    }
-
-    void refresh() override { parentWidget()->setEnabled(holds_()); }
-
-private:
-    std::function<bool()> holds_;
-};
-
 /// A text that comes and goes.
-class NoteWidget final : public QWidget, public Refreshable {
-public:
-    NoteWidget(Visuals &visuals, TextSource source, Text::Style style, const QMargins &margins)
-        : source_(std::move(source)), text_(new Text(visuals, {}, style)) {
-        auto *lines = new QVBoxLayout(this);
-        lines->setContentsMargins(margins);
-        lines->addWidget(text_);
-        NoteWidget::refresh();
-    }
-
-    void refresh() override {
-        const QString before = text_->text();
-        text_->setText(source_());
-        showInPlace(*this, !text_->text().isEmpty());
-        if (text_->text() != before && isVisible())
-            announce(*text_);
-    }
-
-private:
-    TextSource source_;
-    Text *text_;
-};
+QWidget *note(Visuals &visuals, const TextSource &source, Text::Style style, const QMargins &margins) {
+    auto *place = new QWidget;
+    auto *text = new Text(visuals, {}, style);
+    column(place, margins)->addWidget(text);
+    follow(*place, [place, text, source] {
+        const QString before = text->text();
+        text->setText(source());
+        showInPlace(*place, !text->text().isEmpty());
+        if (text->text() != before && place->isVisible())
+            announce(*text);
+    });
+    return place;
+}
 
 } // namespace
+
+QWidget *Card::make(Visuals &visuals) const {
+    constexpr int air = 4; // below the last row
+    auto *card = new CardWidget(visuals, *this);
+    auto *lines = column(card, {FocusRing::room, 0, FocusRing::room, air + cardShadow});
+    if (!title.isEmpty()) {
+        auto *head = column(nullptr, {CardRow::margin, 13, CardRow::margin, 9}, 2);
+        head->addWidget(new Text(visuals, title, Text::Style::cardTitle));
+        if (!subtitle.isEmpty())
+            head->addWidget(new Text(visuals, subtitle, Text::Style::cardSubtitle));
+        lines->addLayout(head);
+    }
+    for (const Element &element : content)
+        lines->addWidget(element.make(visuals));
+    return card;
+}
 
 QWidget *SwitchRow::make(Visuals &visuals) const {
     return new SwitchRowWidget(visuals, *this);
 }
 
 QWidget *StepRow::make(Visuals &visuals) const {
-    return new StepRowWidget(visuals, *this);
+    const auto wording = [suffix = suffix](double seconds) {
+        const QString text = humanText(seconds);
+        return suffix.isEmpty() ? text : text + u' ' + suffix;
+    };
+    auto *row = new CardRow(visuals);
+    auto *shown = new StepValue(visuals, wording);
+    auto *stepper = new Stepper(visuals, label, range, step, wording);
+    row->addLabel(label);
+    row->add(shown);
+    row->add(stepper);
+    stepper->onStep = value.set;
+    stepper->onChange = [shown](double seconds) { shown->setValue(seconds); };
+    shown->setValue(stepper->value());
+    follow(*stepper, [stepper, get = value.get] { stepper->setValue(get()); });
+    return row;
 }
 
 QWidget *EnabledWhile::make(Visuals &visuals) const {
     QWidget *widget = row.make(visuals);
-    new EnabledState(*widget, holds);
+    follow(*widget, [widget, holds = holds] { widget->setEnabled(holds()); });
     return widget;
 }
 
 QWidget *PickerRow::make(Visuals &visuals) const {
-    return new PickerRowWidget(visuals, *this);
+    auto *row = new CardRow(visuals);
+    auto *button = new PopUpButton(visuals, label, choices);
+    row->addLabel(label);
+    if (before)
+        row->add(before(visuals));
+    row->add(button);
+    button->onChoice = selection.set;
+    follow(*button, [button, get = selection.get] { button->setChoice(get()); });
+    return row;
 }
 
 QWidget *LabeledField::make(Visuals &visuals) const {
-    return new LabeledFieldWidget(visuals, *this);
+    auto *row = new CardRow(visuals);
+    auto *field = lineEdit(label, prompt);
+    auto *lines = new QWidget;
+    auto *places = layOut<QGridLayout>(lines, {0, 10, 0, 8});
+    places->setVerticalSpacing(2);
+    places->setColumnMinimumWidth(0, FocusRing::room);
+    places->addWidget(new Text(visuals, label, Text::Style::label), 0, 1);
+    places->addWidget(field, 1, 0, 1, 2);
+    places->setColumnStretch(1, 1);
+    row->addOutdented(lines);
+    // Not `textEdited`, which keeps silent about what a screen reader writes.
+    QObject::connect(field, &QLineEdit::textChanged, row, text.set);
+    follow(*field, [field, get = text.get] { showText(*field, get()); });
+    return row;
+}
+
+QWidget *AddField::make(Visuals &visuals) const {
+    auto *row = new CardRow(visuals);
+    auto *field = lineEdit(prompt, prompt);
+    auto *plus = Button::ofSymbol(QStringLiteral("plus"), button);
+    row->layout()->setContentsMargins(CardRow::margin - FocusRing::room, 3,
+                                      CardRow::margin - Button::besideSymbol(visuals), 3);
+    if (before)
+        row->add(before(visuals));
+    row->add(field);
+    row->add(plus);
+    plus->setEnabled(false);
+    const auto submit = [field, add = add] {
+        const QString text = field->text().trimmed();
+        field->setText({});
+        field->setFocus();
+        if (!text.isEmpty())
+            add(text);
+    };
+    QObject::connect(field, &QLineEdit::textChanged, plus,
+                     [plus](const QString &text) { plus->setEnabled(!text.trimmed().isEmpty()); });
+    QObject::connect(field, &QLineEdit::returnPressed, row, submit);
+    QObject::connect(plus, &Button::clicked, row, submit);
+    return row;
 }
 
 QWidget *CardNote::make(Visuals &visuals) const {
-    return new NoteWidget(visuals, text, style, {CardRow::margin, 0, CardRow::margin, 9});
+    return note(visuals, text, style, {CardRow::margin, 0, CardRow::margin, 9});
 }
 
 QWidget *PageNote::make(Visuals &visuals) const {
-    return new NoteWidget(visuals, text, style, {FocusRing::room, 0, FocusRing::room, 0});
+    return note(visuals, text, style, {FocusRing::room, 0, FocusRing::room, 0});
 }
 
 QWidget *ButtonRow::make(Visuals &) const {
     auto *row = new QWidget;
-    auto *line = new QHBoxLayout(row);
-    line->setContentsMargins({});
     auto *button = new Button(label, role, symbol);
-    line->addWidget(button);
-    line->addStretch();
+    auto *place = line(row);
+    place->addWidget(button);
+    place->addStretch();
     QObject::connect(button, &Button::clicked, row, action, Qt::QueuedConnection);
     return row;
 }

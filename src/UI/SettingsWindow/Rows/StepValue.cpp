@@ -1,8 +1,9 @@
 #include "UI/SettingsWindow/Rows/StepValue.h"
 
+#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Pixels.h"
 #include "UI/Fonts.h"
 
-#include <QAccessibleWidget>
 #include <QFontMetricsF>
 #include <QPainter>
 
@@ -13,6 +14,7 @@ namespace pavonel {
 StepValue::StepValue(Visuals &visuals, std::function<QString(double)> wording)
     : visuals_(visuals), wording_(std::move(wording)) {
     setFont(visuals.font(13));
+    setAccessibleRole(*this, QAccessible::StaticText);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
 }
 
@@ -32,15 +34,11 @@ QSize StepValue::sizeHint() const {
 void StepValue::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     if (!isEnabled())
-        painter.setOpacity(0.45);
+        painter.setOpacity(disabledOpacity);
     painter.setPen(visuals_.palette().text);
     const QFontMetricsF metrics(font(), this);
     const double base = std::floor((height() - std::ceil(metrics.height())) / 2) + metrics.ascent();
     fonts::drawTabular(painter, {width() - fonts::tabularWidth(metrics, text_), base}, text_);
-}
-
-QAccessibleInterface *StepValue::makeAccessible() {
-    return new QAccessibleWidget(this, QAccessible::StaticText);
 }
 
 } // namespace pavonel

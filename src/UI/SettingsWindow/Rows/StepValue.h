@@ -1,6 +1,5 @@
 #pragma once
 
-#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Visuals.h"
 
 #include <QWidget>
@@ -9,8 +8,9 @@
 
 namespace pavonel {
 
-/// The number beside a stepper, as people read it, with digits that keep their places.
-class StepValue : public QWidget, public AccessibleControl {
+/// The number beside a stepper, as people read it, with digits that keep their places: in a `QLabel` they
+/// move as the number changes.
+class StepValue : public QWidget {
 public:
     StepValue(Visuals &visuals, std::function<QString(double)> wording);
 
@@ -18,7 +18,6 @@ public:
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
-    QAccessibleInterface *makeAccessible() override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;

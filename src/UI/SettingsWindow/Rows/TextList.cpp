@@ -1,12 +1,8 @@
-#include "UI/SettingsWindow/Rows/TextList.h"
-
-#include "UI/Controls/CardRow.h"
-#include "UI/Controls/Text.h"
+#include "UI/Controls/Layouts.h"
 #include "UI/SettingsWindow/Rows/RowList.h"
-#include "UI/SettingsWindow/Rows/UndoRow.h"
+#include "UI/SettingsWindow/Rows/Rows.h"
 
 #include <QHash>
-#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -25,62 +21,59 @@ QStringList keysOf(const QStringList &texts) {
     return keys;
 }
 
-class TextListWidget final : public QWidget, public Refreshable {
+class TextListWidget final : public QWidget {
 public:
-    TextListWidget(Visuals &visuals, const TextList &list) : list_(list) {
-        auto *lines = new QVBoxLayout(this);
-        lines->setContentsMargins({});
-        lines->setSpacing(0);
-        empty_ = new CardRow(visuals);
-        empty_->add(new Text(visuals, list.whenEmpty, Text::Style::secondary));
-        lines->addWidget(empty_);
+    TextListWidget(Visuals &visuals, const TextList &list)
+        : list_(list), empty_(new CardRow(visuals)), undo_(new UndoRow(visuals)) {
         constexpr int rowHeight = 42;
         rows_ = new RowList(visuals, visuals.lineHeight(rowHeight), RowList::Lines::first,
                             [this, &visuals](const QString &key) { return row(visuals, key); });
+        empty_->add(new Text(visuals, list.whenEmpty, Text::Style::secondary));
+        auto *lines = column(this);
+        lines->addWidget(empty_);
         lines->addWidget(rows_);
-        undo_ = new UndoRow(visuals);
         lines->addWidget(undo_);
-        TextListWidget::refresh();
+        follow(*this, [this] { refresh(); });
     }
 
-    void refresh() override {
+private:
+    void refresh() {
         const QStringList texts = list_.texts.get();
         rows_->setKeys(keysOf(texts));
         empty_->setVisible(texts.isEmpty() && !list_.whenEmpty.isEmpty());
         showInPlace(*this, !texts.isEmpty() || !list_.whenEmpty.isEmpty() || !undo_->isHidden());
     }
 
-private:
     QWidget *row(Visuals &visuals, const QString &key) {
         std::function<void(const QString &)> edit;
         if (list_.entries == TextList::Entries::editable)
-            edit = [this, key](const QString &text) { replace(key, text); };
+            edit = [this, key](const QString &text) {
+                change(key, [&](QStringList &texts, qsizetype place) { texts[place] = text; });
+            };
         return new ListRow(
             visuals, entryOf(key), [this, key] { remove(key); }, edit);
     }
 
-    void remove(const QString &key) {
+    /// Nothing where the entry is gone.
+    void change(const QString &key, const std::function<void(QStringList &, qsizetype place)> &edit) {
         QStringList texts = list_.texts.get();
         const qsizetype place = keysOf(texts).indexOf(key);
         if (place < 0)
             return;
-        const QString text = texts.takeAt(place);
+        edit(texts, place);
         list_.texts.set(texts);
-        undo_->offer(entryOf(key).text, [this, text, place] { bringBack(text, place); });
+    }
+
+    void remove(const QString &key) {
+        change(key, [&](QStringList &texts, qsizetype place) {
+            undo_->offer(entryOf(key).text,
+                         [this, text = texts.takeAt(place), place] { bringBack(text, place); });
+        });
     }
 
     void bringBack(const QString &text, qsizetype place) {
         QStringList texts = list_.texts.get();
         texts.insert(std::min(place, texts.size()), text);
-        list_.texts.set(texts);
-    }
-
-    void replace(const QString &key, const QString &text) {
-        QStringList texts = list_.texts.get();
-        const qsizetype place = keysOf(texts).indexOf(key);
-        if (place < 0)
-            return;
-        texts[place] = text;
         list_.texts.set(texts);
     }
 
@@ -96,12 +89,6 @@ private:
 
 QWidget *TextList::make(Visuals &visuals) const {
     return new TextListWidget(visuals, *this);
-}
-
-QStringList withEntry(QStringList list, const QString &text) {
-    if (!list.contains(text))
-        list.append(text);
-    return list;
 }
 
 } // namespace pavonel

@@ -10,8 +10,6 @@
 #include "Platform/UserDefaults.h"
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Advanced/UpdateStatus.h"
-#include "UI/SettingsWindow/Pages/Pages.h"
-#include "UI/SettingsWindow/Rows/Card.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 
 #include <QCoreApplication>
@@ -103,7 +101,7 @@ Card updateCard(PageContext &context) {
     return Card{u"Updates"_s,
                 {},
                 {
-                    UpdateStatus{updater, context.display.loop},
+                    UpdateStatus{updater},
                     SwitchRow{u"Check automatically"_s, automatic, u"Once a day, in the background"_s},
                 }};
 }

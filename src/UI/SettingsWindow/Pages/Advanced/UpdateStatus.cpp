@@ -5,13 +5,13 @@
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Layouts.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Pages/Advanced/RelativeTime.h"
-#include "UI/SettingsWindow/Rows/DynamicSection.h"
+#include "UI/SettingsWindow/Rows/Rows.h"
 
 #include <QPainter>
 #include <QProgressBar>
-#include <QVBoxLayout>
 
 #include <algorithm>
 #include <cmath>
@@ -62,18 +62,14 @@ QWidget *progressBar(const Visuals &visuals, double progress) {
 /// Shows one state; made anew for the next.
 class StatusRow final : public CardRow {
 public:
-    StatusRow(Visuals &visuals, Updater &updater, MainLoop &loop)
-        : CardRow(visuals), updater_(updater), loop_(loop) {
-        auto *texts = new QVBoxLayout;
-        texts->setContentsMargins(0, air, FocusRing::room, air);
-        texts->setSpacing(betweenLines);
+    StatusRow(Visuals &visuals, Updater &updater) : CardRow(visuals), updater_(updater) {
+        auto *place = new QWidget;
+        auto *texts = column(place, {0, air, FocusRing::room, air}, betweenLines);
         texts->addWidget(new Text(visuals, u"Version "_s + updater.currentVersion(), Text::Style::label));
         const bool failed = std::holds_alternative<Updater::Failed>(updater.state.get());
         line_ = new Text(visuals, {}, failed ? Text::Style::failure : Text::Style::note);
         texts->addWidget(line_);
         addState(*texts);
-        auto *place = new QWidget;
-        place->setLayout(texts);
         add(place);
         static_cast<QBoxLayout *>(layout())->setStretchFactor(place, 1);
         addButton();
@@ -96,7 +92,7 @@ private:
             texts.addWidget(progressBar(visuals(), downloading->progress));
         else if (std::holds_alternative<Updater::Idle>(state)) {
             constexpr Seconds minute = 60;
-            minutes_ = loop_.every(minute, [this] { describe(); });
+            minutes_ = visuals().loop().every(minute, [this] { describe(); });
         }
     }
 
@@ -120,13 +116,12 @@ private:
     }
 
     void describe() {
-        const StatusLine line{updater_.lastCheck, loop_.now()};
+        const StatusLine line{updater_.lastCheck, visuals().loop().now()};
         line_->setText(shortened(std::visit(line, updater_.state.get())));
         line_->setVisible(!line_->text().isEmpty());
     }
 
     Updater &updater_;
-    MainLoop &loop_;
     Text *line_;
     TimerHandle minutes_; ///< While the line tells of a time that passes.
 };
@@ -134,10 +129,8 @@ private:
 } // namespace
 
 QWidget *UpdateStatus::make(Visuals &visuals) const {
-    const auto row = [&updater = updater, &loop = loop](Visuals &shared) {
-        return new StatusRow(shared, updater, loop);
-    };
-    return DynamicSection{loop, {&updater}, [row] { return Elements{row}; }}.make(visuals);
+    const auto row = [&updater = updater](Visuals &shared) { return new StatusRow(shared, updater); };
+    return DynamicSection{{&updater}, [row] { return Elements{row}; }}.make(visuals);
 }
 
 } // namespace pavonel

@@ -4,13 +4,11 @@
 
 namespace pavonel {
 
-class MainLoop;
 class Updater;
 
 /// The version that runs, how it stands with newer ones, and what can be done about that now.
 struct UpdateStatus {
     Updater &updater;
-    MainLoop &loop;
 
     QWidget *make(Visuals &visuals) const;
 };

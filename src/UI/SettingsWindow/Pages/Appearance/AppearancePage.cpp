@@ -5,12 +5,7 @@
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Appearance/CustomImageRow.h"
 #include "UI/SettingsWindow/Pages/Appearance/StyleChoice.h"
-#include "UI/SettingsWindow/Pages/Pages.h"
-#include "UI/SettingsWindow/Rows/AddField.h"
-#include "UI/SettingsWindow/Rows/Card.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
-#include "UI/SettingsWindow/Rows/TextList.h"
-#include "UI/SettingsWindow/Rows/ValueBinding.h"
 
 namespace pavonel {
 
@@ -20,20 +15,13 @@ namespace {
 
 const QString none = QStringLiteral("None");
 
-class ListenButton final : public Button, public Refreshable {
-public:
-    ListenButton(const QString &label, std::function<QString()> sound, Sounds &sounds)
-        : Button({}, Role::bare, u"speaker.wave.2"_s), sound_(std::move(sound)) {
-        setAccessibleName(u"Listen to %1"_s.arg(label));
-        connect(this, &Button::clicked, this, [this, &sounds] { SoundPlayer::play(sounds, sound_()); });
-        ListenButton::refresh();
-    }
-
-    void refresh() override { setEnabled(sound_() != none); }
-
-private:
-    std::function<QString()> sound_;
-};
+QWidget *listenButton(const QString &label, const std::function<QString()> &sound, Sounds &sounds) {
+    auto *button = Button::ofSymbol(u"speaker.wave.2"_s, u"Listen to %1"_s.arg(label));
+    QObject::connect(button, &Button::clicked, button,
+                     [sound, &sounds] { SoundPlayer::play(sounds, sound()); });
+    follow(*button, [button, sound] { button->setEnabled(sound() != none); });
+    return button;
+}
 
 /// A picker of one of the system's sounds or none. A choice is heard at once, and again with the button
 /// beside it.
@@ -46,7 +34,7 @@ PickerRow soundRow(const QString &label, const ValueBinding<QString> &sound, Sou
         label,
         {sound.get, chooseAndPlay},
         QStringList(none) + sounds.names(),
-        [label, get = sound.get, &sounds](Visuals &) { return new ListenButton(label, get, sounds); }};
+        [label, get = sound.get, &sounds](Visuals &) { return listenButton(label, get, sounds); }};
 }
 
 } // namespace

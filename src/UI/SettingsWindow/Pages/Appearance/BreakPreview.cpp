@@ -4,11 +4,11 @@
 #include "Core/ClockText.h"
 #include "UI/BreakLayout.h"
 #include "UI/BreakScreenText.h"
+#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/MessageText.h"
 #include "UI/Ring.h"
 
-#include <QAccessibleWidget>
 #include <QPainter>
 
 namespace pavonel {
@@ -38,12 +38,9 @@ BreakPreview::BreakPreview(Visuals &visuals, Settings &settings)
     : visuals_(visuals), settings_(settings), backgrounds_(settings, visuals.loop()),
       refresher_(visuals.loop(), {&settings}, [this] { forget(); }) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setAccessibleRole(*this, QAccessible::Graphic);
     setAccessibleName(QStringLiteral("Preview of the break screen"));
     backgrounds_.onLoaded = [this] { forget(); };
-}
-
-QAccessibleInterface *BreakPreview::makeAccessible() {
-    return new QAccessibleWidget(this, QAccessible::Graphic);
 }
 
 /// The picture may be another one under the same path.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "UI/Backgrounds.h"
-#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Visuals.h"
 #include "UI/Refresher.h"
 
@@ -11,12 +10,11 @@
 namespace pavonel {
 
 /// The break screen in small, with the background, a message and the length of a micro break as they are set.
-class BreakPreview : public QWidget, public AccessibleControl {
+class BreakPreview : public QWidget {
 public:
     BreakPreview(Visuals &visuals, Settings &settings);
 
     QSize sizeHint() const override { return {visuals_.length(240), visuals_.length(150)}; }
-    QAccessibleInterface *makeAccessible() override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -6,9 +6,9 @@
 #include "UI/BackgroundImage.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
+#include "UI/Controls/Layouts.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/Text.h"
-#include "UI/Controls/Visuals.h"
 #include "UI/SettingsWindow/Rows/Element.h"
 
 #include <QFileDialog>
@@ -16,10 +16,10 @@
 #include <QImage>
 #include <QPainter>
 #include <QStandardPaths>
-#include <QVBoxLayout>
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 
 namespace pavonel {
 
@@ -27,66 +27,53 @@ namespace {
 
 /// A picture of the user's in small, as the break screen shows it; loaded aside, since a file can be huge or
 /// far away.
-class PictureThumbnail : public QWidget {
+class PictureThumbnail final : public QWidget {
 public:
-    explicit PictureThumbnail(Visuals &visuals);
-
-    /// Reads the file anew, also when it is the same one.
-    void setPath(const QString &path);
+    explicit PictureThumbnail(Visuals &visuals) : visuals_(visuals) { setFixedSize(64, 40); }
 
     enum class State { none, loading, shown, unreadable };
     State state() const { return state_; }
     std::function<void()> onState;
 
-    QSize sizeHint() const override { return {64, 40}; }
+    /// Reads the file anew, also when it is the same one.
+    void setPath(const QString &path) {
+        picture_ = {};
+        loading_ = {};
+        state_ = path.isEmpty() ? State::none : State::loading;
+        update();
+        if (path.isEmpty())
+            return;
+        const QSize pixels = (QSizeF(size()) * devicePixelRatioF()).toSize();
+        loading_ = BackgroundTask::start(visuals_.loop(), [this, path, pixels]() -> BackgroundTask::Action {
+            const auto file = readForeignFile(path, largestPictureFile);
+            return [this, picture = file ? pictureImage(*file, pixels) : QImage()] { take(picture); };
+        });
+    }
 
 protected:
-    void paintEvent(QPaintEvent *event) override;
+    void paintEvent(QPaintEvent *) override {
+        constexpr double radius = 6;
+        QPainter painter(this);
+        if (picture_.isNull())
+            drawBody(painter, rect(), radius, visuals_.palette().window, visuals_.palette().cardOutline);
+        else
+            drawRounded(painter, rect(), radius, picture_);
+    }
 
 private:
-    void take(const QImage &picture);
+    void take(const QImage &picture) {
+        picture_ = picture;
+        state_ = picture.isNull() ? State::unreadable : State::shown;
+        update();
+        if (onState)
+            onState();
+    }
 
     Visuals &visuals_;
     State state_ = State::none;
     QImage picture_;
     BackgroundTask loading_;
 };
-
-constexpr double thumbnailRadius = 6;
-
-PictureThumbnail::PictureThumbnail(Visuals &visuals) : visuals_(visuals) {
-    setFixedSize(PictureThumbnail::sizeHint());
-}
-
-void PictureThumbnail::setPath(const QString &path) {
-    picture_ = {};
-    loading_ = {};
-    state_ = path.isEmpty() ? State::none : State::loading;
-    update();
-    if (path.isEmpty())
-        return;
-    const QSize pixels = (QSizeF(sizeHint()) * devicePixelRatioF()).toSize();
-    loading_ = BackgroundTask::start(visuals_.loop(), [this, path, pixels]() -> BackgroundTask::Action {
-        const auto file = readForeignFile(path, largestPictureFile);
-        return [this, picture = file ? pictureImage(*file, pixels) : QImage()] { take(picture); };
-    });
-}
-
-void PictureThumbnail::take(const QImage &picture) {
-    picture_ = picture;
-    state_ = picture.isNull() ? State::unreadable : State::shown;
-    update();
-    if (onState)
-        onState();
-}
-
-void PictureThumbnail::paintEvent(QPaintEvent *) {
-    QPainter painter(this);
-    if (picture_.isNull())
-        drawBody(painter, rect(), thumbnailRadius, visuals_.palette().window, visuals_.palette().cardOutline);
-    else
-        drawRounded(painter, rect(), thumbnailRadius, picture_);
-}
 
 constexpr int plainHeight = 46;
 constexpr int withPicture = 60;
@@ -98,7 +85,7 @@ QString pictureFilter() {
     return QStringLiteral("Images (%1)").arg(patterns.join(u' '));
 }
 
-class CustomImageWidget final : public CardRow, public Refreshable {
+class CustomImageWidget final : public CardRow {
 public:
     CustomImageWidget(Visuals &visuals, Settings &settings)
         : CardRow(visuals), settings_(settings), thumbnail_(new PictureThumbnail(visuals)),
@@ -112,23 +99,21 @@ public:
         thumbnail_->onState = [this] { describe(); };
         connect(remove_, &Button::clicked, this, [this] { settings_.customBackgroundPath = QString(); });
         connect(choose_, &Button::clicked, this, [this] { choose(); });
-        thumbnail_->setPath(path_ = settings_.customBackgroundPath);
-        describe();
-    }
-
-    void refresh() override {
-        if (path_ == settings_.customBackgroundPath.get())
-            return;
-        thumbnail_->setPath(path_ = settings_.customBackgroundPath);
-        describe();
+        follow(*this, [this] { refresh(); });
     }
 
 private:
+    void refresh() {
+        if (path_ == settings_.customBackgroundPath.get())
+            return;
+        path_ = settings_.customBackgroundPath;
+        thumbnail_->setPath(*path_);
+        describe();
+    }
+
     void addTexts() {
         auto *texts = new QWidget;
-        auto *lines = new QVBoxLayout(texts);
-        lines->setContentsMargins({});
-        lines->setSpacing(2);
+        auto *lines = column(texts, {}, betweenLines);
         lines->addStretch();
         lines->addWidget(name_);
         lines->addWidget(note_);
@@ -141,7 +126,7 @@ private:
         using State = PictureThumbnail::State;
         const State state = thumbnail_->state();
         name_->setText(state == State::none ? QStringLiteral("No custom image")
-                                            : QFileInfo(path_).fileName());
+                                            : QFileInfo(*path_).fileName());
         note_->setText(state == State::shown ? QStringLiteral("Shown in place of the style.")
                        : state == State::unreadable
                            ? QStringLiteral("It cannot be read, so the style is shown.")
@@ -156,7 +141,7 @@ private:
     /// Beside the picture, unless its disk may hold up the dialog.
     QString startFolder() const {
         return thumbnail_->state() == PictureThumbnail::State::shown
-                   ? QFileInfo(path_).path()
+                   ? QFileInfo(*path_).path()
                    : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
     }
 
@@ -171,7 +156,7 @@ private:
     }
 
     Settings &settings_;
-    QString path_; ///< That is shown.
+    std::optional<QString> path_; ///< That is shown; absent while nothing is yet.
     PictureThumbnail *thumbnail_;
     Text *name_;
     Text *note_;

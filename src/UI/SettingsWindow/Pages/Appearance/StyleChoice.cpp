@@ -1,14 +1,18 @@
 #include "UI/SettingsWindow/Pages/Appearance/StyleChoice.h"
 
 #include "Core/Settings.h"
+#include "UI/BackgroundImage.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Pixels.h"
 #include "UI/SettingsWindow/Pages/Appearance/BreakPreview.h"
-#include "UI/SettingsWindow/Pages/Appearance/StyleTile.h"
 #include "UI/SettingsWindow/Rows/Element.h"
 #include "UI/Theme.h"
 
 #include <QButtonGroup>
+#include <QFontMetrics>
+#include <QPainter>
+#include <QRadioButton>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -22,9 +26,73 @@ constexpr int room = FocusRing::room; // which the tiles have around them
 constexpr int gap = 12;
 constexpr int bottom = 14 - room;
 
+/// A theme of the break screen to choose, one of a group: its gradient in small, above its name.
+class StyleTile final : public QRadioButton {
+public:
+    StyleTile(Visuals &visuals, const Background &theme) : visuals_(visuals), theme_(theme) {
+        setFocusPolicy(Qt::TabFocus);
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+        setText(theme.name);
+        setAccessibleName(theme.name);
+        setFont(visuals.font(11));
+    }
+
+    QSize sizeHint() const override {
+        return swatchSize() + QSize(2 * room, room + aboveName + QFontMetrics(font()).height());
+    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const Palette &palette = visuals_.palette();
+        const QRectF swatch(QPointF(room, room), swatchSize());
+        const QSize pixels = (swatch.size() * devicePixelRatioF()).toSize();
+        if (gradient_.size() != pixels)
+            gradient_ = gradientImage(theme_, pixels);
+        drawRounded(painter, swatch, tileRadius, gradient_);
+        drawBody(painter, swatch, tileRadius, Qt::transparent, palette.cardOutline);
+        if (isChecked() || FocusRing::isOn(*this)) {
+            constexpr double width = 2;
+            constexpr double out = 1 + width / 2;
+            painter.setPen(QPen(isChecked() ? palette.accent : palette.accentText, width));
+            painter.setBrush(Qt::NoBrush);
+            painter.drawRoundedRect(swatch.adjusted(-out, -out, out, out), tileRadius + out,
+                                    tileRadius + out);
+        }
+        const double top = swatch.bottom() + aboveName;
+        paintName(painter, {0, top, static_cast<double>(QWidget::width()), height() - top});
+    }
+
+private:
+    static constexpr double tileRadius = 7;
+    static constexpr int aboveName = 4;
+
+    QSize swatchSize() const { return {visuals_.length(76), visuals_.length(48)}; }
+
+    /// The chosen tile has a ring already: what tells that it has the keyboard is its name.
+    void paintName(QPainter &painter, const QRectF &line) const {
+        const Palette &palette = visuals_.palette();
+        painter.setPen(isChecked() || underMouse() ? palette.text : palette.secondaryText);
+        if (FocusRing::isOn(*this)) {
+            constexpr double around = 6;
+            const double half = QFontMetricsF(font()).horizontalAdvance(text()) / 2 + around;
+            drawBody(painter, {line.center().x() - half, line.top(), 2 * half, line.height()}, 4,
+                     palette.accent, Qt::transparent);
+            painter.setPen(palette.onAccent);
+        }
+        painter.drawText(line, Qt::AlignHCenter | Qt::AlignTop, text());
+    }
+
+    Visuals &visuals_;
+    const Background &theme_;
+    QImage gradient_;
+};
+
 /// The tiles stand beside the preview, or below it where there is no room; with large text on a narrow page
 /// the preview is smaller, and fewer tiles are in a row.
-class StyleChoiceWidget final : public QWidget, public Refreshable {
+class StyleChoiceWidget final : public QWidget {
 public:
     StyleChoiceWidget(Visuals &visuals, Settings &settings)
         : settings_(settings), group_(new QButtonGroup(this)), preview_(new BreakPreview(visuals, settings)),
@@ -37,7 +105,10 @@ public:
             if (on)
                 settings_.backgroundStyle = id;
         });
-        StyleChoiceWidget::refresh();
+        follow(*this, [this] {
+            const QSignalBlocker silence(group_);
+            group_->button(Theme::gradient(settings_.backgroundStyle).id)->setChecked(true);
+        });
     }
 
     QSize sizeHint() const override {
@@ -48,11 +119,6 @@ public:
     int heightForWidth(int width) const override {
         const QRect tiles = tilesPlace(width);
         return std::max(previewPlace(width).bottom() + 1 + room, tiles.bottom() + 1) + bottom;
-    }
-
-    void refresh() override {
-        const QSignalBlocker silence(group_);
-        group_->button(Theme::gradient(settings_.backgroundStyle).id)->setChecked(true);
     }
 
 protected:

@@ -2,20 +2,20 @@
 
 #include "UI/Controls/Button.h"
 #include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Layouts.h"
 #include "UI/Controls/LineEdit.h"
 #include "UI/Controls/ListRow.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/ScrollArea.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Pages/Pausing/AppIcon.h"
-#include "UI/SettingsWindow/Pages/Pausing/AppRow.h"
 #include "UI/SettingsWindow/Rows/RowList.h"
 
+#include <QAbstractButton>
 #include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
-#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -52,6 +52,41 @@ protected:
     }
 };
 
+/// An application to choose: its icon, its name and, behind that, its identifier.
+class AppRow final : public QAbstractButton {
+public:
+    AppRow(Visuals &visuals, const InstalledApplication &application, const QImage &icon)
+        : visuals_(visuals), entry_{application.name, application.bundleIdentifier, icon} {
+        setText(entry_.text);
+        setAccessibleName(entry_.text);
+        setAccessibleDescription(entry_.detail);
+        setAttribute(Qt::WA_Hover);
+        setFocusPolicy(Qt::TabFocus);
+    }
+
+    QSize sizeHint() const override { return {200, visuals_.lineHeight(rowHeight)}; }
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+        const Palette &palette = visuals_.palette();
+        if (hasFocus() || underMouse() || isDown()) {
+            constexpr int inset = 6;
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(hasFocus() ? palette.accent : palette.panelButton.fill);
+            painter.drawRoundedRect(QRectF(rect()).adjusted(inset, 1, -inset, -1), 7, 7);
+        }
+        ListRow::draw(painter, QRectF(rect()).adjusted(CardRow::margin, 0, -CardRow::margin, 0), entry_,
+                      visuals_, hasFocus() ? palette.onAccent : palette.text,
+                      hasFocus() ? palette.onAccent : palette.secondaryText);
+    }
+
+private:
+    Visuals &visuals_;
+    ListRow::Entry entry_;
+};
+
 bool fits(const InstalledApplication &application, const QString &words) {
     return application.name.contains(words, Qt::CaseInsensitive) ||
            application.bundleIdentifier.contains(words, Qt::CaseInsensitive);
@@ -77,21 +112,16 @@ AppChooser::AppChooser(Visuals &visuals, InstalledApplications &applications, QW
     for (const InstalledApplication &application : all_)
         byIdentifier_.insert(application.bundleIdentifier, application);
     setAccessibleName(QStringLiteral("Choose an application"));
-    auto *lines = new QVBoxLayout(body_);
-    lines->setContentsMargins(0, padding, 0, padding - FocusRing::room);
-    lines->setSpacing(8);
-    auto *head = new QVBoxLayout;
-    head->setContentsMargins(padding, 0, padding, 0);
+    auto *lines = column(body_, {0, padding, 0, padding - FocusRing::room}, 8);
+    auto *head = column(nullptr, {padding, 0, padding, 0});
     head->addWidget(new Text(visuals, QStringLiteral("Choose an application"), Text::Style::cardTitle));
     lines->addLayout(head);
-    auto *field = new QHBoxLayout;
-    field->setContentsMargins(padding - FocusRing::room, 0, padding - FocusRing::room, 0);
+    auto *field = line(nullptr, {padding - FocusRing::room, 0, padding - FocusRing::room, 0});
     field->addWidget(search_);
     lines->addLayout(field);
     lines->addWidget(list(), 1);
     auto *cancel = new Button(QStringLiteral("Cancel"));
-    auto *foot = new QHBoxLayout;
-    foot->setContentsMargins(padding, 0, padding - FocusRing::room, 0);
+    auto *foot = line(nullptr, {padding, 0, padding - FocusRing::room, 0});
     foot->addStretch();
     foot->addWidget(cancel);
     lines->addLayout(foot);
@@ -107,19 +137,16 @@ AppChooser::AppChooser(Visuals &visuals, InstalledApplications &applications, QW
 }
 
 QWidget *AppChooser::list() {
-    auto *column = new Column;
-    auto *lines = new QVBoxLayout(column);
-    lines->setContentsMargins({});
-    lines->setSpacing(0);
+    auto *content = new Column;
+    auto *lines = column(content);
     rows_ = new RowList(visuals_, visuals_.lineHeight(rowHeight), RowList::Lines::none,
                         [this](const QString &identifier) { return row(identifier); });
-    auto *empty = new QVBoxLayout;
-    empty->setContentsMargins(padding, 8, padding, 8);
+    auto *empty = column(nullptr, {padding, 8, padding, 8});
     empty->addWidget(nothing_);
     lines->addWidget(rows_);
     lines->addLayout(empty);
     lines->addStretch();
-    return new ScrollArea(visuals_, column);
+    return new ScrollArea(visuals_, content);
 }
 
 QWidget *AppChooser::row(const QString &identifier) {

@@ -18,7 +18,7 @@ class RowList;
 class Text;
 
 /// A sheet over the whole window that lists the installed applications. It goes with a choice, with Escape,
-/// with its button, and with a click beside it.
+/// with its button, and with a click beside it, which a `QDialog`, a window of its own, would not see.
 class AppChooser : public QWidget, public AccessibleControl {
 public:
     /// Opens over the window of `anchor` and does not outlive that. `choose` is given the identifier.

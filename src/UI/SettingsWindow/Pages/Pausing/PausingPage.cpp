@@ -7,13 +7,9 @@
 #include "UI/Controls/Button.h"
 #include "UI/Controls/ListRow.h"
 #include "UI/SettingsWindow/Page.h"
-#include "UI/SettingsWindow/Pages/Pages.h"
 #include "UI/SettingsWindow/Pages/Pausing/AppChooser.h"
 #include "UI/SettingsWindow/Pages/Pausing/AppIcon.h"
-#include "UI/SettingsWindow/Rows/AddField.h"
-#include "UI/SettingsWindow/Rows/Card.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
-#include "UI/SettingsWindow/Rows/TextList.h"
 
 #include <optional>
 
@@ -60,7 +56,8 @@ QWidget *chooseButton(Visuals &visuals, InstalledApplications &applications,
 
 Elements focusAppParts(Settings &settings, InstalledApplications &applications) {
     const auto add = [&settings](const QString &identifier) {
-        settings.deepFocusApps = withEntry(settings.deepFocusApps, identifier);
+        if (const QStringList apps = settings.deepFocusApps; !apps.contains(identifier))
+            settings.deepFocusApps = apps + QStringList(identifier);
     };
     const auto names = std::make_shared<Names>(applications);
     const auto list = [&settings, names](Visuals &visuals) {

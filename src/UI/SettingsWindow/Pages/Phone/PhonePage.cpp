@@ -1,20 +1,14 @@
 #include "Core/Phone.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
+#include "UI/Controls/Layouts.h"
 #include "UI/Controls/Text.h"
-#include "UI/Controls/Visuals.h"
 #include "UI/SettingsWindow/Page.h"
-#include "UI/SettingsWindow/Pages/Pages.h"
-#include "UI/SettingsWindow/Pages/Phone/CodeView.h"
-#include "UI/SettingsWindow/Pages/Phone/QrCodeView.h"
-#include "UI/SettingsWindow/Rows/Card.h"
-#include "UI/SettingsWindow/Rows/DynamicSection.h"
+#include "UI/SettingsWindow/Pages/Phone/PairingCodes.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 #include "UI/Symbol.h"
 
 #include <QPainter>
-#include <QVBoxLayout>
-#include <QWidget>
 
 namespace pavonel {
 
@@ -48,9 +42,7 @@ struct CardText {
 
     QWidget *make(Visuals &visuals) const {
         auto *place = new QWidget;
-        auto *lines = new QVBoxLayout(place);
-        lines->setContentsMargins(margins);
-        lines->addWidget(new Text(visuals, text, style));
+        column(place, margins)->addWidget(new Text(visuals, text, style));
         return place;
     }
 };
@@ -62,12 +54,10 @@ struct Code {
 
     QWidget *make(Visuals &visuals) const {
         auto *place = new QWidget;
-        auto *line = new QHBoxLayout(place);
-        line->setContentsMargins(CardRow::margin, 2, CardRow::margin, 12);
-        line->setSpacing(CardRow::margin);
-        line->addWidget(new CodeView(visuals, code));
+        auto *codes = line(place, {CardRow::margin, 2, CardRow::margin, 12}, CardRow::margin);
+        codes->addWidget(new CodeView(visuals, code));
         if (!page.isEmpty())
-            line->addWidget(new QrCodeView(visuals, page));
+            codes->addWidget(new QrCodeView(visuals, page));
         return place;
     }
 };
@@ -153,7 +143,7 @@ Elements phonePage(PageContext &context) {
     Phone &phone = context.phone;
     constexpr int betweenCards = 14;
     return {
-        DynamicSection{context.display.loop, {&phone}, [&phone] { return phoneParts(phone); }, betweenCards},
+        DynamicSection{{&phone}, [&phone] { return phoneParts(phone); }, betweenCards},
         PageNote(
             u"Only the break itself travels to the phone: its kind, its name and when it ends. Settings and "
             "statistics never leave this computer."_s,

@@ -1,18 +1,13 @@
 #include "Core/Settings.h"
 #include "UI/Controls/CardRow.h"
+#include "UI/Controls/Layouts.h"
 #include "UI/Controls/Text.h"
-#include "UI/Controls/Visuals.h"
 #include "UI/SettingsWindow/Page.h"
-#include "UI/SettingsWindow/Pages/Pages.h"
 #include "UI/SettingsWindow/Pages/Planned/PlannedEditing.h"
 #include "UI/SettingsWindow/Pages/Planned/PlannedRow.h"
-#include "UI/SettingsWindow/Rows/Card.h"
 #include "UI/SettingsWindow/Rows/Element.h"
 #include "UI/SettingsWindow/Rows/RowList.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
-#include "UI/SettingsWindow/Rows/UndoRow.h"
-
-#include <QVBoxLayout>
 
 #include <algorithm>
 #include <iterator>
@@ -27,27 +22,25 @@ namespace {
 
 /// The planned breaks to edit, in the user's order, below a line that tells how many are active. `added` is
 /// set when the user adds one, to which the keyboard then goes.
-class PlannedList final : public QWidget, public Refreshable {
+class PlannedList final : public QWidget {
 public:
     PlannedList(Visuals &visuals, Settings &settings, std::shared_ptr<bool> added)
         : settings_(settings), added_(std::move(added)),
           state_(new Text(visuals, {}, Text::Style::secondary)),
           rows_(new RowList(visuals, PlannedRow::rowHeight(visuals), RowList::Lines::all,
                             [this, &visuals](const QString &key) { return row(visuals, key); })) {
-        auto *lines = new QVBoxLayout(this);
-        lines->setContentsMargins({});
-        lines->setSpacing(0);
-        auto *head = new QVBoxLayout;
-        head->setContentsMargins(CardRow::margin, 3, CardRow::margin, 12);
+        auto *lines = column(this);
+        auto *head = column(nullptr, {CardRow::margin, 3, CardRow::margin, 12});
         head->addWidget(state_);
         lines->addLayout(head);
         lines->addWidget(rows_);
         undo_ = new UndoRow(visuals);
         lines->addWidget(undo_);
-        PlannedList::refresh();
+        follow(*this, [this] { refresh(); });
     }
 
-    void refresh() override {
+private:
+    void refresh() {
         const PlannedBreaks &breaks = settings_.plannedBreaks;
         state_->setText(breaks.empty() ? QStringLiteral("No planned breaks yet") : activeText(breaks));
         const QStringList keys = plannedKeys(breaks);
@@ -61,7 +54,6 @@ public:
                 .takeKeyboard();
     }
 
-private:
     QWidget *row(Visuals &visuals, const QString &key) {
         auto *row = new PlannedRow(
             visuals,

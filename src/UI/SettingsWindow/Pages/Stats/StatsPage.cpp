@@ -1,18 +1,21 @@
 #include "Core/ClockText.h"
+#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/Visuals.h"
+#include "UI/Controls/Layouts.h"
+#include "UI/Controls/Pixels.h"
+#include "UI/Fonts.h"
 #include "UI/Refresher.h"
 #include "UI/SettingsWindow/Page.h"
-#include "UI/SettingsWindow/Pages/Pages.h"
-#include "UI/SettingsWindow/Pages/Stats/Tile.h"
 #include "UI/SettingsWindow/Pages/Stats/WeekChart.h"
 #include "UI/SettingsWindow/Pages/Stats/WeekFigures.h"
-#include "UI/SettingsWindow/Rows/Card.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 
 #include <QGridLayout>
-#include <QVBoxLayout>
+#include <QPainter>
+
+#include <algorithm>
+#include <array>
 
 namespace pavonel {
 
@@ -20,66 +23,107 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using Tiles = std::vector<Tile>;
+constexpr int tilePadding = 12;
+constexpr double tileRadius = 10;
+constexpr int underNumber = 2;
 
-Tiles tilesOf(const WeekFigures &week) {
-    return {{QString::number(week.micro), QStringLiteral("Micro breaks")},
-            {QString::number(week.long_), QStringLiteral("Long breaks")},
-            {QString::number(week.planned), QStringLiteral("Planned")},
-            {QString::number(week.skipped), QStringLiteral("Skipped")},
-            {humanText(week.screenSeconds), QStringLiteral("Screen time")},
-            {humanText(week.breakSeconds), QStringLiteral("On breaks")}};
+/// A large number with a caption.
+class Tile final : public QWidget {
+public:
+    Tile(Visuals &visuals, const QString &caption) : visuals_(visuals), caption_(caption) {
+        setAccessibleRole(*this, QAccessible::StaticText);
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    }
+
+    void setValue(const QString &value) {
+        if (value == value_)
+            return;
+        value_ = value;
+        setAccessibleName(caption_ + QStringLiteral(": ") + value);
+        update();
+    }
+
+    QSize sizeHint() const override {
+        return {120, 2 * tilePadding + underNumber + QFontMetrics(numberFont()).height() +
+                         QFontMetrics(captionFont()).height()};
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        drawBody(painter, rect(), tileRadius, visuals_.palette().window, Qt::transparent);
+        const QFont number = numberFont();
+        const QFontMetricsF metrics(number, this);
+        painter.setFont(number);
+        painter.setPen(visuals_.palette().text);
+        drawNumber(painter, tilePadding + metrics.ascent(), fonts::tabularWidth(metrics, value_));
+        painter.setFont(captionFont());
+        painter.setPen(visuals_.palette().secondaryText);
+        const QRectF place(tilePadding, tilePadding + metrics.height() + underNumber,
+                           width() - 2 * tilePadding, height());
+        painter.drawText(
+            place, Qt::AlignLeft | Qt::AlignTop,
+            QFontMetricsF(captionFont(), this).elidedText(caption_, Qt::ElideRight, place.width()));
+    }
+
+private:
+    /// A long one gets smaller.
+    void drawNumber(QPainter &painter, double baseline, double numberWidth) const {
+        const double shrink = std::min(1.0, (width() - 2 * tilePadding) / numberWidth);
+        painter.save();
+        painter.translate(tilePadding, baseline);
+        painter.scale(shrink, shrink);
+        fonts::drawTabular(painter, {0, 0}, value_);
+        painter.restore();
+    }
+
+    QFont numberFont() const { return visuals_.font(24, QFont::Light); }
+    QFont captionFont() const { return visuals_.font(11); }
+
+    Visuals &visuals_;
+    QString caption_;
+    QString value_;
+};
+
+const std::array captions{"Micro breaks", "Long breaks", "Planned", "Skipped", "Screen time", "On breaks"};
+
+/// In the order of the captions.
+std::array<QString, captions.size()> valuesOf(const WeekFigures &week) {
+    return {QString::number(week.micro),   QString::number(week.long_),   QString::number(week.planned),
+            QString::number(week.skipped), humanText(week.screenSeconds), humanText(week.breakSeconds)};
 }
 
 /// The figures of the last seven days and their chart, kept up to date.
 class WeekSection final : public QWidget {
 public:
     WeekSection(Visuals &visuals, Stats &stats)
-        : visuals_(visuals), stats_(stats), chart_(new WeekChart(visuals)),
+        : stats_(stats), chart_(new WeekChart(visuals)),
           refresher_(visuals.loop(), {&stats}, [this] { refresh(); }) {
-        auto *lines = new QVBoxLayout(this);
-        lines->setContentsMargins(CardRow::margin, 2, CardRow::margin, 10);
-        lines->setSpacing(14);
-        lines->addWidget(new QWidget);
+        constexpr int columns = 3;
+        auto *grid = layOut<QGridLayout>(nullptr, {}, 10);
+        for (const char *caption : captions) {
+            const int place = static_cast<int>(tiles_.size());
+            tiles_.push_back(new Tile(visuals, QString::fromLatin1(caption)));
+            grid->addWidget(tiles_.back(), place / columns, place % columns);
+        }
+        auto *lines = column(this, {CardRow::margin, 2, CardRow::margin, 10}, 14);
+        lines->addLayout(grid);
         lines->addWidget(chart_);
         refresh();
     }
 
 private:
-    /// Every second; but what is shown changes once a minute.
     void refresh() {
         const auto week = stats_.lastWeek();
         chart_->setDays(week);
-        const Tiles tiles = tilesOf(WeekFigures::of(week));
-        QStringList values;
-        for (const Tile &tile : tiles)
-            values.append(tile.value);
-        if (values == shown_)
-            return;
-        shown_ = values;
-        QWidget *grid = gridOf(tiles);
-        const std::unique_ptr<QLayoutItem> old(layout()->replaceWidget(layout()->itemAt(0)->widget(), grid));
-        delete old->widget();
-        grid->lower(); // a screen reader comes to it before the chart
-        grid->show();
+        const auto values = valuesOf(WeekFigures::of(week));
+        for (std::size_t index = 0; index < values.size(); ++index)
+            tiles_[index]->setValue(values[index]);
     }
 
-    QWidget *gridOf(const Tiles &tiles) {
-        constexpr int columns = 3;
-        auto *grid = new QWidget;
-        auto *places = new QGridLayout(grid);
-        places->setContentsMargins({});
-        places->setSpacing(10);
-        for (int index = 0; index < static_cast<int>(tiles.size()); ++index)
-            places->addWidget(tiles[static_cast<std::size_t>(index)].make(visuals_), index / columns,
-                              index % columns);
-        return grid;
-    }
-
-    Visuals &visuals_;
     Stats &stats_;
+    std::vector<Tile *> tiles_;
     WeekChart *chart_;
-    QStringList shown_;
     Refresher refresher_;
 };
 
@@ -89,13 +133,11 @@ class ResetRow final : public QWidget {
 public:
     explicit ResetRow(Stats &stats)
         : stats_(stats), undo_(new Button(QStringLiteral("Undo"), Button::Role::bare)) {
-        auto *line = new QHBoxLayout(this);
-        line->setContentsMargins({});
-        line->setSpacing(0);
         auto *reset = new Button(QStringLiteral("Reset stats"));
-        line->addWidget(reset);
-        line->addWidget(undo_);
-        line->addStretch();
+        auto *buttons = line(this);
+        buttons->addWidget(reset);
+        buttons->addWidget(undo_);
+        buttons->addStretch();
         undo_->setAccessibleName(QStringLiteral("Undo the reset"));
         undo_->hide();
         connect(reset, &Button::clicked, this, [this] { forget(); });

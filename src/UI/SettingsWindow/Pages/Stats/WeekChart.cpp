@@ -1,11 +1,11 @@
 #include "UI/SettingsWindow/Pages/Stats/WeekChart.h"
 
 #include "Core/ClockText.h"
+#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/SettingsWindow/Pages/Stats/WeekFigures.h"
 
-#include <QAccessibleWidget>
 #include <QFontMetricsF>
 #include <QHoverEvent>
 #include <QKeyEvent>
@@ -65,6 +65,7 @@ WeekChart::WeekChart(Visuals &visuals) : visuals_(visuals) {
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setFont(visuals.font(11));
+    setAccessibleRole(*this, QAccessible::Chart);
     setAccessibleName(QStringLiteral("Screen time and breaks of the last 7 days"));
 }
 
@@ -90,10 +91,6 @@ void WeekChart::setDays(std::vector<LabelledDay> days) {
 
 QSize WeekChart::sizeHint() const {
     return {300, visuals_.length(legendHeight) + barsHeight + visuals_.length(labelHeight)};
-}
-
-QAccessibleInterface *WeekChart::makeAccessible() {
-    return new QAccessibleWidget(this, QAccessible::Chart);
 }
 
 QRectF WeekChart::column(std::size_t day) const {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Core/Stats.h"
-#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Visuals.h"
 
 #include <QWidget>
@@ -12,15 +11,14 @@ namespace pavonel {
 
 /// Seven days side by side, each a bar of the time at the screen upon one of the time on breaks, at one
 /// scale. The day under the pointer tells its figures, as does the one that the arrow keys lead to; a screen
-/// reader gets those of all.
-class WeekChart : public QWidget, public AccessibleControl {
+/// reader gets those of all. Qt's charts would be one more library.
+class WeekChart : public QWidget {
 public:
     explicit WeekChart(Visuals &visuals);
 
     void setDays(std::vector<LabelledDay> days);
 
     QSize sizeHint() const override;
-    QAccessibleInterface *makeAccessible() override;
 
     /// The two parts of a day's bar, above each other. What is no sensible time counts as none; a time that
     /// is not nothing can be seen.

@@ -1,22 +1,33 @@
 #pragma once
 
 #include "Platform/QrCode.h"
-#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Visuals.h"
 
 #include <QWidget>
 
 namespace pavonel {
 
-class Visuals;
+/// A code to be typed elsewhere, large and evenly spaced. One that is too long for the width gets smaller.
+class CodeView : public QWidget {
+public:
+    CodeView(Visuals &visuals, const QString &code);
+
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    Visuals &visuals_;
+    QStringList code_; ///< Its characters.
+};
 
 /// A code for the phone's camera: dark on white in every appearance, each module a whole number of device
 /// pixels. It grows along with the text.
-class QrCodeView : public QWidget, public AccessibleControl {
+class QrCodeView : public QWidget {
 public:
     /// `text` is what the camera reads.
     QrCodeView(Visuals &visuals, const QString &text);
-
-    QAccessibleInterface *makeAccessible() override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;

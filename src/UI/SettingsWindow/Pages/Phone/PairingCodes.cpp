@@ -1,10 +1,10 @@
-#include "UI/SettingsWindow/Pages/Phone/CodeView.h"
+#include "UI/SettingsWindow/Pages/Phone/PairingCodes.h"
 
 #include "Core/Characters.h"
+#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Fonts.h"
 
-#include <QAccessibleWidget>
 #include <QFontMetricsF>
 #include <QPainter>
 
@@ -25,16 +25,13 @@ constexpr double radius = 10;
 
 CodeView::CodeView(Visuals &visuals, const QString &code)
     : visuals_(visuals), code_(charactersOf(beginning(code, longest).simplified())) {
+    setAccessibleRole(*this, QAccessible::StaticText);
     setAccessibleName(code_.join(QString()));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 QSize CodeView::sizeHint() const {
     return {240, visuals_.length(panelHeight)};
-}
-
-QAccessibleInterface *CodeView::makeAccessible() {
-    return new QAccessibleWidget(this, QAccessible::StaticText);
 }
 
 /// Each character in the middle of a cell, all as wide as the widest.
@@ -59,6 +56,34 @@ void CodeView::paintEvent(QPaintEvent *) {
         const double inset = (cell - metrics.horizontalAdvance(character)) / 2;
         painter.drawText(QPointF(left + inset, metrics.capHeight() / 2), character);
         left += cell;
+    }
+}
+
+QrCodeView::QrCodeView(Visuals &visuals, const QString &text)
+    : visuals_(visuals), code_(QrCode::of(text.toUtf8())) {
+    setAccessibleRole(*this, QAccessible::Graphic);
+    setAccessibleName(QStringLiteral("Code for the phone’s camera"));
+    setAccessibleDescription(text);
+    const int side = visuals.length(132);
+    setFixedSize(side, side);
+}
+
+void QrCodeView::paintEvent(QPaintEvent *) {
+    constexpr int margin = 3; // modules on each side, which with the round corners cameras manage with
+    QPainter painter(this);
+    drawBody(painter, rect(), radius, Qt::white, visuals_.palette().cardOutline);
+    if (code_.side == 0)
+        return;
+    const double ratio = painter.deviceTransform().m11(); // device pixels a point, wherever this is drawn
+    const int pixels = qRound(width() * ratio);
+    const int module = std::max(1, pixels / (code_.side + 2 * margin));
+    const int first = (pixels - module * code_.side) / 2;
+    painter.scale(1 / ratio, 1 / ratio);
+    for (int y = 0; y < code_.side; ++y) {
+        for (int x = 0; x < code_.side; ++x) {
+            if (code_.isDark(x, y))
+                painter.fillRect(first + x * module, first + y * module, module, module, Qt::black);
+        }
     }
 }
 

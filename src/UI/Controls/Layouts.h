@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+namespace pavonel {
+
+/// Side by side, or one below the other, with no room between and around but what is asked for. Without a
+/// widget to lay out it is to be added to another layout.
+template <class Layout> Layout *layOut(QWidget *of, const QMargins &margins = {}, int spacing = 0) {
+    auto *layout = new Layout(of);
+    layout->setContentsMargins(margins);
+    layout->setSpacing(spacing);
+    return layout;
+}
+
+inline QHBoxLayout *line(QWidget *of = nullptr, const QMargins &margins = {}, int spacing = 0) {
+    return layOut<QHBoxLayout>(of, margins, spacing);
+}
+inline QVBoxLayout *column(QWidget *of = nullptr, const QMargins &margins = {}, int spacing = 0) {
+    return layOut<QVBoxLayout>(of, margins, spacing);
+}
+
+} // namespace pavonel
