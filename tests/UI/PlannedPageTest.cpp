@@ -9,6 +9,7 @@
 #include "support/OpenSettings.h"
 #include "support/windows.h"
 
+#include <QApplication>
 #include <QLineEdit>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -259,6 +260,78 @@ TEST_F(PlannedPage, of_hundreds_only_those_near_the_visible_ones_have_controls) 
     const auto *last = *std::ranges::max_element(made, {}, [](const QWidget *row) { return row->y(); });
     EXPECT_TRUE(last->isVisible());
     EXPECT_EQ(last->y(), 499 * last->height());
+}
+
+/// With text of this many times the ordinary size.
+class PlannedRowAt : public PlannedPage, public ::testing::WithParamInterface<double> {
+protected:
+    PlannedRowAt() {
+        QFont font = ordinary_;
+        font.setPixelSize(qRound(15 * GetParam()));
+        QApplication::setFont(font);
+    }
+    ~PlannedRowAt() override { QApplication::setFont(ordinary_); }
+
+    static std::vector<QWidget *> controlsIn(const QWidget &row) {
+        std::vector<QWidget *> controls;
+        for (QWidget *widget : childrenOf<QWidget>(&row)) {
+            if (widget->focusPolicy() & Qt::TabFocus && widget->isVisible())
+                controls.push_back(widget);
+        }
+        return controls;
+    }
+
+private:
+    QFont ordinary_ = QApplication::font();
+};
+
+INSTANTIATE_TEST_SUITE_P(TextOf, PlannedRowAt, testing::Values(1.0, 2.5));
+
+TEST_P(PlannedRowAt, any_width_shows_its_controls_whole_and_apart_from_each_other) {
+    const Styled styled(open.platform);
+    Visuals visuals(open.platform);
+    PlannedRow row(
+        visuals, [](const PlannedRow::Edit &) {}, [] {});
+    row.display(named(u"A walk around the lake"_s));
+    row.show();
+    const int least = row.minimumSizeHint().width();
+    EXPECT_LE(least, visuals.length(320));
+    for (const int width : {least, visuals.length(409), visuals.length(410), visuals.length(640)}) {
+        row.resize(width, PlannedRow::heightAt(width, visuals));
+        QApplication::processEvents();
+        const auto controls = controlsIn(row);
+        ASSERT_EQ(controls.size(), 13U); // label, hour, minute, switch, removal, seven days, length
+        for (std::size_t one = 0; one < controls.size(); ++one) {
+            const auto placeOf = [&row](const QWidget *control) {
+                return QRect(control->mapTo(&row, QPoint()), control->size());
+            };
+            const QRect place = placeOf(controls[one]);
+            const QString name = controls[one]->accessibleName();
+            EXPECT_TRUE(row.rect().contains(place)) << width << ' ' << qPrintable(name);
+            EXPECT_GE(place.width(),
+                      name == u"Label"_s ? visuals.length(100) : controls[one]->sizeHint().width())
+                << width << ' ' << qPrintable(name);
+            for (std::size_t other = 0; other < one; ++other)
+                EXPECT_FALSE(place.intersects(placeOf(controls[other])))
+                    << width << ' ' << qPrintable(name) << ' ' << other;
+        }
+    }
+}
+
+TEST_F(PlannedPage, the_rows_have_room_in_the_smallest_window_and_nothing_scrolls_sideways) {
+    show({named(u"Tea"_s), named(u"Walk"_s)});
+    open.window()->setMinimumSize(1, 1);
+    for (const int width : {560, 540, 900}) {
+        open.window()->resize(width, 480);
+        open.settle();
+        QApplication::processEvents();
+        const auto made = rows();
+        ASSERT_EQ(made.size(), 2U);
+        EXPECT_EQ(made[1]->y(), made[0]->height()) << width;
+        EXPECT_EQ(made[0]->height(), PlannedRow::heightAt(made[0]->width(), Visuals(open.platform)));
+        for (const auto *area : childrenOf<QScrollArea>(open.window()))
+            EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0) << width;
+    }
 }
 
 TEST(WeekdayToggles, begin_with_the_first_day_of_the_users_week) {

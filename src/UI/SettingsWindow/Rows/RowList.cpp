@@ -1,8 +1,8 @@
 #include "UI/SettingsWindow/Rows/RowList.h"
 
+#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/CardRow.h"
 
-#include <QAccessibleWidget>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QHash>
@@ -35,12 +35,15 @@ template <class Ancestor> Ancestor *ancestor(const QWidget *widget) {
 
 } // namespace
 
-RowList::RowList(Visuals &visuals, int rowHeight, Lines lines, Make make)
-    : visuals_(visuals), rowHeight_(rowHeight), lines_(lines), make_(std::move(make)),
+RowList::RowList(Visuals &visuals, Height rowHeight, Lines lines, Make make)
+    : visuals_(visuals), heightAt_(std::move(rowHeight)), lines_(lines), make_(std::move(make)),
       chainBegin_(new QWidget(this)) {
     chainBegin_->setFocusPolicy(Qt::TabFocus); // else it has no place in that order
     chainBegin_->hide();
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+    setAccessibleRole(*this, QAccessible::List);
 }
 
 void RowList::setKeys(const QStringList &keys) {
@@ -63,8 +66,12 @@ void RowList::setKeys(const QStringList &keys) {
     update();
 }
 
+int RowList::heightForWidth(int width) const {
+    return heightAt_(width) * static_cast<int>(keys_.size());
+}
+
 QSize RowList::sizeHint() const {
-    return {200, rowHeight_ * static_cast<int>(keys_.size())};
+    return {200, heightForWidth(width())};
 }
 
 QSize RowList::minimumSizeHint() const {
@@ -104,10 +111,11 @@ RowList::Span RowList::nearby(int heights) const {
     const QWidget *viewport = area_->viewport();
     const int top = mapFrom(viewport, QPoint(0, 0)).y();
     const int margin = heights * viewport->height();
-    const auto rowAt = [this](int y) {
-        return std::min(static_cast<std::size_t>(std::max(0, y / rowHeight_)), rows_.size());
+    const int high = rowHeight();
+    const auto rowAt = [this, high](int y) {
+        return std::min(static_cast<std::size_t>(std::max(0, y / high)), rows_.size());
     };
-    return {rowAt(top - margin), rowAt(top + viewport->height() + margin + rowHeight_)};
+    return {rowAt(top - margin), rowAt(top + viewport->height() + margin + high)};
 }
 
 void RowList::arrange() {
@@ -123,7 +131,7 @@ void RowList::arrange() {
     for (std::size_t index = 0; index < rows_.size(); ++index) {
         if (!rows_[index])
             continue;
-        rows_[index]->setGeometry(0, static_cast<int>(index) * rowHeight_, width(), rowHeight_);
+        place(index);
         if (grown)
             rows_[index]->raise(); // a screen reader is told of them in this order
     }
@@ -131,10 +139,15 @@ void RowList::arrange() {
         chainFocus();
 }
 
+void RowList::place(std::size_t index) {
+    const int high = rowHeight();
+    rows_[index]->setGeometry(0, static_cast<int>(index) * high, width(), high);
+}
+
 void RowList::make(std::size_t index) {
     rows_[index] = make_(keys_[static_cast<qsizetype>(index)]);
     rows_[index]->setParent(this);
-    rows_[index]->setGeometry(0, static_cast<int>(index) * rowHeight_, width(), rowHeight_);
+    place(index);
     rows_[index]->show();
     updateGeometry();
 }
@@ -182,14 +195,10 @@ void RowList::paintEvent(QPaintEvent *event) {
     const std::size_t lines = lines_ == Lines::all ? rows_.size() : lines_ == Lines::first ? 1 : 0;
     QPainter painter(this);
     for (std::size_t index = 0; index < lines; ++index) {
-        const double y = static_cast<double>(index) * rowHeight_;
+        const double y = static_cast<double>(index) * rowHeight();
         if (event->rect().top() <= y && y <= event->rect().bottom())
             CardRow::drawLine(painter, visuals_, y, width());
     }
-}
-
-QAccessibleInterface *RowList::makeAccessible() {
-    return new QAccessibleWidget(this, QAccessible::List);
 }
 
 } // namespace pavonel

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Visuals.h"
 
 #include <QPointer>
@@ -14,11 +13,12 @@ class QScrollArea;
 
 namespace pavonel {
 
-/// A column of rows of one height. Of a long one only the rows near the
+/// A column of rows of one height, which can follow from their width. Of a long one only the rows near the
 /// visible part exist, and the one with the keyboard. A row stays the same widget for as long as its key is
-/// in the list, so that one can be edited while others come and go.
-class RowList : public QWidget, public AccessibleControl {
+/// in the list, so that one can be edited while others come and go; those of a `QListView` are pictures.
+class RowList : public QWidget {
 public:
+    using Height = std::function<int(int width)>;
     using Make = std::function<QWidget *(const QString &key)>;
 
     /// Hairlines above the rows.
@@ -29,7 +29,10 @@ public:
     };
 
     /// `make` gives a new widget, which the list owns.
-    RowList(Visuals &visuals, int rowHeight, Lines lines, Make make);
+    RowList(Visuals &visuals, Height rowHeight, Lines lines, Make make);
+    RowList(Visuals &visuals, int rowHeight, Lines lines, Make make)
+        : RowList(
+              visuals, [rowHeight](int) { return rowHeight; }, lines, std::move(make)) {}
 
     /// Each key stands for one row; none comes twice.
     void setKeys(const QStringList &keys);
@@ -41,9 +44,9 @@ public:
     /// Makes that row where it does not exist, and lets the page grow to where it stands.
     QWidget &reveal(std::size_t index);
 
+    int heightForWidth(int width) const override;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override; ///< As wide as the widest of the rows that exist needs it.
-    QAccessibleInterface *makeAccessible() override;
 
 protected:
     bool event(QEvent *event) override;
@@ -55,16 +58,18 @@ private:
         std::size_t begin;
         std::size_t end;
     };
+    int rowHeight() const { return heightAt_(width()); }
     /// The rows within so many heights of the window's visible part.
     Span nearby(int heights) const;
     void follow();
     void arrange();
+    void place(std::size_t index);
     void make(std::size_t index);
     void dropFarRows();
     void chainFocus();
 
     Visuals &visuals_;
-    int rowHeight_;
+    Height heightAt_;
     Lines lines_;
     Make make_;
     QStringList keys_;

@@ -27,8 +27,9 @@ public:
     PlannedList(Visuals &visuals, Settings &settings, std::shared_ptr<bool> added)
         : settings_(settings), added_(std::move(added)),
           state_(new Text(visuals, {}, Text::Style::secondary)),
-          rows_(new RowList(visuals, PlannedRow::rowHeight(visuals), RowList::Lines::all,
-                            [this, &visuals](const QString &key) { return row(visuals, key); })) {
+          rows_(new RowList(
+              visuals, [&visuals](int width) { return PlannedRow::heightAt(width, visuals); },
+              RowList::Lines::all, [this, &visuals](const QString &key) { return row(visuals, key); })) {
         auto *lines = column(this);
         auto *head = column(nullptr, {CardRow::margin, 3, CardRow::margin, 12});
         head->addWidget(state_);

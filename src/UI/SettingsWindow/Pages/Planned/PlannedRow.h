@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Core/PlannedBreak.h"
-#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/Visuals.h"
 
 #include <QWidget>
@@ -20,8 +19,9 @@ class Stepper;
 class Switch;
 class WeekdayToggle;
 
-/// One planned break to edit: its label, time, weekdays, length and switch, and a button that removes it.
-class PlannedRow : public QWidget, public AccessibleControl {
+/// One planned break to edit: its label, time, weekdays, length and switch, and a button that removes it. On
+/// two lines; on four where the page is narrow for the size of the text.
+class PlannedRow : public QWidget {
 public:
     using Edit = std::function<void(PlannedBreak &)>;
 
@@ -34,25 +34,34 @@ public:
     /// To its label, all of which the next letter replaces.
     void takeKeyboard();
 
-    static int rowHeight(const Visuals &visuals);
+    /// Of every row that is so wide.
+    static int heightAt(int width, const Visuals &visuals);
 
-    QAccessibleInterface *makeAccessible() override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent *event) override;
 
 private:
-    QWidget *firstLine(Visuals &visuals);
-    QWidget *secondLine(Visuals &visuals);
-    PopUpButton *picker(Visuals &visuals, const QString &name, int count, QString (*text)(int),
-                        int PlannedBreak::*field);
+    void addFirstLine();
+    void addWeekdays();
+    void addDuration();
+    void arrange();
+    PopUpButton *picker(const QString &name, int count, QString (*text)(int), int PlannedBreak::*field);
     void toggleWeekday(int weekday, bool on);
     void nameAfter(const QString &label);
 
+    Visuals &visuals_;
     std::function<void(const Edit &)> change_;
     QLineEdit *label_;
+    QWidget *time_;
     PopUpButton *hour_;
     PopUpButton *minute_;
     Switch *enabled_;
     Button *remove_;
     std::vector<WeekdayToggle *> weekdays_;
+    QWidget *days_;
+    QWidget *length_;
     Stepper *duration_;
     StepValue *durationText_;
 };
