@@ -229,19 +229,16 @@ namespace {
 
 /// A phone link over the real client and the real main loop.
 struct RealPhone {
-    explicit RealPhone(const QUrl &base) {
-        platform.mainLoop = std::make_unique<QtMainLoop>();
-        platform.defaults = std::make_unique<FakeDefaults>();
-        platform.http = std::make_unique<FetchClient>(ProgramFiles::ofThisProgram());
-        phone.emplace(platform, base);
-    }
+    explicit RealPhone(const QUrl &base) : phone(http, loop, defaults, base) {}
 
     bool becomes(const Phone::State &state) {
-        return waitUntil([&] { return phone->state.get() == state; });
+        return waitUntil([&] { return phone.state.get() == state; });
     }
 
-    Platform platform;
-    std::optional<Phone> phone;
+    QtMainLoop loop;
+    FakeDefaults defaults;
+    FetchClient http{ProgramFiles::ofThisProgram()};
+    Phone phone;
 };
 
 } // namespace
@@ -256,7 +253,7 @@ TEST(PhoneOverHttp, pairs_with_a_phone_that_enters_the_code) {
                                              : R"({"paired":false})")(seen, connection);
     });
     RealPhone real(server.url("/api/"));
-    real.phone->startPairing();
+    real.phone.startPairing();
     EXPECT_TRUE(real.becomes(Phone::Waiting{QStringLiteral("314159")}));
     EXPECT_TRUE(real.becomes(Phone::Paired{}));
     EXPECT_EQ(server.requests().back().line(), "GET /api/pair/status HTTP/1.1");
@@ -284,7 +281,7 @@ TEST(PhoneOverHttp, each_reply_to_the_code_request_has_its_sentence) {
     for (const auto &row : table) {
         const HttpServer server(row.answer);
         RealPhone real(server.url());
-        real.phone->startPairing();
+        real.phone.startPairing();
         EXPECT_TRUE(real.becomes(row.state)) << std::get<Phone::Failed>(row.state).message.toStdString();
     }
 }
@@ -294,7 +291,7 @@ TEST(PhoneOverHttp, a_service_that_floods_is_one_that_is_not_reached) {
     for (const Flood &flood : floods) {
         const HttpServer server(pour(flood.beginning, flood.piece, written));
         RealPhone real(server.url());
-        real.phone->startPairing();
+        real.phone.startPairing();
         EXPECT_TRUE(real.becomes(Phone::Failed{QStringLiteral("Could not reach the pairing service.")}))
             << flood.name;
     }
@@ -309,15 +306,15 @@ TEST(PhoneOverHttp, slow_polls_overlap_and_late_ones_change_nothing) {
             polls.push_back(&connection);
     });
     RealPhone real(server.url("/api"));
-    real.phone->startPairing();
+    real.phone.startPairing();
     ASSERT_TRUE(waitUntil([&] { return polls.size() >= 3; })) << "a poll waits for the one before";
     HttpServer::respond(200, R"({"paired":true})")({}, *polls[1]);
     EXPECT_TRUE(real.becomes(Phone::Paired{}));
     HttpServer::respond(200, R"({"paired":false})")({}, *polls[0]);
     HttpServer::respond(500)({}, *polls[2]);
-    real.phone->breakEnded();
+    real.phone.breakEnded();
     EXPECT_TRUE(waitUntil([&] { return server.requests().back().line().startsWith("DELETE /api/break "); }));
-    EXPECT_EQ(real.phone->state.get(), Phone::State(Phone::Paired{}));
+    EXPECT_EQ(real.phone.state.get(), Phone::State(Phone::Paired{}));
 }
 
 TEST(PhoneOverHttp, a_code_that_comes_late_gives_way_to_that_of_the_newer_pairing) {
@@ -331,14 +328,14 @@ TEST(PhoneOverHttp, a_code_that_comes_late_gives_way_to_that_of_the_newer_pairin
             HttpServer::respond(200, R"({"paired":false})")(seen, connection);
     });
     RealPhone real(server.url());
-    real.phone->startPairing();
+    real.phone.startPairing();
     ASSERT_TRUE(waitUntil([&] { return first != nullptr; }));
-    real.phone->startPairing();
+    real.phone.startPairing();
     EXPECT_TRUE(real.becomes(Phone::Waiting{QStringLiteral("222222")}));
     HttpServer::respond(200, R"({"code":"111111","macToken":"old"})")({}, *first);
     const auto before = server.requests().size();
     EXPECT_TRUE(waitUntil([&] { return server.requests().size() >= before + 2; }));
-    EXPECT_EQ(real.phone->state.get(), Phone::State(Phone::Waiting{QStringLiteral("222222")}));
+    EXPECT_EQ(real.phone.state.get(), Phone::State(Phone::Waiting{QStringLiteral("222222")}));
     EXPECT_EQ(server.requests().back().header("Authorization"), "Bearer new");
 }
 
@@ -351,22 +348,22 @@ TEST(PhoneOverHttp, a_code_that_comes_after_unpairing_is_dropped) {
             HttpServer::respond(200)(seen, connection);
     });
     RealPhone real(server.url());
-    real.phone->startPairing();
+    real.phone.startPairing();
     ASSERT_TRUE(waitUntil([&] { return start != nullptr; }));
-    real.phone->unpair();
+    real.phone.unpair();
     HttpServer::respond(200, R"({"code":"111111","macToken":"old"})")({}, *start);
-    real.phone->unpair(); // a second exchange, after which the first reply has been dealt with
+    real.phone.unpair(); // a second exchange, after which the first reply has been dealt with
     EXPECT_TRUE(waitUntil([&] { return server.requests().size() >= 3; }));
-    EXPECT_EQ(real.phone->state.get(), Phone::State(Phone::Unpaired{}));
-    EXPECT_FALSE(real.platform.defaults->value(Phone::tokenKey));
+    EXPECT_EQ(real.phone.state.get(), Phone::State(Phone::Unpaired{}));
+    EXPECT_FALSE(real.defaults.value(Phone::tokenKey));
 }
 
 TEST(PhoneOverHttp, an_untrusted_certificate_is_nobody_and_gets_no_token) {
     const HttpServer server(HttpServer::respond(200, R"({"code":"1","macToken":"t"})"),
                             HttpServer::Transport::tls);
     RealPhone real(server.url());
-    real.platform.defaults->set(Phone::tokenKey, QStringLiteral("secret"));
-    real.phone->startPairing();
+    real.defaults.set(Phone::tokenKey, QStringLiteral("secret"));
+    real.phone.startPairing();
     EXPECT_TRUE(real.becomes(Phone::Failed{QStringLiteral("Could not reach the pairing service.")}));
     EXPECT_TRUE(server.requests().empty());
 }
