@@ -71,14 +71,15 @@ class PhoneLink(unittest.TestCase):
         return 60 * int(minutes) + int(seconds)
 
     def test_a_phone_is_paired_by_the_code_that_the_settings_show(self):
+        from accessible import wait_for
         from driver import Window
         program = self.program()
         program.show_settings()
         page = Window().page("iPhone")
         page.press("Show pairing code")
         page.reads("Type this code into Pavonel on your phone", "Waiting for your phone…")
-        code = wait_until(lambda: next((text for text in self.names(page) if len(text) == 6 and text.isalnum()
-                                        and text.isupper()), None), "a code was shown")
+        code = wait_for("a code", lambda: next((text for text in self.names(page) if len(text) == 6 and text.isalnum()
+                                                and text.isupper()), None))
         self.enter(self.phone, code)
         page.reads("Your phone is connected")
         program.take_a_break()

@@ -1,6 +1,5 @@
 # Platform services on Linux; included by src/CMakeLists.txt, from where paths count. Each library is optional at run time too: its adapter says why it cannot work.
-pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-screensaver xcb-sync xcb-keysyms xcb-xkb xcb-shape xcb-res
-                                        xcb-icccm)
+pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-screensaver xcb-sync xcb-keysyms xcb-xkb xcb-shape xcb-res xcb-icccm)
 pkg_check_modules(PULSE REQUIRED libpulse) # of these two only the headers: they are loaded when first needed
 pkg_check_modules(PIPEWIRE REQUIRED libpipewire-0.3)
 
