@@ -29,6 +29,8 @@ KWinOutputs::KWinOutputs(const QString &socket)
 }
 
 KWinOutputs::~KWinOutputs() {
+    for (wl_proxy *each : modes_)
+        wl_proxy_destroy(each);
     for (kde_output_device_v2 *each : outputs_)
         kde_output_device_v2_destroy(each);
     if (management_)
@@ -47,8 +49,21 @@ void KWinOutputs::find(void *self, wl_registry *registry, std::uint32_t name, co
         ours.management_ = static_cast<kde_output_management_v2 *>(
             wl_registry_bind(registry, name, &kde_output_management_v2_interface, 1));
     else if (offered == kde_output_device_v2_interface.name)
-        ours.outputs_.push_back(static_cast<kde_output_device_v2 *>(
+        ours.watch(static_cast<kde_output_device_v2 *>(
             wl_registry_bind(registry, name, &kde_output_device_v2_interface, 1)));
+}
+
+/// Of what an output tells, only its modes are ours: objects that KWin makes for us.
+void KWinOutputs::watch(kde_output_device_v2 *output) {
+    const auto take = [](const void *, void *device, std::uint32_t, const wl_message *event,
+                         wl_argument *arguments) {
+        auto &ours = *static_cast<KWinOutputs *>(wl_proxy_get_user_data(static_cast<wl_proxy *>(device)));
+        if (event->signature == std::string_view("n"))
+            ours.modes_.push_back(reinterpret_cast<wl_proxy *>(arguments->o));
+        return 0;
+    };
+    wl_proxy_add_dispatcher(reinterpret_cast<wl_proxy *>(output), take, nullptr, this);
+    outputs_.push_back(output);
 }
 
 void KWinOutputs::setEnabled(std::size_t output, bool enabled) {

@@ -10,6 +10,7 @@ struct kde_output_configuration_v2;
 struct kde_output_device_v2;
 struct kde_output_management_v2;
 struct wl_display;
+struct wl_proxy;
 struct wl_registry;
 
 namespace pavonel::test {
@@ -32,12 +33,14 @@ private:
 
     static void find(void *self, wl_registry *registry, std::uint32_t name, const char *interface,
                      std::uint32_t version);
+    void watch(kde_output_device_v2 *output);
     void apply(std::size_t output, const Change &change);
 
     wl_display *display_;
     wl_registry *registry_ = nullptr;
     kde_output_management_v2 *management_ = nullptr;
     std::vector<kde_output_device_v2 *> outputs_;
+    std::vector<wl_proxy *> modes_; ///< Of the outputs.
 };
 
 } // namespace pavonel::test
