@@ -77,6 +77,7 @@ class Watch(threading.Thread):
         self.is_calm = True  # false while something happens after which nothing can be said of answer times
         self.stall = 0.5 if program.is_sanitized else 0.1
         self.slowest, self.answers, self.breaks = 0.0, 0, set()
+        self.latest = None  # break: the gap before the next may pass unseen on a busy machine
         self.running, self.covered, self.uncalled, self.told = Span(), Span(), Span(), set()
         self.last, self.counted, self.samples = {}, dict.fromkeys(COUNTED, 0), []
         self.same_day_from = 0.0
@@ -105,8 +106,9 @@ class Watch(threading.Thread):
         length = MICRO if this_break and this_break[0] == "micro" else LONG
         if this_break:
             self.breaks.add(this_break)
+            self.latest = this_break
         self.limit(self.running.note(this_break, passed), length + LATE, f"a break of {length} s lasts longer")
-        self.limit(self.covered.note("covered" if windows else None, passed), LONG + LATE + FADE,
+        self.limit(self.covered.note(("covered", self.latest) if windows else None, passed), LONG + LATE + FADE,
                    "screens are covered for longer than any break")
         is_uncalled = windows and phase not in (None, "breaking")
         self.limit(self.uncalled.note(self.program.process.pid if is_uncalled else None, passed), FADE,
