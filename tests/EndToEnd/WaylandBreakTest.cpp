@@ -149,7 +149,7 @@ TEST_F(BreakOnSway, covers_outputs_that_are_attached_during_it) {
     sway.removeOutput(QStringLiteral("X11-1"));
     EXPECT_TRUE(waitUntil([&] { return sway.picture().width() == Compositor::outputSize.width(); }));
     EXPECT_TRUE(isCovered("X11-2"));
-    sway.addOutput();
+    ASSERT_TRUE(sway.addOutput());
     EXPECT_TRUE(isCovered("X11-3"));
     EXPECT_TRUE(isCovered("X11-2"));
     escape();
@@ -178,7 +178,8 @@ TEST_F(BreakOnSway, runs_on_while_every_output_is_gone) {
     sway.removeOutput(QStringLiteral("X11-1"));
     sway.removeOutput(QStringLiteral("X11-2"));
     EXPECT_TRUE(waitUntil([&] { return sway.ask(QStringLiteral("get_outputs")).array().isEmpty(); }));
-    sway.addOutput();
+    if (!sway.addOutput())
+        GTEST_SKIP() << "This sway crashes when an output comes after the last one went.";
     EXPECT_TRUE(isCovered("X11-3"));
     escape();
     EXPECT_TRUE(isFree("X11-3"));

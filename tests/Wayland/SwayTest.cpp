@@ -33,7 +33,7 @@ TEST(Sway, takes_outputs_away_and_brings_them_back) {
     ASSERT_EQ(QGuiApplication::screens().size(), 2);
     compositor().removeOutput(QGuiApplication::screens().last()->name());
     EXPECT_TRUE(waitUntil([] { return QGuiApplication::screens().size() == 1; }));
-    compositor().addOutput();
+    ASSERT_TRUE(compositor().addOutput());
     EXPECT_TRUE(waitUntil([] { return QGuiApplication::screens().size() == 2; }));
 }
 

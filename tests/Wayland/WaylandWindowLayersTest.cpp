@@ -157,7 +157,7 @@ TEST_F(WaylandWindowLayersTest, outlives_an_output_that_goes_under_its_overlay) 
     EXPECT_TRUE(waitUntil([] { return QGuiApplication::screens().size() == 1; }));
     second.reset();
     EXPECT_TRUE(becomes({1, 1}, blue));
-    compositor().addOutput();
+    ASSERT_TRUE(compositor().addOutput());
     EXPECT_TRUE(waitUntil([] { return QGuiApplication::screens().size() == 2; }));
 }
 

@@ -16,10 +16,6 @@ BreakController::Services furnished(FakePlatform &platform,
 
 } // namespace
 
-BreakController::Services servicesOf(FakePlatform &platform) {
-    return {*platform.mainLoop, platform, *platform.processes, *platform.sounds};
-}
-
 Scenario::Scenario(const QByteArray &zoneId) : Scenario([](FakePlatform &) {}, zoneId) {}
 
 Scenario::Scenario(const std::function<void(FakePlatform &)> &furnish, const QByteArray &zoneId)

@@ -11,7 +11,9 @@
 namespace pavonel::test {
 
 /// All that a controller needs, fake.
-BreakController::Services servicesOf(FakePlatform &platform);
+inline BreakController::Services servicesOf(FakePlatform &platform) {
+    return {*platform.mainLoop, platform, *platform.processes, *platform.sounds};
+}
 
 /// Writes down what a paired phone would be told.
 struct FakeRelay final : BreakRelay {

@@ -3,6 +3,7 @@
 #include "support/XClient.h"
 #include "support/files.h"
 #include "support/holdsSoon.h"
+#include "support/waitUntil.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -109,8 +110,13 @@ QJsonDocument Sway::ask(const QString &type) {
         run(QStringLiteral("swaymsg"), {QStringLiteral("--raw"), QStringLiteral("--type"), type}));
 }
 
-void Sway::addOutput() {
-    command(QStringLiteral("create_output"));
+bool Sway::addOutput() {
+    const auto result =
+        ChildProcess::run(QStringLiteral("swaymsg"), {QStringLiteral("create_output")}, environment());
+    if (result.status == 0)
+        return true;
+    EXPECT_TRUE(waitUntil([this] { return !process_->isRunning(); })) << result.errors.toStdString();
+    return false;
 }
 
 /// By the command for it, or else by asking the window in which it is shown to close: a newer sway ends when

@@ -37,7 +37,8 @@ public:
     void removeOutput(const QString &name);
 
     /// To the right of the others, with the next number that no output had so far.
-    void addOutput();
+    /// False, where sway ends over it (1.10 does when there was none).
+    [[nodiscard]] bool addOutput();
 
     VirtualInput &input() override { return *input_; }
     void pointAt(QPoint point) override;
