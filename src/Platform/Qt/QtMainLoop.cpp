@@ -57,9 +57,12 @@ private:
 /// What actions that are due together share: one look at the zone, and the rest of the wake-up, in which is
 /// done what they post.
 struct QtMainLoop::Beat {
-    int loopLevel; ///< In a loop within theirs nobody waits for their end.
+    int loopLevel;
     QTimeZone zone;
     std::vector<Action> posted;
+
+    /// Not in a loop within theirs, which can last: nobody waits there for their end.
+    bool isCurrent() const { return loopLevel == QThread::currentThread()->loopLevel(); }
 };
 
 /// One QTimer for all repeating timers of an interval.
@@ -114,7 +117,7 @@ Instant QtMainLoop::now() const {
 }
 
 QTimeZone QtMainLoop::zone() const {
-    if (!beat_)
+    if (!beat_ || !beat_->isCurrent())
         return zone_.current();
     if (!beat_->zone.isValid())
         beat_->zone = zone_.current();
@@ -135,8 +138,7 @@ TimerHandle QtMainLoop::after(Seconds delay, Action action) {
 }
 
 void QtMainLoop::post(Action action) {
-    const QThread *thread = QThread::currentThread();
-    if (thread == context_.thread() && beat_ && beat_->loopLevel == thread->loopLevel())
+    if (QThread::currentThread() == context_.thread() && beat_ && beat_->isCurrent())
         beat_->posted.push_back(std::move(action));
     else
         QMetaObject::invokeMethod(&context_, std::move(action), Qt::QueuedConnection);
