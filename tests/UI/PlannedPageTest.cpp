@@ -164,7 +164,7 @@ TEST_F(PlannedPage, writes_the_length_and_the_switch) {
     show({named(u"Tea"_s)});
     auto *duration = in<Stepper>(u"Tea"_s, QAccessible::SpinBox, u"Duration"_s);
     ASSERT_NE(duration, nullptr);
-    duration->step(Stepper::Direction::up);
+    duration->stepBy(1);
     EXPECT_EQ(breaks()[0].duration, 2100);
     duration->moveTo(1e9);
     EXPECT_EQ(breaks()[0].duration, 14400);
@@ -188,7 +188,7 @@ TEST_F(PlannedPage, edits_keep_the_order_and_the_identities) {
     const PlannedBreaks three{named(u"a"_s), named(u"b"_s), named(u"c"_s)};
     show(three);
     in<Switch>(u"b"_s, QAccessible::CheckBox, u"Enabled"_s)->click();
-    in<Stepper>(u"a"_s, QAccessible::SpinBox, u"Duration"_s)->step(Stepper::Direction::down);
+    in<Stepper>(u"a"_s, QAccessible::SpinBox, u"Duration"_s)->stepBy(-1);
     for (std::size_t index = 0; index < 3; ++index)
         EXPECT_EQ(breaks()[index].id, three[index].id);
     EXPECT_EQ(breaks()[2], three[2]);

@@ -74,7 +74,7 @@ int airAtTheRight(PopUpButton &button) {
 }
 
 struct SettingsStepper : SettingsControls {
-    Stepper stepper{visuals, u"Every"_s, {60, 7200}, 60, [](double value) { return QString::number(value); }};
+    Stepper stepper{u"Every"_s, {60, 7200}, 60, [](double value) { return QString::number(value); }};
     std::vector<double> steps;
 
     SettingsStepper() {
@@ -84,7 +84,13 @@ struct SettingsStepper : SettingsControls {
         stepper.show();
     }
     QPointF plus() const { return {stepper.width() - 16.0, stepper.height() / 2.0}; }
-    QPointF minus() const { return {16.0, stepper.height() / 2.0}; }
+    QPointF minus() const { return {stepper.width() - 48.0, stepper.height() / 2.0}; }
+    /// More than it takes until a held half steps again.
+    static void letSomeTimePass() {
+        QElapsedTimer passed;
+        passed.start();
+        EXPECT_TRUE(waitUntil([&] { return passed.elapsed() > 600; }));
+    }
 };
 
 struct SettingsPopUp : SettingsControls {
@@ -123,28 +129,26 @@ TEST_F(SettingsStepper, the_halves_step_down_and_up) {
 
 TEST_F(SettingsStepper, a_held_half_steps_again_and_again_until_it_is_let_go) {
     mouse(stepper, QEvent::MouseButtonPress, plus());
-    platform.loop.advance(0.3);
     EXPECT_EQ(steps.size(), 1U);
-    platform.loop.advance(1);
-    const auto held = steps.size();
-    EXPECT_GE(held, 8U);
+    EXPECT_TRUE(waitUntil([this] { return steps.size() >= 5; }));
     mouse(stepper, QEvent::MouseButtonRelease, plus());
-    platform.loop.advance(5);
+    const auto held = steps.size();
+    letSomeTimePass();
     EXPECT_EQ(steps.size(), held);
 }
 
 TEST_F(SettingsStepper, a_held_half_stops_at_the_bound) {
+    stepper.setValue(200);
     mouse(stepper, QEvent::MouseButtonPress, minus());
-    platform.loop.advance(60);
-    EXPECT_EQ(stepper.value(), 60);
-    EXPECT_EQ(steps.back(), 60);
-    EXPECT_EQ(steps.size(), 19U);
+    EXPECT_TRUE(waitUntil([this] { return stepper.value() == 60; }));
+    letSomeTimePass();
+    EXPECT_EQ(steps, (std::vector<double>{140, 80, 60}));
 }
 
 TEST_F(SettingsStepper, hiding_it_ends_the_repetition) {
     mouse(stepper, QEvent::MouseButtonPress, plus());
     stepper.hide();
-    platform.loop.advance(5);
+    letSomeTimePass();
     EXPECT_EQ(steps.size(), 1U);
 }
 
@@ -163,7 +167,7 @@ TEST_F(SettingsStepper, arrow_keys_space_and_return_step) {
 
 TEST_F(SettingsStepper, a_disabled_one_does_not_step) {
     stepper.setEnabled(false);
-    stepper.step(Stepper::Direction::up);
+    stepper.stepBy(1);
     EXPECT_TRUE(steps.empty());
 }
 
@@ -173,6 +177,14 @@ TEST_F(SettingsStepper, a_number_that_is_none_is_not_taken) {
     EXPECT_EQ(stepper.value(), 1200);
     stepper.moveTo(1e300);
     EXPECT_EQ(stepper.value(), 7200);
+}
+
+TEST_F(SettingsStepper, lets_the_page_scroll_by_the_wheel) {
+    QWheelEvent wheel({10, 10}, stepper.mapToGlobal(QPointF(10, 10)), {}, {0, -120}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&stepper, &wheel);
+    EXPECT_FALSE(wheel.isAccepted());
+    EXPECT_EQ(stepper.value(), 1200);
 }
 
 TEST_F(SettingsStepper, is_a_spin_box_with_a_value_to_assistive_technology) {
@@ -188,8 +200,9 @@ TEST_F(SettingsStepper, is_a_spin_box_with_a_value_to_assistive_technology) {
     EXPECT_EQ(value->minimumStepSize().toDouble(), 60);
     value->setCurrentValue(9000);
     EXPECT_EQ(steps, std::vector<double>{7200});
-    box->actionInterface()->doAction(QAccessibleActionInterface::decreaseAction());
+    value->setCurrentValue(7140);
     EXPECT_EQ(stepper.value(), 7140);
+    EXPECT_EQ(box->textInterface()->text(0, 10), u"7140"_s);
 }
 
 TEST_F(SettingsControls, the_chevrons_of_a_pop_up_button_keep_their_distance_with_the_largest_text) {

@@ -153,12 +153,12 @@ TEST_P(EveryStepper, shows_its_setting_and_writes_each_step_at_once) {
     ASSERT_NE(control, nullptr);
     EXPECT_EQ(control->value(), setting());
     const QString suffix = GetParam().suffix.isEmpty() ? QString() : u' ' + GetParam().suffix;
-    EXPECT_EQ(control->valueText(), humanText(setting()) + suffix);
+    EXPECT_EQ(control->text(), humanText(setting()) + suffix);
     const double before = setting();
-    control->step(Stepper::Direction::up);
+    control->stepBy(1);
     EXPECT_EQ(setting(), before + GetParam().step);
-    control->step(Stepper::Direction::down);
-    control->step(Stepper::Direction::down);
+    control->stepBy(-1);
+    control->stepBy(-1);
     EXPECT_EQ(setting(), before - GetParam().step);
 }
 
@@ -175,13 +175,13 @@ TEST_P(EveryStepper, does_not_step_beyond_its_bounds) {
     setting() = most;
     auto *control = shown<Stepper>(QAccessible::SpinBox);
     ASSERT_NE(control, nullptr);
-    control->step(Stepper::Direction::up);
+    control->stepBy(1);
     EXPECT_EQ(setting(), most);
     setting() = least;
     open.settle();
-    control->step(Stepper::Direction::down);
+    control->stepBy(-1);
     EXPECT_EQ(setting(), least);
-    control->step(Stepper::Direction::up);
+    control->stepBy(1);
     EXPECT_EQ(setting(), least + GetParam().step);
 }
 
@@ -191,10 +191,10 @@ TEST_P(EveryStepper, shows_a_value_that_is_no_length_and_steps_from_there_into_i
         setting() = absurd;
         auto *control = shown<Stepper>(QAccessible::SpinBox);
         ASSERT_NE(control, nullptr);
-        EXPECT_FALSE(control->valueText().isEmpty());
+        EXPECT_FALSE(control->text().isEmpty());
         EXPECT_FALSE(open.window()->grab().isNull());
         EXPECT_EQ(setting(), absurd) << "showing it changed it";
-        control->step(absurd > 0 ? Stepper::Direction::down : Stepper::Direction::up);
+        control->stepBy(absurd > 0 ? -1 : 1);
         EXPECT_EQ(setting(), absurd > 0 ? most : least);
     }
 }

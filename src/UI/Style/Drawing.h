@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QSize>
+#include <QStyle>
 
 class QPainter;
 class QRect;
@@ -9,6 +9,7 @@ class QStyleOptionComboBox;
 class QStyleOptionMenuItem;
 class QStyleOptionProgressBar;
 class QStyleOptionSlider;
+class QStyleOptionSpinBox;
 class QStyleOption;
 class QWidget;
 
@@ -56,6 +57,11 @@ QRect comboBoxList(const QRect &box, const Visuals &visuals);
 QRect comboBoxText(const QRect &box, const Visuals &visuals);
 void drawComboBox(const Context &context, const QStyleOptionComboBox &box);
 void drawComboBoxText(const Context &context, const QStyleOptionComboBox &box);
+
+// SpinBox.cpp
+QSize spinBoxSize(const QSize &contents, const Visuals &visuals);
+QRect spinBoxPart(const QRect &box, QStyle::SubControl part, const Visuals &visuals);
+void drawSpinBox(const Context &context, const QStyleOptionSpinBox &box);
 
 // Menu.cpp
 constexpr int menuPadding = 5;    ///< Between the menu's edge and its lines.

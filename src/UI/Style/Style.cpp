@@ -6,6 +6,7 @@
 #include "UI/Style/Drawing.h"
 
 #include <QAbstractButton>
+#include <QAbstractSpinBox>
 #include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
@@ -16,6 +17,7 @@
 #include <QStyleOptionMenuItem>
 #include <QStyleOptionProgressBar>
 #include <QStyleOptionSlider>
+#include <QStyleOptionSpinBox>
 #include <QToolTip>
 
 namespace pavonel {
@@ -70,7 +72,7 @@ void Style::giveType(QWidget &widget) {
     if (qobject_cast<QPushButton *>(&widget))
         widget.setFont(visuals_.font(13, QFont::Medium));
     else if (qobject_cast<QMenu *>(&widget) || qobject_cast<QComboBox *>(&widget) ||
-             qobject_cast<QLineEdit *>(&widget))
+             qobject_cast<QLineEdit *>(&widget) || qobject_cast<QAbstractSpinBox *>(&widget))
         widget.setFont(visuals_.font(13));
 }
 
@@ -84,6 +86,10 @@ int Style::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *
     case SH_ComboBox_AllowWheelScrolling:
     case SH_ComboBox_PopupFrameStyle:
         return 0;
+    case SH_SpinBox_ClickAutoRepeatThreshold: // milliseconds
+        return 400;
+    case SH_SpinBox_ClickAutoRepeatRate:
+        return 80;
     default:
         return QProxyStyle::styleHint(hint, option, widget, returned);
     }
@@ -122,6 +128,8 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption *option, con
         break;
     case CT_ComboBox:
         return drawing::comboBoxSize(contents, visuals_);
+    case CT_SpinBox:
+        return drawing::spinBoxSize(contents, visuals_);
     case CT_LineEdit:
         return drawing::fieldSize(contents, visuals_);
     default:
@@ -166,6 +174,8 @@ QRect Style::subControlRect(ComplexControl control, const QStyleOptionComplex *o
         return drawing::comboBoxList(option->rect, visuals_);
     if (control == CC_ComboBox && part == SC_ComboBoxEditField)
         return drawing::comboBoxText(option->rect, visuals_);
+    if (control == CC_SpinBox)
+        return drawing::spinBoxPart(option->rect, part, visuals_);
     return QProxyStyle::subControlRect(control, option, part, widget);
 }
 
@@ -222,6 +232,8 @@ void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex
         return drawing::drawComboBox(context, *box);
     if (const auto *bar = as<QStyleOptionSlider>(option); control == CC_ScrollBar && bar)
         return drawing::drawScrollBar(context, *bar);
+    if (const auto *box = as<QStyleOptionSpinBox>(option); control == CC_SpinBox && box)
+        return drawing::drawSpinBox(context, *box);
     QProxyStyle::drawComplexControl(control, option, painter, widget);
 }
 

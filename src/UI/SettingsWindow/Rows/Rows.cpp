@@ -9,7 +9,6 @@
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/PopUpButton.h"
 #include "UI/Controls/Switch.h"
-#include "UI/SettingsWindow/Rows/StepValue.h"
 
 #include <QGridLayout>
 #include <QLineEdit>
@@ -112,14 +111,10 @@ QWidget *StepRow::make(Visuals &visuals) const {
         return suffix.isEmpty() ? text : text + u' ' + suffix;
     };
     auto *row = new CardRow(visuals);
-    auto *shown = new StepValue(visuals, wording);
-    auto *stepper = new Stepper(visuals, label, range, step, wording);
+    auto *stepper = new Stepper(label, range, step, wording);
     row->addLabel(label);
-    row->add(shown);
     row->add(stepper);
     stepper->onStep = value.set;
-    stepper->onChange = [shown](double seconds) { shown->setValue(seconds); };
-    shown->setValue(stepper->value());
     follow(*stepper, [stepper, get = value.get] { stepper->setValue(get()); });
     return row;
 }

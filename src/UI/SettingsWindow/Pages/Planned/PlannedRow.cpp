@@ -14,7 +14,6 @@
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Pages/Planned/PlannedEditing.h"
 #include "UI/SettingsWindow/Pages/Planned/WeekdayToggle.h"
-#include "UI/SettingsWindow/Rows/StepValue.h"
 
 #include <QLineEdit>
 
@@ -103,16 +102,13 @@ void PlannedRow::addWeekdays() {
 }
 
 void PlannedRow::addDuration() {
-    duration_ = new Stepper(visuals_, QStringLiteral("Duration"), durations, durationStep, humanText);
-    durationText_ = new StepValue(visuals_, humanText);
+    duration_ = new Stepper(QStringLiteral("Duration"), durations, durationStep, humanText);
     duration_->onStep = [this](double seconds) {
         change_([seconds](PlannedBreak &planned) { planned.duration = seconds; });
     };
-    duration_->onChange = [this](double seconds) { durationText_->setValue(seconds); };
     length_ = new QWidget(this);
     QHBoxLayout *parts = line(length_, {}, 6);
     parts->addWidget(new Text(visuals_, QStringLiteral("For"), Text::Style::secondary));
-    parts->addWidget(durationText_);
     parts->addWidget(duration_);
 }
 
@@ -182,7 +178,6 @@ void PlannedRow::display(const PlannedBreak &planned) {
     minute_->setChoice(minuteText(planned.minute));
     enabled_->setOn(planned.enabled);
     duration_->setValue(planned.duration);
-    durationText_->setValue(planned.duration);
     for (WeekdayToggle *toggle : weekdays_)
         toggle->setOn(planned.weekdays.contains(toggle->weekday()));
     nameAfter(planned.label);

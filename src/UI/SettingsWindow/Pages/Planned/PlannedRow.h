@@ -14,7 +14,6 @@ namespace pavonel {
 
 class Button;
 class PopUpButton;
-class StepValue;
 class Stepper;
 class Switch;
 class WeekdayToggle;
@@ -63,7 +62,6 @@ private:
     QWidget *days_;
     QWidget *length_;
     Stepper *duration_;
-    StepValue *durationText_;
 };
 
 } // namespace pavonel
