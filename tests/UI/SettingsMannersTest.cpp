@@ -411,10 +411,10 @@ TEST_F(SettingsManners, control_w_and_escape_close_the_window) {
 
 TEST_F(SettingsManners, page_up_and_page_down_scroll_the_page_from_everywhere) {
     open.show(Page::appearance);
-    for (QWidget *from :
-         {control(QAccessible::ListItem, u"Appearance"_s), control(QAccessible::ComboBox, u"Break starts"_s),
-          control(QAccessible::EditableText, u"Add a message"_s),
-          control(QAccessible::CheckBox, u"Play sounds"_s)}) {
+    for (QWidget *from : {control(QAccessible::RadioButton, u"Appearance"_s),
+                          control(QAccessible::ComboBox, u"Break starts"_s),
+                          control(QAccessible::EditableText, u"Add a message"_s),
+                          control(QAccessible::CheckBox, u"Play sounds"_s)}) {
         pageBar().setValue(0);
         press(from, Qt::Key_PageDown);
         EXPECT_GT(pageBar().value(), 0) << qPrintable(from->accessibleName());

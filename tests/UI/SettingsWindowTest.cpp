@@ -203,8 +203,8 @@ TEST_F(SettingsWindow, the_selection_can_be_changed_from_elsewhere) {
 TEST_F(SettingsWindow, the_sidebar_lists_the_pages_in_their_order_and_ends_with_the_product) {
     open.show();
     QStringList titles;
-    for (QAccessibleInterface *one : allBelow(QAccessible::queryAccessibleInterface(open.window()))) {
-        if (one->role() == QAccessible::ListItem)
+    for (QAccessibleInterface *one : allBelow(open.find(QAccessible::Grouping, u"Pages"_s))) {
+        if (one->role() == QAccessible::RadioButton)
             titles.append(one->text(QAccessible::Name));
     }
     QStringList expected;
@@ -216,7 +216,7 @@ TEST_F(SettingsWindow, the_sidebar_lists_the_pages_in_their_order_and_ends_with_
 
 TEST_F(SettingsWindow, the_sidebar_is_one_list_that_the_arrow_keys_go_through) {
     open.show();
-    open.find(QAccessible::ListItem, u"Breaks"_s)
+    open.find(QAccessible::RadioButton, u"Breaks"_s)
         ->actionInterface()
         ->doAction(QAccessibleActionInterface::setFocusAction());
     press(Qt::Key_Down);
@@ -228,13 +228,13 @@ TEST_F(SettingsWindow, the_sidebar_is_one_list_that_the_arrow_keys_go_through) {
     press(Qt::Key_Home);
     press(Qt::Key_Up);
     EXPECT_EQ(open.controller.selection.page, Page::breaks);
-    EXPECT_TRUE(open.find(QAccessible::ListItem, u"Breaks"_s)->state().selected);
+    EXPECT_TRUE(open.find(QAccessible::RadioButton, u"Breaks"_s)->state().checked);
 }
 
 TEST_F(SettingsWindow, the_tab_key_leads_to_every_control_in_reading_order) {
     open.show(Page::breaks);
     QWidget *window = open.window();
-    QWidget *first = open.widget<QWidget>(QAccessible::ListItem, u"Breaks"_s);
+    QWidget *first = open.widget<QWidget>(QAccessible::RadioButton, u"Breaks"_s);
     first->setFocus(Qt::TabFocusReason);
     QStringList names;
     for (QWidget *at = first->nextInFocusChain(); at != first; at = at->nextInFocusChain()) {
@@ -370,7 +370,7 @@ TEST_F(SettingsWindow, is_larger_with_large_fonts_as_far_as_the_screen_goes) {
 
 TEST_F(SettingsWindow, has_the_text_size_that_the_user_chose_since_it_was_closed) {
     const auto sidebarWidth = [this] {
-        return open.widget<QWidget>(QAccessible::ListItem, u"Appearance"_s)->width();
+        return open.widget<QWidget>(QAccessible::RadioButton, u"Appearance"_s)->width();
     };
     open.show();
     const int before = sidebarWidth();
@@ -386,7 +386,7 @@ TEST_F(SettingsWindow, has_the_text_size_that_the_user_chose_since_it_was_closed
     open.show();
     open.settle();
     EXPECT_EQ(sidebarWidth(), before);
-    EXPECT_TRUE(open.find(QAccessible::ListItem, u"Pausing"_s)->state().selected);
+    EXPECT_TRUE(open.find(QAccessible::RadioButton, u"Pausing"_s)->state().checked);
 }
 
 } // namespace pavonel::test

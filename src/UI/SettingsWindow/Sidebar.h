@@ -7,13 +7,15 @@
 
 #include <functional>
 
+class QButtonGroup;
+
 namespace pavonel {
 
 class ScrollArea;
-class SidebarItem;
 
 /// The list of the pages, and below it Pavonel's name. One stop for the Tab key; arrow keys go from page
-/// to page. Not a `QListView`: its entries can be pressed by assistive technology.
+/// to page. Radio buttons, since assistive technology can give the keyboard to each, unlike to the entries of
+/// a `QListView`.
 class Sidebar : public QWidget {
 public:
     explicit Sidebar(Visuals &visuals);
@@ -30,12 +32,9 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    void goTo(std::size_t place);
-
     Visuals &visuals_;
     ScrollArea *area_;
-    std::vector<SidebarItem *> items_;
-    std::size_t selected_ = 0;
+    QButtonGroup *items_; ///< Each under the number of its page.
 };
 
 } // namespace pavonel

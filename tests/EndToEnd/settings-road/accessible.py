@@ -23,7 +23,6 @@ FIELD = Atspi.Role.TEXT
 BUTTON = Atspi.Role.PUSH_BUTTON
 GROUP = Atspi.Role.PANEL
 LIST = Atspi.Role.LIST
-LIST_ITEM = Atspi.Role.LIST_ITEM
 WINDOW = Atspi.Role.FRAME
 DIALOG = Atspi.Role.DIALOG
 TEXTS = (Atspi.Role.LABEL, Atspi.Role.HEADING)

@@ -1,7 +1,7 @@
 """Finds its way among hundreds of planned breaks and messages, and removes the last of each. Only what is near the
 visible part exists; among the focus applications are one without a name and one that is there twice."""
 
-from accessible import BUTTON, LIST_ITEM, wait_for
+from accessible import BUTTON, RADIO_BUTTON, wait_for
 from driver import Window, keys
 
 window = Window()
@@ -21,7 +21,7 @@ page = window.page("Planned")
 schedule = page.card("Your schedule")
 schedule.reads("300 active")
 wait_for("fewer than all rows", lambda: 0 < len(schedule.groups()) < 100)
-window.find(LIST_ITEM, "Planned").focus()
+window.find(RADIO_BUTTON, "Planned").focus()
 keys("shift+Tab")
 window.keyboard_at("Add planned break")
 keys("shift+Tab")
@@ -37,7 +37,7 @@ end_with(298, lambda: [row.name for row in schedule.groups()])
 messages = window.page("Appearance").card("Break messages")
 removable = lambda card: [button.name for button in card.all(BUTTON) if button.name.startswith("Remove ")]
 wait_for("fewer than all rows", lambda: 0 < len(removable(messages)) < 200)
-window.find(LIST_ITEM, "Appearance").focus()
+window.find(RADIO_BUTTON, "Appearance").focus()
 keys("shift+Tab")
 window.keyboard_at("Break messages", "Add a message")
 keys("shift+Tab")

@@ -4,8 +4,8 @@ waited for by its condition."""
 import subprocess
 
 from accessible import (
-    BUTTON, CHECK_BOX, DIALOG, FIELD, GROUP, LIST, LIST_ITEM, POP_UP, SPIN_BUTTON, TEXTS, WINDOW, Atspi, Item, application,
-    wait_for,
+    BUTTON, CHECK_BOX, DIALOG, FIELD, GROUP, LIST, POP_UP, RADIO_BUTTON, SPIN_BUTTON, TEXTS, WINDOW, Atspi, Item,
+    application, wait_for,
 )
 
 
@@ -130,9 +130,8 @@ class Window(Place):
         return None
 
     def page(self, title):
-        pages = Place(self.find(LIST, "Pages").accessible)
-        entry = pages.find(LIST_ITEM, title, then=lambda entry: entry.act("Press"))
-        wait_for(lambda: f"{entry} to be selected", lambda: entry.has(Atspi.StateType.SELECTED))
+        entry = self.group("Pages").find(RADIO_BUTTON, title, then=lambda entry: entry.act("Toggle"))
+        wait_for(lambda: f"{entry} to be chosen", lambda: entry.is_on)
         return wait_for(f"the page “{title}”", lambda: self._page(title))
 
     def _page(self, title):
@@ -184,10 +183,10 @@ class Window(Place):
         """Tab leads from the page's entry through these stops, in this order, and back to the entry; Shift+Tab leads
         back. A stop is the names of its groups and its own."""
         stops = [stop if isinstance(stop, tuple) else (stop,) for stop in stops]
-        self.find(LIST_ITEM, title, then=Item.takes_focus)
+        self.find(RADIO_BUTTON, title, then=Item.takes_focus)
         for key, road in (("Tab", stops), ("shift+Tab", stops[::-1])):
-            before = (title,)
-            for stop in (*road, (title,)):
+            before = ("Pages", title)
+            for stop in (*road, ("Pages", title)):
                 keys(key)
                 found = wait_for(
                     f"{key} to leave {before}",
