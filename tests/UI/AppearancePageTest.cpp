@@ -1,7 +1,6 @@
 #include "UI/Controls/Button.h"
 #include "UI/Controls/ListRow.h"
 #include "UI/Controls/PopUpButton.h"
-#include "UI/SettingsWindow/Pages/Appearance/BreakPreview.h"
 #include "UI/Theme.h"
 #include "support/OpenSettings.h"
 #include "support/files.h"
@@ -107,7 +106,7 @@ TEST_F(AppearancePage, shows_which_style_has_the_keyboard_also_on_the_chosen_one
 
 TEST_F(AppearancePage, previews_the_break_screen_with_the_style) {
     show();
-    auto *preview = open.widget<BreakPreview>(QAccessible::Graphic, u"Preview of the break screen"_s);
+    auto *preview = open.widget<QWidget>(QAccessible::Graphic, u"Preview of the break screen"_s);
     ASSERT_NE(preview, nullptr);
     const QImage night = preview->grab().toImage();
     style(u"Sand"_s)->click();
@@ -123,7 +122,7 @@ TEST_F(AppearancePage, shows_the_image_that_is_chosen_and_removes_it) {
     show();
     EXPECT_TRUE(shows(u"meadow.png"_s));
     EXPECT_TRUE(soonShows(u"Shown in place of the style."_s));
-    auto *preview = open.widget<BreakPreview>(QAccessible::Graphic, u"Preview of the break screen"_s);
+    auto *preview = open.widget<QWidget>(QAccessible::Graphic, u"Preview of the break screen"_s);
     EXPECT_TRUE(waitUntil([&] {
         open.platform.loop.advance(0);
         const QColor corner = preview->grab().toImage().pixelColor(20, 10);

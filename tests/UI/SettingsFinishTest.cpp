@@ -77,10 +77,10 @@ TEST_F(SettingsFinish, a_disabled_row_is_pale_as_a_whole) {
     const ValueBinding<bool> isOn([&] { return on; }, [&](bool value) { on = value; });
     const ValueBinding<double> value([&] { return seconds; }, [&](double to) { seconds = to; });
     const ValueBinding<QString> words([&] { return text; }, [&](const QString &to) { text = to; });
-    const Elements rows{SwitchRow{u"Enabled"_s, isOn, u"A note"_s}, StepRow{u"Every"_s, value, {0, 120}, 60},
-                        PickerRow{u"Break starts"_s, words, {u"Tea"_s}}, LabeledField{u"Script"_s, words}};
+    const Elements rows{switchRow(u"Enabled"_s, isOn, u"A note"_s), stepRow(u"Every"_s, value, {0, 120}, 60),
+                        pickerRow(u"Break starts"_s, words, {u"Tea"_s}), labeledField(u"Script"_s, words)};
     for (const Element &element : rows) {
-        const std::unique_ptr<QWidget> row(element.make(visuals));
+        const std::unique_ptr<QWidget> row(element(visuals));
         row->setPalette(visuals.toolkitPalette());
         row->resize(400, 80);
         EXPECT_LT(darkest(*row), 60);

@@ -26,7 +26,7 @@ QWidget *cards(Visuals &visuals, const PageEntry &entry, PageContext &context) {
     head->addWidget(new Text(visuals, entry.subtitle, Text::Style::secondary));
     lines->addLayout(head);
     for (const Element &element : entry.content(context))
-        lines->addWidget(element.make(visuals));
+        lines->addWidget(element(visuals));
     lines->addStretch(1);
     return cards;
 }

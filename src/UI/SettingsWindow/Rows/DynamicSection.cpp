@@ -11,11 +11,13 @@ namespace pavonel {
 
 namespace {
 
-class DynamicSectionWidget final : public QWidget {
+class DynamicSection final : public QWidget {
 public:
-    DynamicSectionWidget(Visuals &visuals, const DynamicSection &part)
-        : visuals_(visuals), part_(part), refresher_(visuals.loop(), part.watched, [this] { refresh(); }) {
-        column(this, {}, part.spacing);
+    DynamicSection(Visuals &visuals, const std::vector<Observable *> &watched,
+                   std::function<Elements()> content, int spacing)
+        : visuals_(visuals), content_(std::move(content)),
+          refresher_(visuals.loop(), watched, [this] { refresh(); }) {
+        column(this, {}, spacing);
         build();
     }
 
@@ -75,8 +77,8 @@ private:
             delete item->widget();
             delete item;
         }
-        for (const Element &element : part_.content()) {
-            QWidget *widget = element.make(visuals_);
+        for (const Element &element : content_()) {
+            QWidget *widget = element(visuals_);
             const bool wantsToHide =
                 widget->isHidden() && widget->testAttribute(Qt::WA_WState_ExplicitShowHide);
             layout()->addWidget(widget);
@@ -101,14 +103,15 @@ private:
     }
 
     Visuals &visuals_;
-    DynamicSection part_;
+    std::function<Elements()> content_;
     Refresher refresher_;
 };
 
 } // namespace
 
-QWidget *DynamicSection::make(Visuals &visuals) const {
-    return new DynamicSectionWidget(visuals, *this);
+Element dynamicSection(const std::vector<Observable *> &watched, const std::function<Elements()> &content,
+                       int spacing) {
+    return [=](Visuals &visuals) { return new DynamicSection(visuals, watched, content, spacing); };
 }
 
 } // namespace pavonel

@@ -4,36 +4,14 @@
 
 #include <QWidget>
 
-#include <concepts>
 #include <functional>
-#include <type_traits>
 #include <vector>
 
 namespace pavonel {
 
-/// Anything that can stand in the column of a page or of a card, described before it is built: one of the
-/// rows (`Rows.h`), or a function that makes a widget of one's own.
-class Element {
-public:
-    template <class Description>
-    requires requires(const Description &description, Visuals &visuals) {
-        { description.make(visuals) } -> std::convertible_to<QWidget *>;
-    }
-    Element(Description description)
-        : make_([description = std::move(description)](Visuals &visuals) {
-              return description.make(visuals);
-          }) {}
-
-    template <class Function>
-    requires std::is_invocable_r_v<QWidget *, const Function &, Visuals &> Element(Function function)
-        : make_(std::move(function)) {}
-
-    /// A new widget, which the caller owns. The visuals must outlive it.
-    QWidget *make(Visuals &visuals) const { return make_(visuals); }
-
-private:
-    std::function<QWidget *(Visuals &)> make_;
-};
+/// Anything that can stand in the column of a page or of a card, described before it is built: makes a new
+/// widget, which the caller owns. The visuals must outlive it.
+using Element = std::function<QWidget *(Visuals &)>;
 
 using Elements = std::vector<Element>;
 

@@ -10,8 +10,7 @@
 
 #include <QStringList>
 
-/// What pages and cards are made of. Each is a plain description; `make` builds its widget, which writes
-/// through at once and follows changes from elsewhere.
+/// What pages and cards are made of. Their widgets write through at once and follow changes from elsewhere.
 namespace pavonel {
 
 /// A value that a row shows and writes, but that is kept elsewhere; as a rule a setting.
@@ -27,134 +26,66 @@ template <class T> struct ValueBinding {
     std::function<void(const T &)> set;
 };
 
+/// Yields a sentence that can change; empty for nothing.
+using TextSource = std::function<QString()>;
+
 /// A rounded panel with a bold title, a subtitle under it, then the content.
-struct Card {
-    QString title;
-    QString subtitle;
-    Elements content;
+Element card(const QString &title, const QString &subtitle, const Elements &content);
 
-    QWidget *make(Visuals &visuals) const;
-};
+/// A small sentence in a card, under the row before it; takes no room while it is empty.
+Element cardNote(const TextSource &text, Text::Style style = Text::Style::note);
+Element cardNote(const QString &sentence);
 
-struct SwitchRow {
-    QString label;
-    ValueBinding<bool> isOn;
-    QString note = {};
+/// A sentence on the page itself, below a card; takes no room while it is empty.
+Element pageNote(const TextSource &text, Text::Style style = Text::Style::secondary);
+Element pageNote(const QString &sentence, Text::Style style = Text::Style::secondary);
 
-    QWidget *make(Visuals &visuals) const;
-};
-
-struct StepRow {
-    QString label;
-    ValueBinding<double> value; ///< Seconds; a value that no clock can show is shown bounded.
-    Range range;
-    double step;
-    QString suffix = {};
-
-    QWidget *make(Visuals &visuals) const;
-};
+/// Why the setting above it has no effect on this desktop; nothing where it has.
+Element limitationNote(const Service &service);
 
 /// A row that can be used only while something else is as it must be, and is pale otherwise.
-struct EnabledWhile {
-    std::function<bool()> holds;
-    Element row;
+Element enabledWhile(const std::function<bool()> &holds, const Element &row);
 
-    QWidget *make(Visuals &visuals) const;
-};
+Element switchRow(const QString &label, const ValueBinding<bool> &isOn, const QString &note = {});
 
-struct PickerRow {
-    QString label;
-    ValueBinding<QString> selection;
-    QStringList choices;
-    std::function<QWidget *(Visuals &)> before = {}; ///< What stands before the choice, where something does.
+/// A value that no clock can show is shown bounded.
+Element stepRow(const QString &label, const ValueBinding<double> &seconds, Range range, double step,
+                const QString &suffix = {});
 
-    QWidget *make(Visuals &visuals) const;
-};
+/// `before` stands before the choice, where something does.
+Element pickerRow(const QString &label, const ValueBinding<QString> &selection, const QStringList &choices,
+                  const Element &before = {});
 
-struct LabeledField {
-    QString label;
-    ValueBinding<QString> text;
-    QString prompt = {};
+Element labeledField(const QString &label, const ValueBinding<QString> &text, const QString &prompt = {});
 
-    QWidget *make(Visuals &visuals) const;
-};
+/// A field to write an entry in and a button, which a screen reader calls `button`, that adds it, as Return
+/// does. The entry comes without blanks around it; what is only blanks is not added.
+Element addField(const QString &prompt, const QString &button,
+                 const std::function<void(const QString &)> &add, const Element &before = {});
 
-/// A row with a field to write an entry in and a button that adds it, as Return does. The entry comes without
-/// blanks around it; what is only blanks is not added.
-struct AddField {
-    QString prompt;
-    QString button; ///< What a screen reader calls the button.
-    std::function<void(const QString &)> add;
-    std::function<QWidget *(Visuals &)> before = {}; ///< What stands before the field, where something does.
+/// A button at the left edge of the column.
+Element buttonRow(const QString &label, const std::function<void()> &action, const QString &symbol = {},
+                  Button::Role role = Button::Role::plain);
 
-    QWidget *make(Visuals &visuals) const;
-};
-
-/// The entries of a list of texts, one a row with a button that removes it, which can be undone. The same
-/// text may be there twice.
-struct TextList {
-    ValueBinding<QStringList> texts;
-    QString whenEmpty = {}; ///< Shown in place of the rows.
+/// How a list of texts is shown.
+struct TextListOptions {
+    QString whenEmpty = {}; ///< In place of the rows.
     /// How an entry is shown; as its text unless told otherwise.
     std::function<ListRow::Entry(const QString &)> entry = [](const QString &text) {
         return ListRow::Entry{text};
     };
     enum class Entries { fixed, editable };
     Entries entries = Entries::fixed;
-
-    QWidget *make(Visuals &visuals) const;
 };
 
-/// Yields a sentence that can change; empty for nothing.
-using TextSource = std::function<QString()>;
-
-/// A small sentence in a card, under the row before it; takes no room while it is empty.
-struct CardNote {
-    CardNote(TextSource source, Text::Style inStyle = Text::Style::note)
-        : text(std::move(source)), style(inStyle) {}
-    CardNote(const QString &sentence) : text([sentence] { return sentence; }) {}
-
-    TextSource text;
-    Text::Style style = Text::Style::note;
-
-    QWidget *make(Visuals &visuals) const;
-};
-
-/// A sentence on the page itself, below a card; takes no room while it is empty.
-struct PageNote {
-    PageNote(TextSource source) : text(std::move(source)) {}
-    PageNote(const QString &sentence, Text::Style inStyle = Text::Style::secondary)
-        : text([sentence] { return sentence; }), style(inStyle) {}
-
-    TextSource text;
-    Text::Style style = Text::Style::secondary;
-
-    QWidget *make(Visuals &visuals) const;
-};
-
-/// A button at the left edge of the column.
-struct ButtonRow {
-    QString label;
-    std::function<void()> action;
-    QString symbol = {};
-    Button::Role role = Button::Role::plain;
-
-    QWidget *make(Visuals &visuals) const;
-};
+/// The entries of a list of texts, one a row with a button that removes it, which can be undone. The same
+/// text may be there twice.
+Element textList(const ValueBinding<QStringList> &texts, const TextListOptions &options);
 
 /// A part of a page that is another one in every state of what it watches: made anew, from the loop, after
-/// each change. The keyboard stays in it, and what it says anew is announced.
-struct DynamicSection {
-    std::vector<Observable *> watched;
-    std::function<Elements()> content;
-    int spacing = 0; ///< Points between the elements.
-
-    QWidget *make(Visuals &visuals) const;
-};
-
-/// Why the setting above it has no effect on this desktop; nothing where it has.
-inline CardNote limitationNote(const Service &service) {
-    return CardNote([&service] { return service.limitation(); });
-}
+/// each change. The keyboard stays in it, and what it says anew is announced. `spacing` is in points, between
+/// the elements.
+Element dynamicSection(const std::vector<Observable *> &watched, const std::function<Elements()> &content,
+                       int spacing = 0);
 
 } // namespace pavonel

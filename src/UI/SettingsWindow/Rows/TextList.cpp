@@ -21,14 +21,14 @@ QStringList keysOf(const QStringList &texts) {
     return keys;
 }
 
-class TextListWidget final : public QWidget {
+class TextList final : public QWidget {
 public:
-    TextListWidget(Visuals &visuals, const TextList &list)
-        : list_(list), empty_(new CardRow(visuals)), undo_(new UndoRow(visuals)) {
+    TextList(Visuals &visuals, const ValueBinding<QStringList> &texts, const TextListOptions &options)
+        : texts_(texts), options_(options), empty_(new CardRow(visuals)), undo_(new UndoRow(visuals)) {
         constexpr int rowHeight = 42;
         rows_ = new RowList(visuals, visuals.lineHeight(rowHeight), RowList::Lines::first,
                             [this, &visuals](const QString &key) { return row(visuals, key); });
-        empty_->add(new Text(visuals, list.whenEmpty, Text::Style::secondary));
+        empty_->add(new Text(visuals, options.whenEmpty, Text::Style::secondary));
         auto *lines = column(this);
         lines->addWidget(empty_);
         lines->addWidget(rows_);
@@ -38,15 +38,15 @@ public:
 
 private:
     void refresh() {
-        const QStringList texts = list_.texts.get();
+        const QStringList texts = texts_.get();
         rows_->setKeys(keysOf(texts));
-        empty_->setVisible(texts.isEmpty() && !list_.whenEmpty.isEmpty());
-        showInPlace(*this, !texts.isEmpty() || !list_.whenEmpty.isEmpty() || !undo_->isHidden());
+        empty_->setVisible(texts.isEmpty() && !options_.whenEmpty.isEmpty());
+        showInPlace(*this, !texts.isEmpty() || !options_.whenEmpty.isEmpty() || !undo_->isHidden());
     }
 
     QWidget *row(Visuals &visuals, const QString &key) {
         std::function<void(const QString &)> edit;
-        if (list_.entries == TextList::Entries::editable)
+        if (options_.entries == TextListOptions::Entries::editable)
             edit = [this, key](const QString &text) {
                 change(key, [&](QStringList &texts, qsizetype place) { texts[place] = text; });
             };
@@ -56,12 +56,12 @@ private:
 
     /// Nothing where the entry is gone.
     void change(const QString &key, const std::function<void(QStringList &, qsizetype place)> &edit) {
-        QStringList texts = list_.texts.get();
+        QStringList texts = texts_.get();
         const qsizetype place = keysOf(texts).indexOf(key);
         if (place < 0)
             return;
         edit(texts, place);
-        list_.texts.set(texts);
+        texts_.set(texts);
     }
 
     void remove(const QString &key) {
@@ -72,14 +72,17 @@ private:
     }
 
     void bringBack(const QString &text, qsizetype place) {
-        QStringList texts = list_.texts.get();
+        QStringList texts = texts_.get();
         texts.insert(std::min(place, texts.size()), text);
-        list_.texts.set(texts);
+        texts_.set(texts);
     }
 
-    ListRow::Entry entryOf(const QString &key) const { return list_.entry(key.left(key.lastIndexOf(mark))); }
+    ListRow::Entry entryOf(const QString &key) const {
+        return options_.entry(key.left(key.lastIndexOf(mark)));
+    }
 
-    TextList list_;
+    ValueBinding<QStringList> texts_;
+    TextListOptions options_;
     CardRow *empty_;
     RowList *rows_;
     UndoRow *undo_;
@@ -87,8 +90,8 @@ private:
 
 } // namespace
 
-QWidget *TextList::make(Visuals &visuals) const {
-    return new TextListWidget(visuals, *this);
+Element textList(const ValueBinding<QStringList> &texts, const TextListOptions &options) {
+    return [=](Visuals &visuals) { return new TextList(visuals, texts, options); };
 }
 
 } // namespace pavonel

@@ -92,38 +92,36 @@ QString shortcutNote(const Settings &settings, const HotKeyManager &hotKeys) {
            (refused.size() == 1 ? QStringLiteral("it.") : QStringLiteral("them."));
 }
 
-Card updateCard(PageContext &context) {
+Element updateCard(PageContext &context) {
     Updater &updater = context.updater;
     UserDefaults &defaults = context.defaults;
     const ValueBinding<bool> automatic(
         [&updater] { return updater.automatic(); },
         [&defaults](bool wanted) { defaults.set(Updater::automaticKey, wanted); });
-    return Card{u"Updates"_s,
-                {},
+    return card(u"Updates"_s, {},
                 {
-                    UpdateStatus{updater},
-                    SwitchRow{u"Check automatically"_s, automatic, u"Once a day, in the background"_s},
-                }};
+                    updateStatus(updater),
+                    switchRow(u"Check automatically"_s, automatic, u"Once a day, in the background"_s),
+                });
 }
 
-Card systemCard(PageContext &context) {
+Element systemCard(PageContext &context) {
     Settings &settings = context.settings;
     const auto login = std::make_shared<LoginSwitch>(settings, context.loginItem);
     const auto shortcuts = [&context] {
         const QString limitation = context.hotKeys.limitation();
         return limitation.isEmpty() ? shortcutNote(context.settings, context.hotKeys) : limitation;
     };
-    return Card{u"System"_s,
-                {},
+    return card(u"System"_s, {},
                 {
-                    SwitchRow{u"Launch at login"_s,
-                              {[login] { return login->isOn(); }, [login](bool on) { login->set(on); }}},
-                    CardNote([login] { return login->failure(); }, Text::Style::failure),
-                    CardNote([login] { return login->difference(); }),
-                    SwitchRow{u"Global shortcuts"_s, settings.hotKeysEnabled,
-                              u"⌃⌥⌘B take a break · ⌃⌥⌘S skip · ⌃⌥⌘P pause"_s},
-                    CardNote(shortcuts),
-                }};
+                    switchRow(u"Launch at login"_s,
+                              {[login] { return login->isOn(); }, [login](bool on) { login->set(on); }}),
+                    cardNote([login] { return login->failure(); }, Text::Style::failure),
+                    cardNote([login] { return login->difference(); }),
+                    switchRow(u"Global shortcuts"_s, settings.hotKeysEnabled,
+                              u"⌃⌥⌘B take a break · ⌃⌥⌘S skip · ⌃⌥⌘P pause"_s),
+                    cardNote(shortcuts),
+                });
 }
 
 } // namespace
@@ -133,17 +131,16 @@ Elements advancedPage(PageContext &context) {
     return {
         updateCard(context),
         systemCard(context),
-        PageNote([&context] { return context.statusItem.limitation(); }),
-        PageNote([&context] { return context.power.limitation(); }),
-        Card{u"Automation"_s,
-             {},
+        pageNote([&context] { return context.statusItem.limitation(); }),
+        pageNote([&context] { return context.power.limitation(); }),
+        card(u"Automation"_s, {},
              {
-                 LabeledField{u"When a break starts"_s, settings.onBreakStartScript},
-                 LabeledField{u"When a break ends"_s, settings.onBreakEndScript},
-                 CardNote(u"AppleScript, a .scpt path, or shortcut:Name"_s),
+                 labeledField(u"When a break starts"_s, settings.onBreakStartScript),
+                 labeledField(u"When a break ends"_s, settings.onBreakEndScript),
+                 cardNote(u"AppleScript, a .scpt path, or shortcut:Name"_s),
                  limitationNote(context.processes),
-             }},
-        ButtonRow{u"Quit Pavonel"_s, [&context] { context.display.loop.quit(0); }},
+             }),
+        buttonRow(u"Quit Pavonel"_s, [&context] { context.display.loop.quit(0); }),
     };
 }
 

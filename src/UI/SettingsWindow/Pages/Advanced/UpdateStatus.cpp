@@ -128,9 +128,9 @@ private:
 
 } // namespace
 
-QWidget *UpdateStatus::make(Visuals &visuals) const {
-    const auto row = [&updater = updater](Visuals &shared) { return new StatusRow(shared, updater); };
-    return DynamicSection{{&updater}, [row] { return Elements{row}; }}.make(visuals);
+Element updateStatus(Updater &updater) {
+    const auto row = [&updater](Visuals &visuals) { return new StatusRow(visuals, updater); };
+    return dynamicSection({&updater}, [row] { return Elements{row}; });
 }
 
 } // namespace pavonel

@@ -7,10 +7,6 @@ namespace pavonel {
 class Updater;
 
 /// The version that runs, how it stands with newer ones, and what can be done about that now.
-struct UpdateStatus {
-    Updater &updater;
-
-    QWidget *make(Visuals &visuals) const;
-};
+Element updateStatus(Updater &updater);
 
 } // namespace pavonel

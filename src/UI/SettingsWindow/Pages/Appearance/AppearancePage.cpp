@@ -3,8 +3,7 @@
 #include "Platform/Sounds.h"
 #include "Platform/WindowLayers.h"
 #include "UI/SettingsWindow/Page.h"
-#include "UI/SettingsWindow/Pages/Appearance/CustomImageRow.h"
-#include "UI/SettingsWindow/Pages/Appearance/StyleChoice.h"
+#include "UI/SettingsWindow/Pages/Appearance/BreakScreenRows.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 
 namespace pavonel {
@@ -25,16 +24,14 @@ QWidget *listenButton(const QString &label, const std::function<QString()> &soun
 
 /// A picker of one of the system's sounds or none. A choice is heard at once, and again with the button
 /// beside it.
-PickerRow soundRow(const QString &label, const ValueBinding<QString> &sound, Sounds &sounds) {
+Element soundRow(const QString &label, const ValueBinding<QString> &sound, Sounds &sounds) {
     const auto chooseAndPlay = [set = sound.set, &sounds](const QString &choice) {
         set(choice);
         SoundPlayer::play(sounds, choice);
     };
-    return PickerRow{
-        label,
-        {sound.get, chooseAndPlay},
-        QStringList(none) + sounds.names(),
-        [label, get = sound.get, &sounds](Visuals &) { return listenButton(label, get, sounds); }};
+    return pickerRow(
+        label, {sound.get, chooseAndPlay}, QStringList(none) + sounds.names(),
+        [label, get = sound.get, &sounds](Visuals &) { return listenButton(label, get, sounds); });
 }
 
 } // namespace
@@ -47,27 +44,24 @@ Elements appearancePage(PageContext &context) {
         settings.messages = settings.messages.get() + QStringList(text);
     };
     return {
-        Card{u"Break screen"_s,
-             {},
+        card(u"Break screen"_s, {},
              {
-                 StyleChoice{settings},
-                 CustomImageRow{settings},
+                 styleChoice(settings),
+                 customImageRow(settings),
                  limitationNote(context.display.layers),
-             }},
-        Card{u"Sounds"_s,
-             {},
+             }),
+        card(u"Sounds"_s, {},
              {
-                 SwitchRow{u"Play sounds"_s, settings.soundEnabled},
-                 EnabledWhile{sounds, soundRow(u"Break starts"_s, settings.startSound, player)},
-                 EnabledWhile{sounds, soundRow(u"Break ends"_s, settings.endSound, player)},
+                 switchRow(u"Play sounds"_s, settings.soundEnabled),
+                 enabledWhile(sounds, soundRow(u"Break starts"_s, settings.startSound, player)),
+                 enabledWhile(sounds, soundRow(u"Break ends"_s, settings.endSound, player)),
                  limitationNote(player),
-             }},
-        Card{u"Break messages"_s,
-             u"One is picked at random for each break"_s,
+             }),
+        card(u"Break messages"_s, u"One is picked at random for each break"_s,
              {
-                 TextList{.texts = settings.messages, .entries = TextList::Entries::editable},
-                 AddField{u"Add a message"_s, u"Add the message"_s, addMessage},
-             }},
+                 textList(settings.messages, {.entries = TextListOptions::Entries::editable}),
+                 addField(u"Add a message"_s, u"Add the message"_s, addMessage),
+             }),
     };
 }
 

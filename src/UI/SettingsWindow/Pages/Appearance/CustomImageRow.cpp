@@ -1,5 +1,3 @@
-#include "UI/SettingsWindow/Pages/Appearance/CustomImageRow.h"
-
 #include "Core/Settings.h"
 #include "Platform/BackgroundTask.h"
 #include "Platform/ForeignFile.h"
@@ -9,7 +7,7 @@
 #include "UI/Controls/Layouts.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/Text.h"
-#include "UI/SettingsWindow/Rows/Element.h"
+#include "UI/SettingsWindow/Pages/Appearance/BreakScreenRows.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
@@ -85,9 +83,9 @@ QString pictureFilter() {
     return QStringLiteral("Images (%1)").arg(patterns.join(u' '));
 }
 
-class CustomImageWidget final : public CardRow {
+class CustomImageRow final : public CardRow {
 public:
-    CustomImageWidget(Visuals &visuals, Settings &settings)
+    CustomImageRow(Visuals &visuals, Settings &settings)
         : CardRow(visuals), settings_(settings), thumbnail_(new PictureThumbnail(visuals)),
           name_(new Text(visuals, {}, Text::Style::label)), note_(new Text(visuals, {}, Text::Style::note)),
           remove_(new Button(QStringLiteral("Remove"))),
@@ -166,8 +164,8 @@ private:
 
 } // namespace
 
-QWidget *CustomImageRow::make(Visuals &visuals) const {
-    return new CustomImageWidget(visuals, settings);
+Element customImageRow(Settings &settings) {
+    return [&settings](Visuals &visuals) { return new CustomImageRow(visuals, settings); };
 }
 
 } // namespace pavonel

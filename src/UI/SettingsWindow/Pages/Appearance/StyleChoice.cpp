@@ -1,12 +1,18 @@
-#include "UI/SettingsWindow/Pages/Appearance/StyleChoice.h"
-
+#include "Core/BreakVocabulary.h"
+#include "Core/ClockText.h"
 #include "Core/Settings.h"
 #include "UI/BackgroundImage.h"
+#include "UI/Backgrounds.h"
+#include "UI/BreakLayout.h"
+#include "UI/BreakScreenText.h"
+#include "UI/Controls/AccessibleControl.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Pixels.h"
-#include "UI/SettingsWindow/Pages/Appearance/BreakPreview.h"
-#include "UI/SettingsWindow/Rows/Element.h"
+#include "UI/MessageText.h"
+#include "UI/Refresher.h"
+#include "UI/Ring.h"
+#include "UI/SettingsWindow/Pages/Appearance/BreakScreenRows.h"
 #include "UI/Theme.h"
 
 #include <QButtonGroup>
@@ -25,6 +31,75 @@ namespace {
 constexpr int room = FocusRing::room; // which the tiles have around them
 constexpr int gap = 12;
 constexpr int bottom = 14 - room;
+
+constexpr QSizeF smallScreen(800, 500); // small for a screen, so that its texts can be read
+
+void paintBreak(QPainter &painter, const QString &message, Seconds duration) {
+    constexpr double progress = 0.3;
+    BreakLayout::Sizes sizes;
+    sizes.titleHeight = breakScreen::titleHeight();
+    const MessageText text(message, breakScreen::messageFont(), BreakLayout::widestMessage,
+                           BreakLayout::roomForMessage(smallScreen, sizes));
+    sizes.messageHeight = text.height();
+    const BreakLayout layout = BreakLayout::of(smallScreen, sizes);
+    ring::paint(painter, layout.ring, progress, layout.ring.adjusted(-1, -1, 1, 1));
+    breakScreen::paintTitle(painter, layout.title, defaultTitle(BreakKind::micro));
+    breakScreen::paintTime(painter, layout.ring, clockText(duration * (1 - progress)));
+    breakScreen::paintMessage(painter, layout.message, text);
+}
+
+/// The break screen in small, with the background, a message and the length of a micro break as they are set.
+class BreakPreview final : public QWidget {
+public:
+    BreakPreview(Visuals &visuals, Settings &settings)
+        : visuals_(visuals), settings_(settings), backgrounds_(settings, visuals.loop()),
+          refresher_(visuals.loop(), {&settings}, [this] { forget(); }) {
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+        setAccessibleRole(*this, QAccessible::Graphic);
+        setAccessibleName(QStringLiteral("Preview of the break screen"));
+        backgrounds_.onLoaded = [this] { forget(); };
+    }
+
+    QSize sizeHint() const override { return {visuals_.length(240), visuals_.length(150)}; }
+
+protected:
+    /// The picture may be another one under the same path.
+    void showEvent(QShowEvent *) override {
+        backgrounds_.clear();
+        forget();
+    }
+    void paintEvent(QPaintEvent *) override {
+        constexpr double radius = 8;
+        const QSize pixels = (QSizeF(size()) * devicePixelRatioF()).toSize();
+        if (drawn_.size() != pixels)
+            drawn_ = picture(pixels);
+        QPainter painter(this);
+        drawRounded(painter, rect(), radius, drawn_);
+        drawBody(painter, rect(), radius, Qt::transparent, visuals_.palette().cardOutline);
+    }
+
+private:
+    void forget() {
+        drawn_ = {};
+        update();
+    }
+    QImage picture(QSize pixels) {
+        backgrounds_.prepare({pixels});
+        backgrounds_.awaitPictures();
+        QImage picture = backgrounds_.image(pixels).copy();
+        QPainter painter(&picture);
+        painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+        painter.scale(picture.width() / smallScreen.width(), picture.height() / smallScreen.height());
+        paintBreak(painter, settings_.messages->value(0), settings_.microDuration);
+        return picture;
+    }
+
+    Visuals &visuals_;
+    Settings &settings_;
+    Backgrounds backgrounds_;
+    QImage drawn_; ///< Null until it is needed.
+    Refresher refresher_;
+};
 
 /// A theme of the break screen to choose, one of a group: its gradient in small, above its name.
 class StyleTile final : public QRadioButton {
@@ -92,9 +167,9 @@ private:
 
 /// The tiles stand beside the preview, or below it where there is no room; with large text on a narrow page
 /// the preview is smaller, and fewer tiles are in a row.
-class StyleChoiceWidget final : public QWidget {
+class StyleChoice final : public QWidget {
 public:
-    StyleChoiceWidget(Visuals &visuals, Settings &settings)
+    StyleChoice(Visuals &visuals, Settings &settings)
         : settings_(settings), group_(new QButtonGroup(this)), preview_(new BreakPreview(visuals, settings)),
           tiles_(tiles(visuals)) {
         preview_->setParent(this);
@@ -187,8 +262,8 @@ private:
 
 } // namespace
 
-QWidget *StyleChoice::make(Visuals &visuals) const {
-    return new StyleChoiceWidget(visuals, settings);
+Element styleChoice(Settings &settings) {
+    return [&settings](Visuals &visuals) { return new StyleChoice(visuals, settings); };
 }
 
 } // namespace pavonel

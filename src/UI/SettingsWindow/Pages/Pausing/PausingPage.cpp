@@ -61,15 +61,15 @@ Elements focusAppParts(Settings &settings, InstalledApplications &applications) 
     };
     const auto names = std::make_shared<Names>(applications);
     const auto list = [&settings, names](Visuals &visuals) {
-        return TextList{
-            settings.deepFocusApps, u"None yet"_s,
-            [names, &visuals](const QString &identifier) { return entryOf(*names, identifier, visuals); }}
-            .make(visuals);
+        const auto entry = [names, &visuals](const QString &identifier) {
+            return entryOf(*names, identifier, visuals);
+        };
+        return textList(settings.deepFocusApps, {u"None yet"_s, entry})(visuals);
     };
-    return {list, AddField{u"or a bundle id"_s, u"Add the bundle id"_s, add,
+    return {list, addField(u"or a bundle id"_s, u"Add the bundle id"_s, add,
                            [&applications, add](Visuals &visuals) {
                                return chooseButton(visuals, applications, add);
-                           }}};
+                           })};
 }
 
 } // namespace
@@ -80,27 +80,25 @@ Elements pausingPage(PageContext &context) {
     Elements focusApps = focusAppParts(settings, context.installedApplications);
     focusApps.push_back(limitationNote(sensors.applications));
     return {
-        Card{u"Pause automatically"_s,
-             u"The timer holds while one of these is in front"_s,
+        card(u"Pause automatically"_s, u"The timer holds while one of these is in front"_s,
              {
-                 SwitchRow{u"In fullscreen apps"_s, settings.pauseOnFullscreen},
+                 switchRow(u"In fullscreen apps"_s, settings.pauseOnFullscreen),
                  limitationNote(sensors.windowList),
-                 SwitchRow{u"While the microphone is in use"_s, settings.pauseOnMicrophone,
-                           u"Meetings and calls"_s},
-                 SwitchRow{u"While video or audio is playing"_s, settings.pauseOnAudio},
+                 switchRow(u"While the microphone is in use"_s, settings.pauseOnMicrophone,
+                           u"Meetings and calls"_s),
+                 switchRow(u"While video or audio is playing"_s, settings.pauseOnAudio),
                  limitationNote(sensors.audioDevices),
-                 SwitchRow{u"During screen recording or sharing"_s, settings.pauseOnScreenSharing},
-             }},
-        Card{
-            u"Natural breaks"_s,
-            {},
+                 switchRow(u"During screen recording or sharing"_s, settings.pauseOnScreenSharing),
+             }),
+        card(
+            u"Natural breaks"_s, {},
             {
-                SwitchRow{u"Reset the timer when I step away"_s, settings.naturalBreakEnabled},
-                EnabledWhile{[&settings] { return settings.naturalBreakEnabled.get(); },
-                             StepRow{u"After"_s, settings.idleResetSeconds, {20, 600}, 10, u"of no input"_s}},
+                switchRow(u"Reset the timer when I step away"_s, settings.naturalBreakEnabled),
+                enabledWhile([&settings] { return settings.naturalBreakEnabled.get(); },
+                             stepRow(u"After"_s, settings.idleResetSeconds, {20, 600}, 10, u"of no input"_s)),
                 limitationNote(sensors.idleTime),
-            }},
-        Card{u"Focus apps"_s, {}, focusApps},
+            }),
+        card(u"Focus apps"_s, {}, focusApps),
     };
 }
 

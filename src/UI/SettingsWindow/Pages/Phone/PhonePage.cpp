@@ -1,6 +1,7 @@
 #include "Core/Phone.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
+#include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Page.h"
@@ -34,39 +35,29 @@ private:
     Visuals &visuals_;
 };
 
-/// Text in a card, free of its edges.
-struct CardText {
-    QString text;
-    Text::Style style = Text::Style::label;
-    QMargins margins{CardRow::margin, 0, CardRow::margin, 12};
-
-    QWidget *make(Visuals &visuals) const {
+Element text(const QString &text, Text::Style style, const QMargins &margins) {
+    return [=](Visuals &visuals) {
         auto *place = new QWidget;
         column(place, margins)->addWidget(new Text(visuals, text, style));
         return place;
-    }
-};
+    };
+}
 
 /// A code to be typed; where the phone's page is known, one for its camera stands beside.
-struct Code {
-    QString code;
-    QString page;
-
-    QWidget *make(Visuals &visuals) const {
+Element codes(const QString &code, const QString &page) {
+    return [=](Visuals &visuals) {
         auto *place = new QWidget;
         auto *codes = line(place, {CardRow::margin, 2, CardRow::margin, 12}, CardRow::margin);
         codes->addWidget(new CodeView(visuals, code));
         if (!page.isEmpty())
             codes->addWidget(new QrCodeView(visuals, page));
         return place;
-    }
-};
+    };
+}
 
 /// That all is well, with a way to end it.
-struct PairedRow {
-    std::function<void()> disconnect;
-
-    QWidget *make(Visuals &visuals) const {
+Element pairedRow(const std::function<void()> &disconnect) {
+    return [=](Visuals &visuals) {
         auto *row = new CardRow(visuals);
         row->add(new Tick(visuals));
         row->addLabel(u"Your phone is connected"_s, u"When a break starts here, it starts there too."_s);
@@ -74,8 +65,8 @@ struct PairedRow {
         row->add(button);
         QObject::connect(button, &Button::clicked, row, disconnect, Qt::QueuedConnection);
         return row;
-    }
-};
+    };
+}
 
 QString aboutService(const Phone &phone) {
     const QString name = phone.serviceName();
@@ -85,46 +76,48 @@ QString aboutService(const Phone &phone) {
         .arg(name);
 }
 
-Elements unpairedParts(Phone &phone, const QString &failure) {
-    Elements card{CardText{
+Element introduction() {
+    const Element words = text(
         u"A break on the Mac is only half a break if you pick up your phone. Pair the two and the same "
         "countdown appears there — on the Lock Screen and in the Dynamic Island — and clears when you end "
         "the break here.\n\nAway from the Mac, the app keeps its own hours: breaks as often and as long as "
         "you like. While this Mac is running Pavonel, this Mac decides."_s,
-        Text::Style::label,
-        {CardRow::margin, 14, CardRow::margin, 12}}};
-    Elements parts{[card = Card{{}, {}, card}](Visuals &visuals) {
-        QWidget *widget = card.make(visuals);
+        Text::Style::label, {CardRow::margin, 14, CardRow::margin, 12});
+    return [words](Visuals &visuals) {
+        QWidget *widget = card({}, {}, {words})(visuals);
         widget->setAccessibleName(u"Pavonel for iPhone"_s); // it has no title
         return widget;
-    }};
-    parts.push_back(
-        CardText{aboutService(phone), Text::Style::secondary, {FocusRing::room, 0, FocusRing::room, 0}});
+    };
+}
+
+Elements unpairedParts(Phone &phone, const QString &failure) {
+    const QMargins margins(FocusRing::room, 0, FocusRing::room, 0);
+    Elements parts{introduction(), text(aboutService(phone), Text::Style::secondary, margins)};
     if (!failure.isEmpty())
-        parts.push_back(CardText{failure, Text::Style::failure, {FocusRing::room, 0, FocusRing::room, 0}});
-    parts.push_back(
-        ButtonRow{u"Show pairing code"_s, [&phone] { phone.startPairing(); }, {}, Button::Role::prominent});
+        parts.push_back(text(failure, Text::Style::failure, margins));
+    parts.push_back(buttonRow(
+        u"Show pairing code"_s, [&phone] { phone.startPairing(); }, {}, Button::Role::prominent));
     return parts;
 }
 
 Elements waitingParts(Phone &phone, const QString &code) {
-    const auto sentence = [](const QString &text, int below) {
-        return CardText{text, Text::Style::secondary, {CardRow::margin, 0, CardRow::margin, below}};
+    const auto sentence = [](const QString &words, int below) {
+        return text(words, Text::Style::secondary, {CardRow::margin, 0, CardRow::margin, below});
     };
     constexpr int toNext = 2;
     constexpr int toEnd = 12;
-    Elements card{Code{code, phone.pageFor(code)}};
+    Elements content{codes(code, phone.pageFor(code))};
     if (const QString service = phone.serviceName(); !service.isEmpty())
-        card.push_back(
+        content.push_back(
             sentence(u"Or point the phone’s camera at it, or open %1 there."_s.arg(service), toNext));
-    card.push_back(sentence(u"The code is good for fifteen minutes."_s, toNext));
-    card.push_back(sentence(u"Waiting for your phone…"_s, toEnd));
-    return {Card{u"Pavonel for iPhone"_s, u"Type this code into Pavonel on your phone"_s, card},
-            ButtonRow{u"Cancel"_s, [&phone] { phone.unpair(); }}};
+    content.push_back(sentence(u"The code is good for fifteen minutes."_s, toNext));
+    content.push_back(sentence(u"Waiting for your phone…"_s, toEnd));
+    return {card(u"Pavonel for iPhone"_s, u"Type this code into Pavonel on your phone"_s, content),
+            buttonRow(u"Cancel"_s, [&phone] { phone.unpair(); })};
 }
 
 Elements pairedParts(Phone &phone) {
-    return {Card{u"Paired"_s, {}, {PairedRow{[&phone] { phone.unpair(); }}}}};
+    return {card(u"Paired"_s, {}, {pairedRow([&phone] { phone.unpair(); })})};
 }
 
 Elements phoneParts(Phone &phone) {
@@ -143,8 +136,9 @@ Elements phonePage(PageContext &context) {
     Phone &phone = context.phone;
     constexpr int betweenCards = 14;
     return {
-        DynamicSection{{&phone}, [&phone] { return phoneParts(phone); }, betweenCards},
-        PageNote(
+        dynamicSection(
+            {&phone}, [&phone] { return phoneParts(phone); }, betweenCards),
+        pageNote(
             u"Only the break itself travels to the phone: its kind, its name and when it ends. Settings and "
             "statistics never leave this computer."_s,
             Text::Style::note),

@@ -102,8 +102,8 @@ Elements plannedPage(PageContext &context) {
         return new PlannedList(visuals, settings, added);
     };
     return {
-        Card{u"Your schedule"_s, u"Planned breaks still wait for meetings, calls and focus apps"_s, {list}},
-        ButtonRow{u"Add planned break"_s, add, u"plus"_s},
+        card(u"Your schedule"_s, u"Planned breaks still wait for meetings, calls and focus apps"_s, {list}),
+        buttonRow(u"Add planned break"_s, add, u"plus"_s),
     };
 }
 

@@ -169,7 +169,7 @@ Elements statsPage(PageContext &context) {
     Stats &stats = context.stats;
     const auto week = [&stats](Visuals &visuals) { return new WeekSection(visuals, stats); };
     return {
-        Card{u"Last 7 days"_s, {}, {week}},
+        card(u"Last 7 days"_s, {}, {week}),
         [&stats](Visuals &) { return new ResetRow(stats); },
     };
 }

@@ -1,18 +1,16 @@
 #pragma once
 
-class QWidget;
+#include "UI/SettingsWindow/Rows/Element.h"
 
 namespace pavonel {
 
-class Visuals;
 class Settings;
+
+/// The themes of the break screen to choose from, beside the break screen as it would be now.
+Element styleChoice(Settings &settings);
 
 /// The user's picture for the break screen: in small, with its name or what is the matter with it, and ways
 /// to choose another one and to do without.
-struct CustomImageRow {
-    Settings &settings;
-
-    QWidget *make(Visuals &visuals) const;
-};
+Element customImageRow(Settings &settings);
 
 } // namespace pavonel
