@@ -1,7 +1,7 @@
 #include "UI/Controls/ListRow.h"
 
 #include "Core/Characters.h"
-#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/LineEdit.h"

@@ -56,10 +56,16 @@ private:
     PopUpButton &button_;
 };
 
+QAccessibleInterface *makeFor(const QString &, QObject *object) {
+    auto *button = dynamic_cast<PopUpButton *>(object);
+    return button ? new PopUpAccessible(button) : nullptr;
+}
+
 } // namespace
 
 PopUpButton::PopUpButton(Visuals &visuals, const QString &name, const QStringList &choices)
     : visuals_(visuals) {
+    QAccessible::installFactory(makeFor); // once, however often
     setAccessibleName(name);
     setFocusPolicy(Qt::TabFocus);
     setSizeAdjustPolicy(QComboBox::AdjustToContents);
@@ -149,10 +155,6 @@ void PopUpButton::keyPressEvent(QKeyEvent *event) {
 
 void PopUpButton::wheelEvent(QWheelEvent *event) {
     event->ignore();
-}
-
-QAccessibleInterface *PopUpButton::makeAccessible() {
-    return new PopUpAccessible(this);
 }
 
 } // namespace pavonel

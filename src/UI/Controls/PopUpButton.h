@@ -1,7 +1,5 @@
 #pragma once
 
-#include "UI/Controls/AccessibleControl.h"
-
 #include <QComboBox>
 
 #include <functional>
@@ -13,7 +11,7 @@ class Visuals;
 /// Shows the choice that holds and opens a list of all of them. A combo box that is opened, not turned, by
 /// the arrow keys, and lets the page scroll by the wheel; and whose name assistive technology is told, which
 /// Qt's own on Linux gives up for its value.
-class PopUpButton : public QComboBox, public AccessibleControl {
+class PopUpButton : public QComboBox {
 public:
     PopUpButton(Visuals &visuals, const QString &name, const QStringList &choices);
 
@@ -31,7 +29,6 @@ public:
     void showPopup() override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     QSize minimumSizeHint() const override;
-    QAccessibleInterface *makeAccessible() override;
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;

@@ -1,6 +1,6 @@
 #include "UI/Controls/Text.h"
 
-#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Pixels.h"
 
 #include <QPainter>

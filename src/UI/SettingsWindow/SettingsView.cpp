@@ -3,7 +3,7 @@
 #include "Core/Settings.h"
 #include "Platform/Appearance.h"
 #include "Platform/UserDefaults.h"
-#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Layouts.h"
 #include "UI/SettingsWindow/PageView.h"
 #include "UI/SettingsWindow/Sidebar.h"

@@ -1,6 +1,6 @@
 #include "UI/SettingsWindow/Sidebar.h"
 
-#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Accessibility.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"
 #include "UI/Controls/Pixels.h"

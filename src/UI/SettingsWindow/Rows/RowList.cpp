@@ -1,6 +1,6 @@
 #include "UI/SettingsWindow/Rows/RowList.h"
 
-#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Accessibility.h"
 #include "UI/Controls/CardRow.h"
 
 #include <QCoreApplication>

@@ -1,7 +1,7 @@
 #include "UI/SettingsWindow/Rows/Rows.h"
 
 #include "Core/ClockText.h"
-#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Accessibility.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"

@@ -5,7 +5,7 @@
 #include "UI/Backgrounds.h"
 #include "UI/BreakLayout.h"
 #include "UI/BreakScreenText.h"
-#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Accessibility.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Pixels.h"

@@ -1,5 +1,7 @@
 #include "UI/SettingsWindow/Pages/Pausing/AppChooser.h"
 
+#include "Platform/InstalledApplications.h"
+#include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"
@@ -12,10 +14,10 @@
 #include "UI/SettingsWindow/Rows/RowList.h"
 
 #include <QAbstractButton>
-#include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPointer>
 
 #include <algorithm>
 
@@ -29,17 +31,6 @@ constexpr int aside = 24; // of the window's edges, at least
 constexpr int padding = 16;
 constexpr int rowHeight = 40;
 constexpr double radius = 14;
-
-class SheetAccessible final : public QAccessibleWidget {
-public:
-    explicit SheetAccessible(QWidget *sheet) : QAccessibleWidget(sheet, QAccessible::Dialog) {}
-
-    QAccessible::State state() const override {
-        QAccessible::State state = QAccessibleWidget::state();
-        state.modal = true;
-        return state;
-    }
-};
 
 /// Its rows are left by the arrow keys, before what scrolls it takes them.
 class Column final : public QWidget {
@@ -92,151 +83,149 @@ bool fits(const InstalledApplication &application, const QString &words) {
            application.bundleIdentifier.contains(words, Qt::CaseInsensitive);
 }
 
+/// A sheet over the whole window that lists the installed applications. It goes with a choice, with Escape,
+/// with its button, and with a click beside it, which a `QDialog`, a window of its own, would not see.
+class AppChooser final : public QWidget {
+public:
+    AppChooser(Visuals &visuals, InstalledApplications &applications, QWidget &anchor,
+               std::function<void(const QString &)> choose)
+        : QWidget(anchor.window(), Qt::SubWindow), // which keeps the keyboard
+          visuals_(visuals), applications_(applications), anchor_(&anchor), choose_(std::move(choose)),
+          all_(applications.all()), body_(new QWidget),
+          search_(lineEdit(QStringLiteral("Search"), QStringLiteral("Search"))) {
+        setAccessibleRole(*this, QAccessible::Dialog);
+        setAccessibleName(QStringLiteral("Choose an application"));
+        column(this, {aside, aside, aside, aside})->addWidget(body_);
+        body_->setMaximumSize(visuals.length(widest), visuals.length(tallest));
+        auto *lines = column(body_, {0, padding, 0, padding - FocusRing::room}, 8);
+        lines->addLayout(head());
+        lines->addWidget(list(), 1);
+        lines->addLayout(foot());
+        setGeometry(parentWidget()->rect());
+        parentWidget()->installEventFilter(this);
+        search({});
+    }
+
+    void takeKeyboard() { search_->setFocus(Qt::OtherFocusReason); }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override {
+        if (watched == parentWidget() && event->type() == QEvent::Resize)
+            setGeometry(parentWidget()->rect());
+        return QWidget::eventFilter(watched, event);
+    }
+    void keyPressEvent(QKeyEvent *event) override {
+        if (event->key() == Qt::Key_Escape)
+            leave();
+        else if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up)
+            focusNextPrevChild(event->key() == Qt::Key_Down);
+        else
+            QWidget::keyPressEvent(event);
+    }
+    void mousePressEvent(QMouseEvent *event) override {
+        if (!body_->geometry().contains(event->pos()))
+            leave();
+    }
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        painter.fillRect(rect(), QColor(0, 0, 0, 90));
+        const QRectF place = body_->geometry();
+        for (int spread = 16; spread > 0; spread -= 2)
+            drawBody(painter, place.adjusted(-spread, 2 - spread, spread, 4 + spread), radius + spread,
+                     QColor(0, 0, 0, 6), Qt::transparent);
+        drawBody(painter, place, radius, visuals_.palette().card, visuals_.palette().cardOutline);
+    }
+
+private:
+    QLayout *head() {
+        constexpr int room = FocusRing::room; // around the field
+        auto *lines = column(nullptr, {padding - room, 0, padding - room, 0}, 8);
+        auto *title = line(nullptr, {room, 0, room, 0});
+        title->addWidget(new Text(visuals_, accessibleName(), Text::Style::cardTitle));
+        lines->addLayout(title);
+        lines->addWidget(search_);
+        connect(search_, &QLineEdit::textChanged, this, [this](const QString &words) { search(words); });
+        connect(search_, &QLineEdit::returnPressed, this, [this] {
+            if (!search_->text().trimmed().isEmpty() && !rows_->keys().isEmpty())
+                take(rows_->keys().front());
+        });
+        return lines;
+    }
+
+    QWidget *list() {
+        auto *content = new Column;
+        auto *lines = column(content);
+        rows_ = new RowList(visuals_, visuals_.lineHeight(rowHeight), RowList::Lines::none,
+                            [this](const QString &identifier) { return row(identifier); });
+        nothing_ = new Text(visuals_, QStringLiteral("No application is called so"), Text::Style::secondary);
+        auto *empty = column(nullptr, {padding, 8, padding, 8});
+        empty->addWidget(nothing_);
+        lines->addWidget(rows_);
+        lines->addLayout(empty);
+        lines->addStretch();
+        return new ScrollArea(visuals_, content);
+    }
+
+    QLayout *foot() {
+        auto *buttons = line(nullptr, {padding, 0, padding - FocusRing::room, 0});
+        auto *cancel = new Button(QStringLiteral("Cancel"));
+        buttons->addStretch();
+        buttons->addWidget(cancel);
+        connect(cancel, &Button::clicked, this, [this] { leave(); });
+        return buttons;
+    }
+
+    QWidget *row(const QString &identifier) {
+        const auto &application =
+            *std::ranges::find(all_, identifier, &InstalledApplication::bundleIdentifier);
+        auto *row = new AppRow(visuals_, application,
+                               appIcon(applications_, application, ListRow::pictureSide(visuals_), visuals_));
+        connect(row, &AppRow::clicked, this, [this, identifier] { take(identifier); });
+        return row;
+    }
+
+    void search(const QString &words) {
+        QStringList found;
+        for (const InstalledApplication &application : all_) {
+            if (fits(application, words.trimmed()))
+                found.append(application.bundleIdentifier);
+        }
+        rows_->setKeys(found);
+        nothing_->setVisible(found.isEmpty());
+    }
+
+    void take(const QString &identifier) {
+        leave();
+        choose_(identifier);
+    }
+
+    void leave() {
+        if (anchor_)
+            anchor_->setFocus(Qt::PopupFocusReason);
+        hide();
+        deleteLater();
+    }
+
+    Visuals &visuals_;
+    InstalledApplications &applications_;
+    QPointer<QWidget> anchor_; ///< Gets the keyboard back.
+    std::function<void(const QString &)> choose_;
+    std::vector<InstalledApplication> all_;
+    QWidget *body_;
+    QLineEdit *search_;
+    RowList *rows_ = nullptr;
+    Text *nothing_ = nullptr;
+};
+
 } // namespace
 
-void AppChooser::open(Visuals &visuals, InstalledApplications &applications, QWidget &anchor,
-                      std::function<void(const QString &)> choose) {
+void chooseApplication(Visuals &visuals, InstalledApplications &applications, QWidget &anchor,
+                       std::function<void(const QString &)> choose) {
     auto *chooser = new AppChooser(visuals, applications, anchor, std::move(choose));
-    connect(&anchor, &QObject::destroyed, chooser, &QObject::deleteLater);
+    QObject::connect(&anchor, &QObject::destroyed, chooser, &QObject::deleteLater);
     chooser->show();
     chooser->raise();
-    chooser->search_->setFocus(Qt::OtherFocusReason);
-}
-
-AppChooser::AppChooser(Visuals &visuals, InstalledApplications &applications, QWidget &anchor,
-                       std::function<void(const QString &)> choose)
-    : QWidget(anchor.window()), visuals_(visuals), applications_(applications), anchor_(&anchor),
-      choose_(std::move(choose)), all_(applications.all()), body_(new QWidget(this)),
-      search_(lineEdit(QStringLiteral("Search"), QStringLiteral("Search"))),
-      nothing_(new Text(visuals, QStringLiteral("No application is called so"), Text::Style::secondary)) {
-    for (const InstalledApplication &application : all_)
-        byIdentifier_.insert(application.bundleIdentifier, application);
-    setAccessibleName(QStringLiteral("Choose an application"));
-    auto *lines = column(body_, {0, padding, 0, padding - FocusRing::room}, 8);
-    auto *head = column(nullptr, {padding, 0, padding, 0});
-    head->addWidget(new Text(visuals, QStringLiteral("Choose an application"), Text::Style::cardTitle));
-    lines->addLayout(head);
-    auto *field = line(nullptr, {padding - FocusRing::room, 0, padding - FocusRing::room, 0});
-    field->addWidget(search_);
-    lines->addLayout(field);
-    lines->addWidget(list(), 1);
-    auto *cancel = new Button(QStringLiteral("Cancel"));
-    auto *foot = line(nullptr, {padding, 0, padding - FocusRing::room, 0});
-    foot->addStretch();
-    foot->addWidget(cancel);
-    lines->addLayout(foot);
-    connect(cancel, &Button::clicked, this, [this] { leave(); });
-    connect(search_, &QLineEdit::textChanged, this, [this](const QString &words) { search(words); });
-    connect(search_, &QLineEdit::returnPressed, this, [this] {
-        if (!search_->text().trimmed().isEmpty() && !rows_->keys().isEmpty())
-            take(rows_->keys().front());
-    });
-    parentWidget()->installEventFilter(this);
-    layOut();
-    search({});
-}
-
-QWidget *AppChooser::list() {
-    auto *content = new Column;
-    auto *lines = column(content);
-    rows_ = new RowList(visuals_, visuals_.lineHeight(rowHeight), RowList::Lines::none,
-                        [this](const QString &identifier) { return row(identifier); });
-    auto *empty = column(nullptr, {padding, 8, padding, 8});
-    empty->addWidget(nothing_);
-    lines->addWidget(rows_);
-    lines->addLayout(empty);
-    lines->addStretch();
-    return new ScrollArea(visuals_, content);
-}
-
-QWidget *AppChooser::row(const QString &identifier) {
-    const InstalledApplication application = byIdentifier_.value(identifier);
-    auto *row = new AppRow(visuals_, application,
-                           appIcon(applications_, application, ListRow::pictureSide(visuals_), visuals_));
-    connect(row, &AppRow::clicked, this, [this, identifier] { take(identifier); });
-    return row;
-}
-
-void AppChooser::search(const QString &words) {
-    QStringList found;
-    for (const InstalledApplication &application : all_) {
-        if (fits(application, words.trimmed()))
-            found.append(application.bundleIdentifier);
-    }
-    rows_->setKeys(found);
-    nothing_->setVisible(found.isEmpty());
-}
-
-void AppChooser::take(const QString &identifier) {
-    leave();
-    choose_(identifier);
-}
-
-void AppChooser::leave() {
-    if (anchor_)
-        anchor_->setFocus(Qt::PopupFocusReason);
-    hide();
-    deleteLater();
-}
-
-QRect AppChooser::panel() const {
-    const QSize size(std::min(visuals_.length(widest), width() - 2 * aside),
-                     std::min(visuals_.length(tallest), height() - 2 * aside));
-    return {QPoint((width() - size.width()) / 2, (height() - size.height()) / 2), size};
-}
-
-void AppChooser::layOut() {
-    setGeometry(parentWidget()->rect());
-    body_->setGeometry(panel());
-}
-
-bool AppChooser::eventFilter(QObject *watched, QEvent *event) {
-    if (watched == parentWidget() && event->type() == QEvent::Resize)
-        layOut();
-    return QWidget::eventFilter(watched, event);
-}
-
-void AppChooser::paintEvent(QPaintEvent *) {
-    QPainter painter(this);
-    painter.fillRect(rect(), QColor(0, 0, 0, 90));
-    const QRectF place = panel();
-    for (int spread = 16; spread > 0; spread -= 2)
-        drawBody(painter, place.adjusted(-spread, 2 - spread, spread, 4 + spread), radius + spread,
-                 QColor(0, 0, 0, 6), Qt::transparent);
-    drawBody(painter, place, radius, visuals_.palette().card, visuals_.palette().cardOutline);
-}
-
-void AppChooser::keyPressEvent(QKeyEvent *event) {
-    if (event->key() == Qt::Key_Escape)
-        leave();
-    else if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up)
-        focusNextPrevChild(event->key() == Qt::Key_Down);
-    else
-        QWidget::keyPressEvent(event);
-}
-
-void AppChooser::mousePressEvent(QMouseEvent *event) {
-    if (!panel().contains(event->pos()))
-        leave();
-}
-
-/// The keyboard stays on the sheet.
-bool AppChooser::focusNextPrevChild(bool next) {
-    QWidget *from = window()->focusWidget() ? window()->focusWidget() : this;
-    QWidget *stop = from;
-    do {
-        stop = next ? stop->nextInFocusChain() : stop->previousInFocusChain();
-        if (isAncestorOf(stop) && (stop->focusPolicy() & Qt::TabFocus) && stop->isVisible() &&
-            stop->isEnabled()) {
-            stop->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-            return true;
-        }
-    } while (stop != from);
-    return true;
-}
-
-QAccessibleInterface *AppChooser::makeAccessible() {
-    return new SheetAccessible(this);
+    chooser->takeKeyboard();
 }
 
 } // namespace pavonel

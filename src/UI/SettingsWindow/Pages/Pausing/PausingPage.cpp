@@ -49,7 +49,7 @@ QWidget *chooseButton(Visuals &visuals, InstalledApplications &applications,
                       const std::function<void(const QString &)> &add) {
     auto *button = new Button(u"Choose app…"_s);
     QObject::connect(button, &Button::clicked, button, [&visuals, &applications, button, add] {
-        AppChooser::open(visuals, applications, *button, add);
+        chooseApplication(visuals, applications, *button, add);
     });
     return button;
 }

@@ -1,7 +1,7 @@
 #include "UI/SettingsWindow/Pages/Phone/PairingCodes.h"
 
 #include "Core/Characters.h"
-#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Fonts.h"
 

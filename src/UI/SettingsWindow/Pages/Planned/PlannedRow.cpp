@@ -2,7 +2,7 @@
 
 #include "Core/Characters.h"
 #include "Core/ClockText.h"
-#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/FocusRing.h"

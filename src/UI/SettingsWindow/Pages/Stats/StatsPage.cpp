@@ -1,5 +1,5 @@
 #include "Core/ClockText.h"
-#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/Layouts.h"

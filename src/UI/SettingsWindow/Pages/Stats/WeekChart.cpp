@@ -1,7 +1,7 @@
 #include "UI/SettingsWindow/Pages/Stats/WeekChart.h"
 
 #include "Core/ClockText.h"
-#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Accessibility.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/SettingsWindow/Pages/Stats/WeekFigures.h"

@@ -1,4 +1,4 @@
-#include "UI/Controls/AccessibleControl.h"
+#include "UI/Controls/Accessibility.h"
 
 #include <QAccessibleWidget>
 #include <QVariant>
@@ -10,31 +10,28 @@ namespace {
 
 constexpr char roleProperty[] = "accessibleRole";
 
-QAccessibleInterface *makeFor(const QString &, QObject *object) {
-    if (auto *control = dynamic_cast<AccessibleControl *>(object))
-        return control->makeAccessible();
-    const QVariant role = object ? object->property(roleProperty) : QVariant();
-    return role.isValid() ? new QAccessibleWidget(static_cast<QWidget *>(object),
-                                                  static_cast<QAccessible::Role>(role.toInt()))
-                          : nullptr;
-}
+class WidgetOfRole final : public QAccessibleWidget {
+public:
+    using QAccessibleWidget::QAccessibleWidget;
 
-void install() {
-    static const bool installed = [] {
-        QAccessible::installFactory(makeFor);
-        return true;
-    }();
-    static_cast<void>(installed);
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.modal = role() == QAccessible::Dialog;
+        return state;
+    }
+};
+
+QAccessibleInterface *makeFor(const QString &, QObject *object) {
+    const QVariant role = object ? object->property(roleProperty) : QVariant();
+    return role.isValid() ? new WidgetOfRole(static_cast<QWidget *>(object),
+                                             static_cast<QAccessible::Role>(role.toInt()))
+                          : nullptr;
 }
 
 } // namespace
 
-AccessibleControl::AccessibleControl() {
-    install();
-}
-
 void setAccessibleRole(QWidget &widget, QAccessible::Role role) {
-    install();
+    QAccessible::installFactory(makeFor); // once, however often
     widget.setProperty(roleProperty, static_cast<int>(role));
 }
 
