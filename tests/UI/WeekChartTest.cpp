@@ -1,6 +1,5 @@
 #include "UI/SettingsWindow/Pages/Stats/WeekChart.h"
 
-#include "UI/SettingsWindow/Pages/Stats/WeekFigures.h"
 #include "support/FakePlatform.h"
 #include "support/Printing.h"
 #include "support/waitUntil.h"
@@ -160,24 +159,6 @@ TEST_F(WeekChartTest, is_not_painted_anew_for_what_cannot_be_seen) {
     show({day(5 * hour + 60, hour)});
     QApplication::processEvents();
     EXPECT_EQ(paints.count, before + 1);
-}
-
-TEST(WeekFigures, add_up_the_days_without_what_makes_no_sense) {
-    Day damaged = day(1e300, notANumber);
-    damaged.micro = -4;
-    damaged.long_ = std::numeric_limits<int>::max();
-    Day other = day(2 * hour, 60);
-    other.micro = 3;
-    other.long_ = std::numeric_limits<int>::max();
-    other.planned = 1;
-    other.skipped = 2;
-    const WeekFigures week = WeekFigures::of({{u"Mon"_s, damaged}, {u"Tue"_s, other}});
-    EXPECT_EQ(week.micro, 3);
-    EXPECT_EQ(week.long_, 2 * qint64{std::numeric_limits<int>::max()});
-    EXPECT_EQ(week.planned, 1);
-    EXPECT_EQ(week.skipped, 2);
-    EXPECT_EQ(week.screenSeconds, 27 * hour);
-    EXPECT_EQ(week.breakSeconds, 60);
 }
 
 } // namespace pavonel::test

@@ -1,13 +1,13 @@
 #include "UI/SettingsWindow/Pages/Advanced/UpdateStatus.h"
 
 #include "Core/Characters.h"
+#include "Core/RelativeTime.h"
 #include "Core/Updater.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"
 #include "UI/Controls/Text.h"
-#include "UI/SettingsWindow/Pages/Advanced/RelativeTime.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 
 #include <QPainter>

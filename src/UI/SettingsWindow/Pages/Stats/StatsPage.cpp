@@ -1,4 +1,5 @@
 #include "Core/ClockText.h"
+#include "Core/DaySums.h"
 #include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
@@ -8,7 +9,6 @@
 #include "UI/Refresher.h"
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Stats/WeekChart.h"
-#include "UI/SettingsWindow/Pages/Stats/WeekFigures.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 
 #include <QGridLayout>
@@ -88,7 +88,7 @@ private:
 const std::array captions{"Micro breaks", "Long breaks", "Planned", "Skipped", "Screen time", "On breaks"};
 
 /// In the order of the captions.
-std::array<QString, captions.size()> valuesOf(const WeekFigures &week) {
+std::array<QString, captions.size()> valuesOf(const Day &week) {
     return {QString::number(week.micro),   QString::number(week.long_),   QString::number(week.planned),
             QString::number(week.skipped), humanText(week.screenSeconds), humanText(week.breakSeconds)};
 }
@@ -116,7 +116,10 @@ private:
     void refresh() {
         const auto week = stats_.lastWeek();
         chart_->setDays(week);
-        const auto values = valuesOf(WeekFigures::of(week));
+        Day whole;
+        for (const auto &[label, day] : week)
+            whole = sum(whole, plausible(day));
+        const auto values = valuesOf(whole);
         for (std::size_t index = 0; index < values.size(); ++index)
             tiles_[index]->setValue(values[index]);
     }

@@ -1,10 +1,10 @@
 #include "UI/SettingsWindow/Pages/Stats/WeekChart.h"
 
 #include "Core/ClockText.h"
+#include "Core/DaySums.h"
 #include "UI/Controls/Accessibility.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Pixels.h"
-#include "UI/SettingsWindow/Pages/Stats/WeekFigures.h"
 
 #include <QFontMetricsF>
 #include <QHoverEvent>
@@ -38,6 +38,12 @@ QString weekday(const QString &abbreviation) {
     return abbreviation;
 }
 
+/// "Monday: 5h 20m at the screen, 20m on breaks."
+QString sentence(const LabelledDay &day) {
+    return QStringLiteral("%1: %2 at the screen, %3 on breaks.")
+        .arg(weekday(day.label), humanText(day.day.screenSeconds), humanText(day.day.breakSeconds));
+}
+
 double partHeight(Seconds duration, double scale) {
     return duration > 0 ? std::max(thinnestPart, duration * scale) : 0;
 }
@@ -69,17 +75,13 @@ WeekChart::WeekChart(Visuals &visuals) : visuals_(visuals) {
     setAccessibleName(QStringLiteral("Screen time and breaks of the last 7 days"));
 }
 
-QString WeekChart::sentence(const LabelledDay &day) {
-    return QStringLiteral("%1: %2 at the screen, %3 on breaks.")
-        .arg(weekday(day.label), humanText(plausible(day.day.screenSeconds)),
-             humanText(plausible(day.day.breakSeconds)));
-}
-
 void WeekChart::setDays(std::vector<LabelledDay> days) {
     days_ = std::move(days);
     QStringList sentences;
-    for (const LabelledDay &day : days_)
+    for (LabelledDay &day : days_) {
+        day.day = plausible(day.day);
         sentences.append(sentence(day));
+    }
     const QString told = sentences.join(u' ');
     if (told == accessibleDescription())
         return; // a second more is not to be seen
@@ -104,7 +106,7 @@ QRectF WeekChart::column(std::size_t day) const {
 double WeekChart::scale() const {
     Seconds most = 3600;
     for (const auto &[label, day] : days_)
-        most = std::max(most, plausible(day.screenSeconds) + plausible(day.breakSeconds));
+        most = std::max(most, day.screenSeconds + day.breakSeconds);
     return (barsHeight - gapInBar - thinnestPart) / most;
 }
 
@@ -113,8 +115,8 @@ WeekChart::Bar WeekChart::bar(std::size_t day) const {
     const double barWidth = std::min(widestBar, place.width() * 0.7);
     const double left = std::round(place.center().x() - barWidth / 2);
     const Day &figures = days_[day].day;
-    const double screen = std::round(partHeight(plausible(figures.screenSeconds), scale()));
-    const double breaks = std::round(partHeight(plausible(figures.breakSeconds), scale()));
+    const double screen = std::round(partHeight(figures.screenSeconds, scale()));
+    const double breaks = std::round(partHeight(figures.breakSeconds, scale()));
     const double gap = screen > 0 && breaks > 0 ? gapInBar : 0;
     return {{left, place.bottom() - breaks - gap - screen, barWidth, screen},
             {left, place.bottom() - breaks, barWidth, breaks}};
@@ -211,8 +213,8 @@ void WeekChart::paintLegend(QPainter &painter) const {
     };
     if (hovered_) {
         const auto &[label, figures] = days_[*hovered_];
-        screen = humanText(plausible(figures.screenSeconds)) + QStringLiteral(" at the screen");
-        breaks = humanText(plausible(figures.breakSeconds)) + QStringLiteral(" on breaks");
+        screen = humanText(figures.screenSeconds) + QStringLiteral(" at the screen");
+        breaks = humanText(figures.breakSeconds) + QStringLiteral(" on breaks");
         write(weekday(label), palette.text);
     }
     for (const auto &[text, colour] : {std::pair(screen, palette.accent), std::pair(breaks, palette.track)}) {

@@ -28,9 +28,6 @@ public:
     };
     Bar bar(std::size_t day) const;
 
-    /// "Monday: 5h 20m at the screen, 20m on breaks."
-    static QString sentence(const LabelledDay &day);
-
 protected:
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;

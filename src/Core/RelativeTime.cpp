@@ -1,4 +1,4 @@
-#include "UI/SettingsWindow/Pages/Advanced/RelativeTime.h"
+#include "Core/RelativeTime.h"
 
 #include <array>
 #include <cmath>
