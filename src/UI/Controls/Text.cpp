@@ -3,9 +3,11 @@
 #include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Pixels.h"
 
+#include <QFontMetricsF>
 #include <QPainter>
 #include <QTextLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace pavonel {
@@ -14,33 +16,31 @@ namespace {
 
 constexpr int longestWord = 120; // points that a text insists on; longer words are broken
 
-QFont fontOf(const Visuals &visuals, Text::Style style) {
+struct Type {
+    int size; ///< Points.
+    QFont::Weight weight;
+    QColor Palette::*ink;
+};
+
+Type typeOf(Text::Style style) {
     switch (style) {
     case Text::Style::pageTitle:
-        return visuals.font(22, QFont::Bold);
+        return {22, QFont::Bold, &Palette::text};
     case Text::Style::brand:
     case Text::Style::cardTitle:
-        return visuals.font(13, QFont::DemiBold);
+        return {13, QFont::DemiBold, &Palette::text};
     case Text::Style::cardSubtitle:
-        return visuals.font(12);
+        return {12, QFont::Normal, &Palette::secondaryText};
     case Text::Style::label:
-        return visuals.font(13);
+        break;
     case Text::Style::secondary:
-        return visuals.font(13);
+        return {13, QFont::Normal, &Palette::secondaryText};
     case Text::Style::note:
-        return visuals.font(11);
+        return {11, QFont::Normal, &Palette::secondaryText};
     case Text::Style::failure:
-        return visuals.font(11, QFont::Medium);
+        return {11, QFont::Medium, &Palette::failure};
     }
-    return visuals.font(13);
-}
-
-QColor inkOf(const Palette &palette, Text::Style style) {
-    if (style == Text::Style::failure)
-        return palette.failure;
-    const bool quiet =
-        style == Text::Style::cardSubtitle || style == Text::Style::secondary || style == Text::Style::note;
-    return quiet ? palette.secondaryText : palette.text;
+    return {13, QFont::Normal, &Palette::text};
 }
 
 /// Breaks the text into lines of this width; the height of all.
@@ -61,11 +61,8 @@ double breakLines(QTextLayout &layout, double width) {
 
 } // namespace
 
-Text::Text(Visuals &visuals, const QString &text, Style style) : visuals_(visuals), style_(style) {
-    QFont font = fontOf(visuals, style);
-    if (style == Style::pageTitle)
-        font.setLetterSpacing(QFont::AbsoluteSpacing, -0.2);
-    setFont(font);
+Text::Text(Visuals &visuals, const QString &text, Style style) : visuals_(visuals) {
+    setStyle(style);
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
@@ -75,10 +72,12 @@ Text::Text(Visuals &visuals, const QString &text, Style style) : visuals_(visual
 }
 
 void Text::setStyle(Style style) {
-    style_ = style;
-    setFont(fontOf(visuals_, style));
-    whole_ = {};
-    heightKnownFor_ = -1;
+    const Type type = typeOf(style);
+    QFont font = visuals_.font(type.size, type.weight);
+    if (style == Style::pageTitle)
+        font.setLetterSpacing(QFont::AbsoluteSpacing, -0.2);
+    setFont(font);
+    ink_ = type.ink;
     update();
 }
 
@@ -87,36 +86,21 @@ void Text::setText(const QString &text) {
         return;
     text_ = text;
     text_.replace(u'\n', QChar::LineSeparator);
-    whole_ = {};
-    heightKnownFor_ = -1;
     setAccessibleName(text);
     updateGeometry();
     update();
 }
 
 int Text::heightForWidth(int width) const {
-    if (width != heightKnownFor_) {
-        QTextLayout layout(text_, font());
-        height_ = static_cast<int>(std::ceil(breakLines(layout, width)));
-        heightKnownFor_ = width;
-    }
-    return height_;
-}
-
-QSize Text::sizeHint() const {
-    if (whole_.isEmpty())
-        whole_ = measured();
-    return whole_;
-}
-
-QSize Text::measured() const {
     QTextLayout layout(text_, font());
-    constexpr double unlimited = 1e6;
-    const double height = breakLines(layout, unlimited);
-    double widest = 0;
-    for (int i = 0; i < layout.lineCount(); ++i)
-        widest = std::max(widest, layout.lineAt(i).naturalTextWidth());
-    return {static_cast<int>(std::ceil(widest)) + 1, static_cast<int>(std::ceil(height))};
+    return static_cast<int>(std::ceil(breakLines(layout, width)));
+}
+
+/// On as few lines as it has.
+QSize Text::sizeHint() const {
+    const double widest = QFontMetricsF(font()).size(0, text_).width();
+    const int width = static_cast<int>(std::ceil(widest)) + 1;
+    return {width, heightForWidth(width)};
 }
 
 QSize Text::minimumSizeHint() const {
@@ -128,7 +112,7 @@ void Text::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     if (!isEnabled())
         painter.setOpacity(disabledOpacity);
-    painter.setPen(inkOf(visuals_.palette(), style_));
+    painter.setPen(visuals_.palette().*ink_);
     QTextLayout layout(text_, font());
     const double spare = QWidget::height() - breakLines(layout, width());
     layout.draw(&painter, QPointF(0, std::max(0.0, std::floor(spare / 2))));

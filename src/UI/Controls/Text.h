@@ -37,15 +37,9 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    QSize measured() const;
-
     Visuals &visuals_;
     QString text_;
-    Style style_;
-    // Layouts ask again and again, and breaking lines takes its time.
-    mutable QSize whole_;             ///< On as few lines as it has; empty for not measured.
-    mutable int heightKnownFor_ = -1; ///< A width.
-    mutable int height_ = 0;          ///< For that width.
+    QColor Palette::*ink_ = nullptr;
 };
 
 } // namespace pavonel

@@ -29,10 +29,7 @@ const std::vector<PageEntry> &allPages() {
 }
 
 const PageEntry &entryOf(Page page) {
-    const auto &pages = allPages();
-    const auto found = std::find_if(pages.begin(), pages.end(),
-                                    [page](const PageEntry &entry) { return entry.page == page; });
-    return found == pages.end() ? pages.front() : *found;
+    return *std::ranges::find(allPages(), page, &PageEntry::page);
 }
 
 } // namespace pavonel

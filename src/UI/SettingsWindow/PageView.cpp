@@ -2,10 +2,7 @@
 
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"
-#include "UI/Controls/ScrollArea.h"
 #include "UI/Controls/Text.h"
-
-#include <QScrollBar>
 
 namespace pavonel {
 
@@ -31,16 +28,20 @@ QWidget *cards(Visuals &visuals, const PageEntry &entry, PageContext &context) {
     return cards;
 }
 
-} // namespace
-
-PageView::PageView(Visuals &visuals, const PageEntry &entry, PageContext &context) {
+/// In the middle of the page.
+QWidget *content(Visuals &visuals, const PageEntry &entry, PageContext &context) {
     auto *content = new QWidget;
     auto *place = line(content, {side, top, side, bottom});
     place->addStretch(1);
     place->addWidget(cards(visuals, entry, context), 100'000); // all of the width, up to its widest
     place->addStretch(1);
-    area_ = new ScrollArea(visuals, content);
-    column(this)->addWidget(area_);
+    return content;
+}
+
+} // namespace
+
+PageView::PageView(Visuals &visuals, const PageEntry &entry, PageContext &context)
+    : ScrollArea(visuals, content(visuals, entry, context)) {
     setAccessibleName(entry.title);
 }
 
@@ -50,10 +51,6 @@ void PageView::refresh() {
         if (auto *follower = dynamic_cast<Follower *>(child))
             follower->refresh();
     }
-}
-
-void PageView::scroll(QAbstractSlider::SliderAction action) {
-    area_->verticalScrollBar()->triggerAction(action);
 }
 
 } // namespace pavonel

@@ -11,6 +11,7 @@
 #include <QBackingStore>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QShowEvent>
 
 namespace pavonel {
@@ -78,8 +79,8 @@ void SettingsView::keyPressEvent(QKeyEvent *event) {
     if (event->matches(QKeySequence::Close) || event->key() == Qt::Key_Escape) {
         close();
     } else if (page_ && (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown)) {
-        page_->scroll(event->key() == Qt::Key_PageUp ? QAbstractSlider::SliderPageStepSub
-                                                     : QAbstractSlider::SliderPageStepAdd);
+        page_->verticalScrollBar()->triggerAction(
+            event->key() == Qt::Key_PageUp ? QScrollBar::SliderPageStepSub : QScrollBar::SliderPageStepAdd);
     } else {
         QWidget::keyPressEvent(event);
     }

@@ -16,36 +16,20 @@
 #include <QStandardPaths>
 #include <QWidget>
 
-#include <functional>
 #include <optional>
 
 namespace pavonel {
 
 namespace {
 
-/// A picture of the user's in small, as the break screen shows it; loaded aside, since a file can be huge or
-/// far away.
-class PictureThumbnail final : public QWidget {
+/// A picture in small.
+class Thumbnail final : public QWidget {
 public:
-    explicit PictureThumbnail(Visuals &visuals) : visuals_(visuals) { setFixedSize(64, 40); }
+    explicit Thumbnail(Visuals &visuals) : visuals_(visuals) { setFixedSize(64, 40); }
 
-    enum class State { none, loading, shown, unreadable };
-    State state() const { return state_; }
-    std::function<void()> onState;
-
-    /// Reads the file anew, also when it is the same one.
-    void setPath(const QString &path) {
-        picture_ = {};
-        loading_ = {};
-        state_ = path.isEmpty() ? State::none : State::loading;
+    void setPicture(const QImage &picture) {
+        picture_ = picture;
         update();
-        if (path.isEmpty())
-            return;
-        const QSize pixels = (QSizeF(size()) * devicePixelRatioF()).toSize();
-        loading_ = BackgroundTask::start(visuals_.loop(), [this, path, pixels]() -> BackgroundTask::Action {
-            const auto file = readForeignFile(path, largestPictureFile);
-            return [this, picture = file ? pictureImage(*file, pixels) : QImage()] { take(picture); };
-        });
     }
 
 protected:
@@ -59,18 +43,8 @@ protected:
     }
 
 private:
-    void take(const QImage &picture) {
-        picture_ = picture;
-        state_ = picture.isNull() ? State::unreadable : State::shown;
-        update();
-        if (onState)
-            onState();
-    }
-
     Visuals &visuals_;
-    State state_ = State::none;
     QImage picture_;
-    BackgroundTask loading_;
 };
 
 constexpr int plainHeight = 46;
@@ -86,27 +60,39 @@ QString pictureFilter() {
 class CustomImageRow final : public CardRow {
 public:
     CustomImageRow(Visuals &visuals, Settings &settings)
-        : CardRow(visuals), settings_(settings), thumbnail_(new PictureThumbnail(visuals)),
+        : CardRow(visuals), settings_(settings), thumbnail_(new Thumbnail(visuals)),
           name_(new Text(visuals, {}, Text::Style::label)), note_(new Text(visuals, {}, Text::Style::note)),
-          remove_(new Button(QStringLiteral("Remove"))),
-          choose_(new Button(QStringLiteral("Choose image…"))) {
+          remove_(new Button(QStringLiteral("Remove"))) {
+        auto *choose = new Button(QStringLiteral("Choose image…"));
         add(thumbnail_);
         addTexts();
         add(remove_);
-        add(choose_);
-        thumbnail_->onState = [this] { describe(); };
+        add(choose);
         connect(remove_, &Button::clicked, this, [this] { settings_.customBackgroundPath = QString(); });
-        connect(choose_, &Button::clicked, this, [this] { choose(); });
+        connect(choose, &Button::clicked, this, [this] { this->choose(); });
         follow(*this, [this] { refresh(); });
     }
 
 private:
+    enum class State { none, loading, shown, unreadable };
+
+    /// Loads aside, since a file can be huge or far away.
     void refresh() {
-        if (path_ == settings_.customBackgroundPath.get())
+        const QString path = settings_.customBackgroundPath;
+        if (path_ == path)
             return;
-        path_ = settings_.customBackgroundPath;
-        thumbnail_->setPath(*path_);
-        describe();
+        path_ = path;
+        loading_ = {};
+        display(path.isEmpty() ? State::none : State::loading);
+        if (path.isEmpty())
+            return;
+        const QSize pixels = (QSizeF(thumbnail_->size()) * devicePixelRatioF()).toSize();
+        loading_ = BackgroundTask::start(visuals().loop(), [this, path, pixels]() -> BackgroundTask::Action {
+            const auto file = readForeignFile(path, largestPictureFile);
+            return [this, picture = file ? pictureImage(*file, pixels) : QImage()] {
+                display(picture.isNull() ? State::unreadable : State::shown, picture);
+            };
+        });
     }
 
     void addTexts() {
@@ -120,9 +106,9 @@ private:
         static_cast<QHBoxLayout *>(layout())->setStretchFactor(texts, 1);
     }
 
-    void describe() {
-        using State = PictureThumbnail::State;
-        const State state = thumbnail_->state();
+    void display(State state, const QImage &picture = {}) {
+        state_ = state;
+        thumbnail_->setPicture(picture);
         name_->setText(state == State::none ? QStringLiteral("No custom image")
                                             : QFileInfo(*path_).fileName());
         note_->setText(state == State::shown ? QStringLiteral("Shown in place of the style.")
@@ -138,9 +124,8 @@ private:
 
     /// Beside the picture, unless its disk may hold up the dialog.
     QString startFolder() const {
-        return thumbnail_->state() == PictureThumbnail::State::shown
-                   ? QFileInfo(*path_).path()
-                   : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+        return state_ == State::shown ? QFileInfo(*path_).path()
+                                      : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
     }
 
     void choose() {
@@ -155,11 +140,12 @@ private:
 
     Settings &settings_;
     std::optional<QString> path_; ///< That is shown; absent while nothing is yet.
-    PictureThumbnail *thumbnail_;
+    State state_ = State::none;
+    BackgroundTask loading_;
+    Thumbnail *thumbnail_;
     Text *name_;
     Text *note_;
     Button *remove_;
-    Button *choose_;
 };
 
 } // namespace
