@@ -3,9 +3,7 @@
 #include "UI/Controls/PopUpButton.h"
 #include "UI/Controls/Stepper.h"
 #include "UI/Controls/Switch.h"
-#include "UI/SettingsWindow/Pages/Planned/PlannedEditing.h"
 #include "UI/SettingsWindow/Pages/Planned/PlannedRow.h"
-#include "UI/SettingsWindow/Pages/Planned/WeekdayToggle.h"
 #include "support/OpenSettings.h"
 #include "support/windows.h"
 
@@ -142,7 +140,7 @@ TEST_F(PlannedPage, writes_the_weekdays_by_the_numbers_of_the_record) {
                                      u"Thursday"_s, u"Friday"_s, u"Saturday"_s};
     for (int weekday = 1; weekday <= 7; ++weekday) {
         auto *toggle =
-            in<WeekdayToggle>(u"Tea"_s, QAccessible::CheckBox, names[static_cast<std::size_t>(weekday - 1)]);
+            in<Button>(u"Tea"_s, QAccessible::CheckBox, names[static_cast<std::size_t>(weekday - 1)]);
         ASSERT_NE(toggle, nullptr) << weekday;
         const bool before = breaks()[0].weekdays.contains(weekday);
         EXPECT_EQ(toggle->isChecked(), before);
@@ -156,7 +154,7 @@ TEST_F(PlannedPage, a_break_may_have_no_weekday_at_all) {
     PlannedBreak planned = named(u"Tea"_s);
     planned.weekdays = {2};
     show({planned});
-    in<WeekdayToggle>(u"Tea"_s, QAccessible::CheckBox, u"Monday"_s)->click();
+    in<Button>(u"Tea"_s, QAccessible::CheckBox, u"Monday"_s)->click();
     EXPECT_TRUE(breaks()[0].weekdays.empty());
 }
 
@@ -218,7 +216,7 @@ TEST_F(PlannedPage, shows_a_record_that_no_control_could_have_made_and_leaves_it
     EXPECT_EQ(in<PopUpButton>(u"odd"_s, QAccessible::ComboBox, u"Hour"_s)->choice(), u"99"_s);
     EXPECT_FALSE(open.window()->grab().isNull());
     EXPECT_EQ(breaks()[0], odd);
-    in<WeekdayToggle>(u"odd"_s, QAccessible::CheckBox, u"Monday"_s)->click();
+    in<Button>(u"odd"_s, QAccessible::CheckBox, u"Monday"_s)->click();
     EXPECT_EQ(breaks()[0].weekdays, (std::set<int>{0, 2, 9}));
 }
 
@@ -245,7 +243,7 @@ TEST_F(PlannedPage, follows_changes_from_elsewhere) {
     open.settle();
     EXPECT_EQ(labelOf(u"Walk"_s)->text(), u"Walk"_s);
     EXPECT_EQ(in<PopUpButton>(u"Walk"_s, QAccessible::ComboBox, u"Hour"_s)->choice(), hourText(7));
-    EXPECT_TRUE(in<WeekdayToggle>(u"Walk"_s, QAccessible::CheckBox, u"Saturday"_s)->isChecked());
+    EXPECT_TRUE(in<Button>(u"Walk"_s, QAccessible::CheckBox, u"Saturday"_s)->isChecked());
 }
 
 TEST_F(PlannedPage, of_hundreds_only_those_near_the_visible_ones_have_controls) {
@@ -336,10 +334,10 @@ TEST_F(PlannedPage, the_rows_have_room_in_the_smallest_window_and_nothing_scroll
 
 TEST(WeekdayToggles, begin_with_the_first_day_of_the_users_week) {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    EXPECT_EQ(WeekdayToggle::inOrder(), (std::vector<int>{1, 2, 3, 4, 5, 6, 7}));
+    EXPECT_EQ(weekdaysInOrder(), (std::vector<int>{1, 2, 3, 4, 5, 6, 7}));
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-    EXPECT_EQ(WeekdayToggle::inOrder(), (std::vector<int>{2, 3, 4, 5, 6, 7, 1}));
-    EXPECT_EQ(WeekdayToggle::nameOf(2), u"Monday"_s);
+    EXPECT_EQ(weekdaysInOrder(), (std::vector<int>{2, 3, 4, 5, 6, 7, 1}));
+    EXPECT_EQ(weekdayName(2), u"Monday"_s);
     QLocale::setDefault(QLocale::c());
 }
 

@@ -23,7 +23,7 @@ protected:
     FakePlatform platform;
     Visuals visuals{platform};
     QStringList made;
-    RowList *rows = new RowList(visuals, height, RowList::Lines::all, [this](const QString &key) {
+    RowList *rows = new RowList(height, [this](const QString &key) {
         made.append(key);
         return Button::ofSymbol(QStringLiteral("plus"), key);
     });
@@ -90,7 +90,7 @@ TEST_F(RowListTest, of_a_long_list_makes_only_the_rows_near_the_visible_part) {
 
 TEST_F(RowListTest, makes_no_row_of_a_long_list_before_it_is_shown) {
     QWidget page;
-    RowList unseen(visuals, height, RowList::Lines::none, [](const QString &) { return new QWidget; });
+    RowList unseen(height, [](const QString &) { return new QWidget; });
     unseen.setParent(&page);
     unseen.setKeys(numbered(1000));
     for (std::size_t index = 0; index < 1000; ++index)

@@ -14,6 +14,7 @@ public:
         plain,
         prominent, ///< What most people want to do here; at most one a page.
         bare,      ///< Only its symbol, until the pointer or the keyboard is there.
+        disc,      ///< Round, for a letter; one that can be checked shows it by its colour.
         notice,    ///< On a notice, which never has the keyboard and has one size.
         noticeProminent,
         noticeClose,

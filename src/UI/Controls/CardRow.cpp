@@ -42,8 +42,6 @@ void CardRow::addLabel(const QString &label, const QString &note) {
 }
 
 void CardRow::paintEvent(QPaintEvent *) {
-    if (y() == 0)
-        return; // the card's own outline is there
     QPainter painter(this);
     drawLine(painter, visuals_, 0, width());
 }

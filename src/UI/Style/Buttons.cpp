@@ -16,6 +16,7 @@ namespace pavonel::drawing {
 namespace {
 
 constexpr int bodyHeight = 28;
+constexpr int discDiameter = 26;
 constexpr int padding = 14;
 constexpr double radius = 8;
 constexpr double noticeRadius = 7;
@@ -43,12 +44,20 @@ ButtonColours coloursOf(const QWidget *widget, const QStyleOptionButton &option,
         return palette.panelButton;
     case Button::Role::noticeClose:
         return palette.closeButton;
-    case Button::Role::bare:
+    case Button::Role::bare: {
         ButtonColours bare = palette.panelButton;
         bare.fill = Qt::transparent;
         if (!(option.state & (QStyle::State_MouseOver | QStyle::State_Sunken)))
             bare.ink = palette.secondaryText;
         return bare;
+    }
+    case Button::Role::disc: {
+        if (option.state.testFlag(QStyle::State_On))
+            return palette.prominentButton;
+        ButtonColours off = palette.plainButton;
+        off.ink = palette.secondaryText;
+        return off;
+    }
     }
     return palette.plainButton;
 }
@@ -113,6 +122,8 @@ QSize pushButtonSize(const QStyleOptionButton &option, const Visuals &visuals, c
     const QSize room = QSize(2, 2) * FocusRing::room;
     if (option.text.isEmpty() && button)
         return QSize(1, 1) * Button::roundDiameter(visuals) + room;
+    if (roleOf(widget) == Button::Role::disc)
+        return QSize(1, 1) * visuals.length(discDiameter) + room;
     const int text = option.fontMetrics.size(Qt::TextShowMnemonic, option.text).width();
     const int symbol =
         !button || button->symbol().isEmpty() ? 0 : qRound(button->symbolSide(visuals)) + symbolGap;
@@ -127,8 +138,9 @@ void drawPushButton(const Context &context, const QStyleOptionButton &option) {
     const Button *button = ours(context.widget);
     const double room = button && button->isNotice() ? 0 : FocusRing::room;
     const QRectF body = QRectF(option.rect).adjusted(room, room, -room, -room);
-    const double corner = option.text.isEmpty() ? body.height() / 2 : room > 0 ? radius : noticeRadius;
-    drawBody(painter, body, corner, colours, option.state);
+    const bool round = option.text.isEmpty() || roleOf(context.widget) == Button::Role::disc;
+    const double corner = round ? body.height() / 2 : room > 0 ? radius : noticeRadius;
+    drawBody(painter, body, corner, colours, option.state & ~QStyle::State_On); // said by the colours
     drawContent(context, option, body, colours.ink);
     if (context.widget)
         FocusRing::draw(painter, *context.widget, body, corner, palette.accentText);

@@ -69,7 +69,9 @@ void Style::giveType(QWidget &widget) {
     const auto *button = dynamic_cast<Button *>(&widget);
     if (button && button->isNotice())
         return; // has one size
-    if (qobject_cast<QPushButton *>(&widget))
+    if (button && button->role() == Button::Role::disc)
+        widget.setFont(visuals_.font(11, QFont::DemiBold));
+    else if (qobject_cast<QPushButton *>(&widget))
         widget.setFont(visuals_.font(13, QFont::Medium));
     else if (qobject_cast<QMenu *>(&widget) || qobject_cast<QComboBox *>(&widget) ||
              qobject_cast<QLineEdit *>(&widget) || qobject_cast<QAbstractSpinBox *>(&widget))

@@ -1,13 +1,10 @@
 #include "UI/SettingsWindow/Rows/RowList.h"
 
 #include "UI/Controls/Accessibility.h"
-#include "UI/Controls/CardRow.h"
 
 #include <QCoreApplication>
 #include <QEvent>
 #include <QHash>
-#include <QPaintEvent>
-#include <QPainter>
 #include <QScrollArea>
 #include <QScrollBar>
 
@@ -35,9 +32,8 @@ template <class Ancestor> Ancestor *ancestor(const QWidget *widget) {
 
 } // namespace
 
-RowList::RowList(Visuals &visuals, Height rowHeight, Lines lines, Make make)
-    : visuals_(visuals), heightAt_(std::move(rowHeight)), lines_(lines), make_(std::move(make)),
-      chainBegin_(new QWidget(this)) {
+RowList::RowList(Height rowHeight, Make make)
+    : heightAt_(std::move(rowHeight)), make_(std::move(make)), chainBegin_(new QWidget(this)) {
     chainBegin_->setFocusPolicy(Qt::TabFocus); // else it has no place in that order
     chainBegin_->hide();
     QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -188,16 +184,6 @@ void RowList::chainFocus() {
             setTabOrder(previous, stop);
             previous = stop;
         }
-    }
-}
-
-void RowList::paintEvent(QPaintEvent *event) {
-    const std::size_t lines = lines_ == Lines::all ? rows_.size() : lines_ == Lines::first ? 1 : 0;
-    QPainter painter(this);
-    for (std::size_t index = 0; index < lines; ++index) {
-        const double y = static_cast<double>(index) * rowHeight();
-        if (event->rect().top() <= y && y <= event->rect().bottom())
-            CardRow::drawLine(painter, visuals_, y, width());
     }
 }
 

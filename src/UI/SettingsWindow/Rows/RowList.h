@@ -1,7 +1,5 @@
 #pragma once
 
-#include "UI/Controls/Visuals.h"
-
 #include <QPointer>
 #include <QStringList>
 #include <QWidget>
@@ -21,18 +19,9 @@ public:
     using Height = std::function<int(int width)>;
     using Make = std::function<QWidget *(const QString &key)>;
 
-    /// Hairlines above the rows.
-    enum class Lines {
-        all,
-        first, ///< For rows that draw those between them.
-        none
-    };
-
     /// `make` gives a new widget, which the list owns.
-    RowList(Visuals &visuals, Height rowHeight, Lines lines, Make make);
-    RowList(Visuals &visuals, int rowHeight, Lines lines, Make make)
-        : RowList(
-              visuals, [rowHeight](int) { return rowHeight; }, lines, std::move(make)) {}
+    RowList(Height rowHeight, Make make);
+    RowList(int rowHeight, Make make) : RowList([rowHeight](int) { return rowHeight; }, std::move(make)) {}
 
     /// Each key stands for one row; none comes twice.
     void setKeys(const QStringList &keys);
@@ -50,7 +39,6 @@ public:
 
 protected:
     bool event(QEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
@@ -68,9 +56,7 @@ private:
     void dropFarRows();
     void chainFocus();
 
-    Visuals &visuals_;
     Height heightAt_;
-    Lines lines_;
     Make make_;
     QStringList keys_;
     std::vector<QWidget *> rows_; ///< As many as keys; null for those that do not exist.

@@ -10,7 +10,6 @@
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 
-#include <QPainter>
 #include <QProgressBar>
 
 #include <algorithm>
@@ -74,13 +73,6 @@ public:
         static_cast<QBoxLayout *>(layout())->setStretchFactor(place, 1);
         addButton();
         describe();
-    }
-
-protected:
-    /// As the first in its part it would take itself for the first in the card.
-    void paintEvent(QPaintEvent *) override {
-        QPainter painter(this);
-        drawLine(painter, visuals(), 0, width());
     }
 
 private:

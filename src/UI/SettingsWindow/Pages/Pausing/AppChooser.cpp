@@ -155,7 +155,7 @@ private:
     QWidget *list() {
         auto *content = new Column;
         auto *lines = column(content);
-        rows_ = new RowList(visuals_, visuals_.lineHeight(rowHeight), RowList::Lines::none,
+        rows_ = new RowList(visuals_.lineHeight(rowHeight),
                             [this](const QString &identifier) { return row(identifier); });
         nothing_ = new Text(visuals_, QStringLiteral("No application is called so"), Text::Style::secondary);
         auto *empty = column(nullptr, {padding, 8, padding, 8});

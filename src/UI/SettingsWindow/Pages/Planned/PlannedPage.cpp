@@ -3,14 +3,11 @@
 #include "UI/Controls/Layouts.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Page.h"
-#include "UI/SettingsWindow/Pages/Planned/PlannedEditing.h"
 #include "UI/SettingsWindow/Pages/Planned/PlannedRow.h"
-#include "UI/SettingsWindow/Rows/Element.h"
+#include "UI/SettingsWindow/Rows/EditedList.h"
 #include "UI/SettingsWindow/Rows/RowList.h"
-#include "UI/SettingsWindow/Rows/Rows.h"
 
 #include <algorithm>
-#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -24,63 +21,50 @@ namespace {
 /// set when the user adds one, to which the keyboard then goes.
 class PlannedList final : public QWidget {
 public:
-    PlannedList(Visuals &visuals, Settings &settings, std::shared_ptr<bool> added)
-        : settings_(settings), added_(std::move(added)),
-          state_(new Text(visuals, {}, Text::Style::secondary)),
-          rows_(new RowList(
-              visuals, [&visuals](int width) { return PlannedRow::heightAt(width, visuals); },
-              RowList::Lines::all, [this, &visuals](const QString &key) { return row(visuals, key); })) {
+    PlannedList(Visuals &visuals, Setting<PlannedBreaks> &breaks, std::shared_ptr<bool> added)
+        : current_(breaks),
+          breaks_(breaks, [](const PlannedBreak &planned) { return planned.id.toString(); }),
+          added_(std::move(added)), state_(new Text(visuals, {}, Text::Style::secondary)),
+          rows_(new RowList([&visuals](int width) { return PlannedRow::heightAt(width, visuals); },
+                            [this, &visuals](const QString &key) { return row(visuals, key); })),
+          undo_(new UndoRow(visuals)) {
         auto *lines = column(this);
         auto *head = column(nullptr, {CardRow::margin, 3, CardRow::margin, 12});
         head->addWidget(state_);
         lines->addLayout(head);
         lines->addWidget(rows_);
-        undo_ = new UndoRow(visuals);
         lines->addWidget(undo_);
         follow(*this, [this] { refresh(); });
     }
 
 private:
     void refresh() {
-        const PlannedBreaks &breaks = settings_.plannedBreaks;
-        state_->setText(breaks.empty() ? QStringLiteral("No planned breaks yet") : activeText(breaks));
-        const QStringList keys = plannedKeys(breaks);
-        rows_->setKeys(keys);
-        for (qsizetype index = 0; index < keys.size(); ++index) {
-            if (auto *row = static_cast<PlannedRow *>(rows_->rowAt(static_cast<std::size_t>(index))))
-                row->display(breaks[static_cast<std::size_t>(index)]);
+        const PlannedBreaks &breaks = current_;
+        const auto active = std::ranges::count_if(breaks, &PlannedBreak::enabled);
+        state_->setText(breaks.empty() ? u"No planned breaks yet"_s : u"%1 active"_s.arg(active));
+        rows_->setKeys(breaks_.keys());
+        for (std::size_t index = 0; index < breaks.size(); ++index) {
+            if (auto *row = static_cast<PlannedRow *>(rows_->rowAt(index)))
+                row->display(breaks[index]);
         }
-        if (std::exchange(*added_, false) && !keys.isEmpty())
-            static_cast<PlannedRow &>(rows_->reveal(static_cast<std::size_t>(keys.size()) - 1))
-                .takeKeyboard();
+        if (std::exchange(*added_, false) && !breaks.empty())
+            static_cast<PlannedRow &>(rows_->reveal(breaks.size() - 1)).takeKeyboard();
     }
 
     QWidget *row(Visuals &visuals, const QString &key) {
         auto *row = new PlannedRow(
-            visuals,
-            [this, key](const PlannedRow::Edit &edit) {
-                settings_.plannedBreaks = edited(settings_.plannedBreaks, key, edit);
-            },
-            [this, key] { remove(key); });
-        if (const PlannedBreak *planned = plannedBreak(settings_.plannedBreaks, key))
+            visuals, [this, key](const PlannedRow::Edit &edit) { breaks_.change(key, edit); },
+            [this, key] {
+                if (const auto planned = breaks_.entry(key))
+                    breaks_.remove(key, *undo_, planned->label);
+            });
+        if (const auto planned = breaks_.entry(key))
             row->display(*planned);
         return row;
     }
 
-    void remove(const QString &key) {
-        const PlannedBreaks before = settings_.plannedBreaks;
-        const PlannedBreak *planned = plannedBreak(before, key);
-        if (!planned)
-            return;
-        settings_.plannedBreaks = without(before, key);
-        undo_->offer(planned->label, [this, gone = *planned, place = planned - before.data()] {
-            PlannedBreaks breaks = settings_.plannedBreaks;
-            breaks.insert(breaks.begin() + std::min(place, std::ssize(breaks)), gone);
-            settings_.plannedBreaks = std::move(breaks);
-        });
-    }
-
-    Settings &settings_;
+    const Setting<PlannedBreaks> &current_;
+    EditedList<PlannedBreaks> breaks_;
     std::shared_ptr<bool> added_;
     Text *state_;
     RowList *rows_;
@@ -99,7 +83,7 @@ Elements plannedPage(PageContext &context) {
         *added = true;
     };
     const auto list = [&settings, added](Visuals &visuals) {
-        return new PlannedList(visuals, settings, added);
+        return new PlannedList(visuals, settings.plannedBreaks, added);
     };
     return {
         card(u"Your schedule"_s, u"Planned breaks still wait for meetings, calls and focus apps"_s, {list}),

@@ -12,10 +12,11 @@
 #include "UI/Controls/Stepper.h"
 #include "UI/Controls/Switch.h"
 #include "UI/Controls/Text.h"
-#include "UI/SettingsWindow/Pages/Planned/PlannedEditing.h"
-#include "UI/SettingsWindow/Pages/Planned/WeekdayToggle.h"
 
 #include <QLineEdit>
+#include <QLocale>
+#include <QPainter>
+#include <QSignalBlocker>
 
 #include <algorithm>
 
@@ -27,6 +28,7 @@ constexpr int lineHeight = 36;
 constexpr int air = 9; // above and below the lines
 constexpr int gap = 8; // beside the time
 constexpr int left = CardRow::margin - FocusRing::room;
+constexpr int right = left;
 constexpr Range durations{300, 14400};
 constexpr double durationStep = 300;
 constexpr int hours = 24;
@@ -38,15 +40,60 @@ bool isWide(int width, const Visuals &visuals) {
     return width >= visuals.length(widest);
 }
 
+/// As high as a line.
+QHBoxLayout *half(const Visuals &visuals, int atTheRight = 0, int spacing = 0) {
+    auto *half = line(nullptr, {0, 0, atTheRight, 0}, spacing);
+    half->addStrut(visuals.length(lineHeight));
+    return half;
+}
+
+/// Side by side, or one above the other.
+QBoxLayout *pairOf(QLayout *one, QLayout *other) {
+    auto *pair = new QBoxLayout(QBoxLayout::LeftToRight);
+    pair->addLayout(one, 1);
+    pair->addLayout(other);
+    return pair;
+}
+
+QString minuteText(int minute) {
+    return QStringLiteral("%1").arg(minute, 2, 10, QLatin1Char('0'));
+}
+
 } // namespace
+
+QString hourText(int hour) {
+    const bool twelve = QLocale().timeFormat(QLocale::ShortFormat).contains(u'a', Qt::CaseInsensitive);
+    if (!twelve || hour < 0 || hour > 23)
+        return QStringLiteral("%1").arg(hour, 2, 10, QLatin1Char('0'));
+    return QStringLiteral("%1 %2")
+        .arg(hour % 12 == 0 ? 12 : hour % 12)
+        .arg(QLatin1String(hour < 12 ? "AM" : "PM"));
+}
+
+std::vector<int> weekdaysInOrder() {
+    std::vector<int> days;
+    int day = QLocale().firstDayOfWeek(); // Monday is 1
+    for (int count = 0; count < 7; ++count, day = day % 7 + 1)
+        days.push_back(day % 7 + 1);
+    return days;
+}
+
+QString weekdayName(int weekday) {
+    return QLocale(QLocale::English, QLocale::UnitedStates).dayName(weekday == 1 ? 7 : weekday - 1);
+}
 
 PlannedRow::PlannedRow(Visuals &visuals, std::function<void(const Edit &)> change,
                        std::function<void()> remove)
     : visuals_(visuals), change_(std::move(change)) {
     setAccessibleRole(*this, QAccessible::Grouping);
-    addFirstLine();
-    addWeekdays();
-    addDuration();
+    auto *lines = column(this, {left, air, 0, air});
+    lines->setSizeConstraint(QLayout::SetNoConstraint);
+    makeHead();
+    makeTime();
+    makeWeekdays();
+    makeDuration();
+    lines->addLayout(first_ = pairOf(head_, time_));
+    lines->addLayout(second_ = pairOf(days_, length_));
     connect(remove_, &Button::clicked, this, std::move(remove),
             Qt::QueuedConnection); // this row goes with it
 }
@@ -61,93 +108,78 @@ int PlannedRow::heightAt(int width, const Visuals &visuals) {
 }
 
 QSize PlannedRow::minimumSizeHint() const {
-    const int buttons = enabled_->sizeHint().width() + 4 + remove_->sizeHint().width();
-    const int widest = std::max(
-        {time_->sizeHint().width() + gap + buttons, days_->sizeHint().width(), length_->sizeHint().width()});
-    return {left + widest + CardRow::margin, heightAt(width(), visuals_)};
+    const int widest =
+        std::max({time_->sizeHint().width(), days_->sizeHint().width(), length_->sizeHint().width()});
+    return {left + widest, heightAt(width(), visuals_)};
 }
 
-void PlannedRow::addFirstLine() {
+/// The controls keep their order, on however many lines they stand.
+void PlannedRow::resizeEvent(QResizeEvent *) {
+    const bool wide = isWide(width(), visuals_);
+    for (QBoxLayout *pair : {first_, second_}) {
+        pair->setDirection(wide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+        pair->setSpacing(wide ? gap : 0);
+    }
+    head_->setContentsMargins(0, 0, wide ? 0 : right, 0);
+    layout()->activate();
+}
+
+void PlannedRow::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    CardRow::drawLine(painter, visuals_, 0, width());
+}
+
+void PlannedRow::makeHead() {
     label_ = lineEdit(QStringLiteral("Label"), QStringLiteral("Label"));
     connect(label_, &QLineEdit::textChanged, this, [this](const QString &text) {
         change_([&](PlannedBreak &planned) { planned.label = text; });
         nameAfter(text);
     });
+    head_ = half(visuals_);
+    head_->addWidget(label_);
+}
+
+void PlannedRow::makeTime() {
     hour_ = picker(QStringLiteral("Hour"), hours, hourText, &PlannedBreak::hour);
     minute_ = picker(QStringLiteral("Minute"), minutes, minuteText, &PlannedBreak::minute);
     enabled_ = new Switch(visuals_, QStringLiteral("Enabled"));
     connect(enabled_, &Switch::toggled, this,
             [this](bool on) { change_([on](PlannedBreak &planned) { planned.enabled = on; }); });
     remove_ = Button::ofSymbol(QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove"));
-    label_->setParent(this);
-    time_ = new QWidget(this);
-    QHBoxLayout *clock = line(time_);
-    clock->addWidget(hour_);
-    clock->addWidget(new Text(visuals_, QStringLiteral(":"), Text::Style::label));
-    clock->addWidget(minute_);
-    enabled_->setParent(this);
-    remove_->setParent(this);
+    time_ = half(visuals_, CardRow::margin - Button::besideSymbol(visuals_));
+    time_->addWidget(hour_);
+    time_->addWidget(new Text(visuals_, QStringLiteral(":"), Text::Style::label));
+    time_->addWidget(minute_);
+    time_->addSpacing(gap);
+    time_->addStretch();
+    time_->addWidget(enabled_);
+    time_->addSpacing(gap / 2);
+    time_->addWidget(remove_);
 }
 
-void PlannedRow::addWeekdays() {
-    days_ = new QWidget(this);
-    QHBoxLayout *days = line(days_);
-    for (const int weekday : WeekdayToggle::inOrder()) {
-        auto *toggle = new WeekdayToggle(visuals_, weekday);
-        connect(toggle, &WeekdayToggle::toggled, this,
-                [this, weekday](bool on) { toggleWeekday(weekday, on); });
-        days->addWidget(toggle);
-        weekdays_.push_back(toggle);
+void PlannedRow::makeWeekdays() {
+    days_ = half(visuals_);
+    for (const int weekday : weekdaysInOrder()) {
+        auto *toggle = new Button(weekdayName(weekday).left(1), Button::Role::disc);
+        toggle->setCheckable(true);
+        toggle->setAccessibleName(weekdayName(weekday));
+        toggle->setToolTip(weekdayName(weekday));
+        connect(toggle, &Button::toggled, this, [this, weekday](bool on) { toggleWeekday(weekday, on); });
+        days_->addWidget(toggle);
+        weekdays_[weekday] = toggle;
     }
+    days_->addStretch();
 }
 
-void PlannedRow::addDuration() {
+void PlannedRow::makeDuration() {
     duration_ = new Stepper(QStringLiteral("Duration"), durations, durationStep, humanText);
     duration_->onStep = [this](double seconds) {
         change_([seconds](PlannedBreak &planned) { planned.duration = seconds; });
     };
-    length_ = new QWidget(this);
-    QHBoxLayout *parts = line(length_, {}, 6);
-    parts->addWidget(new Text(visuals_, QStringLiteral("For"), Text::Style::secondary));
-    parts->addWidget(duration_);
-}
-
-bool PlannedRow::event(QEvent *event) {
-    if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)
-        arrange();
-    return QWidget::event(event);
-}
-
-/// The controls keep their order, on however many lines they stand.
-void PlannedRow::arrange() {
-    const bool wide = isWide(width(), visuals_);
-    const int high = visuals_.length(lineHeight);
-    const int right = width() - CardRow::margin + FocusRing::room;
-    int y = air;
-    const auto place = [&](QWidget *widget, int x, int breadth) {
-        const int tall = widget->layout() ? high : widget->sizeHint().height();
-        widget->setGeometry(x, y + (high - tall) / 2, breadth, tall);
-        return x;
-    };
-    const auto placeBefore = [&](QWidget *widget, int end) {
-        const int breadth = widget->sizeHint().width();
-        return place(widget, end - breadth, breadth);
-    };
-    const int end = width() - CardRow::margin + Button::besideSymbol(visuals_);
-    if (!wide) {
-        place(label_, left, right - left);
-        y += high;
-    }
-    const int buttons = placeBefore(enabled_, placeBefore(remove_, end) - 4);
-    if (wide)
-        place(label_, left, placeBefore(time_, buttons - gap) - gap - left);
-    else
-        place(time_, left, time_->sizeHint().width());
-    y += high;
-    place(days_, left, days_->sizeHint().width());
-    if (!wide)
-        y += high;
-    placeBefore(length_, right);
+    length_ = half(visuals_, right, 6);
+    length_->addStretch();
+    length_->addWidget(new Text(visuals_, QStringLiteral("For"), Text::Style::secondary));
+    length_->addWidget(duration_);
 }
 
 PopUpButton *PlannedRow::picker(const QString &name, int count, QString (*text)(int),
@@ -178,8 +210,10 @@ void PlannedRow::display(const PlannedBreak &planned) {
     minute_->setChoice(minuteText(planned.minute));
     enabled_->setOn(planned.enabled);
     duration_->setValue(planned.duration);
-    for (WeekdayToggle *toggle : weekdays_)
-        toggle->setOn(planned.weekdays.contains(toggle->weekday()));
+    for (const auto &[weekday, toggle] : weekdays_) {
+        const QSignalBlocker silence(toggle);
+        toggle->setChecked(planned.weekdays.contains(weekday));
+    }
     nameAfter(planned.label);
 }
 

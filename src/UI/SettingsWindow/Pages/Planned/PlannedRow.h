@@ -6,8 +6,11 @@
 #include <QWidget>
 
 #include <functional>
+#include <map>
 #include <vector>
 
+class QBoxLayout;
+class QHBoxLayout;
 class QLineEdit;
 
 namespace pavonel {
@@ -16,7 +19,15 @@ class Button;
 class PopUpButton;
 class Stepper;
 class Switch;
-class WeekdayToggle;
+
+/// "9" as people write it: "09", or "9 AM" where the clock has twelve hours.
+QString hourText(int hour);
+
+/// All seven, from the first day of the user's week on. 1 is Sunday, 7 is Saturday.
+std::vector<int> weekdaysInOrder();
+
+/// In English, as all texts are.
+QString weekdayName(int weekday);
 
 /// One planned break to edit: its label, time, weekdays, length and switch, and a button that removes it. On
 /// two lines; on four where the page is narrow for the size of the text.
@@ -39,13 +50,14 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
-    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
-    void addFirstLine();
-    void addWeekdays();
-    void addDuration();
-    void arrange();
+    void makeHead();
+    void makeTime();
+    void makeWeekdays();
+    void makeDuration();
     PopUpButton *picker(const QString &name, int count, QString (*text)(int), int PlannedBreak::*field);
     void toggleWeekday(int weekday, bool on);
     void nameAfter(const QString &label);
@@ -53,15 +65,19 @@ private:
     Visuals &visuals_;
     std::function<void(const Edit &)> change_;
     QLineEdit *label_;
-    QWidget *time_;
     PopUpButton *hour_;
     PopUpButton *minute_;
     Switch *enabled_;
     Button *remove_;
-    std::vector<WeekdayToggle *> weekdays_;
-    QWidget *days_;
-    QWidget *length_;
+    std::map<int, Button *> weekdays_;
     Stepper *duration_;
+    // Two lines of two halves; four lines where there is no room.
+    QHBoxLayout *head_;
+    QHBoxLayout *time_; ///< With the switch and the button.
+    QHBoxLayout *days_;
+    QHBoxLayout *length_;
+    QBoxLayout *first_;
+    QBoxLayout *second_;
 };
 
 } // namespace pavonel
