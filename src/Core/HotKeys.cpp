@@ -1,5 +1,7 @@
 #include "Core/HotKeys.h"
 
+#include <QStringList>
+
 #include <utility>
 
 namespace pavonel {
@@ -42,6 +44,28 @@ void HotKeyManager::dispatch(std::uint32_t id) {
     const auto action = binding->second.action; // it may unregister its own binding
     if (action)
         action();
+}
+
+QString shortcutNote(const HotKeyManager &hotKeys, bool wanted) {
+    if (const QString limitation = hotKeys.limitation(); !limitation.isEmpty())
+        return limitation;
+    bool wereWanted = false; // when the program started, which is when the switch takes effect
+    QStringList refused;
+    for (const auto &[id, binding] : hotKeys.bindings()) {
+        if (id == HotKeyManager::escapeID) // is the break screen's own
+            continue;
+        wereWanted = true;
+        if (!hotKeys.holds(id))
+            refused.append(binding.label);
+    }
+    if (wanted != wereWanted)
+        return wanted ? QStringLiteral("They work from the next start of Pavonel on.")
+                      : QStringLiteral("They work until Pavonel is next started.");
+    if (refused.isEmpty())
+        return {};
+    return refused.join(QStringLiteral(", ")) +
+           QStringLiteral(" cannot be had here; another program may own ") +
+           (refused.size() == 1 ? QStringLiteral("it.") : QStringLiteral("them."));
 }
 
 } // namespace pavonel

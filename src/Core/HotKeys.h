@@ -59,4 +59,7 @@ private:
     Lifetime lifetime_;
 };
 
+/// What there is to say to the user of the global shortcuts, who wants them or not; empty when all is so.
+QString shortcutNote(const HotKeyManager &hotKeys, bool wanted);
+
 } // namespace pavonel

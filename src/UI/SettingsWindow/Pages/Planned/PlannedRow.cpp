@@ -1,5 +1,6 @@
 #include "UI/SettingsWindow/Pages/Planned/PlannedRow.h"
 
+#include "Core/CalendarText.h"
 #include "Core/Characters.h"
 #include "Core/ClockText.h"
 #include "UI/Controls/Accessibility.h"
@@ -14,7 +15,6 @@
 #include "UI/Controls/Text.h"
 
 #include <QLineEdit>
-#include <QLocale>
 #include <QPainter>
 #include <QSignalBlocker>
 
@@ -55,32 +55,7 @@ QBoxLayout *pairOf(QLayout *one, QLayout *other) {
     return pair;
 }
 
-QString minuteText(int minute) {
-    return QStringLiteral("%1").arg(minute, 2, 10, QLatin1Char('0'));
-}
-
 } // namespace
-
-QString hourText(int hour) {
-    const bool twelve = QLocale().timeFormat(QLocale::ShortFormat).contains(u'a', Qt::CaseInsensitive);
-    if (!twelve || hour < 0 || hour > 23)
-        return QStringLiteral("%1").arg(hour, 2, 10, QLatin1Char('0'));
-    return QStringLiteral("%1 %2")
-        .arg(hour % 12 == 0 ? 12 : hour % 12)
-        .arg(QLatin1String(hour < 12 ? "AM" : "PM"));
-}
-
-std::vector<int> weekdaysInOrder() {
-    std::vector<int> days;
-    int day = QLocale().firstDayOfWeek(); // Monday is 1
-    for (int count = 0; count < 7; ++count, day = day % 7 + 1)
-        days.push_back(day % 7 + 1);
-    return days;
-}
-
-QString weekdayName(int weekday) {
-    return QLocale(QLocale::English, QLocale::UnitedStates).dayName(weekday == 1 ? 7 : weekday - 1);
-}
 
 PlannedRow::PlannedRow(Visuals &visuals, std::function<void(const Edit &)> change,
                        std::function<void()> remove)

@@ -20,15 +20,6 @@ class PopUpButton;
 class Stepper;
 class Switch;
 
-/// "9" as people write it: "09", or "9 AM" where the clock has twelve hours.
-QString hourText(int hour);
-
-/// All seven, from the first day of the user's week on. 1 is Sunday, 7 is Saturday.
-std::vector<int> weekdaysInOrder();
-
-/// In English, as all texts are.
-QString weekdayName(int weekday);
-
 /// One planned break to edit: its label, time, weekdays, length and switch, and a button that removes it. On
 /// two lines; on four where the page is narrow for the size of the text.
 class PlannedRow : public QWidget {

@@ -1,19 +1,27 @@
-#include "UI/SettingsWindow/Pages/Advanced/UpdateStatus.h"
-
 #include "Core/Characters.h"
+#include "Core/HotKeys.h"
+#include "Core/LoginSwitch.h"
 #include "Core/RelativeTime.h"
+#include "Core/Settings.h"
 #include "Core/Updater.h"
+#include "Platform/MainLoop.h"
+#include "Platform/PowerEvents.h"
+#include "Platform/ProcessLauncher.h"
+#include "Platform/StatusItem.h"
+#include "Platform/UserDefaults.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"
 #include "UI/Controls/Text.h"
+#include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 
 #include <QProgressBar>
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 namespace pavonel {
 
@@ -118,11 +126,61 @@ private:
     TimerHandle minutes_; ///< While the line tells of a time that passes.
 };
 
-} // namespace
-
+/// The version that runs, how it stands with newer ones, and what can be done about that now.
 Element updateStatus(Updater &updater) {
     const auto row = [&updater](Visuals &visuals) { return new StatusRow(visuals, updater); };
     return dynamicSection({&updater}, [row] { return Elements{row}; });
+}
+
+Element updateCard(PageContext &context) {
+    Updater &updater = context.updater;
+    UserDefaults &defaults = context.defaults;
+    const ValueBinding<bool> automatic(
+        [&updater] { return updater.automatic(); },
+        [&defaults](bool wanted) { defaults.set(Updater::automaticKey, wanted); });
+    return card(u"Updates"_s, {},
+                {
+                    updateStatus(updater),
+                    switchRow(u"Check automatically"_s, automatic, u"Once a day, in the background"_s),
+                });
+}
+
+Element systemCard(PageContext &context) {
+    Settings &settings = context.settings;
+    const auto login = std::make_shared<LoginSwitch>(settings, context.loginItem);
+    const auto shortcuts = [&context] {
+        return shortcutNote(context.hotKeys, context.settings.hotKeysEnabled);
+    };
+    return card(u"System"_s, {},
+                {
+                    switchRow(u"Launch at login"_s,
+                              {[login] { return login->isOn(); }, [login](bool on) { login->set(on); }}),
+                    cardNote([login] { return login->failure(); }, Text::Style::failure),
+                    cardNote([login] { return login->difference(); }),
+                    switchRow(u"Global shortcuts"_s, settings.hotKeysEnabled,
+                              u"⌃⌥⌘B take a break · ⌃⌥⌘S skip · ⌃⌥⌘P pause"_s),
+                    cardNote(shortcuts),
+                });
+}
+
+} // namespace
+
+Elements advancedPage(PageContext &context) {
+    Settings &settings = context.settings;
+    return {
+        updateCard(context),
+        systemCard(context),
+        pageNote([&context] { return context.statusItem.limitation(); }),
+        pageNote([&context] { return context.power.limitation(); }),
+        card(u"Automation"_s, {},
+             {
+                 labeledField(u"When a break starts"_s, settings.onBreakStartScript),
+                 labeledField(u"When a break ends"_s, settings.onBreakEndScript),
+                 cardNote(u"AppleScript, a .scpt path, or shortcut:Name"_s),
+                 limitationNote(context.processes),
+             }),
+        buttonRow(u"Quit Pavonel"_s, [&context] { context.display.loop.quit(0); }),
+    };
 }
 
 } // namespace pavonel
