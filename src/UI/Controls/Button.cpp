@@ -37,7 +37,7 @@ Button *Button::ofSymbol(const QString &symbol, const QString &name, Role role) 
 
 double Button::symbolSide(const Visuals &visuals) const {
     if (!isNotice())
-        return visuals.length(16);
+        return visuals.length(role_ == Role::entry ? 18 : 16);
     const double ratio = devicePixelRatioF(); // between two pixels it would blur
     return closeDiameter - 2 * std::round(closeDiameter * closeAir * ratio) / ratio;
 }

@@ -15,6 +15,7 @@ public:
         prominent, ///< What most people want to do here; at most one a page.
         bare,      ///< Only its symbol, until the pointer or the keyboard is there.
         disc,      ///< Round, for a letter; one that can be checked shows it by its colour.
+        entry,     ///< Of the sidebar: as wide as that, with its symbol at the left.
         notice,    ///< On a notice, which never has the keyboard and has one size.
         noticeProminent,
         noticeClose,

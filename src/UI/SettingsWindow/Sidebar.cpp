@@ -1,18 +1,15 @@
 #include "UI/SettingsWindow/Sidebar.h"
 
 #include "UI/Controls/Accessibility.h"
-#include "UI/Controls/FocusRing.h"
+#include "UI/Controls/Button.h"
 #include "UI/Controls/Layouts.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/ScrollArea.h"
 #include "UI/Controls/Text.h"
-#include "UI/Symbol.h"
 
 #include <QButtonGroup>
-#include <QFontMetrics>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QRadioButton>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -20,11 +17,6 @@
 namespace pavonel {
 
 namespace {
-
-constexpr int itemHeight = 34;
-constexpr int padding = 10;
-constexpr int symbolSide = 18;
-constexpr double radius = 8;
 
 constexpr int breadth = 196;
 constexpr int margin = 10;
@@ -38,57 +30,6 @@ QLayout *brand(Visuals &visuals) {
     return lines;
 }
 
-/// A page's entry in the sidebar.
-class SidebarItem final : public QRadioButton {
-public:
-    SidebarItem(Visuals &visuals, const QString &title, const QString &symbol)
-        : QRadioButton(title), visuals_(visuals), symbol_(symbol) {
-        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    }
-
-    QSize sizeHint() const override {
-        const QFontMetrics metrics(visuals_.font(13, QFont::DemiBold));
-        return {metrics.horizontalAdvance(text()) + visuals_.length(symbolSide) + 3 * padding,
-                visuals_.lineHeight(itemHeight)};
-    }
-
-protected:
-    bool hitButton(const QPoint &place) const override { return rect().contains(place); }
-    void paintEvent(QPaintEvent *) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const Palette &palette = visuals_.palette();
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(ground());
-        painter.drawRoundedRect(rect(), radius, radius);
-        const int side = visuals_.length(symbolSide);
-        const QColor symbolInk = isChecked() ? palette.accentText : palette.secondaryText;
-        painter.drawImage(QPointF(padding, (height() - side) / 2.0),
-                          Symbol::image(symbol_, side, symbolInk, devicePixelRatioF()));
-        painter.setFont(visuals_.font(13, isChecked() ? QFont::DemiBold : QFont::Medium));
-        painter.setPen(isChecked() ? palette.accentText : palette.text);
-        painter.drawText(rect().adjusted(padding + side + padding, 0, -padding, 0),
-                         Qt::AlignVCenter | Qt::AlignLeft, text());
-        if (FocusRing::isOn(*this)) {
-            painter.setPen(QPen(palette.accentText, 2));
-            painter.setBrush(Qt::NoBrush);
-            painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), radius - 1, radius - 1);
-        }
-    }
-
-private:
-    QColor ground() const {
-        if (isChecked())
-            return visuals_.palette().selection;
-        QColor veil = visuals_.palette().text;
-        veil.setAlphaF(isDown() ? 0.09F : underMouse() ? 0.05F : 0);
-        return veil;
-    }
-
-    Visuals &visuals_;
-    QString symbol_;
-};
-
 } // namespace
 
 Sidebar::Sidebar(Visuals &visuals) : visuals_(visuals), items_(new QButtonGroup(this)) {
@@ -99,7 +40,10 @@ Sidebar::Sidebar(Visuals &visuals) : visuals_(visuals), items_(new QButtonGroup(
     list->setAccessibleName(QStringLiteral("Pages"));
     auto *lines = column(list, {}, 2);
     for (const PageEntry &entry : allPages()) {
-        auto *item = new SidebarItem(visuals, entry.title, entry.symbol);
+        auto *item = new Button(entry.title, Button::Role::entry, entry.symbol);
+        item->setCheckable(true);
+        item->setAutoExclusive(true); // to assistive technology, too, one of several
+        item->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         items_->addButton(item, static_cast<int>(entry.page));
         lines->addWidget(item);
     }

@@ -17,6 +17,8 @@ namespace {
 
 constexpr int bodyHeight = 28;
 constexpr int discDiameter = 26;
+constexpr int entryHeight = 34;
+constexpr int entryPadding = 10;
 constexpr int padding = 14;
 constexpr double radius = 8;
 constexpr double noticeRadius = 7;
@@ -36,6 +38,7 @@ Button::Role roleOf(const QWidget *widget) {
 ButtonColours coloursOf(const QWidget *widget, const QStyleOptionButton &option, const Palette &palette) {
     switch (roleOf(widget)) {
     case Button::Role::plain:
+    case Button::Role::entry:
         break;
     case Button::Role::prominent:
     case Button::Role::noticeProminent:
@@ -86,6 +89,37 @@ void drawContent(const Context &context, const QStyleOptionButton &option, const
     context.painter.drawText(place, Qt::AlignCenter | Qt::TextShowMnemonic, option.text);
 }
 
+QFont entryFont(const Visuals &visuals, bool chosen) {
+    return visuals.font(13, chosen ? QFont::DemiBold : QFont::Medium);
+}
+
+/// Its ring is within.
+void drawEntry(const Context &context, const QStyleOptionButton &option, const Button &button) {
+    QPainter &painter = context.painter;
+    const Palette &palette = context.visuals.palette();
+    const bool chosen = option.state.testFlag(QStyle::State_On);
+    QColor veil = palette.text;
+    veil.setAlphaF(option.state.testFlag(QStyle::State_Sunken)      ? 0.09F
+                   : option.state.testFlag(QStyle::State_MouseOver) ? 0.05F
+                                                                    : 0);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(chosen ? palette.selection : veil);
+    painter.drawRoundedRect(option.rect, radius, radius);
+    const double side = button.symbolSide(context.visuals);
+    const QRectF place = QRectF(option.rect).adjusted(entryPadding, 0, -entryPadding, 0);
+    drawSymbol(painter, button.symbol(), {place.left(), place.center().y() - side / 2}, side,
+               chosen ? palette.accentText : palette.secondaryText);
+    painter.setFont(entryFont(context.visuals, chosen));
+    painter.setPen(chosen ? palette.accentText : palette.text);
+    painter.drawText(place.adjusted(side + entryPadding, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft,
+                     option.text);
+    if (FocusRing::isOn(button)) {
+        painter.setPen(QPen(palette.accentText, 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(option.rect).adjusted(1, 1, -1, -1), radius - 1, radius - 1);
+    }
+}
+
 QColor between(const QColor &one, const QColor &other, double share) {
     QColor veil = other;
     veil.setAlphaF(static_cast<float>(share));
@@ -119,6 +153,12 @@ QSize pushButtonSize(const QStyleOptionButton &option, const Visuals &visuals, c
     const Button *button = ours(widget);
     if (button && button->isNotice())
         return button->noticeSize();
+    if (roleOf(widget) == Button::Role::entry) {
+        const QFontMetrics metrics(entryFont(visuals, true));
+        return {metrics.horizontalAdvance(option.text) + qRound(button->symbolSide(visuals)) +
+                    3 * entryPadding,
+                visuals.lineHeight(entryHeight)};
+    }
     const QSize room = QSize(2, 2) * FocusRing::room;
     if (option.text.isEmpty() && button)
         return QSize(1, 1) * Button::roundDiameter(visuals) + room;
@@ -133,9 +173,11 @@ QSize pushButtonSize(const QStyleOptionButton &option, const Visuals &visuals, c
 void drawPushButton(const Context &context, const QStyleOptionButton &option) {
     QPainter &painter = context.painter;
     const ControlPainting painting(painter, option);
+    const Button *button = ours(context.widget);
+    if (roleOf(context.widget) == Button::Role::entry)
+        return drawEntry(context, option, *button);
     const Palette &palette = context.visuals.palette();
     const ButtonColours colours = coloursOf(context.widget, option, palette);
-    const Button *button = ours(context.widget);
     const double room = button && button->isNotice() ? 0 : FocusRing::room;
     const QRectF body = QRectF(option.rect).adjusted(room, room, -room, -room);
     const bool round = option.text.isEmpty() || roleOf(context.widget) == Button::Role::disc;
