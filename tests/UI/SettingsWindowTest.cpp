@@ -1,4 +1,3 @@
-#include "UI/SettingsWindow/SettingsView.h"
 #include "support/OpenSettings.h"
 #include "support/windows.h"
 

@@ -1,11 +1,23 @@
 #include "UI/SettingsWindow/SettingsWindowController.h"
 
-#include "UI/SettingsWindow/SettingsView.h"
+#include "Core/Settings.h"
+#include "Platform/Appearance.h"
+#include "Platform/UserDefaults.h"
+#include "UI/Controls/Accessibility.h"
+#include "UI/Controls/Layouts.h"
+#include "UI/Refresher.h"
+#include "UI/SettingsWindow/PageView.h"
+#include "UI/SettingsWindow/Sidebar.h"
 #include "UI/Symbol.h"
 
+#include <QBackingStore>
 #include <QGuiApplication>
+#include <QKeyEvent>
+#include <QPainter>
 #include <QPixmap>
 #include <QScreen>
+#include <QScrollBar>
+#include <QShowEvent>
 
 #include <algorithm>
 
@@ -14,6 +26,112 @@ namespace pavonel {
 namespace {
 
 constexpr QColor brandColour(0x16, 0x8F, 0x9A); // on light and on dark title bars
+
+/// The window's root: the sidebar and the selected page. Only that page's widgets exist, and only while the
+/// window is shown.
+class SettingsView final : public QWidget {
+public:
+    SettingsView(const PageContext &context, SettingsSelection &selection)
+        : context_(context), selection_(selection), visuals_(context.display),
+          onSelection_(context.display.loop, {&selection}, [this] { showSelected(); }),
+          onSettings_(context.display.loop, {&context.settings},
+                      [this] {
+                          if (page_)
+                              page_->refresh();
+                      }),
+          onAppearance_(visuals_.appearance().onChange([this] { followAppearance(); })) {
+        setAccessibleRole(*this, QAccessible::Window);
+        line(this);
+        makeSidebar();
+        setPalette(visuals_.toolkitPalette());
+    }
+
+    /// These points at the ordinary text size, as larger as the user's text is.
+    QSize grown(const QSize &points) const {
+        return {visuals_.length(points.width()), visuals_.length(points.height())};
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), visuals_.palette().window); }
+
+    /// What nothing in it wanted: ways to close it, and to scroll from wherever the keyboard is.
+    void keyPressEvent(QKeyEvent *event) override {
+        if (event->matches(QKeySequence::Close) || event->key() == Qt::Key_Escape) {
+            close();
+        } else if (page_ && (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown)) {
+            page_->verticalScrollBar()->triggerAction(event->key() == Qt::Key_PageUp
+                                                          ? QScrollBar::SliderPageStepSub
+                                                          : QScrollBar::SliderPageStepAdd);
+        } else {
+            QWidget::keyPressEvent(event);
+        }
+    }
+    void showEvent(QShowEvent *event) override {
+        if (event->spontaneous())
+            return;
+        if (visuals_.refreshTextSize())
+            makeSidebar();
+        showSelected();
+    }
+    void hideEvent(QHideEvent *event) override {
+        if (event->spontaneous())
+            return; // to the user, minimised is still open
+        dropPage();
+        giveUpPixels();
+    }
+
+private:
+    void makeSidebar() {
+        delete sidebar_;
+        sidebar_ = new Sidebar(visuals_);
+        sidebar_->onSelect = [this](Page page) {
+            selection_.page = page;
+            showSelected();
+        };
+        static_cast<QBoxLayout *>(layout())->insertWidget(0, sidebar_);
+    }
+
+    void showSelected() {
+        const Page wanted = selection_.page;
+        if (!isVisible() || (page_ && shown_ == wanted))
+            return;
+        dropPage();
+        sidebar_->select(wanted);
+        page_ = new PageView(visuals_, entryOf(wanted), context_);
+        shown_ = wanted;
+        static_cast<QBoxLayout *>(layout())->addWidget(page_, 1);
+        page_->show();
+        if (wanted == Page::phone) // the user has seen it
+            context_.defaults.set(QStringLiteral("phonePageSeen"), true);
+    }
+
+    void dropPage() {
+        delete page_;
+        page_ = nullptr;
+    }
+
+    void followAppearance() {
+        visuals_.refresh();
+        setPalette(visuals_.toolkitPalette()); // and thereby a repaint of everything
+        update();
+    }
+
+    /// They are most of what a hidden window takes; the next showing makes them anew.
+    void giveUpPixels() {
+        if (QBackingStore *pixels = backingStore())
+            pixels->resize(QSize(1, 1));
+    }
+
+    PageContext context_;
+    SettingsSelection &selection_;
+    Visuals visuals_;
+    Sidebar *sidebar_ = nullptr;
+    PageView *page_ = nullptr;
+    Page shown_ = Page::breaks; ///< What `page_` is.
+    Refresher onSelection_;
+    Refresher onSettings_;
+    Appearance::Listening onAppearance_;
+};
 
 /// Larger with a larger text, as far as the screen goes, and in its middle.
 void fit(SettingsView &window) {

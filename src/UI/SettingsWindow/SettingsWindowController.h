@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Core/Observable.h"
 #include "UI/SettingsWindow/Page.h"
-#include "UI/SettingsWindow/SettingsView.h"
 
 #include <memory>
 #include <optional>
@@ -11,6 +11,12 @@ class QSize;
 class QWidget;
 
 namespace pavonel {
+
+/// Which page the settings window shows; outlives its opening and closing.
+class SettingsSelection final : public Observable {
+public:
+    Published<Page> page{*this, Page::breaks};
+};
 
 /// Owns the one settings window, which is made when it is first shown and hidden when it is closed.
 class SettingsWindowController {
