@@ -15,7 +15,7 @@ AppDelegate::AppDelegate(Platform &platform, Settings &settings, Stats &stats, H
     : platform_(platform), settings_(settings), stats_(stats), hotKeys_(hotKeys), phone_(phone),
       updater_(updater), controller_({*platform.mainLoop, platform, *platform.processes, *platform.sounds},
                                      settings, stats, &phone),
-      toast_(platform) {}
+      toast_(platform, *platform.notifications) {}
 
 AppDelegate::~AppDelegate() {
     platform_.power->onWake({}); // the platform stays when we go
@@ -23,7 +23,7 @@ AppDelegate::~AppDelegate() {
 
 void AppDelegate::setUp() {
     overlays_.emplace(platform_, controller_, settings_, hotKeys_);
-    headsUp_.emplace(platform_, controller_, settings_);
+    headsUp_.emplace(platform_, *platform_.notifications, controller_, settings_);
     floating_.emplace(platform_, *platform_.pointer, controller_);
     settingsWindow_.emplace(PageContext{
         platform_, platform_, *platform_.pointer, *platform_.installedApplications, *platform_.sounds,

@@ -59,7 +59,8 @@ enum class Strictness { lenient, strict };
 void drawHeadsUp(Sheet &sheet, Scenario &scenario, BreakKind kind, const QString &title,
                  Strictness strictness) {
     scenario.settings.strictMode = strictness == Strictness::strict;
-    HeadsUpController headsUp(scenario.platform, scenario.controller, scenario.settings);
+    HeadsUpController headsUp(scenario.platform, scenario.platform.notices, scenario.controller,
+                              scenario.settings);
     headsUp.show(kind, title);
     scenario.platform.loop.advance(0);
     sheet.take(QStringLiteral("Pavonel Heads-up"));
@@ -73,7 +74,7 @@ void drawColumn(Sheet &sheet, Scenario &scenario) {
     FloatingCountdownController countdown(scenario.platform, scenario.platform.mouse, scenario.controller);
     countdown.show();
     sheet.take(QStringLiteral("Pavonel Countdown"));
-    ToastController toast(scenario.platform);
+    ToastController toast(scenario.platform, scenario.platform.notices);
     toast.show(QStringLiteral("Check your posture — shoulders back, screen at eye level."),
                QStringLiteral("figure.stand"));
     sheet.take(QStringLiteral("Pavonel Toast"));

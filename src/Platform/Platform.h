@@ -9,6 +9,7 @@
 #include "Platform/IdleTime.h"
 #include "Platform/InstalledApplications.h"
 #include "Platform/LoginItem.h"
+#include "Platform/Notifications.h"
 #include "Platform/Pointer.h"
 #include "Platform/PowerEvents.h"
 #include "Platform/Screens.h"
@@ -35,6 +36,7 @@ struct Platform : HeadlessPlatform {
     std::unique_ptr<InstalledApplications> installedApplications;
     std::unique_ptr<WindowList> windowList;
     std::unique_ptr<WindowLayers> windowLayers;
+    std::unique_ptr<Notifications> notifications;
     std::unique_ptr<HotKeyService> hotKeys;
     std::unique_ptr<Sounds> sounds;
     std::unique_ptr<LoginItem> loginItem;

@@ -41,6 +41,10 @@ public:
     /// one.
     virtual void show(QWindow &window, WindowLayer layer, const Screen &screen) = 0;
 
+    /// Whether a panel comes where we want it, above other windows and without taking the keyboard. Where it
+    /// does not, there are to be none.
+    virtual bool placesPanels() const { return true; }
+
     /// Whether a window's translucent parts are blended with what lies below it, at this moment. Where they
     /// are not, they come out black.
     virtual bool canBlend() const = 0;

@@ -23,6 +23,8 @@ struct FullscreenRoad : testing::Test {
         desktop.takeBreak();
         ASSERT_TRUE(desktop.waitForBreak());
     }
+
+    const QString notices = u"Main.messageTray.getSources().flatMap(source => source.notifications)"_s;
     GnomeDesktop desktop;
     GnomeShell &shell = desktop.shell();
 };
@@ -52,6 +54,23 @@ TEST_F(FullscreenRoad, a_break_comes_to_the_front_again_when_a_fullscreen_window
     OtherWindow other(shell.environment(), u"other"_s, OtherWindow::State::fullscreen);
     ASSERT_TRUE(other.isPainted(GnomeShell::outputSize));
     EXPECT_TRUE(desktop.waitForBreak());
+}
+
+/// Our panels cannot be placed there.
+TEST_F(FullscreenRoad, a_notification_announces_a_break_and_its_button_starts_it) {
+    const auto daemon = shell.startNotifications();
+    const auto titles = [&] { return shell.eval(notices + u".map(each => each.title).join()"_s); };
+    OtherWindow other(shell.environment(), u"other"_s);
+    ASSERT_TRUE(other.becomesActive());
+    desktop.store({{u"microInterval"_s, 600}, {u"preNotifySeconds"_s, 599}, {u"microDuration"_s, 600}});
+    desktop.startProgram();
+    EXPECT_TRUE(waitUntil([&] { return titles() == u"\"Micro break coming up\""_s; }))
+        << qPrintable(titles());
+    EXPECT_FALSE(shell.hasWindow(u"Pavonel Heads-up"_s));
+    EXPECT_TRUE(shell.hasFocus(u"other"_s));
+    shell.eval(notices + u".forEach(each => each.actions[0].callback())"_s);
+    EXPECT_TRUE(desktop.waitForBreak());
+    EXPECT_TRUE(waitUntil([&] { return titles() == u"\"\""_s; })) << qPrintable(titles());
 }
 
 TEST_F(FullscreenRoad, a_break_survives_outputs_that_go_and_come) {

@@ -3,6 +3,7 @@
 #include "support/files.h"
 #include "support/waitUntil.h"
 
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDir>
 #include <QFile>
@@ -223,6 +224,18 @@ void GnomeShell::setOutputs(int count) {
                             .arg(outputSize.height()));
     call(QStringLiteral("ApplyMonitorsConfig"),
          {serial, QStringLiteral("1"), u'[' + monitors.join(u',') + u']', QStringLiteral("{}")});
+}
+
+std::unique_ptr<ChildProcess> GnomeShell::startNotifications() {
+    auto program = std::make_unique<ChildProcess>(
+        QStringLiteral("gjs"),
+        QStringList{QStringLiteral("/usr/share/gnome-shell/org.gnome.Shell.Notifications")}, environment());
+    EXPECT_TRUE(waitUntil([this] {
+        return connection_.interface()
+            ->isServiceRegistered(QStringLiteral("org.freedesktop.Notifications"))
+            .value();
+    })) << program->process().readAllStandardError().toStdString();
+    return program;
 }
 
 bool GnomeShell::hasWindow(const QString &title) {

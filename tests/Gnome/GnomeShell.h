@@ -56,6 +56,10 @@ public:
     /// What the outputs show now, side by side.
     QImage picture();
 
+    /// Other programs' notifications are taken by a program of their own, which the bus would start
+    /// elsewhere.
+    [[nodiscard]] std::unique_ptr<ChildProcess> startNotifications();
+
     QDBusConnection bus() const { return connection_; }
 
 private:

@@ -210,7 +210,8 @@ TEST_F(FloatingCountdown, rests_below_the_heads_up_where_nobody_tells_where_the_
 }
 
 TEST_F(FloatingCountdown, closing_the_heads_up_leaves_it_and_the_coming_break_untouched) {
-    HeadsUpController headsUp(scenario.platform, scenario.controller, scenario.settings);
+    HeadsUpController headsUp(scenario.platform, scenario.platform.notices, scenario.controller,
+                              scenario.settings);
     scenario.advance(1170);
     headsUp.show(BreakKind::micro, QStringLiteral("Micro break"));
     countdown.show();

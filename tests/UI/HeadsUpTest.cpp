@@ -21,7 +21,8 @@ class HeadsUp : public ::testing::Test {
 protected:
     Scenario scenario;
     Styled styled{scenario.platform};
-    HeadsUpController headsUp{scenario.platform, scenario.controller, scenario.settings};
+    HeadsUpController headsUp{scenario.platform, scenario.platform.notices, scenario.controller,
+                              scenario.settings};
 
     void show(BreakKind kind = BreakKind::micro, const QString &text = QStringLiteral("Micro break")) {
         headsUp.show(kind, text);
@@ -403,7 +404,8 @@ TEST_F(HeadsUp, a_press_that_is_let_go_while_it_fades_out_does_nothing) {
 
 TEST_F(HeadsUp, can_go_while_it_fades_and_while_changes_wait) {
     {
-        HeadsUpController shortLived(scenario.platform, scenario.controller, scenario.settings);
+        HeadsUpController shortLived(scenario.platform, scenario.platform.notices, scenario.controller,
+                                     scenario.settings);
         shortLived.show(BreakKind::micro, QStringLiteral("Micro break"));
         shortLived.hide();
         shortLived.show(BreakKind::micro, QStringLiteral("Micro break"));

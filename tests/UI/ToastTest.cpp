@@ -16,7 +16,7 @@ const QString blink = QStringLiteral("Blink slowly a few times.");
 class Toast : public ::testing::Test {
 protected:
     FakePlatform platform;
-    ToastController toast{platform};
+    ToastController toast{platform, platform.notices};
 
     void show(const QString &text = posture, const QString &symbol = QStringLiteral("figure.stand")) {
         toast.show(text, symbol);
@@ -168,7 +168,7 @@ TEST_F(Toast, a_symbol_that_is_not_known_leaves_its_place_empty) {
 
 TEST_F(Toast, can_go_while_it_is_shown) {
     {
-        ToastController shortLived(platform);
+        ToastController shortLived(platform, platform.notices);
         shortLived.show(blink, QStringLiteral("eye"));
         shortLived.show(posture, QStringLiteral("figure.stand"));
     }

@@ -90,9 +90,9 @@ protected:
     Stats stats{*platform.defaults, *platform.mainLoop};
     BreakController controller{
         {*platform.mainLoop, platform, *platform.processes, *platform.sounds}, settings, stats};
-    HeadsUpController headsUp{platform, controller, settings};
+    HeadsUpController headsUp{platform, *platform.notifications, controller, settings};
     FloatingCountdownController countdown{platform, *platform.pointer, controller};
-    ToastController toast{platform};
+    ToastController toast{platform, *platform.notifications};
     XClient other;
 };
 

@@ -160,6 +160,7 @@ struct FakeWindowLayers final : Limited<WindowLayers> {
     std::vector<Assignment> assignments;
     int keyboardTaken = 0;
     int keyboardYielded = 0;
+    bool places = true;
     bool blends = true;
     bool fades = true; ///< As far as it blends.
     mutable int fadeQuestions = 0;
@@ -193,6 +194,7 @@ struct FakeWindowLayers final : Limited<WindowLayers> {
             return nullptr;
         return std::make_unique<FakeInset>(points.size(), window.devicePixelRatio(), insetShown);
     }
+    bool placesPanels() const override { return places; }
     bool canBlend() const override { return blends; }
     bool canFade() const override {
         ++fadeQuestions;
@@ -201,6 +203,24 @@ struct FakeWindowLayers final : Limited<WindowLayers> {
     void cutTo(QWindow &, const QRegion &pixels) override { lastCut = pixels; }
     void takeKeyboard(QWindow &) override { ++keyboardTaken; }
     void yieldKeyboard() override { ++keyboardYielded; }
+};
+
+struct FakeNotifications final : Notifications {
+    std::vector<const Notice *> shown; ///< The oldest first.
+
+    std::unique_ptr<Shown> show(Notice notice) override {
+        return std::make_unique<OnScreen>(*this, std::move(notice));
+    }
+
+private:
+    struct OnScreen final : Shown {
+        OnScreen(FakeNotifications &owner, Notice shownNotice) : all(owner), notice(std::move(shownNotice)) {
+            all.shown.push_back(&notice);
+        }
+        ~OnScreen() override { std::erase(all.shown, &notice); }
+        FakeNotifications &all;
+        Notice notice;
+    };
 };
 
 struct FakeHotKeys final : Limited<HotKeyService> {
@@ -387,6 +407,7 @@ struct FakePlatform : Platform {
     FakeInstalledApplications &installed;
     FakeWindowList &windows;
     FakeWindowLayers &layers;
+    FakeNotifications &notices;
     FakeHotKeys &keys;
     FakeSounds &fakeSounds;
     FakeProcessLauncher &launcher;
@@ -406,9 +427,10 @@ private:
           apps(give(applications, new FakeApplications)),
           installed(give(installedApplications, new FakeInstalledApplications)),
           windows(give(windowList, new FakeWindowList)), layers(give(windowLayers, new FakeWindowLayers)),
-          keys(give(hotKeys, new FakeHotKeys)), fakeSounds(give(sounds, new FakeSounds)),
-          launcher(give(processes, new FakeProcessLauncher)), toolRunner(give(tools, new FakeToolRunner)),
-          copy(give(installation, new FakeInstallation)), login(give(loginItem, new FakeLoginItem)),
+          notices(give(notifications, new FakeNotifications)), keys(give(hotKeys, new FakeHotKeys)),
+          fakeSounds(give(sounds, new FakeSounds)), launcher(give(processes, new FakeProcessLauncher)),
+          toolRunner(give(tools, new FakeToolRunner)), copy(give(installation, new FakeInstallation)),
+          login(give(loginItem, new FakeLoginItem)),
           colours(give(appearance, new FakeAppearance)), menuBar(give(statusItem, new FakeStatusItem)),
           web(give(http, new FakeHttpClient)) {}
 

@@ -4,6 +4,7 @@
 #include "Platform/Linux/Audio/EventSounds.h"
 #include "Platform/Linux/Audio/PulseAudioDevices.h"
 #include "Platform/Linux/AutostartLoginItem.h"
+#include "Platform/Linux/Bus/BusNotifications.h"
 #include "Platform/Linux/Bus/BusRunningPavonel.h"
 #include "Platform/Linux/Bus/BusSingleInstance.h"
 #include "Platform/Linux/Bus/KGlobalAccelHotKeys.h"
@@ -248,6 +249,7 @@ std::unique_ptr<Platform> makePlatform() {
     platform->installedApplications = std::make_unique<LinuxInstalledApplications>(
         LinuxInstalledApplications::Environment::ofThisDesktop(), *platform->mainLoop);
     platform->windowLayers = windowLayers(x11, workedOn);
+    platform->notifications = std::make_unique<BusNotifications>(QDBusConnection::sessionBus());
     platform->hotKeys = hotKeys(x11, gnome, *platform->mainLoop);
     platform->sounds = std::make_unique<EventSounds>(ProgramFiles::ofThisProgram(), *platform->mainLoop);
     platform->loginItem = makeLoginItem();

@@ -44,7 +44,11 @@ void QtWindowLayers::comeBack() {
 }
 
 QString QtWindowLayers::limitation() const {
-    return QStringLiteral("This desktop does not let a break lie above fullscreen windows.");
+    return placesPanels()
+               ? QStringLiteral("This desktop does not let a break lie above fullscreen windows.")
+               : QStringLiteral(
+                     "This desktop lets no notices of ours above other windows: it shows them in its "
+                     "own way, and the countdown not at all.");
 }
 
 Qt::WindowFlags QtWindowLayers::windowFlags(WindowLayer layer) const {
@@ -66,6 +70,11 @@ void QtWindowLayers::show(QWindow &window, WindowLayer layer, const Screen &scre
     QObject::connect(&window, &QObject::destroyed, &context_,
                      [this, &window] { std::erase(overlays_, &window); });
     window.showFullScreen();
+}
+
+/// On Wayland the compositor alone decides that.
+bool QtWindowLayers::placesPanels() const {
+    return !isOnWayland();
 }
 
 bool QtWindowLayers::canBlend() const {

@@ -19,6 +19,7 @@ public:
     QString limitation() const override;
     Qt::WindowFlags windowFlags(WindowLayer layer) const override;
     void show(QWindow &window, WindowLayer layer, const Screen &screen) override;
+    bool placesPanels() const override;
     bool canBlend() const override;
     bool canFade() const override { return false; }
     /// None: a window that opens again has another surface, and an inset would stay with the one before.

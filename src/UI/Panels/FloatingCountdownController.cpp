@@ -94,7 +94,7 @@ FloatingCountdownController::FloatingCountdownController(const DisplayServices &
       screenChanges_([this] { followScreens(); }) {}
 
 void FloatingCountdownController::show() {
-    if (panel_)
+    if (panel_ || !display_.layers.placesPanels())
         return;
     screens_ = display_.screens.all();
     panel_ =

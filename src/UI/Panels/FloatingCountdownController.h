@@ -13,7 +13,7 @@ public:
     FloatingCountdownController(const DisplayServices &display, Pointer &pointer,
                                 BreakController &controller);
 
-    /// Does nothing while it is shown.
+    /// Does nothing while it is shown, and where panels cannot be placed.
     void show();
     void hide();
 

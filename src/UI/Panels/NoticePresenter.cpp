@@ -10,13 +10,16 @@ NoticePresenter::FadingPanel::FadingPanel(const DisplayServices &display,
     : panel(std::move(newcomer)), fade(display.loop, display.appearance,
                                        [&window = *panel](double opacity) { window.setOpacity(opacity); }) {}
 
-NoticePresenter::NoticePresenter(const DisplayServices &display)
-    : display_(display), screenChanges_([this] { follow(); }) {}
+NoticePresenter::NoticePresenter(const DisplayServices &display, Notifications &notifications)
+    : display_(display), notifications_(notifications), screenChanges_([this] { follow(); }) {}
 
 void NoticePresenter::show(Notice notice) {
     hide();
     notice_ = std::move(notice);
-    raise(mainScreen(display_.screens.all()));
+    if (display_.layers.placesPanels())
+        raise(mainScreen(display_.screens.all()));
+    else
+        notification_ = notifications_.show(notice_.asNotification());
 }
 
 void NoticePresenter::raise(const std::optional<Screen> &screen) {
@@ -45,6 +48,7 @@ void NoticePresenter::follow() {
 }
 
 void NoticePresenter::hide() {
+    notification_.reset();
     if (!shown_)
         return;
     leaving_.push_back(std::move(shown_));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Notifications.h"
 #include "UI/Fade.h"
 #include "UI/Panels/FloatingPanel.h"
 #include "UI/ScreenChanges.h"
@@ -7,7 +8,8 @@
 namespace pavonel {
 
 /// Fades one notice in at a time, on the main screen; those that it hides fade out on their own, retired. The
-/// one that is shown follows its screen, and goes to the main one when its own goes.
+/// one that is shown follows its screen, and goes to the main one when its own goes. Where panels cannot be
+/// placed, the desktop shows the notice in its own way.
 class NoticePresenter {
 public:
     struct Notice {
@@ -15,9 +17,10 @@ public:
         std::function<QPoint(const QRectF &visibleFrame)> corner; ///< The left upper one.
         Seconds fadeIn;
         Seconds fadeOut;
+        std::function<Notifications::Notice()> asNotification;
     };
 
-    explicit NoticePresenter(const DisplayServices &display);
+    NoticePresenter(const DisplayServices &display, Notifications &notifications);
 
     /// In place of one that is shown.
     void show(Notice notice);
@@ -42,10 +45,12 @@ private:
     void follow();
 
     DisplayServices display_;
+    Notifications &notifications_;
     Notice notice_;
     Place place_;
     std::unique_ptr<FadingPanel> shown_;
     std::vector<std::unique_ptr<FadingPanel>> leaving_;
+    std::unique_ptr<Notifications::Shown> notification_;
     ScreenChanges screenChanges_;
 };
 

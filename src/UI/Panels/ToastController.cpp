@@ -17,10 +17,12 @@ QPoint corner(const QRectF &visible) {
 
 } // namespace
 
-ToastController::ToastController(const DisplayServices &display) : display_(display), presenter_(display) {}
+ToastController::ToastController(const DisplayServices &display, Notifications &notifications)
+    : display_(display), presenter_(display, notifications) {}
 
 void ToastController::show(const QString &text, const QString &symbol) {
-    presenter_.show({[=, this] { return makePanel(text, symbol); }, corner, fade, fade});
+    presenter_.show({[=, this] { return makePanel(text, symbol); }, corner, fade, fade,
+                     [text] { return Notifications::Notice{text}; }});
     dismissal_ = display_.loop.after(stay, [this] { hide(); });
 }
 

@@ -7,7 +7,7 @@ namespace pavonel {
 /// The strip at the top of the screen that carries a reminder for six seconds.
 class ToastController {
 public:
-    explicit ToastController(const DisplayServices &display);
+    ToastController(const DisplayServices &display, Notifications &notifications);
 
     /// In place of one that is shown. `symbol` is a name of `Symbol`.
     void show(const QString &text, const QString &symbol);
