@@ -76,8 +76,9 @@ int main(int argc, char **argv) {
     Stats &stats = Stats::shared();
     SettingsWindowController window({platform, platform, *platform.pointer, *platform.installedApplications,
                                      *platform.sounds, *platform.processes, *platform.loginItem,
-                                     *platform.power, *platform.statusItem, *platform.defaults, settings,
-                                     stats, Phone::shared(), HotKeyManager::shared(), Updater::shared()});
+                                     *platform.desktopExtension, *platform.power, *platform.statusItem,
+                                     *platform.defaults, settings, stats, Phone::shared(),
+                                     HotKeyManager::shared(), Updater::shared()});
 
     bool kept = report("opening the settings for the first time", timeToPaint([&] { window.show(); }), 200);
     double slowest = 0;

@@ -27,8 +27,8 @@ void AppDelegate::setUp() {
     floating_.emplace(platform_, *platform_.pointer, controller_);
     settingsWindow_.emplace(PageContext{
         platform_, platform_, *platform_.pointer, *platform_.installedApplications, *platform_.sounds,
-        *platform_.processes, *platform_.loginItem, *platform_.power, *platform_.statusItem,
-        *platform_.defaults, settings_, stats_, phone_, hotKeys_, updater_});
+        *platform_.processes, *platform_.loginItem, *platform_.desktopExtension, *platform_.power,
+        *platform_.statusItem, *platform_.defaults, settings_, stats_, phone_, hotKeys_, updater_});
     menuBar_.emplace(*platform_.statusItem, *platform_.mainLoop, controller_, settings_, stats_,
                      [this] { settingsWindow_->show(); });
     connectController();

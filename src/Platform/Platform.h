@@ -3,6 +3,7 @@
 #include "Platform/Appearance.h"
 #include "Platform/Applications.h"
 #include "Platform/AudioDevices.h"
+#include "Platform/DesktopExtension.h"
 #include "Platform/DisplayServices.h"
 #include "Platform/HeadlessPlatform.h"
 #include "Platform/HotKeyService.h"
@@ -40,6 +41,7 @@ struct Platform : HeadlessPlatform {
     std::unique_ptr<HotKeyService> hotKeys;
     std::unique_ptr<Sounds> sounds;
     std::unique_ptr<LoginItem> loginItem;
+    std::unique_ptr<DesktopExtension> desktopExtension;
     std::unique_ptr<Appearance> appearance;
     std::unique_ptr<StatusItem> statusItem;
 

@@ -16,8 +16,8 @@ namespace pavonel::test {
 /// and a private home. Everything it started ends with it. What cannot be had fails the test.
 class GnomeShell {
 public:
-    /// Our extension: in its folder and switched on by the user, or neither.
-    enum class Extension { missing, enabled };
+    /// Our extension: in its folder and switched on by the user, in its folder, or neither.
+    enum class Extension { missing, disabled, enabled };
 
     explicit GnomeShell(Extension extension = Extension::missing);
     ~GnomeShell();

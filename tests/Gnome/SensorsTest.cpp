@@ -1,4 +1,6 @@
 #include "Gnome/Sensing.h"
+#include "Platform/Linux/Gnome/GnomeExtension.h"
+#include "Platform/Linux/Gnome/GnomeExtensionSwitch.h"
 #include "support/files.h"
 
 #include <QDBusConnectionInterface>
@@ -73,6 +75,30 @@ TEST_F(GnomeWithExtension, nothing_of_it_stays_when_the_program_ends_or_it_is_sw
     EXPECT_TRUE(waitUntil([&] { return isThere() && hasName(); }));
     EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
     EXPECT_TRUE(waitUntil([&] { return !isThere() && !hasName(); }));
+}
+
+TEST(GnomeExtensionInTheShell, is_switched_on_and_off_from_our_settings) {
+    GnomeShell shell(GnomeShell::Extension::disabled);
+    GnomeExtensionSwitch ours(shell.bus(), std::make_shared<GnomeExtension>(shell.bus()));
+    const auto becomes = [&](bool on) {
+        return waitUntil([&] { return ours.isOn() == on && ours.limitation().isEmpty(); });
+    };
+    const auto isOnInTheShell = [&] {
+        return shell.eval(u"Main.extensionManager.lookup('pavonel@pavonel.org').state"_s) == u"1";
+    };
+    EXPECT_TRUE(waitUntil([&] { return ours.isPossible() && !ours.isOn() && ours.limitation().isEmpty(); }));
+    for (const bool on : {true, false}) {
+        ours.setOn(on);
+        EXPECT_TRUE(waitUntil([&] { return isOnInTheShell() == on; }));
+        EXPECT_TRUE(becomes(on));
+    }
+}
+
+TEST(GnomeExtensionInTheShell, that_is_not_installed_cannot_be_switched) {
+    GnomeShell shell(GnomeShell::Extension::missing);
+    GnomeExtensionSwitch ours(shell.bus(), std::make_shared<GnomeExtension>(shell.bus()));
+    EXPECT_TRUE(ours.isPossible());
+    EXPECT_TRUE(waitUntil([&] { return !ours.isOn() && !ours.limitation().isEmpty(); }));
 }
 
 TEST_F(GnomeWithExtension, answers_nobody_but_pavonel) {

@@ -56,6 +56,8 @@ TEST_F(Limitations, of_the_system_stand_on_the_page_of_advanced_things) {
     expectOn(Page::advanced, open.platform.menuBar.reason);
     expectOn(Page::advanced, open.platform.powerEvents.reason);
     expectOn(Page::advanced, open.platform.launcher.reason);
+    open.platform.extension.possible = true;
+    expectOn(Page::advanced, open.platform.extension.reason);
 }
 
 } // namespace pavonel::test

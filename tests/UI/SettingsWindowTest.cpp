@@ -275,6 +275,43 @@ TEST_F(SettingsWindow, changes_are_live_at_once_and_saved_after_their_quiet_peri
     EXPECT_EQ(open.platform.fakeDefaults.values[u"strictMode"_s], StoredValue(true));
 }
 
+TEST_F(SettingsWindow, an_extension_has_a_switch_only_where_the_desktop_takes_one) {
+    const auto control = [this] {
+        return open.widget<QAbstractButton>(QAccessible::CheckBox, u"GNOME extension"_s);
+    };
+    open.show(Page::advanced);
+    EXPECT_EQ(control(), nullptr);
+    open.platform.extension.possible = true;
+    open.show(Page::wellness);
+    open.show(Page::advanced);
+    ASSERT_NE(control(), nullptr);
+    EXPECT_FALSE(control()->isChecked());
+    control()->click();
+    EXPECT_TRUE(open.platform.extension.on);
+    control()->click();
+    EXPECT_FALSE(open.platform.extension.on);
+}
+
+TEST_F(SettingsWindow, an_extension_that_is_switched_elsewhere_moves_its_switch) {
+    auto &extension = open.platform.extension;
+    extension.possible = true;
+    open.show(Page::advanced);
+    auto *control = open.widget<QAbstractButton>(QAccessible::CheckBox, u"GNOME extension"_s);
+    extension.on = true;
+    extension.changed();
+    EXPECT_TRUE(control->isChecked());
+    extension.reason = u"It is not installed."_s;
+    extension.changed();
+    EXPECT_FALSE(control->isEnabled());
+}
+
+TEST_F(SettingsWindow, an_extension_that_cannot_be_switched_has_a_pale_switch) {
+    open.platform.extension.possible = true;
+    open.platform.extension.reason = u"It is not installed."_s;
+    open.show(Page::advanced);
+    EXPECT_FALSE(open.widget<QWidget>(QAccessible::CheckBox, u"GNOME extension"_s)->isEnabled());
+}
+
 TEST_F(SettingsWindow, a_failure_of_the_login_item_is_told_under_its_switch) {
     open.show(Page::advanced);
     auto *control = open.widget<QAbstractButton>(QAccessible::CheckBox, u"Launch at login"_s);

@@ -342,6 +342,17 @@ struct FakeLoginItem final : Limited<LoginItem> {
     }
 };
 
+struct FakeDesktopExtension final : Limited<DesktopExtension> {
+    bool possible = false;
+    bool on = false;
+    std::function<void()> changed;
+
+    bool isPossible() override { return possible; }
+    bool isOn() const override { return on; }
+    void setOn(bool wanted) override { on = wanted; }
+    void onChange(std::function<void()> listener) override { changed = std::move(listener); }
+};
+
 struct FakeAppearance final : Appearance {
     AppearanceWishes current;
 
@@ -414,6 +425,7 @@ struct FakePlatform : Platform {
     FakeToolRunner &toolRunner;
     FakeInstallation &copy;
     FakeLoginItem &login;
+    FakeDesktopExtension &extension;
     FakeAppearance &colours;
     FakeStatusItem &menuBar;
     FakeHttpClient &web;
@@ -431,6 +443,7 @@ private:
           fakeSounds(give(sounds, new FakeSounds)), launcher(give(processes, new FakeProcessLauncher)),
           toolRunner(give(tools, new FakeToolRunner)), copy(give(installation, new FakeInstallation)),
           login(give(loginItem, new FakeLoginItem)),
+          extension(give(desktopExtension, new FakeDesktopExtension)),
           colours(give(appearance, new FakeAppearance)), menuBar(give(statusItem, new FakeStatusItem)),
           web(give(http, new FakeHttpClient)) {}
 

@@ -39,8 +39,9 @@ OpenSettings::OpenSettings()
     : phone(platform.web, platform.loop, platform.fakeDefaults, QUrl(QStringLiteral("https://pair.example"))),
       updater(platform, QUrl(QStringLiteral("https://updates.example/feed"))),
       controller(PageContext{platform, platform, platform.mouse, platform.installed, platform.fakeSounds,
-                             platform.launcher, platform.login, platform.powerEvents, platform.menuBar,
-                             platform.fakeDefaults, settings, scenario.stats, phone, hotKeys, updater}) {}
+                             platform.launcher, platform.login, platform.extension, platform.powerEvents,
+                             platform.menuBar, platform.fakeDefaults, settings, scenario.stats, phone,
+                             hotKeys, updater}) {}
 
 QWidget *OpenSettings::window() const {
     return shownWindow("Pavonel");

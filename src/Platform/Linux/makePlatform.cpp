@@ -17,6 +17,7 @@
 #include "Platform/Linux/Fetch/FetchClient.h"
 #include "Platform/Linux/FirstIdleTime.h"
 #include "Platform/Linux/Gnome/GnomeExtension.h"
+#include "Platform/Linux/Gnome/GnomeExtensionSwitch.h"
 #include "Platform/Linux/Gnome/GnomeHotKeys.h"
 #include "Platform/Linux/Gnome/GnomePointer.h"
 #include "Platform/Linux/Gnome/GnomeWindows.h"
@@ -253,6 +254,7 @@ std::unique_ptr<Platform> makePlatform() {
     platform->hotKeys = hotKeys(x11, gnome, *platform->mainLoop);
     platform->sounds = std::make_unique<EventSounds>(ProgramFiles::ofThisProgram(), *platform->mainLoop);
     platform->loginItem = makeLoginItem();
+    platform->desktopExtension = std::make_unique<GnomeExtensionSwitch>(QDBusConnection::sessionBus(), gnome);
     platform->appearance = std::make_unique<PortalAppearance>(QDBusConnection::sessionBus());
     platform->statusItem = statusItem(*platform->mainLoop, *platform->appearance, x11);
     return platform;

@@ -10,6 +10,7 @@
 
 namespace pavonel {
 
+class DesktopExtension;
 class HotKeyManager;
 class InstalledApplications;
 class LoginItem;
@@ -36,6 +37,7 @@ struct PageContext {
     Sounds &sounds;
     ProcessLauncher &processes;
     LoginItem &loginItem;
+    DesktopExtension &desktopExtension;
     PowerEvents &power;
     StatusItem &statusItem;
     UserDefaults &defaults;

@@ -2,6 +2,7 @@
 
 #include "Core/Settings.h"
 #include "Platform/Appearance.h"
+#include "Platform/DesktopExtension.h"
 #include "Platform/UserDefaults.h"
 #include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Layouts.h"
@@ -34,17 +35,16 @@ public:
     SettingsView(const PageContext &context, SettingsSelection &selection)
         : context_(context), selection_(selection), visuals_(context.display),
           onSelection_(context.display.loop, {&selection}, [this] { showSelected(); }),
-          onSettings_(context.display.loop, {&context.settings},
-                      [this] {
-                          if (page_)
-                              page_->refresh();
-                      }),
+          onSettings_(context.display.loop, {&context.settings}, [this] { refreshPage(); }),
           onAppearance_(visuals_.appearance().onChange([this] { followAppearance(); })) {
+        context_.desktopExtension.onChange([this] { refreshPage(); });
         setAccessibleRole(*this, QAccessible::Window);
         line(this);
         makeSidebar();
         setPalette(visuals_.toolkitPalette());
     }
+
+    ~SettingsView() override { context_.desktopExtension.onChange({}); }
 
     /// These points at the ordinary text size, as larger as the user's text is.
     QSize grown(const QSize &points) const {
@@ -103,6 +103,11 @@ private:
         page_->show();
         if (wanted == Page::phone) // the user has seen it
             context_.defaults.set(QStringLiteral("phonePageSeen"), true);
+    }
+
+    void refreshPage() {
+        if (page_)
+            page_->refresh();
     }
 
     void dropPage() {

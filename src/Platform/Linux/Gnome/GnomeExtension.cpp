@@ -93,8 +93,7 @@ bool GnomeExtension::isShellThere() const {
 QString GnomeExtension::advice() const {
     if (!isShellThere())
         return {};
-    return QStringLiteral(" GNOME's extension “Pavonel” adds that: switch it on in the program Extensions,"
-                          " after the next login if it is not listed yet.");
+    return QStringLiteral(" Pavonel's extension of GNOME adds that; its switch is under Advanced.");
 }
 
 void GnomeExtension::begin(const QString &owner) {

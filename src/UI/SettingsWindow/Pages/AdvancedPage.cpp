@@ -4,6 +4,7 @@
 #include "Core/RelativeTime.h"
 #include "Core/Settings.h"
 #include "Core/Updater.h"
+#include "Platform/DesktopExtension.h"
 #include "Platform/MainLoop.h"
 #include "Platform/PowerEvents.h"
 #include "Platform/ProcessLauncher.h"
@@ -145,22 +146,36 @@ Element updateCard(PageContext &context) {
                 });
 }
 
+/// None where the desktop has no such thing.
+Elements extensionRows(DesktopExtension &extension) {
+    if (!extension.isPossible())
+        return {};
+    const ValueBinding<bool> isOn([&extension] { return extension.isOn(); },
+                                  [&extension](bool on) { extension.setOn(on); });
+    return {
+        enabledWhile([&extension] { return extension.limitation().isEmpty(); },
+                     switchRow(u"GNOME extension"_s, isOn,
+                               u"Adds the item in the top bar and holding for fullscreen and focus apps"_s)),
+        limitationNote(extension)};
+}
+
 Element systemCard(PageContext &context) {
     Settings &settings = context.settings;
     const auto login = std::make_shared<LoginSwitch>(settings, context.loginItem);
     const auto shortcuts = [&context] {
         return shortcutNote(context.hotKeys, context.settings.hotKeysEnabled);
     };
-    return card(u"System"_s, {},
-                {
-                    switchRow(u"Launch at login"_s,
-                              {[login] { return login->isOn(); }, [login](bool on) { login->set(on); }}),
-                    cardNote([login] { return login->failure(); }, Text::Style::failure),
-                    cardNote([login] { return login->difference(); }),
-                    switchRow(u"Global shortcuts"_s, settings.hotKeysEnabled,
-                              u"⌃⌥⌘B take a break · ⌃⌥⌘S skip · ⌃⌥⌘P pause"_s),
-                    cardNote(shortcuts),
-                });
+    Elements rows{
+        switchRow(u"Launch at login"_s,
+                  {[login] { return login->isOn(); }, [login](bool on) { login->set(on); }}),
+        cardNote([login] { return login->failure(); }, Text::Style::failure),
+        cardNote([login] { return login->difference(); }),
+        switchRow(u"Global shortcuts"_s, settings.hotKeysEnabled,
+                  u"⌃⌥⌘B take a break · ⌃⌥⌘S skip · ⌃⌥⌘P pause"_s),
+        cardNote(shortcuts),
+    };
+    std::ranges::copy(extensionRows(context.desktopExtension), std::back_inserter(rows));
+    return card(u"System"_s, {}, rows);
 }
 
 } // namespace
