@@ -185,10 +185,14 @@ void GnomeShell::press(const QStringList &keys) {
             .arg(keys.join(u' ')));
 }
 
+/// The first motion of a new pointer may be lost.
 void GnomeShell::pointAt(QPoint point) {
-    act(QStringLiteral("global.test.pointer.notify_absolute_motion(global.test.now(), %1, %2)")
-            .arg(point.x())
-            .arg(point.y()));
+    const auto move = QStringLiteral("global.test.pointer.notify_absolute_motion(global.test.now(), %1, %2)");
+    const auto isThere = QStringLiteral("global.get_pointer()[0] === %1 && global.get_pointer()[1] === %2");
+    EXPECT_TRUE(waitUntil([&] {
+        act(move.arg(point.x()).arg(point.y()));
+        return eval(isThere.arg(point.x()).arg(point.y())) == u"true";
+    }));
 }
 
 void GnomeShell::click(QPoint point) {
