@@ -15,6 +15,8 @@
 
 namespace pavonel::test {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr QColor green(20, 160, 40);
@@ -222,6 +224,80 @@ TEST_F(InsetTest, may_be_shown_in_a_window_that_is_gone) {
     large.reset();
     const auto next = overlay(0);
     EXPECT_TRUE(becomes({1, 1}, blue));
+}
+
+TEST_F(InsetTest, may_be_shown_first_in_a_window_that_is_gone) {
+    large->hide();
+    fill(inset->picture().rect(), green);
+    inset.reset();
+    large.reset();
+    const auto next = overlay(0);
+    EXPECT_TRUE(becomes({1, 1}, blue));
+}
+
+/// On an output with three pixels to two points, of whole points in both directions.
+class ScaledInsetTest : public WaylandWindowLayersTest {
+protected:
+    void SetUp() override {
+        WaylandWindowLayersTest::SetUp();
+        output = screens.all()[0].name;
+        ASSERT_TRUE(becomes({1200, 768}, 1.5));
+        large = overlay(0);
+        ASSERT_TRUE(waitUntil([&] { return pixel({3, 3}) == blue && pixel({1195, 760}) == blue; }));
+    }
+    ~ScaledInsetTest() override {
+        large.reset();
+        EXPECT_TRUE(becomes(Sway::outputSize, 1));
+    }
+    bool becomes(QSize size, double scale) {
+        compositor().command(u"output %1 mode --custom %2x%3 scale %4"_s.arg(output)
+                                 .arg(size.width())
+                                 .arg(size.height())
+                                 .arg(scale));
+        return waitUntil([&] { return screens.all()[0].frame.size() == QSizeF(size) / scale; });
+    }
+    QColor pixel(QPoint at) { return compositor().picture(output).pixelColor(at); }
+
+    static constexpr QRect place{300, 200, 80, 60};
+    static constexpr QRect pixels{450, 300, 120, 90};
+    QString output;
+    std::unique_ptr<Layered> large;
+};
+
+TEST_F(ScaledInsetTest, shows_its_picture_in_its_place_in_the_window) {
+    const auto inset = layers->inset(*large->windowHandle(), place);
+    ASSERT_TRUE(inset);
+    inset->picture().fill(green);
+    inset->show(inset->picture().rect());
+    EXPECT_TRUE(waitUntil([&] {
+        const QImage picture = compositor().picture(output);
+        const QRect within = pixels.adjusted(1, 1, -1, -1); // its edge may be blended
+        const QRect around = pixels.adjusted(-1, -1, 1, 1);
+        return picture.pixelColor(within.topLeft()) == green &&
+               picture.pixelColor(within.bottomRight()) == green &&
+               picture.pixelColor(around.topLeft()) == blue &&
+               picture.pixelColor(around.bottomRight()) == blue;
+    }));
+}
+
+TEST_F(ScaledInsetTest, of_that_scale_shows_each_pixel_as_one) {
+    WaylandInsets insets;
+    const auto inset = insets.make(*large->windowHandle(), place, 1.5);
+    ASSERT_TRUE(inset);
+    ASSERT_EQ(inset->picture().size(), pixels.size());
+    const auto colourAt = [](int x, int y) { return (x + y) % 2 == 0 ? green : QColor(Qt::black); };
+    for (int y = 0; y < pixels.height(); ++y) {
+        for (int x = 0; x < pixels.width(); ++x)
+            inset->picture().setPixelColor(x, y, colourAt(x, y));
+    }
+    inset->show(inset->picture().rect());
+    EXPECT_TRUE(waitUntil([&] {
+        const QImage picture = compositor().picture(output);
+        return picture.copy(pixels).convertToFormat(QImage::Format_RGB32) ==
+                   inset->picture().convertToFormat(QImage::Format_RGB32) &&
+               picture.pixelColor(pixels.topLeft() - QPoint(1, 1)) == blue &&
+               picture.pixelColor(pixels.bottomRight() + QPoint(1, 1)) == blue;
+    }));
 }
 
 } // namespace

@@ -20,13 +20,18 @@ public:
     WaylandInsets &operator=(const WaylandInsets &) = delete;
     ~WaylandInsets();
 
-    /// Null where the compositor offers too little, or no memory is to be had.
-    std::unique_ptr<Inset> make(QWindow &window, const QRect &points);
+    /// With so many pixels to a point. Null where the compositor offers too little, or no memory is to be
+    /// had.
+    std::unique_ptr<Inset> make(QWindow &window, const QRect &points, double ratio);
+
+    struct Offers {
+        wl_shm *memory = nullptr;
+        wl_subcompositor *subcompositor = nullptr;
+        wp_viewporter *viewporter = nullptr;
+    };
 
 private:
-    wl_shm *memory_ = nullptr;
-    wl_subcompositor *subcompositor_ = nullptr;
-    wp_viewporter *viewporter_ = nullptr;
+    Offers offers_;
 };
 
 } // namespace pavonel
