@@ -62,11 +62,6 @@ void bind(wl_client *client, void *compositor, std::uint32_t version, std::uint3
     wl_resource_set_implementation(resource, &requests, compositor, nullptr);
 }
 
-FakeCompositor::Offer offer(wl_display *display, const wl_interface &interface, int version,
-                            FakeCompositor *compositor, wl_global_bind_func_t bindTo) {
-    return {wl_global_create(display, &interface, version, compositor, bindTo), &wl_global_destroy};
-}
-
 } // namespace
 
 FakeCompositor::FakeCompositor()
@@ -83,19 +78,23 @@ FakeCompositor::~FakeCompositor() {
     wl_display_destroy(display_);
 }
 
+FakeCompositor::Offer FakeCompositor::offer(const wl_interface &interface, int version, void *data,
+                                            Bind bind) {
+    return {wl_global_create(display_, &interface, version, data, bind), &wl_global_destroy};
+}
+
 FakeCompositor::Offer FakeCompositor::offerSeat() {
     constexpr int version = 5;
-    return offer(display_, wl_seat_interface, version, this, bind<wl_seat_interface, Requests::seat>);
+    return offer(wl_seat_interface, version, this, bind<wl_seat_interface, Requests::seat>);
 }
 
 FakeCompositor::Offer FakeCompositor::offerIdleNotifier(int version) {
-    return offer(display_, ext_idle_notifier_v1_interface, version, this,
+    return offer(ext_idle_notifier_v1_interface, version, this,
                  bind<ext_idle_notifier_v1_interface, Requests::notifier>);
 }
 
 FakeCompositor::Offer FakeCompositor::offerKdeIdle() {
-    return offer(display_, org_kde_kwin_idle_interface, 1, this,
-                 bind<org_kde_kwin_idle_interface, Requests::kdeIdle>);
+    return offer(org_kde_kwin_idle_interface, 1, this, bind<org_kde_kwin_idle_interface, Requests::kdeIdle>);
 }
 
 FakeCompositor &FakeCompositor::of(wl_resource *resource) {
@@ -129,7 +128,7 @@ void FakeCompositor::tellResumed(const Notice &notice) {
 }
 
 FakeCompositor::Offer FakeCompositor::offerToplevels() {
-    return offer(display_, zwlr_foreign_toplevel_manager_v1_interface, 2, this, &Requests::bindToplevels);
+    return offer(zwlr_foreign_toplevel_manager_v1_interface, 2, this, &Requests::bindToplevels);
 }
 
 FakeCompositor::Window FakeCompositor::openWindow() {

@@ -9,6 +9,7 @@
 struct wl_client;
 struct wl_display;
 struct wl_global;
+struct wl_interface;
 struct wl_resource;
 
 namespace pavonel::test {
@@ -22,11 +23,15 @@ public:
     FakeCompositor &operator=(const FakeCompositor &) = delete;
     ~FakeCompositor();
 
+    wl_display &display() { return *display_; }
+
     /// What to connect to.
     const char *socket() const { return socket_; }
 
     /// Something on offer, until this goes.
     using Offer = std::shared_ptr<wl_global>;
+    using Bind = void (*)(wl_client *client, void *data, std::uint32_t version, std::uint32_t id);
+    [[nodiscard]] Offer offer(const wl_interface &interface, int version, void *data, Bind bind);
     [[nodiscard]] Offer offerSeat();
     /// ext_idle_notifier_v1 in this version.
     [[nodiscard]] Offer offerIdleNotifier(int version);
