@@ -13,6 +13,8 @@ namespace {
 
 constexpr int lowest = 42;
 constexpr int gap = 12;
+constexpr int air = 7; // above and below texts
+constexpr int betweenLines = 2;
 
 } // namespace
 
@@ -31,14 +33,20 @@ void CardRow::addOutdented(QWidget *widget) {
     line_->addWidget(widget, 1);
 }
 
-void CardRow::addLabel(const QString &label, const QString &note) {
-    auto *lines = column(nullptr, {0, air, 0, air}, betweenLines);
+void CardRow::addLines(const std::vector<QWidget *> &widgets) {
+    auto *lines = column(nullptr, {0, air, FocusRing::room, air}, betweenLines);
     lines->addStretch();
-    lines->addWidget(new Text(visuals_, label, Text::Style::label));
-    if (!note.isEmpty())
-        lines->addWidget(new Text(visuals_, note, Text::Style::note));
+    for (QWidget *widget : widgets)
+        lines->addWidget(widget);
     lines->addStretch();
     line_->addLayout(lines, 1);
+}
+
+void CardRow::addLabel(const QString &label, const QString &note) {
+    std::vector<QWidget *> texts{new Text(visuals_, label, Text::Style::label)};
+    if (!note.isEmpty())
+        texts.push_back(new Text(visuals_, note, Text::Style::note));
+    addLines(texts);
 }
 
 void CardRow::paintEvent(QPaintEvent *) {

@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+#include <vector>
+
 class QHBoxLayout;
 class QPainter;
 
@@ -13,17 +15,18 @@ namespace pavonel {
 /// row off from what is above.
 class CardRow : public QWidget {
 public:
-    static constexpr int margin = 16;      ///< Of the content, left and right, in points.
-    static constexpr int air = 7;          ///< Above and below texts.
-    static constexpr int betweenLines = 2; ///< From a label to its note.
+    static constexpr int margin = 16; ///< Of the content, left and right, in points.
 
     explicit CardRow(Visuals &visuals);
 
-    /// Keeps its own size; the first one should be a text, which takes what is left over.
+    /// Keeps its own size.
     void add(QWidget *widget);
 
     /// For a control that begins at the row's left edge and leaves room for its ring there.
     void addOutdented(QWidget *widget);
+
+    /// One below the other, in the middle of the row; they take what is left over.
+    void addLines(const std::vector<QWidget *> &widgets);
 
     /// A label with a note under it where there is one.
     void addLabel(const QString &label, const QString &note = {});

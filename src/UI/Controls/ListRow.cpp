@@ -128,8 +128,7 @@ void ListRow::draw(QPainter &painter, const QRectF &place, const Entry &entry, c
 UndoRow::UndoRow(Visuals &visuals)
     : CardRow(visuals), text_(new Text(visuals, {}, Text::Style::secondary)),
       button_(new Button(QStringLiteral("Undo"))) {
-    add(text_);
-    static_cast<QBoxLayout *>(layout())->setStretchFactor(text_, 1);
+    addLines({text_});
     add(button_);
     hide();
     connect(button_, &Button::clicked, this, [this] {

@@ -12,8 +12,6 @@
 #include "Platform/UserDefaults.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/FocusRing.h"
-#include "UI/Controls/Layouts.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
@@ -30,6 +28,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr Seconds minute = 60;
 constexpr qsizetype longest = 4000; // characters of what a feed says; nobody reads on
 
 /// The line under the version.
@@ -71,32 +70,23 @@ QWidget *progressBar(const Visuals &visuals, double progress) {
 class StatusRow final : public CardRow {
 public:
     StatusRow(Visuals &visuals, Updater &updater) : CardRow(visuals), updater_(updater) {
-        auto *place = new QWidget;
-        auto *texts = column(place, {0, air, FocusRing::room, air}, betweenLines);
-        texts->addWidget(new Text(visuals, u"Version "_s + updater.currentVersion(), Text::Style::label));
-        const bool failed = std::holds_alternative<Updater::Failed>(updater.state.get());
+        const Updater::State &state = updater.state;
+        const bool failed = std::holds_alternative<Updater::Failed>(state);
         line_ = new Text(visuals, {}, failed ? Text::Style::failure : Text::Style::note);
-        texts->addWidget(line_);
-        addState(*texts);
-        add(place);
-        static_cast<QBoxLayout *>(layout())->setStretchFactor(place, 1);
+        std::vector<QWidget *> lines{
+            new Text(visuals, u"Version "_s + updater.currentVersion(), Text::Style::label), line_};
+        if (const auto *available = std::get_if<Updater::Available>(&state))
+            lines.push_back(new Text(visuals, shortened(available->notes), Text::Style::note));
+        else if (const auto *downloading = std::get_if<Updater::Downloading>(&state))
+            lines.push_back(progressBar(visuals, downloading->progress));
+        else if (std::holds_alternative<Updater::Idle>(state))
+            minutes_ = visuals.loop().every(minute, [this] { describe(); });
+        addLines(lines);
         addButton();
         describe();
     }
 
 private:
-    void addState(QVBoxLayout &texts) {
-        const Updater::State &state = updater_.state;
-        if (const auto *available = std::get_if<Updater::Available>(&state))
-            texts.addWidget(new Text(visuals(), shortened(available->notes), Text::Style::note));
-        else if (const auto *downloading = std::get_if<Updater::Downloading>(&state))
-            texts.addWidget(progressBar(visuals(), downloading->progress));
-        else if (std::holds_alternative<Updater::Idle>(state)) {
-            constexpr Seconds minute = 60;
-            minutes_ = visuals().loop().every(minute, [this] { describe(); });
-        }
-    }
-
     void addButton() {
         const Updater::State &state = updater_.state;
         const bool available = std::holds_alternative<Updater::Available>(state);

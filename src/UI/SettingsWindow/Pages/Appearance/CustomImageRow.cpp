@@ -4,7 +4,6 @@
 #include "UI/BackgroundImage.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/Layouts.h"
 #include "UI/Controls/Pixels.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Pages/Appearance/BreakScreenRows.h"
@@ -65,7 +64,7 @@ public:
           remove_(new Button(QStringLiteral("Remove"))) {
         auto *choose = new Button(QStringLiteral("Choose image…"));
         add(thumbnail_);
-        addTexts();
+        addLines({name_, note_});
         add(remove_);
         add(choose);
         connect(remove_, &Button::clicked, this, [this] { settings_.customBackgroundPath = QString(); });
@@ -93,17 +92,6 @@ private:
                 display(picture.isNull() ? State::unreadable : State::shown, picture);
             };
         });
-    }
-
-    void addTexts() {
-        auto *texts = new QWidget;
-        auto *lines = column(texts, {}, betweenLines);
-        lines->addStretch();
-        lines->addWidget(name_);
-        lines->addWidget(note_);
-        lines->addStretch();
-        add(texts);
-        static_cast<QHBoxLayout *>(layout())->setStretchFactor(texts, 1);
     }
 
     void display(State state, const QImage &picture = {}) {
