@@ -21,9 +21,10 @@ Stepper::Stepper(const QString &name, Range range, double step, Wording wording)
     setAccessibleName(name);
     lineEdit()->hide(); // in it, digits would move as the number changes; screen readers have its text
     lineEdit()->setReadOnly(true);
-    lineEdit()->setText(wording_(value_));
     lineEdit()->setFocusPolicy(Qt::NoFocus);
     setFocusPolicy(Qt::TabFocus);
+    ensurePolished(); // else the text would be laid out in a font that nobody sees, and that loaded for it
+    lineEdit()->setText(wording_(value_));
     setAttribute(Qt::WA_InputMethodEnabled, false);
     setContextMenuPolicy(Qt::NoContextMenu);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
