@@ -1,6 +1,7 @@
 #include "Platform/Linux/Wayland/WaylandWindowLayers.h"
 
 #include "Platform/Inset.h"
+#include "Platform/Qt/QtWindowLayers.h"
 #include "Wayland/compositor.h"
 #include "support/OtherWindow.h"
 #include "support/VirtualInput.h"
@@ -233,6 +234,30 @@ TEST_F(InsetTest, may_be_shown_first_in_a_window_that_is_gone) {
     large.reset();
     const auto next = overlay(0);
     EXPECT_TRUE(becomes({1, 1}, blue));
+}
+
+/// As where there is no layer shell.
+TEST(InsetOfFullscreenWindow, is_a_part_of_the_window_again_when_that_opens_anew) {
+    WaylandInsets insets;
+    QtWindowLayers layers([&](QWindow &window, const QRect &points) { return insets.make(window, points); });
+    const auto becomes = [](QPoint point, const QColor &colour) {
+        return waitUntil([&] { return compositor().picture().pixelColor(point) == colour; });
+    };
+    const Screen screen = QtScreens().all().front();
+    Layered large(layers, WindowLayer::overlay, screen, screen.frame.toRect(), blue);
+    ASSERT_TRUE(becomes({1, 1}, blue));
+    constexpr QRect place(300, 200, 80, 60);
+    const auto inset = layers.inset(*large.windowHandle(), place);
+    ASSERT_TRUE(inset);
+    inset->picture().fill(green);
+    inset->show(inset->picture().rect());
+    ASSERT_TRUE(becomes(place.center(), green));
+    large.windowHandle()->hide();
+    ASSERT_TRUE(becomes(place.center(), Sway::background()));
+    large.windowHandle()->showFullScreen();
+    ASSERT_TRUE(becomes({1, 1}, blue));
+    inset->show({0, 0, 1, 1});
+    EXPECT_TRUE(becomes(place.bottomRight(), green)) << "all of it";
 }
 
 /// On an output with three pixels to two points, of whole points in both directions.

@@ -32,6 +32,7 @@
 #include "Platform/Linux/Wayland/LossOfCompositor.h"
 #include "Platform/Linux/Wayland/WaylandConnection.h"
 #include "Platform/Linux/Wayland/WaylandIdleTime.h"
+#include "Platform/Linux/Wayland/WaylandInsets.h"
 #include "Platform/Linux/Wayland/WaylandWindowLayers.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11HotKeys.h"
@@ -162,7 +163,12 @@ std::unique_ptr<WindowLayers> windowLayers(const std::shared_ptr<X11Connection> 
         return std::make_unique<X11WindowLayers>(x);
     if (auto layers = WaylandWindowLayers::make(workedOn))
         return layers;
-    return std::make_unique<QtWindowLayers>();
+    if (!QGuiApplication::platformName().startsWith(u"wayland"))
+        return std::make_unique<QtWindowLayers>();
+    return std::make_unique<QtWindowLayers>(
+        [insets = std::make_shared<WaylandInsets>()](QWindow &window, const QRect &points) {
+            return insets->make(window, points);
+        });
 }
 
 /// In the order in which they are preferred.

@@ -22,7 +22,7 @@ constexpr std::chrono::milliseconds comeBackDelay{300};
 
 } // namespace
 
-QtWindowLayers::QtWindowLayers() {
+QtWindowLayers::QtWindowLayers(MakeInset makeInset) : makeInset_(std::move(makeInset)) {
     keyboardLost_.setSingleShot(true);
     keyboardLost_.setInterval(comeBackDelay);
     QObject::connect(&keyboardLost_, &QTimer::timeout, &context_, [this] { comeBack(); });

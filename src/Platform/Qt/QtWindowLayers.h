@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -15,15 +16,19 @@ namespace pavonel {
 /// overlays.
 class QtWindowLayers final : public WindowLayers {
 public:
-    QtWindowLayers();
+    /// Null where the system cannot make one. It must heed that a window may be opened anew.
+    using MakeInset = std::function<std::unique_ptr<Inset>(QWindow &window, const QRect &points)>;
+
+    explicit QtWindowLayers(MakeInset makeInset = [](QWindow &, const QRect &) { return nullptr; });
     QString limitation() const override;
     Qt::WindowFlags windowFlags(WindowLayer layer) const override;
     void show(QWindow &window, WindowLayer layer, const Screen &screen) override;
     bool placesPanels() const override;
     bool canBlend() const override;
     bool canFade() const override { return false; }
-    /// None: a window that opens again has another surface, and an inset would stay with the one before.
-    std::unique_ptr<Inset> inset(QWindow &, const QRect &) override { return nullptr; }
+    std::unique_ptr<Inset> inset(QWindow &window, const QRect &points) override {
+        return makeInset_(window, points);
+    }
     void cutTo(QWindow &window, const QRegion &pixels) override;
     void takeKeyboard(QWindow &window) override;
     void yieldKeyboard() override {}
@@ -31,6 +36,7 @@ public:
 private:
     void comeBack();
 
+    MakeInset makeInset_;
     std::vector<QWindow *> overlays_; ///< The last one has the keyboard.
     QTimer keyboardLost_;
     QObject context_;

@@ -142,6 +142,10 @@ WaylandInsets::~WaylandInsets() {
         wp_viewporter_destroy(offers_.viewporter);
 }
 
+std::unique_ptr<Inset> WaylandInsets::make(QWindow &window, const QRect &points) {
+    return make(window, points, window.devicePixelRatio());
+}
+
 std::unique_ptr<Inset> WaylandInsets::make(QWindow &window, const QRect &points, double ratio) {
     if (!offers_.memory || !offers_.subcompositor)
         return nullptr;

@@ -20,8 +20,10 @@ public:
     WaylandInsets &operator=(const WaylandInsets &) = delete;
     ~WaylandInsets();
 
-    /// With so many pixels to a point. Null where the compositor offers too little, or no memory is to be
-    /// had.
+    /// Null where the compositor offers too little, or no memory is to be had.
+    std::unique_ptr<Inset> make(QWindow &window, const QRect &points);
+
+    /// With so many pixels to a point, not as many as the window has.
     std::unique_ptr<Inset> make(QWindow &window, const QRect &points, double ratio);
 
     struct Offers {

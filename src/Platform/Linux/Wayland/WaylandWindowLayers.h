@@ -24,7 +24,7 @@ public:
     bool canBlend() const override { return true; }
     bool canFade() const override { return false; }
     std::unique_ptr<Inset> inset(QWindow &window, const QRect &points) override {
-        return insets_.make(window, points, window.devicePixelRatio());
+        return insets_.make(window, points);
     }
     void cutTo(QWindow &window, const QRegion &pixels) override;
     void takeKeyboard(QWindow &) override {} // the compositor gives it to each overlay that appears
