@@ -1,6 +1,7 @@
 #include "UI/Symbol.h"
 
 #include <QDir>
+#include <QImageReader>
 #include <QPainter>
 #include <QSvgRenderer>
 
@@ -58,7 +59,10 @@ QImage image(const QString &name, qreal side, const QColor &tint, qreal devicePi
 
 QImage mark(const QColor &tint, int devicePixelRatio) {
     loadSymbols();
-    QImage image(devicePixelRatio > 1 ? QStringLiteral(":/menubar@2x.png") : QStringLiteral(":/menubar.png"));
+    QImageReader reader(
+        devicePixelRatio > 1 ? QStringLiteral(":/menubar@2x.png") : QStringLiteral(":/menubar.png"), "png");
+    reader.setAutoDetectImageFormat(false); // which would load a plugin for each format there is
+    QImage image = reader.read();
     if (image.isNull())
         return {};
     image.convertTo(QImage::Format_ARGB32_Premultiplied);

@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace pavonel {
 
@@ -24,16 +23,22 @@ double wishedTextScale() {
 
 } // namespace
 
-Visuals::Visuals(const DisplayServices &display)
-    : display_(display), palette_(display.appearance.wishes()), textScale_(wishedTextScale()) {}
+Visuals::Visuals(const DisplayServices &display) : display_(display), palette_(display.appearance.wishes()) {}
 
 void Visuals::refresh() {
     palette_ = Palette(display_.appearance.wishes());
 }
 
 bool Visuals::refreshTextSize() {
-    const double before = std::exchange(textScale_, wishedTextScale());
+    const double before = textScale();
+    textScale_ = wishedTextScale();
     return textScale_ != before;
+}
+
+double Visuals::textScale() const {
+    if (!textScale_)
+        textScale_ = wishedTextScale();
+    return *textScale_;
 }
 
 QFont Visuals::font(int size, QFont::Weight weight) const {
@@ -41,7 +46,7 @@ QFont Visuals::font(int size, QFont::Weight weight) const {
 }
 
 int Visuals::length(int points) const {
-    return static_cast<int>(std::lround(points * textScale_));
+    return static_cast<int>(std::lround(points * textScale()));
 }
 
 int Visuals::lineHeight(int points) const {

@@ -5,6 +5,8 @@
 
 #include <QFont>
 
+#include <optional>
+
 class QPalette;
 
 namespace pavonel {
@@ -43,9 +45,11 @@ public:
     bool refreshTextSize();
 
 private:
+    double textScale() const;
+
     DisplayServices display_;
     Palette palette_;
-    double textScale_ = 1;
+    mutable std::optional<double> textScale_; ///< Read when it is needed, for it loads fonts.
 };
 
 } // namespace pavonel
