@@ -321,9 +321,7 @@ void BreakController::countSkipped(Instant now) {
 }
 
 void BreakController::record(Instant now, const std::function<void(Day &)> &change) {
-    Day day = stats_.on(now);
-    change(day);
-    stats_.set(now, day);
+    stats_.change(now, change);
 }
 
 const std::optional<PlannedOccurrence> &BreakController::upcomingPlanned(Instant now) const {

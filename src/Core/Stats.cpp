@@ -74,6 +74,7 @@ Stats::Stats(UserDefaults &defaults, const MainLoop &loop) : defaults_(defaults)
 void Stats::setDays(Days days) {
     announceChange();
     days_ = std::move(days);
+    pruned_ = {};
     persist(loop_.now());
 }
 
@@ -83,8 +84,12 @@ Day Stats::on(Instant now) const {
 }
 
 void Stats::set(Instant now, const Day &day) {
+    change(now, [&day](Day &stored) { stored = day; });
+}
+
+void Stats::change(Instant now, const std::function<void(Day &)> &change) {
     announceChange();
-    days_[today_.key(now)] = day;
+    change(days_[today_.key(now)]);
     persist(now);
 }
 
@@ -103,10 +108,10 @@ std::vector<LabelledDay> Stats::lastWeek() const {
 }
 
 void Stats::persist(Instant now) {
-    if (days_.size() > keptDays) {
-        const QDate cutOff = today_.day(now).date.addDays(-static_cast<int>(keptDays));
-        if (cutOff.isValid())
-            days_.erase(days_.begin(), days_.lower_bound(dayKey(cutOff)));
+    const QDate today = today_.day(now).date;
+    if (pruned_ != std::pair(today, days_.size())) {
+        prune(today);
+        pruned_ = {today, days_.size()};
     }
     if (std::exchange(isStoredLazily_, true))
         defaults_.noteChange(key);
@@ -114,11 +119,23 @@ void Stats::persist(Instant now) {
         defaults_.setLazily(key, [this] { return encodeDays(); });
 }
 
+void Stats::prune(QDate today) {
+    if (days_.size() <= keptDays)
+        return;
+    const QDate cutOff = today.addDays(-static_cast<int>(keptDays));
+    if (cutOff.isValid())
+        days_.erase(days_.begin(), days_.lower_bound(dayKey(cutOff)));
+}
+
 std::optional<StoredValue> Stats::encodeDays() {
     QByteArrayList members;
-    std::erase_if(encoded_, [this](const auto &entry) { return !days_.contains(entry.first); });
+    auto known = encoded_.begin();
     for (const auto &[dateKey, day] : days_) {
-        auto &[encodedDay, member] = encoded_[dateKey];
+        while (known != encoded_.end() && known->first < dateKey)
+            known = encoded_.erase(known);
+        if (known == encoded_.end() || known->first != dateKey)
+            known = encoded_.emplace_hint(known, dateKey, std::pair<Day, QByteArray>());
+        auto &[encodedDay, member] = (known++)->second;
         if (member.isEmpty() || encodedDay != day) {
             auto changed = encodeMember(dateKey, day);
             if (!changed)
@@ -128,6 +145,7 @@ std::optional<StoredValue> Stats::encodeDays() {
         }
         members.append(member);
     }
+    encoded_.erase(known, encoded_.end());
     return '{' + members.join(',') + '}';
 }
 

@@ -7,6 +7,7 @@
 #include <QJsonObject>
 #include <QString>
 
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -57,6 +58,7 @@ public:
     /// The same of the day that it is at `now`, for one who has read the clock already.
     Day on(Instant now) const;
     void set(Instant now, const Day &day);
+    void change(Instant now, const std::function<void(Day &)> &change);
 
     /// Oldest first, the last is today.
     std::vector<LabelledDay> lastWeek() const;
@@ -68,12 +70,15 @@ public:
 
 private:
     void persist(Instant now);
+    void prune(QDate today);
     std::optional<StoredValue> encodeDays();
 
     UserDefaults &defaults_;
     const MainLoop &loop_;
     Today today_;
     Days days_;
+    /// The day and how many there were when they were pruned last.
+    std::pair<QDate, std::size_t> pruned_;
     bool isStoredLazily_ = false; ///< From the first change on, so that a store without one stays as it is.
     /// Each day as it was last encoded: of all that is written every minute, only today changes.
     std::map<QString, std::pair<Day, QByteArray>> encoded_;

@@ -162,6 +162,18 @@ TEST(Stats, from_61_days_on_those_before_the_date_60_days_ago_are_dropped) {
     EXPECT_EQ(stats.days().size(), 58U);
 }
 
+TEST(Stats, a_day_that_comes_as_the_61st_drops_the_old_ones_at_once) {
+    StatsFixture fixture;
+    Stats stats = fixture.loaded();
+    Days days;
+    for (int offset = 1; offset <= 60; ++offset)
+        days.emplace(dayKey(QDate(2026, 3, 9).addDays(-2 * offset)), Day{.micro = offset});
+    stats.setDays(days);
+    EXPECT_EQ(stats.days().size(), 60U);
+    stats.setToday(someDay);
+    EXPECT_EQ(stats.days().size(), 31U); // today and the 30 of the last 60 days
+}
+
 TEST(Stats, keys_of_the_future_are_kept) {
     StatsFixture fixture;
     Stats stats = fixture.loaded();

@@ -100,26 +100,26 @@ private:
     qsizetype at_;
 };
 
+/// Nothing for what JSON or a date cannot hold.
 struct Encoder {
-    QJsonValue operator()(bool value) const { return value; }
-    QJsonValue operator()(qint64 value) const { return value; }
-    QJsonValue operator()(double value) const { return std::isfinite(value) ? QJsonValue(value) : nothing(); }
-    QJsonValue operator()(const QString &value) const { return value; }
-    QJsonValue operator()(const QStringList &value) const { return QJsonArray::fromStringList(value); }
-    QJsonValue operator()(const QByteArray &value) const {
-        return QJsonObject{{dataMember, QString::fromLatin1(value.toBase64())}};
-    }
-    QJsonValue operator()(Instant value) const {
+    using Text = std::optional<QByteArray>;
+
+    Text operator()(bool value) const { return written(value); }
+    Text operator()(qint64 value) const { return written(value); }
+    Text operator()(double value) const { return std::isfinite(value) ? Text(written(value)) : std::nullopt; }
+    Text operator()(const QString &value) const { return written(value); }
+    Text operator()(const QStringList &value) const { return written(QJsonArray::fromStringList(value)); }
+    /// Statistics are long and written every minute, and nothing in base64 needs an escape.
+    Text operator()(const QByteArray &value) const { return "{\"data\":\"" + value.toBase64() + "\"}"; }
+    Text operator()(Instant value) const {
         constexpr double year1 = -62135596800;
         constexpr double year10000 = 253402300800;
         const double seconds = value.time_since_epoch().count();
         if (!(seconds >= year1 && seconds < year10000 - 0.001))
-            return nothing();
+            return {};
         const QDateTime date = QDateTime::fromMSecsSinceEpoch(std::llround(seconds * 1000), Qt::UTC);
-        return QJsonObject{{dateMember, date.toString(Qt::ISODateWithMs)}};
+        return written(QJsonObject{{dateMember, date.toString(Qt::ISODateWithMs)}});
     }
-
-    static QJsonValue nothing() { return QJsonValue(QJsonValue::Undefined); }
 };
 
 StoredValue decodeNumber(const QJsonValue &number) {
@@ -173,14 +173,16 @@ std::optional<Members> readMembers(const QByteArray &json) {
 
 QByteArray writeMembers(const Members &members) {
     QByteArray json("{");
-    for (const auto &[name, value] : members)
-        json += (json.size() > 1 ? ",\n    " : "\n    ") + writtenName(name) + ": " + value;
-    return json + "\n}\n";
+    const char *separator = "\n    ";
+    for (const auto &[name, value] : members) {
+        json.append(separator).append(writtenName(name)).append(": ").append(value);
+        separator = ",\n    ";
+    }
+    return json.append("\n}\n");
 }
 
 std::optional<QByteArray> encode(const StoredValue &value) {
-    const QJsonValue json = std::visit(Encoder{}, value);
-    return json.isUndefined() ? std::nullopt : std::optional(written(json));
+    return std::visit(Encoder{}, value);
 }
 
 std::optional<StoredValue> decode(const QByteArray &json) {
