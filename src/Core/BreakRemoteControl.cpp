@@ -101,11 +101,10 @@ RemoteControl::Outcome refuseAbsurd(qint64 seconds) {
 
 } // namespace
 
-Status statusOf(const BreakController &controller, const Stats &stats, const MainLoop &loop) {
+Facts factsOf(const BreakController &controller, const Stats &stats, const MainLoop &loop) {
     const Instant now = loop.now();
-    const Day today = stats.today();
-    Status status;
-    Facts &facts = status.facts;
+    const Day today = stats.on(now);
+    Facts facts;
     facts.phase = name(controller.phase);
     facts.hold = holdOf(controller);
     facts.next = nextOf(controller, controller.phase != Phase::paused && facts.hold.isEmpty(), now);
@@ -113,6 +112,13 @@ Status statusOf(const BreakController &controller, const Stats &stats, const Mai
     if (controller.phase == Phase::paused && controller.pauseUntil.get())
         facts.pauseEnds = whole(*controller.pauseUntil.get());
     facts.today = {today.micro, today.long_, today.planned, today.skipped};
+    return facts;
+}
+
+Status statusOf(const BreakController &controller, const Stats &stats, const MainLoop &loop) {
+    const Day today = stats.today();
+    Status status;
+    status.facts = factsOf(controller, stats, loop);
     status.line = statusLine(controller, loop);
     status.screenSeconds = whole(today.screenSeconds);
     status.breakSeconds = whole(today.breakSeconds);
@@ -131,7 +137,7 @@ Facts steadied(Facts facts, const Facts &told) {
 BreakRemoteControl::BreakRemoteControl(StatusPublisher &publisher, BreakController &controller,
                                        const Settings &settings, const Stats &stats, MainLoop &loop)
     : publisher_(publisher), controller_(controller), settings_(settings), stats_(stats), loop_(loop) {
-    told_ = statusOf(controller_, stats_, loop_).facts;
+    told_ = factsOf(controller_, stats_, loop_);
     publisher_.serve(this);
     polling_ = loop_.every(pollInterval, [this] { tellIfChanged(); });
 }
@@ -147,7 +153,7 @@ Status BreakRemoteControl::status() const {
 }
 
 void BreakRemoteControl::tellIfChanged() {
-    Facts facts = status().facts;
+    Facts facts = steadied(factsOf(controller_, stats_, loop_), told_);
     if (facts == told_)
         return;
     told_ = std::move(facts);

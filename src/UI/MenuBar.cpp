@@ -55,9 +55,9 @@ MenuItem separator() {
 
 QString shortRemainingTime(Seconds remaining) {
     if (remaining < 60)
-        return QStringLiteral("%1s").arg(static_cast<qint64>(remaining));
+        return QString::number(static_cast<qint64>(remaining)) + u's';
     constexpr Seconds longest = 1e12; // what settings may hold by mistake
-    return QStringLiteral("%1m").arg(static_cast<qint64>(std::min(remaining, longest) / 60) + 1);
+    return QString::number(static_cast<qint64>(std::min(remaining, longest) / 60) + 1) + u'm';
 }
 
 MenuBarController::MenuBarController(StatusItem &statusItem, MainLoop &loop, BreakController &controller,

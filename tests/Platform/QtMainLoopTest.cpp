@@ -201,6 +201,34 @@ TEST(QtMainLoop, the_zone_follows_the_environment) {
     EXPECT_EQ(loop.zone().id(), "Australia/Lord_Howe");
 }
 
+TEST(QtMainLoop, one_beat_has_one_zone_and_a_loop_within_it_the_one_of_its_moment) {
+    const TimeZoneVariable variable;
+    QtMainLoop loop;
+    QByteArrayList zones;
+    bool done = false;
+    const auto note = [&] { zones.append(loop.zone().id()); };
+    variable.set("Europe/Berlin");
+    TimerHandle timer = loop.every(0.01, [&] {
+        timer.reset();
+        note();
+        variable.set("Asia/Tokyo");
+        note();
+        loop.post([&] {
+            note();
+            QEventLoop inner;
+            QTimer::singleShot(0, [&] {
+                note();
+                inner.quit();
+            });
+            inner.exec();
+            done = true;
+        });
+    });
+    ASSERT_TRUE(waitUntil([&] { return done; }));
+    EXPECT_EQ(zones, (QByteArrayList{"Europe/Berlin", "Europe/Berlin", "Europe/Berlin", "Asia/Tokyo"}));
+    EXPECT_EQ(loop.zone().id(), "Asia/Tokyo");
+}
+
 TEST(QtMainLoop, the_zone_knows_summer_and_winter) {
     const TimeZoneVariable variable;
     const QtMainLoop loop;

@@ -60,6 +60,7 @@ struct QtMainLoop::Beat {
     int loopLevel;
     QTimeZone zone;
     std::vector<Action> posted;
+    bool takesMore = true; ///< What posted actions post themselves waits for the loop's next turn.
 
     /// Not in a loop within theirs, which can last: nobody waits there for their end.
     bool isCurrent() const { return loopLevel == QThread::currentThread()->loopLevel(); }
@@ -138,22 +139,23 @@ TimerHandle QtMainLoop::after(Seconds delay, Action action) {
 }
 
 void QtMainLoop::post(Action action) {
-    if (QThread::currentThread() == context_.thread() && beat_ && beat_->isCurrent())
+    if (QThread::currentThread() == context_.thread() && beat_ && beat_->isCurrent() && beat_->takesMore)
         beat_->posted.push_back(std::move(action));
     else
         QMetaObject::invokeMethod(&context_, std::move(action), Qt::QueuedConnection);
 }
 
 void QtMainLoop::run(const std::vector<std::weak_ptr<Action>> &actions) {
-    Beat beat{QThread::currentThread()->loopLevel(), {}, {}};
+    Beat beat{.loopLevel = QThread::currentThread()->loopLevel(), .zone = {}, .posted = {}};
     Beat *outer = std::exchange(beat_, &beat);
     for (const auto &weak : actions) {
         if (const auto action = weak.lock())
             (*action)();
     }
-    beat_ = outer;
+    beat.takesMore = false;
     for (const Action &action : beat.posted)
         action();
+    beat_ = outer;
 }
 
 void QtMainLoop::quit(int status) {

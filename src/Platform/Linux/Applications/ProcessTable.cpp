@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include <dirent.h>
@@ -23,10 +24,10 @@ constexpr ProcessId longestLeap = 512; // trying more numbers costs more than re
 /// A number is given a moment before its process shows.
 constexpr ProcessId perhapsNotShown = 32;
 
-ProcessId processIdOf(const char *name) {
+ProcessId processIdOf(std::string_view name) {
     ProcessId id = 0;
-    const char *const end = name + qstrlen(name);
-    return std::from_chars(name, end, id).ptr == end ? id : 0;
+    const char *const end = name.data() + name.size();
+    return std::from_chars(name.data(), end, id).ptr == end ? id : 0;
 }
 
 } // namespace
@@ -36,8 +37,10 @@ ProcessTable::ProcessTable(const QByteArray &root, Identify identify, IsUrgent i
       isUrgent_(std::move(isUrgent)) {}
 
 ProcessTable::~ProcessTable() {
-    if (root_ >= 0)
-        ::close(root_);
+    for (const int descriptor : {root_, loadAverage_}) {
+        if (descriptor >= 0)
+            ::close(descriptor);
+    }
 }
 
 void ProcessTable::refresh(QDeadlineTimer deadline) {
@@ -120,15 +123,14 @@ void ProcessTable::recheckRecent() {
 }
 
 /// The number that the kernel gave last, to a process or a thread; 0 when it does not tell.
-ProcessId ProcessTable::lastBorn() const {
-    const int descriptor = ::openat(root_, "loadavg", O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0)
-        return 0;
+ProcessId ProcessTable::lastBorn() {
+    if (loadAverage_ < 0)
+        loadAverage_ = ::openat(root_, "loadavg", O_RDONLY | O_CLOEXEC);
     std::array<char, 128> text{};
-    const auto length = ::read(descriptor, text.data(), text.size());
-    ::close(descriptor);
-    const QByteArray line = QByteArray(text.data(), std::max<qsizetype>(length, 0)).trimmed();
-    return processIdOf(line.mid(line.lastIndexOf(' ') + 1).constData());
+    const auto length = ::pread(loadAverage_, text.data(), text.size(), 0);
+    std::string_view line(text.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+    line = line.substr(0, line.find('\n'));
+    return processIdOf(line.substr(line.rfind(' ') + 1));
 }
 
 bool ProcessTable::mustWalk(ProcessId last) const {

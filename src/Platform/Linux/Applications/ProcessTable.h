@@ -71,7 +71,7 @@ private:
 
     void dropEnded();
     void recheckRecent();
-    ProcessId lastBorn() const;
+    ProcessId lastBorn();
     bool mustWalk(ProcessId last) const;
     void walk(ProcessId last);
     std::vector<Known> list() const;
@@ -84,6 +84,7 @@ private:
     void release(ProcessId process);
 
     int root_;
+    int loadAverage_ = -1; ///< Kept open, since it is read every second.
     Identify identify_;
     IsUrgent isUrgent_;
     ProcessId newest_ = 0; ///< The last number given, when we looked.

@@ -249,7 +249,10 @@ bool PipeWireScreenCasts::anyLive() {
 
 void PipeWireScreenCasts::connectIfDue() {
     const auto now = Clock::now();
-    if (now < nextAttempt_ || !mayBeReachable())
+    if (now < nextAttempt_)
+        return;
+    nextAttempt_ = now + pauseWithoutServer;
+    if (!mayBeReachable())
         return;
     nextAttempt_ = now + pause_;
     pause_ = std::min<Clock::duration>(pause_ * 2, longestPause);

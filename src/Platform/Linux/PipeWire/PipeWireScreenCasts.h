@@ -29,6 +29,7 @@ private:
 
     static constexpr std::chrono::seconds shortestPause{1};
     static constexpr std::chrono::seconds longestPause{60};
+    static constexpr std::chrono::seconds pauseWithoutServer{5};
 };
 
 } // namespace pavonel
