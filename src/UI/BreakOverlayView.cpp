@@ -145,7 +145,24 @@ void BreakOverlayView::updateTime() {
 void BreakOverlayView::updateArc() {
     const QRectF changed = ring::changed(layout_.ring, drawnProgress_, glide_.reached());
     drawnProgress_ = glide_.reached();
-    paintAnew(changed.toAlignedRect());
+    const QImage &background = backgrounds_.image(size() * devicePixelRatioF());
+    if (inset_ && !background.isNull() && !changed.intersects(breakScreen::timeRect(layout_.ring)))
+        paintFrame(changed, background);
+    else
+        paintAnew(changed.toAlignedRect());
+}
+
+/// The inset is over the ring alone, so there is only the background behind it.
+void BreakOverlayView::paintFrame(const QRectF &changed, const QImage &background) {
+    QImage &picture = inset_->picture();
+    const double ratio = picture.devicePixelRatio();
+    const auto pixels = [ratio](const QRectF &points) {
+        return QRectF(points.topLeft() * ratio, points.size() * ratio);
+    };
+    const QRect place(pixels(insetPlace()).topLeft().toPoint(), picture.size());
+    const QRect due = pixels(changed).toAlignedRect() & place & background.rect();
+    ring::paintFrame(picture, background, place.topLeft(), pixels(layout_.ring), glide_.reached(), due);
+    inset_->show(due.translated(-place.topLeft()));
 }
 
 void BreakOverlayView::arrange() {

@@ -73,6 +73,7 @@ private:
     void breakMessage(double scale, double room);
     void updateTime();
     void updateArc();
+    void paintFrame(const QRectF &changed, const QImage &background);
     void paint(QPainter &painter, const QRect &due);
     void paintAnew(const QRect &due);
     QRect insetPlace() const;

@@ -9,9 +9,9 @@ namespace pavonel {
 namespace {
 
 constexpr Seconds glide = 1;
-/// The eye gathers light for about as long. In a micro break of 20 s the end moves by a pixel and a half in
-/// it, a quarter of the line's width: steps that still run together.
-constexpr Seconds shortestFrame = 1.0 / 25;
+/// The eye gathers light for about as long. In a micro break of 20 s the end moves by two pixels in it, a
+/// third of the line's width: steps that still run together.
+constexpr Seconds shortestFrame = 1.0 / 20;
 
 } // namespace
 
@@ -19,13 +19,13 @@ RingGlide::RingGlide(MainLoop &loop, Appearance &appearance, std::function<void(
     : loop_(loop), appearance_(appearance), moved_(std::move(moved)) {}
 
 void RingGlide::jumpTo(double progress) {
-    frame_.reset();
+    stop();
     reached_ = from_ = target_ = progress;
 }
 
 void RingGlide::glideTo(double progress) {
     if (appearance_.wishes().reducedMotion) {
-        frame_.reset();
+        stop();
         from_ = target_ = progress;
         show(progress);
         return;
@@ -42,18 +42,29 @@ double RingGlide::now() const {
 }
 
 void RingGlide::schedule() {
-    frame_.reset();
+    next_.reset();
     const double position = now();
     const double left = std::abs(target_ - position);
     const double unseen = std::abs(position - reached_);
     if (unseen + left < smallestStep_)
-        return; // not worth a frame before the next change
+        return stop(); // not worth a frame before the next change
     const double speed = std::abs(target_ - from_) / glide;
     const Seconds wait = speed > 0 ? (smallestStep_ - unseen) / speed : 0;
-    frame_ = loop_.after(std::max(wait, shortestFrame), [this] {
+    const auto step = [this] {
         show(now());
         schedule();
-    });
+    };
+    if (wait > shortestFrame) {
+        frames_.reset();
+        next_ = loop_.after(wait, step);
+    } else if (!frames_) {
+        frames_ = loop_.every(shortestFrame, step);
+    }
+}
+
+void RingGlide::stop() {
+    frames_.reset();
+    next_.reset();
 }
 
 void RingGlide::show(double progress) {

@@ -24,6 +24,7 @@ public:
 private:
     double now() const;
     void schedule();
+    void stop();
     void show(double progress);
 
     MainLoop &loop_;
@@ -34,7 +35,8 @@ private:
     double from_ = 0;
     double target_ = 0;
     Instant start_;
-    TimerHandle frame_;
+    TimerHandle frames_; ///< Of a quick motion: one timer, not a new one for each frame.
+    TimerHandle next_;   ///< The next frame of a slow one.
 };
 
 } // namespace pavonel
