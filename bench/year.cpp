@@ -14,7 +14,7 @@ namespace {
 using namespace pavonel;
 using namespace pavonel::test;
 
-constexpr double budget = 60; // seconds
+constexpr double budget = 15; // seconds
 
 class Stopwatch {
 public:
