@@ -47,7 +47,7 @@ void HotKeyManager::dispatch(std::uint32_t id) {
 }
 
 QString shortcutNote(const HotKeyManager &hotKeys, bool wanted) {
-    if (const QString limitation = hotKeys.limitation(); !limitation.isEmpty())
+    if (QString limitation = hotKeys.limitation(); !limitation.isEmpty())
         return limitation;
     bool wereWanted = false; // when the program started, which is when the switch takes effect
     QStringList refused;

@@ -154,6 +154,17 @@ TEST_F(FocusApps, keep_the_keyboard_on_the_sheet_while_one_chooses) {
     }
 }
 
+TEST_F(FocusApps, are_chosen_in_the_middle_of_the_window) {
+    show();
+    choose();
+    for (const int width : {800, 1200}) {
+        open.window()->resize(width, 700);
+        QApplication::processEvents();
+        const QPoint middle = search()->mapTo(open.window(), search()->rect().center());
+        EXPECT_NEAR(middle.x(), width / 2, 2);
+    }
+}
+
 TEST_F(FocusApps, stay_as_they_are_when_one_chooses_none) {
     show({u"writer"_s});
     choose();

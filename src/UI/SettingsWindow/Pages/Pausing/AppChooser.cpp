@@ -18,6 +18,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPointer>
+#include <QStyle>
 
 #include <algorithm>
 
@@ -91,18 +92,16 @@ public:
                std::function<void(const QString &)> choose)
         : QWidget(anchor.window(), Qt::SubWindow), // which keeps the keyboard
           visuals_(visuals), applications_(applications), anchor_(&anchor), choose_(std::move(choose)),
-          all_(applications.all()), body_(new QWidget),
+          all_(applications.all()), body_(new QWidget(this)),
           search_(lineEdit(QStringLiteral("Search"), QStringLiteral("Search"))) {
         setAccessibleRole(*this, QAccessible::Dialog);
         setAccessibleName(QStringLiteral("Choose an application"));
-        column(this, {aside, aside, aside, aside})->addWidget(body_);
-        body_->setMaximumSize(visuals.length(widest), visuals.length(tallest));
         auto *lines = column(body_, {0, padding, 0, padding - FocusRing::room}, 8);
         lines->addLayout(head());
         lines->addWidget(list(), 1);
         lines->addLayout(foot());
-        setGeometry(parentWidget()->rect());
         parentWidget()->installEventFilter(this);
+        fit();
         search({});
     }
 
@@ -111,7 +110,7 @@ public:
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override {
         if (watched == parentWidget() && event->type() == QEvent::Resize)
-            setGeometry(parentWidget()->rect());
+            fit();
         return QWidget::eventFilter(watched, event);
     }
     void keyPressEvent(QKeyEvent *event) override {
@@ -137,6 +136,14 @@ protected:
     }
 
 private:
+    /// In the middle of the window.
+    void fit() {
+        setGeometry(parentWidget()->rect());
+        const QSize most(visuals_.length(widest), visuals_.length(tallest));
+        body_->setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter,
+                                               most.boundedTo(size() - 2 * QSize(aside, aside)), rect()));
+    }
+
     QLayout *head() {
         constexpr int room = FocusRing::room; // around the field
         auto *lines = column(nullptr, {padding - room, 0, padding - room, 0}, 8);
