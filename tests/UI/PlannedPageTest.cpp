@@ -327,6 +327,7 @@ TEST_F(PlannedPage, the_rows_have_room_in_the_smallest_window_and_nothing_scroll
         const auto made = rows();
         ASSERT_EQ(made.size(), 2U);
         EXPECT_EQ(made[1]->y(), made[0]->height()) << width;
+        EXPECT_EQ(made[0]->parentWidget()->height(), 2 * made[0]->height()) << "all of them are seen";
         EXPECT_EQ(made[0]->height(), PlannedRow::heightAt(made[0]->width(), Visuals(open.platform)));
         for (const auto *area : childrenOf<QScrollArea>(open.window()))
             EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0) << width;

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QHash>
+#include <QResizeEvent>
 #include <QScrollArea>
 #include <QScrollBar>
 
@@ -85,7 +86,9 @@ bool RowList::event(QEvent *event) {
     return QWidget::event(event);
 }
 
-void RowList::resizeEvent(QResizeEvent *) {
+void RowList::resizeEvent(QResizeEvent *event) {
+    if (event->size().width() != event->oldSize().width())
+        updateGeometry(); // its height follows from it
     arrange();
 }
 
