@@ -102,7 +102,7 @@ void Stepper::keyPressEvent(QKeyEvent *event) {
     case Qt::Key_End:
         return moveTo(range_.most);
     default:
-        QWidget::keyPressEvent(event);
+        event->ignore();
     }
 }
 
