@@ -77,7 +77,8 @@ public:
         auto message =
             QDBusMessage::createMethodCall(ourName::service, method.path, method.interface, method.name);
         message.setArguments(arguments);
-        const QDBusMessage answer = theirs_.call(message, QDBus::BlockWithGui);
+        constexpr int timeout = 600'000; // milliseconds; a fuzzer may be the last to be given a processor
+        const QDBusMessage answer = theirs_.call(message, QDBus::BlockWithGui, timeout);
         require(answer.type() == QDBusMessage::ReplyMessage || answer.type() == QDBusMessage::ErrorMessage);
         require(answer.errorName() != u"org.freedesktop.DBus.Error.NoReply");
         require(ours_.isConnected());
