@@ -129,6 +129,7 @@ TEST_P(BreakOnGnome, is_announced_by_a_notice_that_takes_clicks_and_leaves_the_k
     }));
     shell.press({u"a"_s});
     EXPECT_TRUE(waitUntil([&] { return other.times(keyA) == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return shell.takesClicks(QStringLiteral("Pavonel Heads-up"), startNow); }));
     shell.click(startNow);
     EXPECT_TRUE(desktop.waitForBreak());
     EXPECT_EQ(other.times("click"), 0);

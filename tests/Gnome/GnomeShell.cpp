@@ -202,6 +202,16 @@ void GnomeShell::click(QPoint point) {
         "global.test.pointer.notify_button(global.test.now(), imports.gi.Clutter.BUTTON_PRIMARY, state)"));
 }
 
+bool GnomeShell::takesClicks(const QString &title, QPoint point) {
+    const auto script =
+        QStringLiteral("(() => {"
+                       "const mode = imports.gi.Clutter.PickMode.REACTIVE;"
+                       "let actor = global.stage.get_actor_at_pos(mode, %1, %2);"
+                       "while (actor && !actor.meta_window) actor = actor.get_parent();"
+                       "return actor !== null && actor.meta_window.get_title() === '%3' })()");
+    return eval(script.arg(point.x()).arg(point.y()).arg(title)) == u"true";
+}
+
 void GnomeShell::setOutputs(int count) {
     const auto call = [this](const QString &method, const QStringList &arguments) {
         const QString name = QStringLiteral("org.gnome.Mutter.DisplayConfig");

@@ -44,6 +44,9 @@ public:
     void pointAt(QPoint point);
     void click(QPoint point);
 
+    /// Whether what is clicked there goes to the window of this title: a window is seen a moment before.
+    bool takesClicks(const QString &title, QPoint point);
+
     /// Only the first output stays, or both are there again.
     void setOutputs(int count);
 
