@@ -21,6 +21,20 @@ template <class Kind> std::unique_ptr<Compositor> make() {
     return std::make_unique<Kind>();
 }
 
+/// Around all that is nearly white: text and ring.
+QRect whiteIn(const QImage &picture) {
+    constexpr int nearlyWhite = 200;
+    const QImage grey = picture.convertToFormat(QImage::Format_Grayscale8);
+    QRect white;
+    for (int y = 0; y < grey.height(); ++y) {
+        for (int x = 0; x < grey.width(); ++x) {
+            if (grey.constScanLine(y)[x] > nearlyWhite)
+                white |= QRect(x, y, 1, 1);
+        }
+    }
+    return white;
+}
+
 /// What holds on every compositor with a layer shell.
 struct BreakOnWayland : testing::TestWithParam<std::unique_ptr<Compositor> (*)()> {
     void start(const QJsonObject &settings = longBreakSoon) {
@@ -91,6 +105,24 @@ INSTANTIATE_TEST_SUITE_P(Desktops, BreakOnWayland, testing::Values(make<Sway>, m
 TEST_P(BreakOnWayland, covers_every_output_and_shows_its_text_on_one) {
     start();
     EXPECT_TRUE(desktop.waitForBreak());
+    EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
+    EXPECT_EQ(desktop.complaints().toStdString(), "");
+}
+
+TEST_P(BreakOnWayland, stands_in_the_middle_where_the_user_has_qt_draw_larger) {
+    desktop.environment().insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("1.5"));
+    start();
+    ASSERT_TRUE(desktop.waitForBreak());
+    QRect text;
+    const auto isInTheMiddle = [&] {
+        const QImage picture = compositor.picture();
+        text = QRect();
+        for (const int output : {0, 1})
+            text |= whiteIn(picture.copy(WaylandDesktop::screen(output)));
+        constexpr int aside = 3;
+        return !text.isNull() && std::abs(text.center().x() - Compositor::outputSize.width() / 2) <= aside;
+    };
+    EXPECT_TRUE(waitUntil(isInTheMiddle)) << "from " << text.left() << " to " << text.right();
     EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
     EXPECT_EQ(desktop.complaints().toStdString(), "");
 }

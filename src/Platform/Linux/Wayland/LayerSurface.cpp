@@ -69,13 +69,14 @@ void LayerSurface::giveRole(zwlr_layer_shell_v1 &shell, wl_output *output) {
 
 void LayerSurface::place() {
     const QRect at = window_.geometry();
-    zwlr_layer_surface_v1_set_size(role_, static_cast<std::uint32_t>(at.width()),
-                                   static_cast<std::uint32_t>(at.height()));
+    const QSize size = at.size() * qtWayland::scaleOf(window_);
+    zwlr_layer_surface_v1_set_size(role_, static_cast<std::uint32_t>(size.width()),
+                                   static_cast<std::uint32_t>(size.height()));
     setPlace(Anchoring::of(at, outputFrame_));
 }
 
 void LayerSurface::setPlace(const Anchoring &anchoring) {
-    const QMargins &margins = anchoring.margins;
+    const QMargins margins = anchoring.margins * qtWayland::scaleOf(window_);
     zwlr_layer_surface_v1_set_anchor(role_, anchoring.edges);
     zwlr_layer_surface_v1_set_margin(role_, margins.top(), margins.right(), margins.bottom(), margins.left());
 }
@@ -83,8 +84,9 @@ void LayerSurface::setPlace(const Anchoring &anchoring) {
 /// Nothing is committed here: sway tells every surface again whenever any of them changes.
 void LayerSurface::configure(std::uint32_t serial, QSize size) {
     zwlr_layer_surface_v1_ack_configure(role_, serial);
-    if (!size.isEmpty() && size != window_.size())
-        window_.resize(size);
+    const QSize points = (QSizeF(size) / qtWayland::scaleOf(window_)).toSize();
+    if (!size.isEmpty() && points != window_.size())
+        window_.resize(points);
     if (!window_.isVisible())
         window_.show();
 }

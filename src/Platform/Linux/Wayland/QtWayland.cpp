@@ -1,10 +1,13 @@
 #include "Platform/Linux/Wayland/QtWayland.h"
 
 #include <QGuiApplication>
+#include <QWindow>
 #include <qpa/qplatformnativeinterface.h>
 
 #include <algorithm>
 #include <cstring>
+
+#include <private/qhighdpiscaling_p.h>
 
 namespace pavonel::qtWayland {
 
@@ -41,6 +44,10 @@ wl_surface *surfaceOf(QWindow &window) {
 
 wl_output *outputOf(QScreen *screen) {
     return static_cast<wl_output *>(native().nativeResourceForScreen("output", screen));
+}
+
+double scaleOf(QWindow &window) {
+    return QHighDpiScaling::factor(&window);
 }
 
 void bind(std::span<Wanted> wanted) {

@@ -16,6 +16,9 @@ wl_compositor *compositor();
 wl_surface *surfaceOf(QWindow &window);
 wl_output *outputOf(QScreen *screen);
 
+/// How many of the compositor's points one of Qt's is: one, unless the user has Qt draw larger.
+double scaleOf(QWindow &window);
+
 /// An interface of the compositor's, the highest version of it that we know, and once bound its object: null
 /// where it is not offered.
 struct Wanted {

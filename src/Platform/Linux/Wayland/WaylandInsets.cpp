@@ -16,11 +16,17 @@ namespace pavonel {
 
 namespace {
 
-/// Where it lies and how large it is, in points of the window. A window that opens anew has another surface.
+QRectF scaled(const QRect &rect, double scale) {
+    return {QPointF(rect.topLeft()) * scale, QSizeF(rect.size()) * scale};
+}
+
+/// A window that opens anew has another surface.
 class WaylandInset final : public QObject, public Inset {
 public:
     WaylandInset(const WaylandInsets::Offers &offers, QWindow &window, const QRect &points, double ratio)
-        : Inset(points.size(), ratio), offers_(offers), window_(window), points_(points), ratio_(ratio) {
+        : Inset(points.size(), ratio), offers_(offers), window_(window),
+          points_(scaled(points, qtWayland::scaleOf(window)).toRect()),
+          ratio_(ratio / qtWayland::scaleOf(window)) {
         connect(&window, &QWindow::visibleChanged, this, [this](bool visible) {
             if (!visible)
                 disappear(); // Qt destroys the surface after that
@@ -110,8 +116,8 @@ private:
 
     const WaylandInsets::Offers &offers_;
     QWindow &window_;
-    QRect points_;
-    double ratio_;
+    QRect points_; ///< Where it lies in the window and how large it is, in points of the compositor's.
+    double ratio_; ///< Of pixels to these.
     wl_surface *surface_ = nullptr; ///< Null while the window has none.
     wl_subsurface *place_ = nullptr;
     wp_viewport *size_ = nullptr;
@@ -147,7 +153,8 @@ std::unique_ptr<Inset> WaylandInsets::make(QWindow &window, const QRect &points)
 }
 
 std::unique_ptr<Inset> WaylandInsets::make(QWindow &window, const QRect &points, double ratio) {
-    if (!offers_.memory || !offers_.subcompositor)
+    const QRectF place = scaled(points, qtWayland::scaleOf(window));
+    if (!offers_.memory || !offers_.subcompositor || place != place.toRect())
         return nullptr;
     auto inset = std::make_unique<WaylandInset>(offers_, window, points, ratio);
     return inset->appear() ? std::move(inset) : nullptr;
