@@ -61,13 +61,13 @@ void FakeDesktop::offerOutputs() {
     }
 }
 
-/// In the middle of a request, so that its answer finds them gone. Who asks for one that has just gone is
-/// answered, as everywhere.
+/// In the middle of a request, so that its answer finds them gone.
 void FakeDesktop::takeOutputsAway() {
     if (outputs_.empty())
         return;
     for (auto &each : std::exchange(outputs_, {})) {
         wl_global_remove(each.get());
+        static_cast<Offered *>(wl_global_get_user_data(each.get()))->isGone = true;
         offers_.push_back(std::move(each));
     }
     QTimer::singleShot(backAfter, &timers_, [this] { offerOutputs(); });
@@ -75,8 +75,11 @@ void FakeDesktop::takeOutputsAway() {
 
 void FakeDesktop::bind(wl_client *client, void *offer, std::uint32_t version, std::uint32_t id) {
     const auto &offered = *static_cast<Offered *>(offer);
-    offered.desktop->introduce(
-        offered.desktop->make(client, *offered.interface, static_cast<int>(version), id), offered.number);
+    wl_resource *made = offered.desktop->make(client, *offered.interface, static_cast<int>(version), id);
+    // Who asks for one that has just gone gets one that stays silent, as from other compositors: Qt (6.4) has
+    // let go by then what it would tell.
+    if (!offered.isGone)
+        offered.desktop->introduce(made, offered.number);
 }
 
 /// What programs are told of an object that they bind.

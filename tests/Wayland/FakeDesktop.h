@@ -50,6 +50,7 @@ private:
         FakeDesktop *desktop;
         const wl_interface *interface;
         int number = 0;
+        bool isGone = false;
     };
     struct Surface {
         wl_resource *place = nullptr; ///< On the layer shell; null for one without.
