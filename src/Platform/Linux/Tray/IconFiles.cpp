@@ -1,6 +1,5 @@
 #include "Platform/Linux/Tray/IconFiles.h"
 
-#include <QBuffer>
 #include <QColor>
 #include <QCryptographicHash>
 #include <QDir>
@@ -21,21 +20,13 @@ QString fingerprint(const QImage &image) {
     return QString::fromLatin1(hash.result().toHex().left(digits));
 }
 
-QByteArray asPng(const QImage &image) {
-    QByteArray file;
-    QBuffer buffer(&file);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return file;
-}
-
-bool isInPlace(const QString &folder, const QString &name, const QByteArray &content) {
+bool isInPlace(const QString &folder, const QString &name, const QImage &image) {
     const QString path = folder + u'/' + name + QStringLiteral(".png");
     if (QFile::exists(path))
         return true;
     QSaveFile file(path);
-    return QDir().mkpath(folder) && file.open(QIODevice::WriteOnly) &&
-           file.write(content) == content.size() && file.commit();
+    return QDir().mkpath(folder) && file.open(QIODevice::WriteOnly) && image.save(&file, "PNG") &&
+           file.commit();
 }
 
 } // namespace
@@ -49,7 +40,7 @@ QString IconFiles::nameFor(const QString &symbol, const std::vector<QImage> &tin
     // Hosts keep icons by name, so another picture gets another name.
     const QImage &image = tinted.back();
     wanted_ = {QStringLiteral("pavonel-%1-%2").arg(QString(symbol).replace(u'.', u'-'), fingerprint(image)),
-               asPng(image)};
+               image};
     write();
     return written_.contains(wanted_.name) ? wanted_.name : QString();
 }
@@ -59,7 +50,7 @@ void IconFiles::write() {
         return;
     writing_ =
         BackgroundTask::start(loop_, [this, folder = folder_, icon = wanted_]() -> BackgroundTask::Action {
-            if (!isInPlace(folder, icon.name, icon.file))
+            if (!isInPlace(folder, icon.name, icon.image))
                 return {}; // tried again with the next icon
             return [this, name = icon.name] { conclude(name); };
         });

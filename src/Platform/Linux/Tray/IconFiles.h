@@ -24,7 +24,7 @@ public:
 private:
     struct Icon {
         QString name;
-        QByteArray file;
+        QImage image;
     };
 
     void write();
