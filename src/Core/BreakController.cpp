@@ -66,7 +66,7 @@ void BreakController::tick() {
 
 void BreakController::tickBreak(Instant now) {
     breakRemaining = breakRemaining - oneTick;
-    record(now, [](Day &day) { day.breakSeconds += oneTick; });
+    stats_.change(now, [](Day &day) { day.breakSeconds += oneTick; });
     if (breakRemaining <= 0)
         endBreak(Ending::completed, now);
 }
@@ -113,7 +113,7 @@ bool BreakController::startDuePlannedBreak(Instant now) {
 void BreakController::countScreenSecond(Instant now) {
     microElapsed = microElapsed + oneTick;
     longElapsed = longElapsed + oneTick;
-    record(now, [](Day &day) { day.screenSeconds += oneTick; });
+    stats_.change(now, [](Day &day) { day.screenSeconds += oneTick; });
 }
 
 void BreakController::tickWellness() {
@@ -203,7 +203,7 @@ void BreakController::endBreak(Ending ending, Instant now) {
         return;
     const BreakKind kind = *currentBreak.get();
     if (ending == Ending::completed) {
-        record(now, [kind](Day &day) { ++counterOf(day, kind); });
+        stats_.change(now, [kind](Day &day) { ++counterOf(day, kind); });
         stats_.save(); // breaks are few: unlike the seconds, none is lost with a program that is killed
         playSound(s_.endSound);
     } else {
@@ -316,12 +316,8 @@ void BreakController::playSound(const QString &name) {
 }
 
 void BreakController::countSkipped(Instant now) {
-    record(now, [](Day &day) { ++day.skipped; });
+    stats_.change(now, [](Day &day) { ++day.skipped; });
     stats_.save();
-}
-
-void BreakController::record(Instant now, const std::function<void(Day &)> &change) {
-    stats_.change(now, change);
 }
 
 const std::optional<PlannedOccurrence> &BreakController::upcomingPlanned(Instant now) const {

@@ -97,7 +97,6 @@ private:
     void endBreak(Ending ending, Instant now);
     void playSound(const QString &name);
     void countSkipped(Instant now);
-    void record(Instant now, const std::function<void(Day &)> &change);
     const std::optional<PlannedOccurrence> &upcomingPlanned(Instant now) const;
 
     /// The answer of `PlannedSchedule::upcoming`, which changes only when its inputs do, when the day does,

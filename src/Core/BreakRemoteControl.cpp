@@ -99,8 +99,6 @@ RemoteControl::Outcome refuseAbsurd(qint64 seconds) {
                    QStringLiteral("The seconds must be from 1 to %1.").arg(BreakRemoteControl::longestWish)};
 }
 
-} // namespace
-
 Facts factsOf(const BreakController &controller, const Stats &stats, const MainLoop &loop) {
     const Instant now = loop.now();
     const Day today = stats.on(now);
@@ -114,6 +112,8 @@ Facts factsOf(const BreakController &controller, const Stats &stats, const MainL
     facts.today = {today.micro, today.long_, today.planned, today.skipped};
     return facts;
 }
+
+} // namespace
 
 Status statusOf(const BreakController &controller, const Stats &stats, const MainLoop &loop) {
     const Day today = stats.today();
