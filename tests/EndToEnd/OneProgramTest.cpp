@@ -108,6 +108,7 @@ TEST_F(OneProgram, an_update_from_the_command_line_beside_it_leaves_its_store_al
 
 TEST_F(OneProgram, the_loss_of_the_session_bus_does_no_harm) {
     startAndWaitForTheName();
+    act("skip"); // it answers when it has started
     bus.reset();
     EXPECT_FALSE(waitUntil([this] { return !program.isRunning(); }, 3000)) << "the program ended by itself";
     EXPECT_EQ(program.end(SIGTERM), 0);
