@@ -27,7 +27,8 @@ int hoursToUtc() {
 } // namespace
 
 ProgramAtHome::ProgramAtHome(const QProcessEnvironment &desktop)
-    : executable_(QStringLiteral(PAVONEL_PROGRAM)), environment_(desktop) {
+    : executable_(qEnvironmentVariable("PAVONEL_UNDER_TEST", QStringLiteral(PAVONEL_PROGRAM))),
+      environment_(desktop) {
     settleAtHome();
     store({});
 }

@@ -1,6 +1,7 @@
 #include "Platform/Linux/Wayland/WaylandWindowLayers.h"
 
 #include "Platform/Inset.h"
+#include "Platform/Linux/Wayland/QtWayland.h"
 #include "Platform/Qt/QtWindowLayers.h"
 #include "Wayland/compositor.h"
 #include "support/OtherWindow.h"
@@ -11,6 +12,10 @@
 #include <QPainter>
 #include <QWidget>
 #include <QWindow>
+#include <qpa/qplatformscreen.h>
+#include <qpa/qwindowsysteminterface.h>
+
+#include <array>
 
 #include <gtest/gtest.h>
 
@@ -46,6 +51,15 @@ private:
     void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), colour_); }
 
     QColor colour_;
+};
+
+/// As Qt makes one while there is no output. What follows it in memory is anything.
+class PlaceholderScreen final : public QPlatformPlaceholderScreen {
+public:
+    PlaceholderScreen() { behind_.fill(0xff); }
+
+private:
+    std::array<unsigned char, 4096> behind_{};
 };
 
 class WaylandWindowLayersTest : public testing::Test {
@@ -323,6 +337,13 @@ TEST_F(ScaledInsetTest, of_that_scale_shows_each_pixel_as_one) {
                picture.pixelColor(pixels.topLeft() - QPoint(1, 1)) == blue &&
                picture.pixelColor(pixels.bottomRight() + QPoint(1, 1)) == blue;
     }));
+}
+
+TEST_F(WaylandWindowLayersTest, a_screen_of_qts_own_making_is_no_output) {
+    auto *placeholder = new PlaceholderScreen;
+    QWindowSystemInterface::handleScreenAdded(placeholder);
+    EXPECT_EQ(qtWayland::outputOf(placeholder->screen()), nullptr);
+    QWindowSystemInterface::handleScreenRemoved(placeholder);
 }
 
 } // namespace

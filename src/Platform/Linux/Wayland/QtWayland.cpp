@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QWindow>
 #include <qpa/qplatformnativeinterface.h>
+#include <qpa/qplatformscreen.h>
 
 #include <algorithm>
 #include <cstring>
@@ -42,7 +43,10 @@ wl_surface *surfaceOf(QWindow &window) {
     return static_cast<wl_surface *>(native().nativeResourceForWindow("surface", &window));
 }
 
+/// Without any output Qt has a screen of its own making, which its plugin takes for one of the compositor's.
 wl_output *outputOf(QScreen *screen) {
+    if (screen->handle()->isPlaceholder())
+        return nullptr;
     return static_cast<wl_output *>(native().nativeResourceForScreen("output", screen));
 }
 
