@@ -1,6 +1,6 @@
 #include "UI/Controls/Button.h"
-#include "UI/Controls/Visuals.h"
 #include "UI/SettingsWindow/Pages/Phone/PairingCodes.h"
+#include "UI/Style/Visuals.h"
 #include "support/OpenSettings.h"
 #include "support/windows.h"
 

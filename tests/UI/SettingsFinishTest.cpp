@@ -1,6 +1,6 @@
 #include "UI/Controls/Button.h"
-#include "UI/Controls/FocusRing.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
+#include "UI/Style/FocusRing.h"
 #include "support/OpenSettings.h"
 
 #include <gtest/gtest.h>
@@ -39,15 +39,15 @@ int darkest(QWidget &row) {
 
 TEST_F(SettingsFinish, the_symbols_and_controls_at_the_right_end_at_one_edge) {
     const Visuals visuals(open.platform);
-    const int besideSymbol = Button::besideSymbol(visuals);
+    const int air = besideSymbol(visuals);
     open.scenario.plan(12, 30, 1800);
     open.show(Page::planned);
     const int edge = rightOf(widget(QAccessible::SpinBox, u"Duration"_s)) - FocusRing::room;
-    EXPECT_EQ(rightOf(widget(QAccessible::Button, u"Remove Lunch"_s)) - besideSymbol, edge);
+    EXPECT_EQ(rightOf(widget(QAccessible::Button, u"Remove Lunch"_s)) - air, edge);
     open.settings.messages = QStringList{u"Look up"_s};
     open.show(Page::appearance);
-    EXPECT_EQ(rightOf(widget(QAccessible::Button, u"Remove Look up"_s)) - besideSymbol, edge);
-    EXPECT_EQ(rightOf(widget(QAccessible::Button, u"Add the message"_s)) - besideSymbol, edge);
+    EXPECT_EQ(rightOf(widget(QAccessible::Button, u"Remove Look up"_s)) - air, edge);
+    EXPECT_EQ(rightOf(widget(QAccessible::Button, u"Add the message"_s)) - air, edge);
     open.updater.state = Updater::Downloading{0.5};
     open.show(Page::advanced);
     EXPECT_EQ(rightOf(widget(QAccessible::ProgressBar, u"Download"_s)), edge);

@@ -1,9 +1,9 @@
 #include "UI/Controls/CardRow.h"
 
-#include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"
-#include "UI/Controls/Pixels.h"
 #include "UI/Controls/Text.h"
+#include "UI/Style/FocusRing.h"
+#include "UI/Style/Pixels.h"
 
 #include <QPainter>
 

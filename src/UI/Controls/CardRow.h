@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/Controls/Visuals.h"
+#include "UI/Style/Visuals.h"
 
 #include <QWidget>
 

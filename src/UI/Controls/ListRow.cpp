@@ -3,9 +3,9 @@
 #include "Core/Characters.h"
 #include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Button.h"
-#include "UI/Controls/FocusRing.h"
 #include "UI/Controls/LineEdit.h"
 #include "UI/Controls/Text.h"
+#include "UI/Style/FocusRing.h"
 
 #include <QFontMetricsF>
 #include <QHBoxLayout>
@@ -36,7 +36,7 @@ ListRow::ListRow(Visuals &visuals, const Entry &entry, std::function<void()> rem
       remove_(
           Button::ofSymbol(QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove ") + entry_.text)) {
     // The symbol, not the room around it, ends where the other rows end.
-    layout()->setContentsMargins(margin, 0, margin - Button::besideSymbol(visuals), 0);
+    layout()->setContentsMargins(margin, 0, margin - besideSymbol(visuals), 0);
     static_cast<QHBoxLayout *>(layout())->addStretch();
     add(remove_);
     setAccessibleRole(*this, QAccessible::ListItem);

@@ -1,7 +1,7 @@
 #include "UI/Controls/PopUpButton.h"
 
-#include "UI/Controls/Visuals.h"
 #include "UI/Style/Keyboard.h"
+#include "UI/Style/Visuals.h"
 
 #include <QAbstractItemView>
 #include <QAccessibleWidget>

@@ -1,6 +1,7 @@
 #include "UI/Controls/Switch.h"
 
-#include "UI/Controls/FocusRing.h"
+#include "UI/Style/FocusRing.h"
+#include "UI/Style/Traits.h"
 
 #include <QSignalBlocker>
 #include <QStyleOptionButton>
@@ -15,7 +16,11 @@ constexpr Seconds slide = 0.16;
 } // namespace
 
 Switch::Switch(Visuals &visuals, const QString &name)
-    : knob_(visuals.loop(), visuals.appearance(), [this](double) { update(); }) {
+    : knob_(visuals.loop(), visuals.appearance(), [this](double knob) {
+          setProperty(knobProperty, knob);
+          update();
+      }) {
+    setProperty(knobProperty, knob_.opacity());
     setAccessibleName(name);
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "UI/Controls/Visuals.h"
 #include "UI/Fade.h"
+#include "UI/Style/Visuals.h"
 
 #include <QCheckBox>
 
@@ -16,9 +16,6 @@ public:
 
     /// Without motion and without a report; for what did not come from the user.
     void setOn(bool on);
-
-    /// Where it is: 0 is off, 1 is on.
-    double knob() const { return knob_.opacity(); }
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }

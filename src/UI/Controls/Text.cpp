@@ -1,7 +1,7 @@
 #include "UI/Controls/Text.h"
 
 #include "UI/Controls/Accessibility.h"
-#include "UI/Controls/Pixels.h"
+#include "UI/Style/Pixels.h"
 
 #include <QFontMetricsF>
 #include <QPainter>

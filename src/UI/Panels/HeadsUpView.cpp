@@ -61,7 +61,7 @@ HeadsUpView::HeadsUpView(const DisplayServices &display, FloatingPanel &panel, B
         display.loop, std::vector<Observable *>{&controller_, &settings_}, [this] { refresh(); });
 }
 
-Button *HeadsUpView::addButton(const QString &text, Button::Role role, std::function<void()> action) {
+Button *HeadsUpView::addButton(const QString &text, ButtonRole role, std::function<void()> action) {
     auto *button = new Button(text, role);
     button->setParent(this);
     connect(button, &Button::clicked, this, std::move(action));
@@ -69,18 +69,18 @@ Button *HeadsUpView::addButton(const QString &text, Button::Role role, std::func
 }
 
 void HeadsUpView::addButtons() {
-    start_ = addButton(QStringLiteral("Start now"), Button::Role::noticeProminent,
+    start_ = addButton(QStringLiteral("Start now"), ButtonRole::noticeProminent,
                        [this] { controller_.startBreak(kind_, BreakController::Initiator::user); });
     oneMinute_ =
-        addButton(QStringLiteral("+1 min"), Button::Role::notice, [this] { controller_.postpone(60); });
+        addButton(QStringLiteral("+1 min"), ButtonRole::notice, [this] { controller_.postpone(60); });
     fiveMinutes_ =
-        addButton(QStringLiteral("+5 min"), Button::Role::notice, [this] { controller_.postpone(300); });
-    skip_ = addButton(QStringLiteral("Skip"), Button::Role::notice, [this] { controller_.skip(); });
+        addButton(QStringLiteral("+5 min"), ButtonRole::notice, [this] { controller_.postpone(300); });
+    skip_ = addButton(QStringLiteral("Skip"), ButtonRole::notice, [this] { controller_.skip(); });
 }
 
 void HeadsUpView::addCloseButton(const DisplayServices &display) {
     const QString explanation = QStringLiteral("Dismiss this notice");
-    close_ = Button::ofSymbol(QStringLiteral("xmark"), explanation, Button::Role::noticeClose);
+    close_ = Button::ofSymbol(QStringLiteral("xmark"), explanation, ButtonRole::noticeClose);
     close_->setParent(this);
     close_->move(width - padding - close_->width(), padding + (headerHeight - close_->height()) / 2);
     connect(close_, &Button::clicked, this, onClose_);

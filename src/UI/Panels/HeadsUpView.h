@@ -21,7 +21,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    Button *addButton(const QString &text, Button::Role role, std::function<void()> action);
+    Button *addButton(const QString &text, ButtonRole role, std::function<void()> action);
     void addButtons();
     void addCloseButton(const DisplayServices &display);
     void refresh();

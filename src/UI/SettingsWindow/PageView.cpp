@@ -1,8 +1,8 @@
 #include "UI/SettingsWindow/PageView.h"
 
-#include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"
 #include "UI/Controls/Text.h"
+#include "UI/Style/FocusRing.h"
 
 namespace pavonel {
 

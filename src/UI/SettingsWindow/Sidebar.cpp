@@ -3,9 +3,9 @@
 #include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/Layouts.h"
-#include "UI/Controls/Pixels.h"
 #include "UI/Controls/ScrollArea.h"
 #include "UI/Controls/Text.h"
+#include "UI/Style/Pixels.h"
 
 #include <QButtonGroup>
 #include <QKeyEvent>
@@ -40,7 +40,7 @@ Sidebar::Sidebar(Visuals &visuals) : visuals_(visuals), items_(new QButtonGroup(
     list->setAccessibleName(QStringLiteral("Pages"));
     auto *lines = column(list, {}, 2);
     for (const PageEntry &entry : allPages()) {
-        auto *item = new Button(entry.title, Button::Role::entry, entry.symbol);
+        auto *item = new Button(entry.title, ButtonRole::entry, entry.symbol);
         item->setCheckable(true);
         item->setAutoExclusive(true); // to assistive technology, too, one of several
         item->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "UI/Controls/Visuals.h"
 #include "UI/SettingsWindow/Page.h"
+#include "UI/Style/Visuals.h"
 
 #include <QWidget>
 

@@ -1,6 +1,6 @@
 #include "UI/Style/Keyboard.h"
 
-#include "UI/Controls/FocusRing.h"
+#include "UI/Style/FocusRing.h"
 
 #include <QAbstractButton>
 #include <QKeyEvent>

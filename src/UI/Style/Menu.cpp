@@ -1,6 +1,6 @@
-#include "UI/Controls/Pixels.h"
-#include "UI/Controls/Visuals.h"
 #include "UI/Style/Drawing.h"
+#include "UI/Style/Pixels.h"
+#include "UI/Style/Visuals.h"
 
 #include <QPainter>
 #include <QStyleOptionMenuItem>

@@ -1,5 +1,5 @@
-#include "UI/Controls/Visuals.h"
 #include "UI/Style/Drawing.h"
+#include "UI/Style/Visuals.h"
 
 #include <QPainter>
 #include <QStyle>

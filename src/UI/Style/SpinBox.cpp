@@ -1,7 +1,7 @@
-#include "UI/Controls/FocusRing.h"
-#include "UI/Controls/Pixels.h"
-#include "UI/Controls/Visuals.h"
 #include "UI/Style/Drawing.h"
+#include "UI/Style/FocusRing.h"
+#include "UI/Style/Pixels.h"
+#include "UI/Style/Visuals.h"
 
 #include <QPainter>
 #include <QPainterPath>

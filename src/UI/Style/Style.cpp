@@ -1,9 +1,10 @@
 #include "UI/Style/Style.h"
 
 #include "Platform/Appearance.h"
-#include "UI/Controls/Button.h"
-#include "UI/Controls/FocusRing.h"
+#include "UI/Fonts.h"
 #include "UI/Style/Drawing.h"
+#include "UI/Style/FocusRing.h"
+#include "UI/Style/Traits.h"
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
@@ -66,10 +67,10 @@ void Style::polish(QWidget *widget) {
 
 void Style::giveType(QWidget &widget) {
     visuals_.refreshTextSize();
-    const auto *button = dynamic_cast<Button *>(&widget);
-    if (button && button->isNotice())
-        return; // has one size
-    if (button && button->role() == Button::Role::disc)
+    const ButtonTraits button = ButtonTraits::of(&widget);
+    if (button.isNotice())
+        widget.setFont(fonts::ui(12, QFont::Medium)); // at every size of the user's text
+    else if (button.role == ButtonRole::disc)
         widget.setFont(visuals_.font(11, QFont::DemiBold));
     else if (qobject_cast<QPushButton *>(&widget))
         widget.setFont(visuals_.font(13, QFont::Medium));

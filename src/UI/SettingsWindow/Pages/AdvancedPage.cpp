@@ -96,7 +96,7 @@ private:
         if (!available && !resting)
             return;
         auto *button = new Button(available ? u"Install and restart"_s : u"Check now"_s,
-                                  available ? Button::Role::prominent : Button::Role::plain);
+                                  available ? ButtonRole::prominent : ButtonRole::plain);
         add(button);
         connect(button, &Button::clicked, this, [available, &updater = updater_] {
             if (available)

@@ -1,8 +1,8 @@
 #include "UI/Controls/Accessibility.h"
-#include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"
 #include "UI/Refresher.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
+#include "UI/Style/FocusRing.h"
 
 #include <QFocusEvent>
 #include <QPainter>

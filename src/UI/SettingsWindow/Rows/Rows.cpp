@@ -3,12 +3,12 @@
 #include "Core/ClockText.h"
 #include "UI/Controls/Accessibility.h"
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"
 #include "UI/Controls/LineEdit.h"
-#include "UI/Controls/Pixels.h"
 #include "UI/Controls/PopUpButton.h"
 #include "UI/Controls/Switch.h"
+#include "UI/Style/FocusRing.h"
+#include "UI/Style/Pixels.h"
 
 #include <QGridLayout>
 #include <QLineEdit>
@@ -200,7 +200,7 @@ Element addField(const QString &prompt, const QString &button,
         auto *field = lineEdit(prompt, prompt);
         auto *plus = Button::ofSymbol(QStringLiteral("plus"), button);
         row->layout()->setContentsMargins(CardRow::margin - FocusRing::room, 3,
-                                          CardRow::margin - Button::besideSymbol(visuals), 3);
+                                          CardRow::margin - besideSymbol(visuals), 3);
         if (before)
             row->add(before(visuals));
         row->add(field);
@@ -222,7 +222,7 @@ Element addField(const QString &prompt, const QString &button,
 }
 
 Element buttonRow(const QString &label, const std::function<void()> &action, const QString &symbol,
-                  Button::Role role) {
+                  ButtonRole role) {
     return [=](Visuals &) {
         auto *row = new QWidget;
         auto *button = new Button(label, role, symbol);

@@ -65,7 +65,7 @@ Element addField(const QString &prompt, const QString &button,
 
 /// A button at the left edge of the column.
 Element buttonRow(const QString &label, const std::function<void()> &action, const QString &symbol = {},
-                  Button::Role role = Button::Role::plain);
+                  ButtonRole role = ButtonRole::plain);
 
 /// How a list of texts is shown.
 struct TextListOptions {

@@ -4,9 +4,9 @@
 #include "UI/BackgroundImage.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/Pixels.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Pages/Appearance/BreakScreenRows.h"
+#include "UI/Style/Pixels.h"
 
 #include <QFileDialog>
 #include <QFileInfo>

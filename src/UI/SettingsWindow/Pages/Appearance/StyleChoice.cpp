@@ -7,12 +7,12 @@
 #include "UI/BreakScreenText.h"
 #include "UI/Controls/Accessibility.h"
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/FocusRing.h"
-#include "UI/Controls/Pixels.h"
 #include "UI/MessageText.h"
 #include "UI/Refresher.h"
 #include "UI/Ring.h"
 #include "UI/SettingsWindow/Pages/Appearance/BreakScreenRows.h"
+#include "UI/Style/FocusRing.h"
+#include "UI/Style/Pixels.h"
 #include "UI/Theme.h"
 
 #include <QButtonGroup>

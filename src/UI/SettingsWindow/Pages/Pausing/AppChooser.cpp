@@ -3,15 +3,15 @@
 #include "Platform/InstalledApplications.h"
 #include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Button.h"
-#include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"
 #include "UI/Controls/LineEdit.h"
 #include "UI/Controls/ListRow.h"
-#include "UI/Controls/Pixels.h"
 #include "UI/Controls/ScrollArea.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Pages/Pausing/AppIcon.h"
 #include "UI/SettingsWindow/Rows/RowList.h"
+#include "UI/Style/FocusRing.h"
+#include "UI/Style/Pixels.h"
 
 #include <QAbstractButton>
 #include <QKeyEvent>

@@ -2,7 +2,7 @@
 
 #include "Core/Characters.h"
 #include "Platform/InstalledApplications.h"
-#include "UI/Controls/Visuals.h"
+#include "UI/Style/Visuals.h"
 
 #include <QGuiApplication>
 #include <QPainter>

@@ -2,8 +2,8 @@
 
 #include "Core/Characters.h"
 #include "UI/Controls/Accessibility.h"
-#include "UI/Controls/Pixels.h"
 #include "UI/Fonts.h"
+#include "UI/Style/Pixels.h"
 
 #include <QFontMetricsF>
 #include <QPainter>

@@ -1,12 +1,12 @@
 #include "Core/Phone.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Phone/PairingCodes.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
+#include "UI/Style/FocusRing.h"
 #include "UI/Symbol.h"
 
 #include <QPainter>
@@ -96,7 +96,7 @@ Elements unpairedParts(Phone &phone, const QString &failure) {
     if (!failure.isEmpty())
         parts.push_back(text(failure, Text::Style::failure, margins));
     parts.push_back(buttonRow(
-        u"Show pairing code"_s, [&phone] { phone.startPairing(); }, {}, Button::Role::prominent));
+        u"Show pairing code"_s, [&phone] { phone.startPairing(); }, {}, ButtonRole::prominent));
     return parts;
 }
 

@@ -6,13 +6,13 @@
 #include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
-#include "UI/Controls/FocusRing.h"
 #include "UI/Controls/Layouts.h"
 #include "UI/Controls/LineEdit.h"
 #include "UI/Controls/PopUpButton.h"
 #include "UI/Controls/Stepper.h"
 #include "UI/Controls/Switch.h"
 #include "UI/Controls/Text.h"
+#include "UI/Style/FocusRing.h"
 
 #include <QLineEdit>
 #include <QPainter>
@@ -121,7 +121,7 @@ void PlannedRow::makeTime() {
     connect(enabled_, &Switch::toggled, this,
             [this](bool on) { change_([on](PlannedBreak &planned) { planned.enabled = on; }); });
     remove_ = Button::ofSymbol(QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove"));
-    time_ = half(visuals_, CardRow::margin - Button::besideSymbol(visuals_));
+    time_ = half(visuals_, CardRow::margin - besideSymbol(visuals_));
     time_->addWidget(hour_);
     time_->addWidget(new Text(visuals_, QStringLiteral(":"), Text::Style::label));
     time_->addWidget(minute_);
@@ -135,7 +135,7 @@ void PlannedRow::makeTime() {
 void PlannedRow::makeWeekdays() {
     days_ = half(visuals_);
     for (const int weekday : weekdaysInOrder()) {
-        auto *toggle = new Button(weekdayName(weekday).left(1), Button::Role::disc);
+        auto *toggle = new Button(weekdayName(weekday).left(1), ButtonRole::disc);
         toggle->setCheckable(true);
         toggle->setAccessibleName(weekdayName(weekday));
         toggle->setToolTip(weekdayName(weekday));

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/PlannedBreak.h"
-#include "UI/Controls/Visuals.h"
+#include "UI/Style/Visuals.h"
 
 #include <QWidget>
 

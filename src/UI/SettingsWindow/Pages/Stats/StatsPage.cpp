@@ -4,12 +4,12 @@
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/Layouts.h"
-#include "UI/Controls/Pixels.h"
 #include "UI/Fonts.h"
 #include "UI/Refresher.h"
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Stats/WeekChart.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
+#include "UI/Style/Pixels.h"
 
 #include <QGridLayout>
 #include <QPainter>
@@ -135,7 +135,7 @@ private:
 class ResetRow final : public QWidget {
 public:
     explicit ResetRow(Stats &stats)
-        : stats_(stats), undo_(new Button(QStringLiteral("Undo"), Button::Role::bare)) {
+        : stats_(stats), undo_(new Button(QStringLiteral("Undo"), ButtonRole::bare)) {
         auto *reset = new Button(QStringLiteral("Reset stats"));
         auto *buttons = line(this);
         buttons->addWidget(reset);

@@ -3,8 +3,8 @@
 #include "Core/ClockText.h"
 #include "Core/DaySums.h"
 #include "UI/Controls/Accessibility.h"
-#include "UI/Controls/FocusRing.h"
-#include "UI/Controls/Pixels.h"
+#include "UI/Style/FocusRing.h"
+#include "UI/Style/Pixels.h"
 
 #include <QFontMetricsF>
 #include <QHoverEvent>

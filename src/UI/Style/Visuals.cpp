@@ -1,8 +1,8 @@
-#include "UI/Controls/Visuals.h"
+#include "UI/Style/Visuals.h"
 
 #include "Platform/WindowLayers.h"
-#include "UI/Controls/Pixels.h"
 #include "UI/Fonts.h"
+#include "UI/Style/Pixels.h"
 
 #include <QFontInfo>
 #include <QGuiApplication>

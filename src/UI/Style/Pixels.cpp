@@ -1,4 +1,4 @@
-#include "UI/Controls/Pixels.h"
+#include "UI/Style/Pixels.h"
 
 #include "UI/Palette.h"
 

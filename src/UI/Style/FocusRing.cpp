@@ -1,4 +1,4 @@
-#include "UI/Controls/FocusRing.h"
+#include "UI/Style/FocusRing.h"
 
 #include <QPainter>
 #include <QPointer>
