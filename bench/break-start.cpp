@@ -3,6 +3,7 @@
 #include "Core/Phone.h"
 #include "Core/Updater.h"
 #include "Platform/Platform.h"
+#include "UI/Style/Style.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -83,6 +84,7 @@ int main(int argc, char **argv) {
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     Platform::install(makePlatform());
+    QApplication::setStyle(new Style(Platform::current()));
     AppDelegate delegate(Platform::current(), Settings::shared(), Stats::shared(), HotKeyManager::shared(),
                          Phone::shared(), Updater::shared());
     Painted painted;

@@ -5,6 +5,7 @@
 #include "Core/Updater.h"
 #include "Platform/Qt/QtMainLoop.h"
 #include "support/FakePlatform.h"
+#include "support/Styled.h"
 
 #include <QApplication>
 #include <QTimer>
@@ -26,6 +27,7 @@ const QString overlay = QStringLiteral("Pavonel Break");
 
 struct AppDelegateTest : testing::Test {
     FakePlatform platform;
+    Styled styled{platform}; // as main() does
     Settings settings{platform.fakeDefaults, platform.loop};
     Stats stats{platform.fakeDefaults, platform.loop};
     HotKeyManager hotKeys{platform.keys, platform.loop};

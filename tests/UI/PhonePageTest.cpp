@@ -1,6 +1,5 @@
 #include "UI/Controls/Button.h"
 #include "UI/SettingsWindow/Pages/Phone/PairingCodes.h"
-#include "UI/Style/Visuals.h"
 #include "support/OpenSettings.h"
 #include "support/windows.h"
 
@@ -86,8 +85,7 @@ TEST_F(PhonePage, without_a_phone_says_what_happens_without_a_service) {
 }
 
 TEST_F(PhonePage, the_code_for_the_camera_is_dark_on_white_with_whole_modules_and_a_margin) {
-    Visuals visuals(open.platform);
-    QrCodeView view(visuals, u"http://192.168.1.20:8787/#K7WQ3M"_s);
+    QrCodeView view(u"http://192.168.1.20:8787/#K7WQ3M"_s);
     const QrCode code = QrCode::of("http://192.168.1.20:8787/#K7WQ3M");
     ASSERT_EQ(code.side, 29);
     for (const int ratio : {1, 2}) {
@@ -112,8 +110,7 @@ TEST_F(PhonePage, the_code_for_the_camera_grows_along_with_the_text) {
         QFont font = before;
         font.setPixelSize(textPixels);
         QApplication::setFont(font);
-        Visuals visuals(open.platform);
-        return QrCodeView(visuals, u"http://192.168.1.20:8787/#K7WQ3M"_s).width();
+        return QrCodeView(u"http://192.168.1.20:8787/#K7WQ3M"_s).width();
     };
     EXPECT_EQ(side(30), 2 * side(15));
     QApplication::setFont(before);

@@ -287,16 +287,13 @@ private:
 INSTANTIATE_TEST_SUITE_P(TextOf, PlannedRowAt, testing::Values(1.0, 2.5));
 
 TEST_P(PlannedRowAt, any_width_shows_its_controls_whole_and_apart_from_each_other) {
-    const Styled styled(open.platform);
-    Visuals visuals(open.platform);
-    PlannedRow row(
-        visuals, [](const PlannedRow::Edit &) {}, [] {});
+    PlannedRow row([](const PlannedRow::Edit &) {}, [] {});
     row.display(named(u"A walk around the lake"_s));
     row.show();
     const int least = row.minimumSizeHint().width();
-    EXPECT_LE(least, visuals.length(320));
-    for (const int width : {least, visuals.length(409), visuals.length(410), visuals.length(640)}) {
-        row.resize(width, PlannedRow::heightAt(width, visuals));
+    EXPECT_LE(least, visuals().length(320));
+    for (const int width : {least, visuals().length(409), visuals().length(410), visuals().length(640)}) {
+        row.resize(width, PlannedRow::heightAt(width));
         QApplication::processEvents();
         const auto controls = controlsIn(row);
         ASSERT_EQ(controls.size(), 13U); // label, hour, minute, switch, removal, seven days, length
@@ -308,7 +305,7 @@ TEST_P(PlannedRowAt, any_width_shows_its_controls_whole_and_apart_from_each_othe
             const QString name = controls[one]->accessibleName();
             EXPECT_TRUE(row.rect().contains(place)) << width << ' ' << qPrintable(name);
             EXPECT_GE(place.width(),
-                      name == u"Label"_s ? visuals.length(100) : controls[one]->sizeHint().width())
+                      name == u"Label"_s ? visuals().length(100) : controls[one]->sizeHint().width())
                 << width << ' ' << qPrintable(name);
             for (std::size_t other = 0; other < one; ++other)
                 EXPECT_FALSE(place.intersects(placeOf(controls[other])))
@@ -328,7 +325,7 @@ TEST_F(PlannedPage, the_rows_have_room_in_the_smallest_window_and_nothing_scroll
         ASSERT_EQ(made.size(), 2U);
         EXPECT_EQ(made[1]->y(), made[0]->height()) << width;
         EXPECT_EQ(made[0]->parentWidget()->height(), 2 * made[0]->height()) << "all of them are seen";
-        EXPECT_EQ(made[0]->height(), PlannedRow::heightAt(made[0]->width(), Visuals(open.platform)));
+        EXPECT_EQ(made[0]->height(), PlannedRow::heightAt(made[0]->width()));
         for (const auto *area : childrenOf<QScrollArea>(open.window()))
             EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0) << width;
     }

@@ -4,6 +4,7 @@
 #include "UI/Controls/ScrollArea.h"
 #include "support/FakePlatform.h"
 #include "support/Printing.h"
+#include "support/Styled.h"
 #include "support/windows.h"
 
 #include <QApplication>
@@ -21,7 +22,7 @@ constexpr int height = 40;
 class RowListTest : public ::testing::Test {
 protected:
     FakePlatform platform;
-    Visuals visuals{platform};
+    Styled styled{platform};
     QStringList made;
     RowList *rows = new RowList(height, [this](const QString &key) {
         made.append(key);
@@ -36,7 +37,7 @@ protected:
         lines->setContentsMargins({});
         lines->addWidget(rows);
         lines->addStretch();
-        area = new ScrollArea(visuals, column);
+        area = new ScrollArea(column);
         auto *whole = new QVBoxLayout(&window);
         whole->setContentsMargins({});
         whole->addWidget(area);

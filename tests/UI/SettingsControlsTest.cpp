@@ -34,7 +34,6 @@ namespace {
 struct SettingsControls : testing::Test {
     FakePlatform platform;
     Styled styled{platform};
-    Visuals visuals{platform};
 
     static void press(QWidget &target, int key, const QString &text = {}) {
         QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, text);
@@ -94,7 +93,7 @@ struct SettingsStepper : SettingsControls {
 };
 
 struct SettingsPopUp : SettingsControls {
-    PopUpButton button{visuals, u"Break starts"_s, {u"None"_s, u"Glass"_s, u"Submarine"_s}};
+    PopUpButton button{u"Break starts"_s, {u"None"_s, u"Glass"_s, u"Submarine"_s}};
     QStringList chosen;
 
     SettingsPopUp() {
@@ -206,21 +205,19 @@ TEST_F(SettingsStepper, is_a_spin_box_with_a_value_to_assistive_technology) {
 }
 
 TEST_F(SettingsControls, the_chevrons_of_a_pop_up_button_keep_their_distance_with_the_largest_text) {
-    PopUpButton ordinary(visuals, u"Minute"_s, {u"00"_s});
+    PopUpButton ordinary(u"Minute"_s, {u"00"_s});
     const int usual = airAtTheRight(ordinary);
     const QFont before = QApplication::font();
     QFont largest = before;
     largest.setPixelSize(38);
     QApplication::setFont(largest);
-    const Styled styledLarge(platform);
-    Visuals large(platform);
-    PopUpButton button(large, u"Minute"_s, {u"00"_s});
+    PopUpButton button(u"Minute"_s, {u"00"_s});
     EXPECT_NEAR(airAtTheRight(button), usual, 1);
     QApplication::setFont(before);
 }
 
 TEST_F(SettingsControls, a_switch_acts_on_space_and_return_and_leaves_arrow_keys_to_the_page) {
-    Switch one(visuals, u"Enabled"_s);
+    Switch one(u"Enabled"_s);
     one.ensurePolished();
     int clicks = 0;
     QObject::connect(&one, &Switch::toggled, [&] { ++clicks; });
@@ -235,7 +232,7 @@ TEST_F(SettingsControls, a_switch_acts_on_space_and_return_and_leaves_arrow_keys
 }
 
 TEST_F(SettingsControls, the_knob_glides_for_a_click_and_not_for_what_comes_from_elsewhere) {
-    Switch one(visuals, u"Enabled"_s);
+    Switch one(u"Enabled"_s);
     one.resize(one.sizeHint());
     const QImage off = one.grab().toImage();
     one.setOn(true);
@@ -253,7 +250,7 @@ TEST_F(SettingsControls, the_knob_glides_for_a_click_and_not_for_what_comes_from
 
 TEST_F(SettingsControls, with_reduced_motion_the_knob_is_there_at_once) {
     platform.colours.current.reducedMotion = true;
-    Switch one(visuals, u"Enabled"_s);
+    Switch one(u"Enabled"_s);
     one.resize(one.sizeHint());
     const QImage off = one.grab().toImage();
     one.click();
@@ -337,7 +334,7 @@ TEST_F(SettingsPopUp, is_operated_by_keys_alone) {
 }
 
 TEST_F(SettingsPopUp, finds_a_choice_by_what_is_typed_in_one_go) {
-    PopUpButton minutes(visuals, u"Minute"_s, {u"00"_s, u"05"_s, u"10"_s, u"50"_s});
+    PopUpButton minutes(u"Minute"_s, {u"00"_s, u"05"_s, u"10"_s, u"50"_s});
     minutes.show();
     const int pause = QApplication::keyboardInputInterval();
     constexpr int never = 1'000'000;
@@ -364,7 +361,7 @@ TEST_F(SettingsPopUp, opens_with_the_choice_that_holds_over_the_button) {
     QStringList hours;
     for (int hour = 0; hour < 24; ++hour)
         hours.append(QString::number(hour));
-    PopUpButton many(visuals, u"Hour"_s, hours); // more than the list is high
+    PopUpButton many(u"Hour"_s, hours); // more than the list is high
     many.resize(many.sizeHint());
     const auto expectOver = [&](PopUpButton &opened, const QString &choice) {
         opened.move(300, 380); // in the middle of the screen
@@ -444,7 +441,7 @@ TEST_F(SettingsPopUp, is_a_combo_box_with_a_list_to_assistive_technology) {
 }
 
 TEST_F(SettingsPopUp, without_choices_it_takes_every_key_all_the_same) {
-    PopUpButton none(visuals, u"Break ends"_s, {});
+    PopUpButton none(u"Break ends"_s, {});
     none.show();
     for (const int key : {Qt::Key_Return, Qt::Key_Down, Qt::Key_Home, Qt::Key_A, Qt::Key_Escape})
         press(none, key, u"a"_s);
@@ -472,7 +469,7 @@ TEST_F(SettingsControls, odd_texts_are_shown_and_kept_as_they_are) {
     const QStringList odd{u"🦚 emoji 👩‍💻"_s, u"שלום עולם"_s, QString(10'000, u'x'),
                           u"two\nlines\r\nand more"_s, QString(),      QString(QChar(0xD800))};
     for (const QString &text : odd) {
-        Text label(visuals, text, Text::Style::label);
+        Text label(text, Text::Style::label);
         EXPECT_EQ(label.text().size(), text.size());
         label.resize(300, label.heightForWidth(300));
         EXPECT_FALSE(label.grab().isNull());
@@ -481,14 +478,14 @@ TEST_F(SettingsControls, odd_texts_are_shown_and_kept_as_they_are) {
         EXPECT_EQ(field->text(), text);
         field->resize(300, 40);
         EXPECT_FALSE(field->grab().isNull());
-        ListRow row(visuals, {text, text}, [] {});
+        ListRow row({text, text}, [] {});
         row.resize(300, 40);
         EXPECT_FALSE(row.grab().isNull());
     }
 }
 
 TEST_F(SettingsControls, a_text_grows_to_what_its_width_leaves_it) {
-    Text text(visuals, QString(600, u'x'), Text::Style::label);
+    Text text(QString(600, u'x'), Text::Style::label);
     EXPECT_GT(text.heightForWidth(200), text.heightForWidth(400));
     EXPECT_GE(text.heightForWidth(100'000), text.fontMetrics().height());
     EXPECT_LE(text.minimumSizeHint().width(), 200);
@@ -496,7 +493,7 @@ TEST_F(SettingsControls, a_text_grows_to_what_its_width_leaves_it) {
 
 TEST_F(SettingsControls, an_entry_of_a_list_is_removed_by_its_button) {
     int removed = 0;
-    ListRow row(visuals, {u"Firefox"_s}, [&] { ++removed; });
+    ListRow row({u"Firefox"_s}, [&] { ++removed; });
     auto *remove = row.findChild<QAbstractButton *>();
     ASSERT_NE(remove, nullptr);
     EXPECT_EQ(remove->accessibleName(), u"Remove Firefox"_s);
@@ -509,7 +506,7 @@ TEST_F(SettingsControls, an_entry_of_a_list_is_removed_by_its_button) {
 TEST_F(SettingsControls, a_wheel_with_notches_scrolls_smoothly) {
     auto *content = new QWidget;
     content->setMinimumHeight(2000);
-    ScrollArea area(visuals, content);
+    ScrollArea area(content);
     area.resize(300, 300);
     area.show();
     turnWheel(area);
@@ -528,7 +525,7 @@ TEST_F(SettingsControls, a_wheel_with_notches_scrolls_smoothly) {
 TEST_F(SettingsControls, scrolling_ends_at_the_end) {
     auto *content = new QWidget;
     content->setMinimumHeight(400);
-    ScrollArea area(visuals, content);
+    ScrollArea area(content);
     area.resize(300, 300);
     area.show();
     for (int notch = 0; notch < 20; ++notch)

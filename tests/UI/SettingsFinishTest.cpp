@@ -38,8 +38,7 @@ int darkest(QWidget &row) {
 } // namespace
 
 TEST_F(SettingsFinish, the_symbols_and_controls_at_the_right_end_at_one_edge) {
-    const Visuals visuals(open.platform);
-    const int air = besideSymbol(visuals);
+    const int air = besideSymbol();
     open.scenario.plan(12, 30, 1800);
     open.show(Page::planned);
     const int edge = rightOf(widget(QAccessible::SpinBox, u"Duration"_s)) - FocusRing::room;
@@ -70,18 +69,18 @@ TEST_F(SettingsFinish, the_update_card_keeps_its_height_from_state_to_state) {
 }
 
 TEST_F(SettingsFinish, a_disabled_row_is_pale_as_a_whole) {
-    Visuals visuals(open.platform);
     bool on = true;
     double seconds = 60;
     QString text = u"Tea"_s;
     const ValueBinding<bool> isOn([&] { return on; }, [&](bool value) { on = value; });
     const ValueBinding<double> value([&] { return seconds; }, [&](double to) { seconds = to; });
     const ValueBinding<QString> words([&] { return text; }, [&](const QString &to) { text = to; });
-    const Elements rows{switchRow(u"Enabled"_s, isOn, u"A note"_s), stepRow(u"Every"_s, value, {0, 120}, 60),
-                        pickerRow(u"Break starts"_s, words, {u"Tea"_s}), labeledField(u"Script"_s, words)};
-    for (const Element &element : rows) {
-        const std::unique_ptr<QWidget> row(element(visuals));
-        row->setPalette(visuals.toolkitPalette());
+    const QWidgetList rows{switchRow(u"Enabled"_s, isOn, u"A note"_s),
+                           stepRow(u"Every"_s, value, {0, 120}, 60),
+                           pickerRow(u"Break starts"_s, words, {u"Tea"_s}), labeledField(u"Script"_s, words)};
+    for (QWidget *each : rows) {
+        const std::unique_ptr<QWidget> row(each);
+        row->setPalette(visuals().toolkitPalette());
         row->resize(400, 80);
         EXPECT_LT(darkest(*row), 60);
         row->setEnabled(false);

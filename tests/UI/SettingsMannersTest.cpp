@@ -449,7 +449,7 @@ TEST_F(SettingsManners, the_footer_of_the_phone_is_small) {
     open.show(Page::phone);
     for (Text *text : childrenOf<Text>(open.window())) {
         if (text->text().startsWith(u"Only the break itself"_s)) {
-            EXPECT_EQ(text->font().pixelSize(), Visuals(open.platform).font(11).pixelSize());
+            EXPECT_EQ(text->font().pixelSize(), visuals().font(11).pixelSize());
         }
     }
 }

@@ -1,4 +1,5 @@
 #include "support/OpenSettings.h"
+#include "support/waitUntil.h"
 #include "support/windows.h"
 
 #include <QAbstractButton>
@@ -423,6 +424,20 @@ TEST_F(SettingsWindow, has_the_text_size_that_the_user_chose_since_it_was_closed
     open.settle();
     EXPECT_EQ(sidebarWidth(), before);
     EXPECT_TRUE(open.find(QAccessible::RadioButton, u"Pausing"_s)->state().checked);
+}
+
+TEST_F(SettingsWindow, grows_with_the_text_while_it_is_shown) {
+    const auto titleSize = [this] {
+        return open.widget<QWidget>(QAccessible::Heading, u"Breaks"_s)->font().pixelSize();
+    };
+    open.show(Page::breaks);
+    const int before = titleSize();
+    {
+        const LargeText large;
+        EXPECT_TRUE(waitUntil([&] { return titleSize() == 2 * before; }));
+        expectAllInPlace(*open.window());
+    }
+    EXPECT_TRUE(waitUntil([&] { return titleSize() == before; }));
 }
 
 } // namespace pavonel::test

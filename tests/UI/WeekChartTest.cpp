@@ -2,6 +2,7 @@
 
 #include "support/FakePlatform.h"
 #include "support/Printing.h"
+#include "support/Styled.h"
 #include "support/waitUntil.h"
 
 #include <QAccessible>
@@ -31,8 +32,8 @@ Day day(Seconds screen, Seconds breaks) {
 class WeekChartTest : public ::testing::Test {
 protected:
     FakePlatform platform;
-    Visuals visuals{platform};
-    WeekChart chart{visuals};
+    Styled styled{platform};
+    WeekChart chart;
 
     WeekChartTest() { chart.resize(516, chart.sizeHint().height()); }
 

@@ -4,6 +4,7 @@
 #include "UI/Controls/Text.h"
 #include "UI/Style/FocusRing.h"
 #include "UI/Style/Pixels.h"
+#include "UI/Style/Visuals.h"
 
 #include <QPainter>
 
@@ -18,9 +19,8 @@ constexpr int betweenLines = 2;
 
 } // namespace
 
-CardRow::CardRow(Visuals &visuals)
-    : visuals_(visuals), line_(line(this, {margin, 0, margin - FocusRing::room, 0}, gap - FocusRing::room)) {
-    setMinimumHeight(visuals.lineHeight(lowest));
+CardRow::CardRow() : line_(line(this, {margin, 0, margin - FocusRing::room, 0}, gap - FocusRing::room)) {
+    setMinimumHeight(visuals().lineHeight(lowest));
 }
 
 void CardRow::add(QWidget *widget) {
@@ -43,19 +43,20 @@ void CardRow::addLines(const std::vector<QWidget *> &widgets) {
 }
 
 void CardRow::addLabel(const QString &label, const QString &note) {
-    std::vector<QWidget *> texts{new Text(visuals_, label, Text::Style::label)};
+    std::vector<QWidget *> texts{new Text(label, Text::Style::label)};
     if (!note.isEmpty())
-        texts.push_back(new Text(visuals_, note, Text::Style::note));
+        texts.push_back(new Text(note, Text::Style::note));
     addLines(texts);
 }
 
 void CardRow::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    drawLine(painter, visuals_, 0, width());
+    drawLine(painter, 0, width());
 }
 
-void CardRow::drawLine(QPainter &painter, const Visuals &visuals, double y, int width) {
-    drawHairline(painter, {margin, y}, {static_cast<double>(width - margin), y}, visuals.palette().hairline);
+void CardRow::drawLine(QPainter &painter, double y, int width) {
+    drawHairline(painter, {margin, y}, {static_cast<double>(width - margin), y},
+                 visuals().palette().hairline);
 }
 
 } // namespace pavonel

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "UI/Style/Visuals.h"
-
 #include <QWidget>
 
 #include <vector>
@@ -17,7 +15,7 @@ class CardRow : public QWidget {
 public:
     static constexpr int margin = 16; ///< Of the content, left and right, in points.
 
-    explicit CardRow(Visuals &visuals);
+    CardRow();
 
     /// Keeps its own size.
     void add(QWidget *widget);
@@ -32,15 +30,12 @@ public:
     void addLabel(const QString &label, const QString &note = {});
 
     /// The hairline above a row that begins at `y` in something as wide as the card.
-    static void drawLine(QPainter &painter, const Visuals &visuals, double y, int width);
+    static void drawLine(QPainter &painter, double y, int width);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
-    Visuals &visuals() const { return visuals_; }
-
 private:
-    Visuals &visuals_;
     QHBoxLayout *line_;
 };
 

@@ -6,6 +6,7 @@
 #include "UI/Controls/LineEdit.h"
 #include "UI/Controls/Text.h"
 #include "UI/Style/FocusRing.h"
+#include "UI/Style/Visuals.h"
 
 #include <QFontMetricsF>
 #include <QHBoxLayout>
@@ -29,14 +30,17 @@ QString onOneLine(const QString &text) {
 
 } // namespace
 
-ListRow::ListRow(Visuals &visuals, const Entry &entry, std::function<void()> remove,
-                 std::function<void(const QString &)> edit)
-    : CardRow(visuals), whole_(entry.text),
+int ListRow::pictureSide() {
+    return visuals().length(24);
+}
+
+ListRow::ListRow(const Entry &entry, std::function<void()> remove, std::function<void(const QString &)> edit)
+    : whole_(entry.text),
       edit_(std::move(edit)), entry_{onOneLine(entry.text), onOneLine(entry.detail), entry.picture},
       remove_(
           Button::ofSymbol(QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove ") + entry_.text)) {
     // The symbol, not the room around it, ends where the other rows end.
-    layout()->setContentsMargins(margin, 0, margin - besideSymbol(visuals), 0);
+    layout()->setContentsMargins(margin, 0, margin - besideSymbol(), 0);
     static_cast<QHBoxLayout *>(layout())->addStretch();
     add(remove_);
     setAccessibleRole(*this, QAccessible::ListItem);
@@ -100,18 +104,18 @@ void ListRow::paintEvent(QPaintEvent *event) {
         return;
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    draw(painter, QRectF(margin, 0, remove_->x() - gap - margin, height()), entry_, visuals(),
-         visuals().palette().text, visuals().palette().secondaryText);
+    draw(painter, QRectF(margin, 0, remove_->x() - gap - margin, height()), entry_, visuals().palette().text,
+         visuals().palette().secondaryText);
 }
 
-void ListRow::draw(QPainter &painter, const QRectF &place, const Entry &entry, const Visuals &visuals,
-                   const QColor &ink, const QColor &detailInk) {
+void ListRow::draw(QPainter &painter, const QRectF &place, const Entry &entry, const QColor &ink,
+                   const QColor &detailInk) {
     QRectF room = place;
     if (!entry.picture.isNull()) {
-        painter.drawImage(QRectF(room.left(), room.center().y() - pictureSide(visuals) / 2.0,
-                                 pictureSide(visuals), pictureSide(visuals)),
-                          entry.picture);
-        room.setLeft(room.left() + pictureSide(visuals) + gap);
+        painter.drawImage(
+            QRectF(room.left(), room.center().y() - pictureSide() / 2.0, pictureSide(), pictureSide()),
+            entry.picture);
+        room.setLeft(room.left() + pictureSide() + gap);
     }
     const auto write = [&](const QString &text, const QFont &font, const QColor &colour) {
         painter.setFont(font);
@@ -121,13 +125,12 @@ void ListRow::draw(QPainter &painter, const QRectF &place, const Entry &entry, c
         painter.drawText(room, Qt::AlignVCenter | Qt::AlignLeft, shown);
         room.setLeft(room.left() + metrics.horizontalAdvance(shown) + gap);
     };
-    write(entry.text, visuals.font(13), ink);
-    write(entry.detail, visuals.font(11), detailInk);
+    write(entry.text, visuals().font(13), ink);
+    write(entry.detail, visuals().font(11), detailInk);
 }
 
-UndoRow::UndoRow(Visuals &visuals)
-    : CardRow(visuals), text_(new Text(visuals, {}, Text::Style::secondary)),
-      button_(new Button(QStringLiteral("Undo"))) {
+UndoRow::UndoRow()
+    : text_(new Text({}, Text::Style::secondary)), button_(new Button(QStringLiteral("Undo"))) {
     addLines({text_});
     add(button_);
     hide();

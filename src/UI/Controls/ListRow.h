@@ -24,16 +24,15 @@ public:
         QImage picture = {};
     };
 
-    static int pictureSide(const Visuals &visuals) { return visuals.length(24); }
+    static int pictureSide();
 
     /// In the middle of `place`, one behind the other; the detail gives way first.
-    static void draw(QPainter &painter, const QRectF &place, const Entry &entry, const Visuals &visuals,
-                     const QColor &ink, const QColor &detailInk);
+    static void draw(QPainter &painter, const QRectF &place, const Entry &entry, const QColor &ink,
+                     const QColor &detailInk);
 
     /// `remove` may destroy the row, as may `edit`, which is given another text. Where there is an `edit`, a
     /// double click or F2 lets the text be edited in its place.
-    ListRow(Visuals &visuals, const Entry &entry, std::function<void()> remove,
-            std::function<void(const QString &)> edit = {});
+    ListRow(const Entry &entry, std::function<void()> remove, std::function<void(const QString &)> edit = {});
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -54,7 +53,7 @@ private:
 /// Offers to take back the last removal from what stands above it; not there before the first one.
 class UndoRow : public CardRow {
 public:
-    explicit UndoRow(Visuals &visuals);
+    UndoRow();
 
     /// `what` was removed; `undo` brings it back.
     void offer(const QString &what, std::function<void()> undo);

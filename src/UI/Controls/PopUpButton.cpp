@@ -63,8 +63,7 @@ QAccessibleInterface *makeFor(const QString &, QObject *object) {
 
 } // namespace
 
-PopUpButton::PopUpButton(Visuals &visuals, const QString &name, const QStringList &choices)
-    : visuals_(visuals) {
+PopUpButton::PopUpButton(const QString &name, const QStringList &choices) {
     QAccessible::installFactory(makeFor); // once, however often
     setAccessibleName(name);
     setFocusPolicy(Qt::TabFocus);
@@ -99,7 +98,7 @@ void PopUpButton::showPopup() {
         followAssistiveTechnology();
         view()->setAccessibleName(accessibleName());
         view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-        view()->window()->setMaximumHeight(visuals_.length(tallest));
+        view()->window()->setMaximumHeight(visuals().length(tallest));
         view()->window()->installEventFilter(this);
     }
     QComboBox::showPopup();

@@ -6,14 +6,12 @@
 
 namespace pavonel {
 
-class Visuals;
-
 /// Shows the choice that holds and opens a list of all of them. A combo box that is opened, not turned, by
 /// the arrow keys, and lets the page scroll by the wheel; and whose name assistive technology is told, which
 /// Qt's own on Linux gives up for its value.
 class PopUpButton : public QComboBox {
 public:
-    PopUpButton(Visuals &visuals, const QString &name, const QStringList &choices);
+    PopUpButton(const QString &name, const QStringList &choices);
 
     /// What holds need not be among the choices.
     QString choice() const;
@@ -38,7 +36,6 @@ private:
     void followAssistiveTechnology();
     void placeList(QWidget &list);
 
-    Visuals &visuals_;
     bool listIsMade_ = false; ///< When it was first opened.
 };
 

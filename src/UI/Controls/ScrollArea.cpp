@@ -1,5 +1,8 @@
 #include "UI/Controls/ScrollArea.h"
 
+#include "Platform/Appearance.h"
+#include "UI/Style/Visuals.h"
+
 #include <QApplication>
 #include <QKeyEvent>
 #include <QScrollBar>
@@ -17,7 +20,7 @@ constexpr double share = 0.28; // of the rest of the way, each frame
 
 } // namespace
 
-ScrollArea::ScrollArea(Visuals &visuals, QWidget *content) : visuals_(visuals) {
+ScrollArea::ScrollArea(QWidget *content) {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(true);
@@ -65,10 +68,10 @@ void ScrollArea::glideBy(double distance) {
     const QScrollBar &bar = *verticalScrollBar();
     const double from = frames_ ? target_ : bar.value();
     target_ = std::clamp<double>(from + distance, bar.minimum(), bar.maximum());
-    if (visuals_.appearance().wishes().reducedMotion)
+    if (visuals().appearance().wishes().reducedMotion)
         verticalScrollBar()->setValue(qRound(target_));
     else if (!frames_)
-        frames_ = visuals_.loop().every(frame, [this] { glide(); });
+        frames_ = visuals().loop().every(frame, [this] { glide(); });
 }
 
 void ScrollArea::glide() {

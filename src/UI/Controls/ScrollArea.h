@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Platform/MainLoop.h"
-#include "UI/Style/Visuals.h"
 
 #include <QScrollArea>
 
@@ -11,7 +10,7 @@ namespace pavonel {
 /// too where the text is so large that it has no room.
 class ScrollArea : public QScrollArea {
 public:
-    ScrollArea(Visuals &visuals, QWidget *content);
+    explicit ScrollArea(QWidget *content);
     ~ScrollArea() override;
 
 protected:
@@ -23,7 +22,6 @@ private:
     void glideBy(double distance);
     void glide();
 
-    Visuals &visuals_;
     double target_ = 0; ///< Where the glide under way ends.
     TimerHandle frames_;
 };

@@ -2,6 +2,7 @@
 
 #include "UI/Style/FocusRing.h"
 #include "UI/Style/Traits.h"
+#include "UI/Style/Visuals.h"
 
 #include <QSignalBlocker>
 #include <QStyleOptionButton>
@@ -15,8 +16,8 @@ constexpr Seconds slide = 0.16;
 
 } // namespace
 
-Switch::Switch(Visuals &visuals, const QString &name)
-    : knob_(visuals.loop(), visuals.appearance(), [this](double knob) {
+Switch::Switch(const QString &name)
+    : knob_(visuals().loop(), visuals().appearance(), [this](double knob) {
           setProperty(knobProperty, knob);
           update();
       }) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "UI/Fade.h"
-#include "UI/Style/Visuals.h"
 
 #include <QCheckBox>
 
@@ -12,7 +11,7 @@ namespace pavonel {
 class Switch : public QCheckBox {
 public:
     /// `name` is what a screen reader says.
-    Switch(Visuals &visuals, const QString &name);
+    explicit Switch(const QString &name);
 
     /// Without motion and without a report; for what did not come from the user.
     void setOn(bool on);

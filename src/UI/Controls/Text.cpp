@@ -2,6 +2,7 @@
 
 #include "UI/Controls/Accessibility.h"
 #include "UI/Style/Pixels.h"
+#include "UI/Style/Visuals.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
@@ -61,7 +62,7 @@ double breakLines(QTextLayout &layout, double width) {
 
 } // namespace
 
-Text::Text(Visuals &visuals, const QString &text, Style style) : visuals_(visuals) {
+Text::Text(const QString &text, Style style) {
     setStyle(style);
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
@@ -73,7 +74,7 @@ Text::Text(Visuals &visuals, const QString &text, Style style) : visuals_(visual
 
 void Text::setStyle(Style style) {
     const Type type = typeOf(style);
-    QFont font = visuals_.font(type.size, type.weight);
+    QFont font = visuals().font(type.size, type.weight);
     if (style == Style::pageTitle)
         font.setLetterSpacing(QFont::AbsoluteSpacing, -0.2);
     setFont(font);
@@ -112,7 +113,7 @@ void Text::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     if (!isEnabled())
         painter.setOpacity(disabledOpacity);
-    painter.setPen(visuals_.palette().*ink_);
+    painter.setPen(visuals().palette().*ink_);
     QTextLayout layout(text_, font());
     const double spare = QWidget::height() - breakLines(layout, width());
     layout.draw(&painter, QPointF(0, std::max(0.0, std::floor(spare / 2))));

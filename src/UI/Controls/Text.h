@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/Style/Visuals.h"
+#include "UI/Palette.h"
 
 #include <QWidget>
 
@@ -21,7 +21,7 @@ public:
         failure,   ///< What went wrong.
     };
 
-    Text(Visuals &visuals, const QString &text, Style style);
+    Text(const QString &text, Style style);
 
     void setStyle(Style style);
 
@@ -37,7 +37,6 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    Visuals &visuals_;
     QString text_;
     QColor Palette::*ink_ = nullptr;
 };

@@ -2,9 +2,9 @@
 
 #include "Platform/DisplayServices.h"
 #include "Platform/SensorServices.h"
-#include "UI/SettingsWindow/Rows/Element.h"
 
 #include <QString>
+#include <QWidget>
 
 #include <vector>
 
@@ -50,14 +50,14 @@ struct PageContext {
 
 /// The content of each page, from top to bottom, under its title: cards and rows, no logic. Each stands in a
 /// file of its own under Pages/.
-Elements breaksPage(PageContext &context);
-Elements plannedPage(PageContext &context);
-Elements phonePage(PageContext &context);
-Elements pausingPage(PageContext &context);
-Elements appearancePage(PageContext &context);
-Elements wellnessPage(PageContext &context);
-Elements statsPage(PageContext &context);
-Elements advancedPage(PageContext &context);
+QWidgetList breaksPage(PageContext &context);
+QWidgetList plannedPage(PageContext &context);
+QWidgetList phonePage(PageContext &context);
+QWidgetList pausingPage(PageContext &context);
+QWidgetList appearancePage(PageContext &context);
+QWidgetList wellnessPage(PageContext &context);
+QWidgetList statsPage(PageContext &context);
+QWidgetList advancedPage(PageContext &context);
 
 /// What the window shows of a page.
 struct PageEntry {
@@ -66,7 +66,7 @@ struct PageEntry {
     QString title;
     QString symbol;
     QString subtitle;
-    Elements (*content)(PageContext &context);
+    QWidgetList (*content)(PageContext &context);
 };
 
 /// In the order of `Page`.

@@ -8,7 +8,7 @@ namespace pavonel {
 /// One page: its title, its subtitle, and its cards in a column that scrolls.
 class PageView : public ScrollArea {
 public:
-    PageView(Visuals &visuals, const PageEntry &entry, PageContext &context);
+    PageView(const PageEntry &entry, PageContext &context);
 
     /// Lets every row show what its setting is now.
     void refresh();

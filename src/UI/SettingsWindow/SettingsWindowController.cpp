@@ -9,6 +9,7 @@
 #include "UI/Refresher.h"
 #include "UI/SettingsWindow/PageView.h"
 #include "UI/SettingsWindow/Sidebar.h"
+#include "UI/Style/Visuals.h"
 #include "UI/Symbol.h"
 
 #include <QBackingStore>
@@ -33,26 +34,20 @@ constexpr QColor brandColour(0x16, 0x8F, 0x9A); // on light and on dark title ba
 class SettingsView final : public QWidget {
 public:
     SettingsView(const PageContext &context, SettingsSelection &selection)
-        : context_(context), selection_(selection), visuals_(context.display),
+        : context_(context), selection_(selection),
           onSelection_(context.display.loop, {&selection}, [this] { showSelected(); }),
           onSettings_(context.display.loop, {&context.settings}, [this] { refreshPage(); }),
-          onAppearance_(visuals_.appearance().onChange([this] { followAppearance(); })) {
+          onAppearance_(visuals().appearance().onChange([this] { followAppearance(); })) {
         context_.desktopExtension.onChange([this] { refreshPage(); });
         setAccessibleRole(*this, QAccessible::Window);
         line(this);
-        makeSidebar();
-        setPalette(visuals_.toolkitPalette());
+        setPalette(visuals().toolkitPalette());
     }
 
     ~SettingsView() override { context_.desktopExtension.onChange({}); }
 
-    /// These points at the ordinary text size, as larger as the user's text is.
-    QSize grown(const QSize &points) const {
-        return {visuals_.length(points.width()), visuals_.length(points.height())};
-    }
-
 protected:
-    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), visuals_.palette().window); }
+    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), visuals().palette().window); }
 
     /// What nothing in it wanted: ways to close it, and to scroll from wherever the keyboard is.
     void keyPressEvent(QKeyEvent *event) override {
@@ -67,11 +62,15 @@ protected:
         }
     }
     void showEvent(QShowEvent *event) override {
-        if (event->spontaneous())
-            return;
-        if (visuals_.refreshTextSize())
-            makeSidebar();
-        showSelected();
+        if (!event->spontaneous())
+            build();
+    }
+    /// Rebuilt from the loop, since all that stands in it is being told of the new size.
+    bool event(QEvent *event) override {
+        if (event->type() == QEvent::ApplicationFontChange)
+            QMetaObject::invokeMethod(
+                this, [this] { build(); }, Qt::QueuedConnection);
+        return QWidget::event(event);
     }
     void hideEvent(QHideEvent *event) override {
         if (event->spontaneous())
@@ -81,14 +80,20 @@ protected:
     }
 
 private:
-    void makeSidebar() {
+    /// With the user's text as large as it is now.
+    void build() {
+        if (!isVisible())
+            return;
+        dropPage();
         delete sidebar_;
-        sidebar_ = new Sidebar(visuals_);
+        sidebar_ = new Sidebar;
         sidebar_->onSelect = [this](Page page) {
             selection_.page = page;
             showSelected();
         };
         static_cast<QBoxLayout *>(layout())->insertWidget(0, sidebar_);
+        sidebar_->show();
+        showSelected();
     }
 
     void showSelected() {
@@ -97,7 +102,7 @@ private:
             return;
         dropPage();
         sidebar_->select(wanted);
-        page_ = new PageView(visuals_, entryOf(wanted), context_);
+        page_ = new PageView(entryOf(wanted), context_);
         shown_ = wanted;
         static_cast<QBoxLayout *>(layout())->addWidget(page_, 1);
         page_->show();
@@ -116,8 +121,7 @@ private:
     }
 
     void followAppearance() {
-        visuals_.refresh();
-        setPalette(visuals_.toolkitPalette()); // and thereby a repaint of everything
+        setPalette(visuals().toolkitPalette()); // and thereby a repaint of everything
         update();
     }
 
@@ -129,7 +133,6 @@ private:
 
     PageContext context_;
     SettingsSelection &selection_;
-    Visuals visuals_;
     Sidebar *sidebar_ = nullptr;
     PageView *page_ = nullptr;
     Page shown_ = Page::breaks; ///< What `page_` is.
@@ -139,11 +142,12 @@ private:
 };
 
 /// Larger with a larger text, as far as the screen goes, and in its middle.
-void fit(SettingsView &window) {
+void fit(QWidget &window) {
     const QScreen *screen = QGuiApplication::primaryScreen();
     const QRect free = screen ? screen->availableGeometry() : QRect();
     const auto fitting = [&](const QSize &points) {
-        return windowPlace(free, window.grown(points).boundedTo(free.size() * 0.9).expandedTo(points));
+        const QSize grown(visuals().length(points.width()), visuals().length(points.height()));
+        return windowPlace(free, grown.boundedTo(free.size() * 0.9).expandedTo(points));
     };
     window.setMinimumSize(fitting({660, 400}).size());
     window.setGeometry(fitting({800, 560}));

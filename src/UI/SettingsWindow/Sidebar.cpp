@@ -6,6 +6,7 @@
 #include "UI/Controls/ScrollArea.h"
 #include "UI/Controls/Text.h"
 #include "UI/Style/Pixels.h"
+#include "UI/Style/Visuals.h"
 
 #include <QButtonGroup>
 #include <QKeyEvent>
@@ -23,16 +24,16 @@ constexpr int margin = 10;
 constexpr int top = 20;
 constexpr int bottom = 14;
 
-QLayout *brand(Visuals &visuals) {
+QLayout *brand() {
     auto *lines = column(nullptr, {margin, 0, 0, 0}, 2);
-    lines->addWidget(new Text(visuals, QStringLiteral("Pavonel"), Text::Style::brand));
-    lines->addWidget(new Text(visuals, QStringLiteral("Version 1.0"), Text::Style::note));
+    lines->addWidget(new Text(QStringLiteral("Pavonel"), Text::Style::brand));
+    lines->addWidget(new Text(QStringLiteral("Version 1.0"), Text::Style::note));
     return lines;
 }
 
 } // namespace
 
-Sidebar::Sidebar(Visuals &visuals) : visuals_(visuals), items_(new QButtonGroup(this)) {
+Sidebar::Sidebar() : items_(new QButtonGroup(this)) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
     auto *places = column(this, {margin, top, margin + 1, bottom}, -1);
     auto *list = new QWidget;
@@ -52,9 +53,9 @@ Sidebar::Sidebar(Visuals &visuals) : visuals_(visuals), items_(new QButtonGroup(
         if (on && onSelect)
             onSelect(static_cast<Page>(page));
     });
-    area_ = new ScrollArea(visuals, list); // large text can need more room than the window has
+    area_ = new ScrollArea(list); // large text can need more room than the window has
     places->addWidget(area_, 1);
-    places->addLayout(brand(visuals));
+    places->addLayout(brand());
     select(allPages().front().page);
 }
 
@@ -87,9 +88,10 @@ void Sidebar::keyPressEvent(QKeyEvent *event) {
 
 void Sidebar::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    painter.fillRect(rect(), visuals_.palette().sidebar);
+    painter.fillRect(rect(), visuals().palette().sidebar);
     const double right = width() - 1 / devicePixelRatioF();
-    drawHairline(painter, {right, 0}, {right, static_cast<double>(height())}, visuals_.palette().cardOutline);
+    drawHairline(painter, {right, 0}, {right, static_cast<double>(height())},
+                 visuals().palette().cardOutline);
 }
 
 } // namespace pavonel

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "UI/SettingsWindow/Page.h"
-#include "UI/Style/Visuals.h"
 
 #include <QWidget>
 
@@ -18,7 +17,7 @@ class ScrollArea;
 /// a `QListView`.
 class Sidebar : public QWidget {
 public:
-    explicit Sidebar(Visuals &visuals);
+    Sidebar();
 
     /// Told of the page that the user goes to.
     std::function<void(Page)> onSelect;
@@ -32,7 +31,6 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    Visuals &visuals_;
     ScrollArea *area_;
     QButtonGroup *items_; ///< Each under the number of its page.
 };

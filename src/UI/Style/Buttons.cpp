@@ -38,8 +38,8 @@ void ButtonTraits::giveTo(QWidget &widget) const {
     widget.setProperty(symbolProperty, symbol);
 }
 
-int besideSymbol(const Visuals &visuals) {
-    return FocusRing::room + (roundDiameter(visuals) - visuals.length(symbolSide)) / 2;
+int besideSymbol() {
+    return FocusRing::room + (roundDiameter(visuals()) - visuals().length(symbolSide)) / 2;
 }
 
 namespace drawing {

@@ -41,6 +41,10 @@ bool isScrollArrow(const QWidget *widget) {
 
 } // namespace
 
+const Visuals &visuals() {
+    return static_cast<const Style *>(QApplication::style())->visuals();
+}
+
 Style::Style(const DisplayServices &display)
     : QProxyStyle(QStringLiteral("Fusion")), visuals_(display),
       onAppearance_(display.appearance.onChange([this] { takeColours(); })) {
@@ -66,7 +70,6 @@ void Style::polish(QWidget *widget) {
 }
 
 void Style::giveType(QWidget &widget) {
-    visuals_.refreshTextSize();
     const ButtonTraits button = ButtonTraits::of(&widget);
     if (button.isNotice())
         widget.setFont(fonts::ui(12, QFont::Medium)); // at every size of the user's text

@@ -13,6 +13,8 @@ class Style final : public QProxyStyle {
 public:
     explicit Style(const DisplayServices &display);
 
+    const Visuals &visuals() const { return visuals_; }
+
     using QProxyStyle::polish;
     void polish(QWidget *widget) override;
 

@@ -8,8 +8,6 @@ class QWidget;
 /// style need not know our classes.
 namespace pavonel {
 
-class Visuals;
-
 enum class ButtonRole {
     plain,
     prominent, ///< What most people want to do here; at most one a page.
@@ -33,7 +31,7 @@ struct ButtonTraits {
 };
 
 /// From the right edge of a round button to that of its symbol, in points.
-int besideSymbol(const Visuals &visuals);
+int besideSymbol();
 
 /// Of a switch's knob that is on its way: 0 is off, 1 is on.
 constexpr char knobProperty[] = "knob";

@@ -16,7 +16,7 @@ namespace pavonel {
 namespace {
 
 /// Desktops' ordinary fonts lie between 12 and 15 pixels. Whoever chose a larger one means it.
-double wishedTextScale() {
+double textScale() {
     constexpr double largestOrdinary = 15;
     return std::clamp(QFontInfo(QGuiApplication::font()).pixelSize() / largestOrdinary, 1.0, 2.5);
 }
@@ -27,18 +27,6 @@ Visuals::Visuals(const DisplayServices &display) : display_(display), palette_(d
 
 void Visuals::refresh() {
     palette_ = Palette(display_.appearance.wishes());
-}
-
-bool Visuals::refreshTextSize() {
-    const double before = textScale();
-    textScale_ = wishedTextScale();
-    return textScale_ != before;
-}
-
-double Visuals::textScale() const {
-    if (!textScale_)
-        textScale_ = wishedTextScale();
-    return *textScale_;
 }
 
 QFont Visuals::font(int size, QFont::Weight weight) const {

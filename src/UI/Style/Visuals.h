@@ -5,14 +5,12 @@
 
 #include <QFont>
 
-#include <optional>
-
 class QPalette;
 
 namespace pavonel {
 
-/// What the controls of one window share: colours, type sizes, and the way things move. A control reads it
-/// whenever it paints, so that a repaint is all that a change of the user's wishes needs.
+/// What all controls share: colours, type sizes, and the way things move. A control reads it whenever it
+/// paints, so that a repaint is all that a change of the user's wishes needs.
 class Visuals {
 public:
     explicit Visuals(const DisplayServices &display);
@@ -40,16 +38,12 @@ public:
     /// Reads the user's wishes for colours again.
     void refresh();
 
-    /// Reads the size of the user's text again; whether it is another one. What was built before then has to
-    /// be built anew.
-    bool refreshTextSize();
-
 private:
-    double textScale() const;
-
     DisplayServices display_;
     Palette palette_;
-    mutable std::optional<double> textScale_; ///< Read when it is needed, for it loads fonts.
 };
+
+/// Those of the application's style, which must be ours.
+const Visuals &visuals();
 
 } // namespace pavonel

@@ -15,6 +15,7 @@
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
+#include "UI/Style/Visuals.h"
 
 #include <QProgressBar>
 
@@ -56,31 +57,31 @@ QString shortened(const QString &text) {
 }
 
 /// Of the height of a small line of text, so that nothing moves when it takes the place of one.
-QWidget *progressBar(const Visuals &visuals, double progress) {
+QWidget *progressBar(double progress) {
     constexpr int whole = 1000;
     auto *bar = new QProgressBar;
     bar->setAccessibleName(u"Download"_s);
     bar->setRange(0, whole);
     bar->setValue(std::isnan(progress) ? 0 : qRound(std::clamp(progress, 0.0, 1.0) * whole));
-    bar->setFixedHeight(QFontMetrics(visuals.font(11)).height());
+    bar->setFixedHeight(QFontMetrics(visuals().font(11)).height());
     return bar;
 }
 
 /// Shows one state; made anew for the next.
 class StatusRow final : public CardRow {
 public:
-    StatusRow(Visuals &visuals, Updater &updater) : CardRow(visuals), updater_(updater) {
+    explicit StatusRow(Updater &updater) : updater_(updater) {
         const Updater::State &state = updater.state;
         const bool failed = std::holds_alternative<Updater::Failed>(state);
-        line_ = new Text(visuals, {}, failed ? Text::Style::failure : Text::Style::note);
-        std::vector<QWidget *> lines{
-            new Text(visuals, u"Version "_s + updater.currentVersion(), Text::Style::label), line_};
+        line_ = new Text({}, failed ? Text::Style::failure : Text::Style::note);
+        std::vector<QWidget *> lines{new Text(u"Version "_s + updater.currentVersion(), Text::Style::label),
+                                     line_};
         if (const auto *available = std::get_if<Updater::Available>(&state))
-            lines.push_back(new Text(visuals, shortened(available->notes), Text::Style::note));
+            lines.push_back(new Text(shortened(available->notes), Text::Style::note));
         else if (const auto *downloading = std::get_if<Updater::Downloading>(&state))
-            lines.push_back(progressBar(visuals, downloading->progress));
+            lines.push_back(progressBar(downloading->progress));
         else if (std::holds_alternative<Updater::Idle>(state))
-            minutes_ = visuals.loop().every(minute, [this] { describe(); });
+            minutes_ = visuals().loop().every(minute, [this] { describe(); });
         addLines(lines);
         addButton();
         describe();
@@ -118,12 +119,11 @@ private:
 };
 
 /// The version that runs, how it stands with newer ones, and what can be done about that now.
-Element updateStatus(Updater &updater) {
-    const auto row = [&updater](Visuals &visuals) { return new StatusRow(visuals, updater); };
-    return dynamicSection({&updater}, [row] { return Elements{row}; });
+QWidget *updateStatus(Updater &updater) {
+    return dynamicSection({&updater}, [&updater] { return QWidgetList{new StatusRow(updater)}; });
 }
 
-Element updateCard(PageContext &context) {
+QWidget *updateCard(PageContext &context) {
     Updater &updater = context.updater;
     UserDefaults &defaults = context.defaults;
     const ValueBinding<bool> automatic(
@@ -137,7 +137,7 @@ Element updateCard(PageContext &context) {
 }
 
 /// None where the desktop has no such thing.
-Elements extensionRows(DesktopExtension &extension) {
+QWidgetList extensionRows(DesktopExtension &extension) {
     if (!extension.isPossible())
         return {};
     const ValueBinding<bool> isOn([&extension] { return extension.isOn(); },
@@ -149,13 +149,13 @@ Elements extensionRows(DesktopExtension &extension) {
         limitationNote(extension)};
 }
 
-Element systemCard(PageContext &context) {
+QWidget *systemCard(PageContext &context) {
     Settings &settings = context.settings;
     const auto login = std::make_shared<LoginSwitch>(settings, context.loginItem);
     const auto shortcuts = [&context] {
         return shortcutNote(context.hotKeys, context.settings.hotKeysEnabled);
     };
-    Elements rows{
+    const QWidgetList rows{
         switchRow(u"Launch at login"_s,
                   {[login] { return login->isOn(); }, [login](bool on) { login->set(on); }}),
         cardNote([login] { return login->failure(); }, Text::Style::failure),
@@ -164,13 +164,12 @@ Element systemCard(PageContext &context) {
                   u"⌃⌥⌘B take a break · ⌃⌥⌘S skip · ⌃⌥⌘P pause"_s),
         cardNote(shortcuts),
     };
-    std::ranges::copy(extensionRows(context.desktopExtension), std::back_inserter(rows));
-    return card(u"System"_s, {}, rows);
+    return card(u"System"_s, {}, rows + extensionRows(context.desktopExtension));
 }
 
 } // namespace
 
-Elements advancedPage(PageContext &context) {
+QWidgetList advancedPage(PageContext &context) {
     Settings &settings = context.settings;
     return {
         updateCard(context),

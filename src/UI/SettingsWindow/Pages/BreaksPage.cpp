@@ -7,7 +7,7 @@ namespace pavonel {
 
 using namespace Qt::StringLiterals;
 
-Elements breaksPage(PageContext &context) {
+QWidgetList breaksPage(PageContext &context) {
     Settings &settings = context.settings;
     const auto micro = [&settings] { return settings.microEnabled.get(); };
     const auto longBreak = [&settings] { return settings.longEnabled.get(); };

@@ -6,7 +6,7 @@ namespace pavonel {
 
 using namespace Qt::StringLiterals;
 
-Elements wellnessPage(PageContext &context) {
+QWidgetList wellnessPage(PageContext &context) {
     Settings &settings = context.settings;
     return {
         card(u"Posture"_s, u"Shoulders back, screen at eye level"_s,

@@ -3,6 +3,7 @@
 #include "UI/Refresher.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 #include "UI/Style/FocusRing.h"
+#include "UI/Style/Visuals.h"
 
 #include <QFocusEvent>
 #include <QPainter>
@@ -13,10 +14,9 @@ namespace {
 
 class DynamicSection final : public QWidget {
 public:
-    DynamicSection(Visuals &visuals, const std::vector<Observable *> &watched,
-                   std::function<Elements()> content, int spacing)
-        : visuals_(visuals), content_(std::move(content)),
-          refresher_(visuals.loop(), watched, [this] { refresh(); }) {
+    DynamicSection(const std::vector<Observable *> &watched, std::function<QWidgetList()> content,
+                   int spacing)
+        : content_(std::move(content)), refresher_(visuals().loop(), watched, [this] { refresh(); }) {
         column(this, {}, spacing);
         build();
     }
@@ -34,7 +34,7 @@ protected:
         QPainter painter(this);
         constexpr double inset = FocusRing::room;
         FocusRing::draw(painter, *this, QRectF(rect()).adjusted(inset, inset, -inset, -inset), 8,
-                        visuals_.palette().accentText);
+                        visuals().palette().accentText);
     }
 
 private:
@@ -77,8 +77,7 @@ private:
             delete item->widget();
             delete item;
         }
-        for (const Element &element : content_()) {
-            QWidget *widget = element(visuals_);
+        for (QWidget *widget : content_()) {
             const bool wantsToHide =
                 widget->isHidden() && widget->testAttribute(Qt::WA_WState_ExplicitShowHide);
             layout()->addWidget(widget);
@@ -102,16 +101,15 @@ private:
         }
     }
 
-    Visuals &visuals_;
-    std::function<Elements()> content_;
+    std::function<QWidgetList()> content_;
     Refresher refresher_;
 };
 
 } // namespace
 
-Element dynamicSection(const std::vector<Observable *> &watched, const std::function<Elements()> &content,
-                       int spacing) {
-    return [=](Visuals &visuals) { return new DynamicSection(visuals, watched, content, spacing); };
+QWidget *dynamicSection(const std::vector<Observable *> &watched, const std::function<QWidgetList()> &content,
+                        int spacing) {
+    return new DynamicSection(watched, content, spacing);
 }
 
 } // namespace pavonel

@@ -6,11 +6,14 @@
 #include "UI/Controls/ListRow.h"
 #include "UI/Controls/Stepper.h"
 #include "UI/Controls/Text.h"
-#include "UI/SettingsWindow/Rows/Element.h"
 
 #include <QStringList>
+#include <QWidget>
 
-/// What pages and cards are made of. Their widgets write through at once and follow changes from elsewhere.
+#include <functional>
+
+/// What pages and cards are made of: new widgets, which whoever lays them out owns. They write through at
+/// once and follow changes from elsewhere.
 namespace pavonel {
 
 /// A value that a row shows and writes, but that is kept elsewhere; as a rule a setting.
@@ -26,46 +29,72 @@ template <class T> struct ValueBinding {
     std::function<void(const T &)> set;
 };
 
+/// Keeps a widget of a page true to the settings: `refresh` is called now, and from the loop after any
+/// setting changed.
+class Follower final : public QObject {
+public:
+    Follower(QWidget &widget, std::function<void()> refresh)
+        : QObject(&widget), refresh_(std::move(refresh)) {
+        refresh_();
+    }
+
+    void refresh() const { refresh_(); }
+
+private:
+    std::function<void()> refresh_;
+};
+
+inline void follow(QWidget &widget, std::function<void()> refresh) {
+    new Follower(widget, std::move(refresh));
+}
+
+/// Lets a widget be seen or not. One that has not come to its place yet is seen as soon as it is there; to
+/// show it before would open a window of its own.
+inline void showInPlace(QWidget &widget, bool seen) {
+    if (!seen || widget.parentWidget())
+        widget.setVisible(seen);
+}
+
 /// Yields a sentence that can change; empty for nothing.
 using TextSource = std::function<QString()>;
 
 /// A rounded panel with a bold title, a subtitle under it, then the content.
-Element card(const QString &title, const QString &subtitle, const Elements &content);
+QWidget *card(const QString &title, const QString &subtitle, const QWidgetList &content);
 
 /// A small sentence in a card, under the row before it; takes no room while it is empty.
-Element cardNote(const TextSource &text, Text::Style style = Text::Style::note);
-Element cardNote(const QString &sentence);
+QWidget *cardNote(const TextSource &text, Text::Style style = Text::Style::note);
+QWidget *cardNote(const QString &sentence);
 
 /// A sentence on the page itself, below a card; takes no room while it is empty.
-Element pageNote(const TextSource &text, Text::Style style = Text::Style::secondary);
-Element pageNote(const QString &sentence, Text::Style style = Text::Style::secondary);
+QWidget *pageNote(const TextSource &text, Text::Style style = Text::Style::secondary);
+QWidget *pageNote(const QString &sentence, Text::Style style = Text::Style::secondary);
 
 /// Why the setting above it has no effect on this desktop; nothing where it has.
-Element limitationNote(const Service &service);
+QWidget *limitationNote(const Service &service);
 
 /// A row that can be used only while something else is as it must be, and is pale otherwise.
-Element enabledWhile(const std::function<bool()> &holds, const Element &row);
+QWidget *enabledWhile(const std::function<bool()> &holds, QWidget *row);
 
-Element switchRow(const QString &label, const ValueBinding<bool> &isOn, const QString &note = {});
+QWidget *switchRow(const QString &label, const ValueBinding<bool> &isOn, const QString &note = {});
 
 /// A value that no clock can show is shown bounded.
-Element stepRow(const QString &label, const ValueBinding<double> &seconds, Range range, double step,
-                const QString &suffix = {});
+QWidget *stepRow(const QString &label, const ValueBinding<double> &seconds, Range range, double step,
+                 const QString &suffix = {});
 
 /// `before` stands before the choice, where something does.
-Element pickerRow(const QString &label, const ValueBinding<QString> &selection, const QStringList &choices,
-                  const Element &before = {});
+QWidget *pickerRow(const QString &label, const ValueBinding<QString> &selection, const QStringList &choices,
+                   QWidget *before = nullptr);
 
-Element labeledField(const QString &label, const ValueBinding<QString> &text, const QString &prompt = {});
+QWidget *labeledField(const QString &label, const ValueBinding<QString> &text, const QString &prompt = {});
 
 /// A field to write an entry in and a button, which a screen reader calls `button`, that adds it, as Return
 /// does. The entry comes without blanks around it; what is only blanks is not added.
-Element addField(const QString &prompt, const QString &button,
-                 const std::function<void(const QString &)> &add, const Element &before = {});
+QWidget *addField(const QString &prompt, const QString &button,
+                  const std::function<void(const QString &)> &add, QWidget *before = nullptr);
 
 /// A button at the left edge of the column.
-Element buttonRow(const QString &label, const std::function<void()> &action, const QString &symbol = {},
-                  ButtonRole role = ButtonRole::plain);
+QWidget *buttonRow(const QString &label, const std::function<void()> &action, const QString &symbol = {},
+                   ButtonRole role = ButtonRole::plain);
 
 /// How a list of texts is shown.
 struct TextListOptions {
@@ -80,12 +109,12 @@ struct TextListOptions {
 
 /// The entries of a list of texts, one a row with a button that removes it, which can be undone. The same
 /// text may be there twice.
-Element textList(const ValueBinding<QStringList> &texts, const TextListOptions &options);
+QWidget *textList(const ValueBinding<QStringList> &texts, const TextListOptions &options);
 
 /// A part of a page that is another one in every state of what it watches: made anew, from the loop, after
 /// each change. The keyboard stays in it, and what it says anew is announced. `spacing` is in points, between
-/// the elements.
-Element dynamicSection(const std::vector<Observable *> &watched, const std::function<Elements()> &content,
-                       int spacing = 0);
+/// its widgets.
+QWidget *dynamicSection(const std::vector<Observable *> &watched, const std::function<QWidgetList()> &content,
+                        int spacing = 0);
 
 } // namespace pavonel

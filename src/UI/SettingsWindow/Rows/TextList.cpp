@@ -1,6 +1,7 @@
 #include "UI/Controls/Layouts.h"
 #include "UI/SettingsWindow/Rows/EditedList.h"
 #include "UI/SettingsWindow/Rows/RowList.h"
+#include "UI/Style/Visuals.h"
 
 namespace pavonel {
 
@@ -8,13 +9,12 @@ namespace {
 
 class TextList final : public QWidget {
 public:
-    TextList(Visuals &visuals, const ValueBinding<QStringList> &texts, const TextListOptions &options)
-        : texts_(texts, [](const QString &text) { return text; }), options_(options),
-          empty_(new CardRow(visuals)), undo_(new UndoRow(visuals)) {
+    TextList(const ValueBinding<QStringList> &texts, const TextListOptions &options)
+        : texts_(texts, [](const QString &text) { return text; }), options_(options), empty_(new CardRow),
+          undo_(new UndoRow) {
         constexpr int rowHeight = 42;
-        rows_ = new RowList(visuals.lineHeight(rowHeight),
-                            [this, &visuals](const QString &key) { return row(visuals, key); });
-        empty_->add(new Text(visuals, options.whenEmpty, Text::Style::secondary));
+        rows_ = new RowList(visuals().lineHeight(rowHeight), [this](const QString &key) { return row(key); });
+        empty_->add(new Text(options.whenEmpty, Text::Style::secondary));
         auto *lines = column(this);
         lines->addWidget(empty_);
         lines->addWidget(rows_);
@@ -30,7 +30,7 @@ private:
         showInPlace(*this, !keys.isEmpty() || !options_.whenEmpty.isEmpty() || !undo_->isHidden());
     }
 
-    QWidget *row(Visuals &visuals, const QString &key) {
+    QWidget *row(const QString &key) {
         const ListRow::Entry entry = options_.entry(texts_.identityOf(key));
         std::function<void(const QString &)> edit;
         if (options_.entries == TextListOptions::Entries::editable)
@@ -38,7 +38,7 @@ private:
                 texts_.change(key, [&](QString &changed) { changed = text; });
             };
         return new ListRow(
-            visuals, entry, [this, key, name = entry.text] { texts_.remove(key, *undo_, name); }, edit);
+            entry, [this, key, name = entry.text] { texts_.remove(key, *undo_, name); }, edit);
     }
 
     EditedList<QStringList> texts_;
@@ -50,8 +50,8 @@ private:
 
 } // namespace
 
-Element textList(const ValueBinding<QStringList> &texts, const TextListOptions &options) {
-    return [=](Visuals &visuals) { return new TextList(visuals, texts, options); };
+QWidget *textList(const ValueBinding<QStringList> &texts, const TextListOptions &options) {
+    return new TextList(texts, options);
 }
 
 } // namespace pavonel

@@ -24,19 +24,18 @@ QWidget *listenButton(const QString &label, const std::function<QString()> &soun
 
 /// A picker of one of the system's sounds or none. A choice is heard at once, and again with the button
 /// beside it.
-Element soundRow(const QString &label, const ValueBinding<QString> &sound, Sounds &sounds) {
+QWidget *soundRow(const QString &label, const ValueBinding<QString> &sound, Sounds &sounds) {
     const auto chooseAndPlay = [set = sound.set, &sounds](const QString &choice) {
         set(choice);
         SoundPlayer::play(sounds, choice);
     };
-    return pickerRow(
-        label, {sound.get, chooseAndPlay}, QStringList(none) + sounds.names(),
-        [label, get = sound.get, &sounds](Visuals &) { return listenButton(label, get, sounds); });
+    return pickerRow(label, {sound.get, chooseAndPlay}, QStringList(none) + sounds.names(),
+                     listenButton(label, sound.get, sounds));
 }
 
 } // namespace
 
-Elements appearancePage(PageContext &context) {
+QWidgetList appearancePage(PageContext &context) {
     Settings &settings = context.settings;
     Sounds &player = context.sounds;
     const auto sounds = [&settings] { return settings.soundEnabled.get(); };

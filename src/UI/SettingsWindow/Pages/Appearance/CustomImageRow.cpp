@@ -6,7 +6,9 @@
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Pages/Appearance/BreakScreenRows.h"
+#include "UI/SettingsWindow/Rows/Rows.h"
 #include "UI/Style/Pixels.h"
+#include "UI/Style/Visuals.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
@@ -24,7 +26,7 @@ namespace {
 /// A picture in small.
 class Thumbnail final : public QWidget {
 public:
-    explicit Thumbnail(Visuals &visuals) : visuals_(visuals) { setFixedSize(64, 40); }
+    Thumbnail() { setFixedSize(64, 40); }
 
     void setPicture(const QImage &picture) {
         picture_ = picture;
@@ -36,13 +38,12 @@ protected:
         constexpr double radius = 6;
         QPainter painter(this);
         if (picture_.isNull())
-            drawBody(painter, rect(), radius, visuals_.palette().window, visuals_.palette().cardOutline);
+            drawBody(painter, rect(), radius, visuals().palette().window, visuals().palette().cardOutline);
         else
             drawRounded(painter, rect(), radius, picture_);
     }
 
 private:
-    Visuals &visuals_;
     QImage picture_;
 };
 
@@ -58,10 +59,9 @@ QString pictureFilter() {
 
 class CustomImageRow final : public CardRow {
 public:
-    CustomImageRow(Visuals &visuals, Settings &settings)
-        : CardRow(visuals), settings_(settings), thumbnail_(new Thumbnail(visuals)),
-          name_(new Text(visuals, {}, Text::Style::label)), note_(new Text(visuals, {}, Text::Style::note)),
-          remove_(new Button(QStringLiteral("Remove"))) {
+    explicit CustomImageRow(Settings &settings)
+        : settings_(settings), thumbnail_(new Thumbnail), name_(new Text({}, Text::Style::label)),
+          note_(new Text({}, Text::Style::note)), remove_(new Button(QStringLiteral("Remove"))) {
         auto *choose = new Button(QStringLiteral("Choose image…"));
         add(thumbnail_);
         addLines({name_, note_});
@@ -138,8 +138,8 @@ private:
 
 } // namespace
 
-Element customImageRow(Settings &settings) {
-    return [&settings](Visuals &visuals) { return new CustomImageRow(visuals, settings); };
+QWidget *customImageRow(Settings &settings) {
+    return new CustomImageRow(settings);
 }
 
 } // namespace pavonel

@@ -11,8 +11,10 @@
 #include "UI/Refresher.h"
 #include "UI/Ring.h"
 #include "UI/SettingsWindow/Pages/Appearance/BreakScreenRows.h"
+#include "UI/SettingsWindow/Rows/Rows.h"
 #include "UI/Style/FocusRing.h"
 #include "UI/Style/Pixels.h"
+#include "UI/Style/Visuals.h"
 #include "UI/Theme.h"
 
 #include <QButtonGroup>
@@ -51,16 +53,16 @@ void paintBreak(QPainter &painter, const QString &message, Seconds duration) {
 /// The break screen in small, with the background, a message and the length of a micro break as they are set.
 class BreakPreview final : public QWidget {
 public:
-    BreakPreview(Visuals &visuals, Settings &settings)
-        : visuals_(visuals), settings_(settings), backgrounds_(settings, visuals.loop()),
-          refresher_(visuals.loop(), {&settings}, [this] { forget(); }) {
+    explicit BreakPreview(Settings &settings)
+        : settings_(settings), backgrounds_(settings, visuals().loop()),
+          refresher_(visuals().loop(), {&settings}, [this] { forget(); }) {
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
         setAccessibleRole(*this, QAccessible::Graphic);
         setAccessibleName(QStringLiteral("Preview of the break screen"));
         backgrounds_.onLoaded = [this] { forget(); };
     }
 
-    QSize sizeHint() const override { return {visuals_.length(240), visuals_.length(150)}; }
+    QSize sizeHint() const override { return {visuals().length(240), visuals().length(150)}; }
 
 protected:
     /// The picture may be another one under the same path.
@@ -75,7 +77,7 @@ protected:
             drawn_ = picture(pixels);
         QPainter painter(this);
         drawRounded(painter, rect(), radius, drawn_);
-        drawBody(painter, rect(), radius, Qt::transparent, visuals_.palette().cardOutline);
+        drawBody(painter, rect(), radius, Qt::transparent, visuals().palette().cardOutline);
     }
 
 private:
@@ -94,7 +96,6 @@ private:
         return picture;
     }
 
-    Visuals &visuals_;
     Settings &settings_;
     Backgrounds backgrounds_;
     QImage drawn_; ///< Null until it is needed.
@@ -104,12 +105,12 @@ private:
 /// A theme of the break screen to choose, one of a group: its gradient in small, above its name.
 class StyleTile final : public QRadioButton {
 public:
-    StyleTile(Visuals &visuals, const Background &theme) : visuals_(visuals), theme_(theme) {
+    explicit StyleTile(const Background &theme) : theme_(theme) {
         setFocusPolicy(Qt::TabFocus);
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
         setText(theme.name);
         setAccessibleName(theme.name);
-        setFont(visuals.font(11));
+        setFont(visuals().font(11));
     }
 
     QSize sizeHint() const override {
@@ -121,7 +122,7 @@ protected:
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        const Palette &palette = visuals_.palette();
+        const Palette &palette = visuals().palette();
         const QRectF swatch(QPointF(room, room), swatchSize());
         const QSize pixels = (swatch.size() * devicePixelRatioF()).toSize();
         if (gradient_.size() != pixels)
@@ -144,11 +145,11 @@ private:
     static constexpr double tileRadius = 7;
     static constexpr int aboveName = 4;
 
-    QSize swatchSize() const { return {visuals_.length(76), visuals_.length(48)}; }
+    QSize swatchSize() const { return {visuals().length(76), visuals().length(48)}; }
 
     /// The chosen tile has a ring already: what tells that it has the keyboard is its name.
     void paintName(QPainter &painter, const QRectF &line) const {
-        const Palette &palette = visuals_.palette();
+        const Palette &palette = visuals().palette();
         painter.setPen(isChecked() || underMouse() ? palette.text : palette.secondaryText);
         if (FocusRing::isOn(*this)) {
             constexpr double around = 6;
@@ -160,7 +161,6 @@ private:
         painter.drawText(line, Qt::AlignHCenter | Qt::AlignTop, text());
     }
 
-    Visuals &visuals_;
     const Background &theme_;
     QImage gradient_;
 };
@@ -169,9 +169,9 @@ private:
 /// the preview is smaller, and fewer tiles are in a row.
 class StyleChoice final : public QWidget {
 public:
-    StyleChoice(Visuals &visuals, Settings &settings)
-        : settings_(settings), group_(new QButtonGroup(this)), preview_(new BreakPreview(visuals, settings)),
-          tiles_(tiles(visuals)) {
+    explicit StyleChoice(Settings &settings)
+        : settings_(settings), group_(new QButtonGroup(this)), preview_(new BreakPreview(settings)),
+          tiles_(tiles()) {
         preview_->setParent(this);
         QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
         policy.setHeightForWidth(true);
@@ -243,10 +243,10 @@ private:
         return {QPoint(CardRow::margin - room, preview.bottom() + 1 + gap - room), size};
     }
 
-    std::vector<StyleTile *> tiles(Visuals &visuals) {
+    std::vector<StyleTile *> tiles() {
         std::vector<StyleTile *> tiles;
         for (const Background &theme : Theme::gradients()) {
-            auto *tile = new StyleTile(visuals, theme);
+            auto *tile = new StyleTile(theme);
             tile->setParent(this);
             group_->addButton(tile, theme.id);
             tiles.push_back(tile);
@@ -262,8 +262,8 @@ private:
 
 } // namespace
 
-Element styleChoice(Settings &settings) {
-    return [&settings](Visuals &visuals) { return new StyleChoice(visuals, settings); };
+QWidget *styleChoice(Settings &settings) {
+    return new StyleChoice(settings);
 }
 
 } // namespace pavonel

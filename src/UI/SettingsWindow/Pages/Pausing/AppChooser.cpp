@@ -12,6 +12,7 @@
 #include "UI/SettingsWindow/Rows/RowList.h"
 #include "UI/Style/FocusRing.h"
 #include "UI/Style/Pixels.h"
+#include "UI/Style/Visuals.h"
 
 #include <QAbstractButton>
 #include <QKeyEvent>
@@ -47,8 +48,8 @@ protected:
 /// An application to choose: its icon, its name and, behind that, its identifier.
 class AppRow final : public QAbstractButton {
 public:
-    AppRow(Visuals &visuals, const InstalledApplication &application, const QImage &icon)
-        : visuals_(visuals), entry_{application.name, application.bundleIdentifier, icon} {
+    AppRow(const InstalledApplication &application, const QImage &icon)
+        : entry_{application.name, application.bundleIdentifier, icon} {
         setText(entry_.text);
         setAccessibleName(entry_.text);
         setAccessibleDescription(entry_.detail);
@@ -56,13 +57,13 @@ public:
         setFocusPolicy(Qt::TabFocus);
     }
 
-    QSize sizeHint() const override { return {200, visuals_.lineHeight(rowHeight)}; }
+    QSize sizeHint() const override { return {200, visuals().lineHeight(rowHeight)}; }
 
 protected:
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
         painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-        const Palette &palette = visuals_.palette();
+        const Palette &palette = visuals().palette();
         if (hasFocus() || underMouse() || isDown()) {
             constexpr int inset = 6;
             painter.setPen(Qt::NoPen);
@@ -70,12 +71,11 @@ protected:
             painter.drawRoundedRect(QRectF(rect()).adjusted(inset, 1, -inset, -1), 7, 7);
         }
         ListRow::draw(painter, QRectF(rect()).adjusted(CardRow::margin, 0, -CardRow::margin, 0), entry_,
-                      visuals_, hasFocus() ? palette.onAccent : palette.text,
+                      hasFocus() ? palette.onAccent : palette.text,
                       hasFocus() ? palette.onAccent : palette.secondaryText);
     }
 
 private:
-    Visuals &visuals_;
     ListRow::Entry entry_;
 };
 
@@ -88,12 +88,11 @@ bool fits(const InstalledApplication &application, const QString &words) {
 /// with its button, and with a click beside it, which a `QDialog`, a window of its own, would not see.
 class AppChooser final : public QWidget {
 public:
-    AppChooser(Visuals &visuals, InstalledApplications &applications, QWidget &anchor,
+    AppChooser(InstalledApplications &applications, QWidget &anchor,
                std::function<void(const QString &)> choose)
         : QWidget(anchor.window(), Qt::SubWindow), // which keeps the keyboard
-          visuals_(visuals), applications_(applications), anchor_(&anchor), choose_(std::move(choose)),
-          all_(applications.all()), body_(new QWidget(this)),
-          search_(lineEdit(QStringLiteral("Search"), QStringLiteral("Search"))) {
+          applications_(applications), anchor_(&anchor), choose_(std::move(choose)), all_(applications.all()),
+          body_(new QWidget(this)), search_(lineEdit(QStringLiteral("Search"), QStringLiteral("Search"))) {
         setAccessibleRole(*this, QAccessible::Dialog);
         setAccessibleName(QStringLiteral("Choose an application"));
         auto *lines = column(body_, {0, padding, 0, padding - FocusRing::room}, 8);
@@ -132,14 +131,14 @@ protected:
         for (int spread = 16; spread > 0; spread -= 2)
             drawBody(painter, place.adjusted(-spread, 2 - spread, spread, 4 + spread), radius + spread,
                      QColor(0, 0, 0, 6), Qt::transparent);
-        drawBody(painter, place, radius, visuals_.palette().card, visuals_.palette().cardOutline);
+        drawBody(painter, place, radius, visuals().palette().card, visuals().palette().cardOutline);
     }
 
 private:
     /// In the middle of the window.
     void fit() {
         setGeometry(parentWidget()->rect());
-        const QSize most(visuals_.length(widest), visuals_.length(tallest));
+        const QSize most(visuals().length(widest), visuals().length(tallest));
         body_->setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter,
                                                most.boundedTo(size() - 2 * QSize(aside, aside)), rect()));
     }
@@ -148,7 +147,7 @@ private:
         constexpr int room = FocusRing::room; // around the field
         auto *lines = column(nullptr, {padding - room, 0, padding - room, 0}, 8);
         auto *title = line(nullptr, {room, 0, room, 0});
-        title->addWidget(new Text(visuals_, accessibleName(), Text::Style::cardTitle));
+        title->addWidget(new Text(accessibleName(), Text::Style::cardTitle));
         lines->addLayout(title);
         lines->addWidget(search_);
         connect(search_, &QLineEdit::textChanged, this, [this](const QString &words) { search(words); });
@@ -162,15 +161,15 @@ private:
     QWidget *list() {
         auto *content = new Column;
         auto *lines = column(content);
-        rows_ = new RowList(visuals_.lineHeight(rowHeight),
+        rows_ = new RowList(visuals().lineHeight(rowHeight),
                             [this](const QString &identifier) { return row(identifier); });
-        nothing_ = new Text(visuals_, QStringLiteral("No application is called so"), Text::Style::secondary);
+        nothing_ = new Text(QStringLiteral("No application is called so"), Text::Style::secondary);
         auto *empty = column(nullptr, {padding, 8, padding, 8});
         empty->addWidget(nothing_);
         lines->addWidget(rows_);
         lines->addLayout(empty);
         lines->addStretch();
-        return new ScrollArea(visuals_, content);
+        return new ScrollArea(content);
     }
 
     QLayout *foot() {
@@ -185,8 +184,7 @@ private:
     QWidget *row(const QString &identifier) {
         const auto &application =
             *std::ranges::find(all_, identifier, &InstalledApplication::bundleIdentifier);
-        auto *row = new AppRow(visuals_, application,
-                               appIcon(applications_, application, ListRow::pictureSide(visuals_), visuals_));
+        auto *row = new AppRow(application, appIcon(applications_, application, ListRow::pictureSide()));
         connect(row, &AppRow::clicked, this, [this, identifier] { take(identifier); });
         return row;
     }
@@ -213,7 +211,6 @@ private:
         deleteLater();
     }
 
-    Visuals &visuals_;
     InstalledApplications &applications_;
     QPointer<QWidget> anchor_; ///< Gets the keyboard back.
     std::function<void(const QString &)> choose_;
@@ -226,9 +223,9 @@ private:
 
 } // namespace
 
-void chooseApplication(Visuals &visuals, InstalledApplications &applications, QWidget &anchor,
+void chooseApplication(InstalledApplications &applications, QWidget &anchor,
                        std::function<void(const QString &)> choose) {
-    auto *chooser = new AppChooser(visuals, applications, anchor, std::move(choose));
+    auto *chooser = new AppChooser(applications, anchor, std::move(choose));
     QObject::connect(&anchor, &QObject::destroyed, chooser, &QObject::deleteLater);
     chooser->show();
     chooser->raise();

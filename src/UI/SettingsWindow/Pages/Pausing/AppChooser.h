@@ -8,11 +8,10 @@ class QWidget;
 namespace pavonel {
 
 class InstalledApplications;
-class Visuals;
 
 /// Lets the user choose one of the installed applications, on a sheet over the window of `anchor`, which it
 /// does not outlive. `choose` is given the identifier.
-void chooseApplication(Visuals &visuals, InstalledApplications &applications, QWidget &anchor,
+void chooseApplication(InstalledApplications &applications, QWidget &anchor,
                        std::function<void(const QString &)> choose);
 
 } // namespace pavonel

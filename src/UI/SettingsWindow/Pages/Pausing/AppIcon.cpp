@@ -13,21 +13,20 @@ namespace {
 
 constexpr qsizetype longestCharacter = 16; // of those that are made of several
 
-void paintLetter(QPainter &painter, int side, const QString &name, const Visuals &visuals) {
+void paintLetter(QPainter &painter, int side, const QString &name) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(visuals.palette().panelButton.hovered);
+    painter.setBrush(visuals().palette().panelButton.hovered);
     painter.drawRoundedRect(QRectF(1, 1, side - 2, side - 2), side * 0.22, side * 0.22);
-    painter.setPen(visuals.palette().text);
-    painter.setFont(visuals.font(side / 2, QFont::DemiBold));
+    painter.setPen(visuals().palette().text);
+    painter.setFont(visuals().font(side / 2, QFont::DemiBold));
     painter.drawText(QRectF(0, 0, side, side), Qt::AlignCenter,
                      charactersOf(beginning(name, longestCharacter)).value(0).toUpper());
 }
 
 } // namespace
 
-QImage appIcon(InstalledApplications &applications, const InstalledApplication &application, int side,
-               const Visuals &visuals) {
+QImage appIcon(InstalledApplications &applications, const InstalledApplication &application, int side) {
     const double ratio = qGuiApp->devicePixelRatio();
     const int pixels = qRound(side * ratio);
     QImage square(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
@@ -40,7 +39,7 @@ QImage appIcon(InstalledApplications &applications, const InstalledApplication &
             QRect(QPoint((pixels - fitting.width()) / 2, (pixels - fitting.height()) / 2), fitting), icon);
     } else {
         painter.scale(ratio, ratio);
-        paintLetter(painter, side, application.name, visuals);
+        paintLetter(painter, side, application.name);
     }
     return square;
 }

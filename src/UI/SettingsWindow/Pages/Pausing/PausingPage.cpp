@@ -38,47 +38,36 @@ private:
     std::optional<std::vector<InstalledApplication>> all_;
 };
 
-ListRow::Entry entryOf(Names &names, const QString &identifier, const Visuals &visuals) {
+ListRow::Entry entryOf(Names &names, const QString &identifier) {
     const InstalledApplication *known = names.find(identifier);
     const InstalledApplication shown = known ? *known : InstalledApplication{identifier, identifier};
     return {shown.name, known ? identifier : QString(),
-            appIcon(names.applications(), shown, ListRow::pictureSide(visuals), visuals)};
+            appIcon(names.applications(), shown, ListRow::pictureSide())};
 }
 
-QWidget *chooseButton(Visuals &visuals, InstalledApplications &applications,
-                      const std::function<void(const QString &)> &add) {
+QWidget *chooseButton(InstalledApplications &applications, const std::function<void(const QString &)> &add) {
     auto *button = new Button(u"Choose app…"_s);
-    QObject::connect(button, &Button::clicked, button, [&visuals, &applications, button, add] {
-        chooseApplication(visuals, applications, *button, add);
-    });
+    QObject::connect(button, &Button::clicked, button,
+                     [&applications, button, add] { chooseApplication(applications, *button, add); });
     return button;
 }
 
-Elements focusAppParts(Settings &settings, InstalledApplications &applications) {
+QWidgetList focusAppParts(Settings &settings, InstalledApplications &applications) {
     const auto add = [&settings](const QString &identifier) {
         if (const QStringList apps = settings.deepFocusApps; !apps.contains(identifier))
             settings.deepFocusApps = apps + QStringList(identifier);
     };
     const auto names = std::make_shared<Names>(applications);
-    const auto list = [&settings, names](Visuals &visuals) {
-        const auto entry = [names, &visuals](const QString &identifier) {
-            return entryOf(*names, identifier, visuals);
-        };
-        return textList(settings.deepFocusApps, {u"None yet"_s, entry})(visuals);
-    };
-    return {list, addField(u"or a bundle id"_s, u"Add the bundle id"_s, add,
-                           [&applications, add](Visuals &visuals) {
-                               return chooseButton(visuals, applications, add);
-                           })};
+    const auto entry = [names](const QString &identifier) { return entryOf(*names, identifier); };
+    return {textList(settings.deepFocusApps, {u"None yet"_s, entry}),
+            addField(u"or a bundle id"_s, u"Add the bundle id"_s, add, chooseButton(applications, add))};
 }
 
 } // namespace
 
-Elements pausingPage(PageContext &context) {
+QWidgetList pausingPage(PageContext &context) {
     Settings &settings = context.settings;
     const SensorServices &sensors = context.sensors;
-    Elements focusApps = focusAppParts(settings, context.installedApplications);
-    focusApps.push_back(limitationNote(sensors.applications));
     return {
         card(u"Pause automatically"_s, u"The timer holds while one of these is in front"_s,
              {
@@ -98,7 +87,8 @@ Elements pausingPage(PageContext &context) {
                              stepRow(u"After"_s, settings.idleResetSeconds, {20, 600}, 10, u"of no input"_s)),
                 limitationNote(sensors.idleTime),
             }),
-        card(u"Focus apps"_s, {}, focusApps),
+        card(u"Focus apps"_s, {},
+             focusAppParts(settings, context.installedApplications) << limitationNote(sensors.applications)),
     };
 }
 

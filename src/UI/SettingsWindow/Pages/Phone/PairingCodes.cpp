@@ -4,6 +4,7 @@
 #include "UI/Controls/Accessibility.h"
 #include "UI/Fonts.h"
 #include "UI/Style/Pixels.h"
+#include "UI/Style/Visuals.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
@@ -23,24 +24,23 @@ constexpr double radius = 10;
 
 } // namespace
 
-CodeView::CodeView(Visuals &visuals, const QString &code)
-    : visuals_(visuals), code_(charactersOf(beginning(code, longest).simplified())) {
+CodeView::CodeView(const QString &code) : code_(charactersOf(beginning(code, longest).simplified())) {
     setAccessibleRole(*this, QAccessible::StaticText);
     setAccessibleName(code_.join(QString()));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 QSize CodeView::sizeHint() const {
-    return {240, visuals_.length(panelHeight)};
+    return {240, visuals().length(panelHeight)};
 }
 
 /// Each character in the middle of a cell, all as wide as the widest.
 void CodeView::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    drawBody(painter, rect(), radius, visuals_.palette().window, Qt::transparent);
+    drawBody(painter, rect(), radius, visuals().palette().window, Qt::transparent);
     if (code_.isEmpty())
         return;
-    const QFontMetricsF metrics(visuals_.font(fontSize));
+    const QFontMetricsF metrics(visuals().font(fontSize));
     double cell = 0;
     for (const QString &character : code_)
         cell = std::max(cell, metrics.horizontalAdvance(character));
@@ -49,8 +49,8 @@ void CodeView::paintEvent(QPaintEvent *) {
     const double shrink = std::min(1.0, (width() - 2 * padding) / whole);
     painter.translate(QRectF(rect()).center());
     painter.scale(shrink, shrink);
-    painter.setFont(visuals_.font(fontSize));
-    painter.setPen(visuals_.palette().text);
+    painter.setFont(visuals().font(fontSize));
+    painter.setPen(visuals().palette().text);
     double left = -whole / 2;
     for (const QString &character : code_) {
         const double inset = (cell - metrics.horizontalAdvance(character)) / 2;
@@ -59,19 +59,18 @@ void CodeView::paintEvent(QPaintEvent *) {
     }
 }
 
-QrCodeView::QrCodeView(Visuals &visuals, const QString &text)
-    : visuals_(visuals), code_(QrCode::of(text.toUtf8())) {
+QrCodeView::QrCodeView(const QString &text) : code_(QrCode::of(text.toUtf8())) {
     setAccessibleRole(*this, QAccessible::Graphic);
     setAccessibleName(QStringLiteral("Code for the phone’s camera"));
     setAccessibleDescription(text);
-    const int side = visuals.length(132);
+    const int side = visuals().length(132);
     setFixedSize(side, side);
 }
 
 void QrCodeView::paintEvent(QPaintEvent *) {
     constexpr int margin = 3; // modules on each side, which with the round corners cameras manage with
     QPainter painter(this);
-    drawBody(painter, rect(), radius, Qt::white, visuals_.palette().cardOutline);
+    drawBody(painter, rect(), radius, Qt::white, visuals().palette().cardOutline);
     if (code_.side == 0)
         return;
     const double ratio = painter.deviceTransform().m11(); // device pixels a point, wherever this is drawn

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Platform/QrCode.h"
-#include "UI/Style/Visuals.h"
 
 #include <QWidget>
 
@@ -10,7 +9,7 @@ namespace pavonel {
 /// A code to be typed elsewhere, large and evenly spaced. One that is too long for the width gets smaller.
 class CodeView : public QWidget {
 public:
-    CodeView(Visuals &visuals, const QString &code);
+    explicit CodeView(const QString &code);
 
     QSize sizeHint() const override;
 
@@ -18,7 +17,6 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    Visuals &visuals_;
     QStringList code_; ///< Its characters.
 };
 
@@ -27,13 +25,12 @@ private:
 class QrCodeView : public QWidget {
 public:
     /// `text` is what the camera reads.
-    QrCodeView(Visuals &visuals, const QString &text);
+    explicit QrCodeView(const QString &text);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    Visuals &visuals_;
     QrCode code_;
 };
 

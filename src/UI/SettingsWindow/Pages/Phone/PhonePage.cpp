@@ -7,6 +7,7 @@
 #include "UI/SettingsWindow/Pages/Phone/PairingCodes.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 #include "UI/Style/FocusRing.h"
+#include "UI/Style/Visuals.h"
 #include "UI/Symbol.h"
 
 #include <QPainter>
@@ -20,52 +21,41 @@ namespace {
 /// That all is well. Says nothing to a screen reader: the text beside it does.
 class Tick final : public QWidget {
 public:
-    explicit Tick(Visuals &visuals) : visuals_(visuals) {
-        setFixedSize(visuals.length(28), visuals.length(28));
-    }
+    Tick() { setFixedSize(visuals().length(28), visuals().length(28)); }
 
 protected:
     void paintEvent(QPaintEvent *) override {
         QPainter(this).drawImage(QPointF(0, 0),
                                  Symbol::image(u"checkmark.circle.fill"_s, width(),
-                                               visuals_.palette().accentText, devicePixelRatioF()));
+                                               visuals().palette().accentText, devicePixelRatioF()));
     }
-
-private:
-    Visuals &visuals_;
 };
 
-Element text(const QString &text, Text::Style style, const QMargins &margins) {
-    return [=](Visuals &visuals) {
-        auto *place = new QWidget;
-        column(place, margins)->addWidget(new Text(visuals, text, style));
-        return place;
-    };
+QWidget *text(const QString &text, Text::Style style, const QMargins &margins) {
+    auto *place = new QWidget;
+    column(place, margins)->addWidget(new Text(text, style));
+    return place;
 }
 
 /// A code to be typed; where the phone's page is known, one for its camera stands beside.
-Element codes(const QString &code, const QString &page) {
-    return [=](Visuals &visuals) {
-        auto *place = new QWidget;
-        auto *codes = line(place, {CardRow::margin, 2, CardRow::margin, 12}, CardRow::margin);
-        codes->addWidget(new CodeView(visuals, code));
-        if (!page.isEmpty())
-            codes->addWidget(new QrCodeView(visuals, page));
-        return place;
-    };
+QWidget *codes(const QString &code, const QString &page) {
+    auto *place = new QWidget;
+    auto *codes = line(place, {CardRow::margin, 2, CardRow::margin, 12}, CardRow::margin);
+    codes->addWidget(new CodeView(code));
+    if (!page.isEmpty())
+        codes->addWidget(new QrCodeView(page));
+    return place;
 }
 
 /// That all is well, with a way to end it.
-Element pairedRow(const std::function<void()> &disconnect) {
-    return [=](Visuals &visuals) {
-        auto *row = new CardRow(visuals);
-        row->add(new Tick(visuals));
-        row->addLabel(u"Your phone is connected"_s, u"When a break starts here, it starts there too."_s);
-        auto *button = new Button(u"Disconnect"_s);
-        row->add(button);
-        QObject::connect(button, &Button::clicked, row, disconnect, Qt::QueuedConnection);
-        return row;
-    };
+QWidget *pairedRow(const std::function<void()> &disconnect) {
+    auto *row = new CardRow;
+    row->add(new Tick);
+    row->addLabel(u"Your phone is connected"_s, u"When a break starts here, it starts there too."_s);
+    auto *button = new Button(u"Disconnect"_s);
+    row->add(button);
+    QObject::connect(button, &Button::clicked, row, disconnect, Qt::QueuedConnection);
+    return row;
 }
 
 QString aboutService(const Phone &phone) {
@@ -76,23 +66,21 @@ QString aboutService(const Phone &phone) {
         .arg(name);
 }
 
-Element introduction() {
-    const Element words = text(
+QWidget *introduction() {
+    QWidget *words = text(
         u"A break on the Mac is only half a break if you pick up your phone. Pair the two and the same "
         "countdown appears there — on the Lock Screen and in the Dynamic Island — and clears when you end "
         "the break here.\n\nAway from the Mac, the app keeps its own hours: breaks as often and as long as "
         "you like. While this Mac is running Pavonel, this Mac decides."_s,
         Text::Style::label, {CardRow::margin, 14, CardRow::margin, 12});
-    return [words](Visuals &visuals) {
-        QWidget *widget = card({}, {}, {words})(visuals);
-        widget->setAccessibleName(u"Pavonel for iPhone"_s); // it has no title
-        return widget;
-    };
+    QWidget *widget = card({}, {}, {words});
+    widget->setAccessibleName(u"Pavonel for iPhone"_s); // it has no title
+    return widget;
 }
 
-Elements unpairedParts(Phone &phone, const QString &failure) {
+QWidgetList unpairedParts(Phone &phone, const QString &failure) {
     const QMargins margins(FocusRing::room, 0, FocusRing::room, 0);
-    Elements parts{introduction(), text(aboutService(phone), Text::Style::secondary, margins)};
+    QWidgetList parts{introduction(), text(aboutService(phone), Text::Style::secondary, margins)};
     if (!failure.isEmpty())
         parts.push_back(text(failure, Text::Style::failure, margins));
     parts.push_back(buttonRow(
@@ -100,13 +88,13 @@ Elements unpairedParts(Phone &phone, const QString &failure) {
     return parts;
 }
 
-Elements waitingParts(Phone &phone, const QString &code) {
+QWidgetList waitingParts(Phone &phone, const QString &code) {
     const auto sentence = [](const QString &words, int below) {
         return text(words, Text::Style::secondary, {CardRow::margin, 0, CardRow::margin, below});
     };
     constexpr int toNext = 2;
     constexpr int toEnd = 12;
-    Elements content{codes(code, phone.pageFor(code))};
+    QWidgetList content{codes(code, phone.pageFor(code))};
     if (const QString service = phone.serviceName(); !service.isEmpty())
         content.push_back(
             sentence(u"Or point the phone’s camera at it, or open %1 there."_s.arg(service), toNext));
@@ -116,11 +104,11 @@ Elements waitingParts(Phone &phone, const QString &code) {
             buttonRow(u"Cancel"_s, [&phone] { phone.unpair(); })};
 }
 
-Elements pairedParts(Phone &phone) {
+QWidgetList pairedParts(Phone &phone) {
     return {card(u"Paired"_s, {}, {pairedRow([&phone] { phone.unpair(); })})};
 }
 
-Elements phoneParts(Phone &phone) {
+QWidgetList phoneParts(Phone &phone) {
     const Phone::State &state = phone.state;
     if (const auto *waiting = std::get_if<Phone::Waiting>(&state))
         return waitingParts(phone, waiting->code);
@@ -132,7 +120,7 @@ Elements phoneParts(Phone &phone) {
 
 } // namespace
 
-Elements phonePage(PageContext &context) {
+QWidgetList phonePage(PageContext &context) {
     Phone &phone = context.phone;
     constexpr int betweenCards = 14;
     return {

@@ -21,13 +21,12 @@ namespace {
 /// set when the user adds one, to which the keyboard then goes.
 class PlannedList final : public QWidget {
 public:
-    PlannedList(Visuals &visuals, Setting<PlannedBreaks> &breaks, std::shared_ptr<bool> added)
+    PlannedList(Setting<PlannedBreaks> &breaks, std::shared_ptr<bool> added)
         : current_(breaks),
           breaks_(breaks, [](const PlannedBreak &planned) { return planned.id.toString(); }),
-          added_(std::move(added)), state_(new Text(visuals, {}, Text::Style::secondary)),
-          rows_(new RowList([&visuals](int width) { return PlannedRow::heightAt(width, visuals); },
-                            [this, &visuals](const QString &key) { return row(visuals, key); })),
-          undo_(new UndoRow(visuals)) {
+          added_(std::move(added)), state_(new Text({}, Text::Style::secondary)),
+          rows_(new RowList(PlannedRow::heightAt, [this](const QString &key) { return row(key); })),
+          undo_(new UndoRow) {
         auto *lines = column(this);
         auto *head = column(nullptr, {CardRow::margin, 3, CardRow::margin, 12});
         head->addWidget(state_);
@@ -51,13 +50,12 @@ private:
             static_cast<PlannedRow &>(rows_->reveal(breaks.size() - 1)).takeKeyboard();
     }
 
-    QWidget *row(Visuals &visuals, const QString &key) {
-        auto *row = new PlannedRow(
-            visuals, [this, key](const PlannedRow::Edit &edit) { breaks_.change(key, edit); },
-            [this, key] {
-                if (const auto planned = breaks_.entry(key))
-                    breaks_.remove(key, *undo_, planned->label);
-            });
+    QWidget *row(const QString &key) {
+        auto *row = new PlannedRow([this, key](const PlannedRow::Edit &edit) { breaks_.change(key, edit); },
+                                   [this, key] {
+                                       if (const auto planned = breaks_.entry(key))
+                                           breaks_.remove(key, *undo_, planned->label);
+                                   });
         if (const auto planned = breaks_.entry(key))
             row->display(*planned);
         return row;
@@ -73,7 +71,7 @@ private:
 
 } // namespace
 
-Elements plannedPage(PageContext &context) {
+QWidgetList plannedPage(PageContext &context) {
     Settings &settings = context.settings;
     const auto added = std::make_shared<bool>(false);
     const auto add = [&settings, added] {
@@ -82,9 +80,7 @@ Elements plannedPage(PageContext &context) {
         settings.plannedBreaks = std::move(breaks);
         *added = true;
     };
-    const auto list = [&settings, added](Visuals &visuals) {
-        return new PlannedList(visuals, settings.plannedBreaks, added);
-    };
+    auto *list = new PlannedList(settings.plannedBreaks, added);
     return {
         card(u"Your schedule"_s, u"Planned breaks still wait for meetings, calls and focus apps"_s, {list}),
         buttonRow(u"Add planned break"_s, add, u"plus"_s),

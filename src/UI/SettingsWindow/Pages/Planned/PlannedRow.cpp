@@ -13,6 +13,7 @@
 #include "UI/Controls/Switch.h"
 #include "UI/Controls/Text.h"
 #include "UI/Style/FocusRing.h"
+#include "UI/Style/Visuals.h"
 
 #include <QLineEdit>
 #include <QPainter>
@@ -35,15 +36,15 @@ constexpr int hours = 24;
 constexpr int minutes = 60;
 
 /// Whether the label and the time stand side by side, as do the weekdays and the length.
-bool isWide(int width, const Visuals &visuals) {
+bool isWide(int width) {
     constexpr int widest = 410; // points at the ordinary text size
-    return width >= visuals.length(widest);
+    return width >= visuals().length(widest);
 }
 
 /// As high as a line.
-QHBoxLayout *half(const Visuals &visuals, int atTheRight = 0, int spacing = 0) {
+QHBoxLayout *half(int atTheRight = 0, int spacing = 0) {
     auto *half = line(nullptr, {0, 0, atTheRight, 0}, spacing);
-    half->addStrut(visuals.length(lineHeight));
+    half->addStrut(visuals().length(lineHeight));
     return half;
 }
 
@@ -57,9 +58,8 @@ QBoxLayout *pairOf(QLayout *one, QLayout *other) {
 
 } // namespace
 
-PlannedRow::PlannedRow(Visuals &visuals, std::function<void(const Edit &)> change,
-                       std::function<void()> remove)
-    : visuals_(visuals), change_(std::move(change)) {
+PlannedRow::PlannedRow(std::function<void(const Edit &)> change, std::function<void()> remove)
+    : change_(std::move(change)) {
     setAccessibleRole(*this, QAccessible::Grouping);
     auto *lines = column(this, {left, air, 0, air});
     lines->setSizeConstraint(QLayout::SetNoConstraint);
@@ -78,19 +78,19 @@ void PlannedRow::takeKeyboard() {
     label_->selectAll();
 }
 
-int PlannedRow::heightAt(int width, const Visuals &visuals) {
-    return (isWide(width, visuals) ? 2 : 4) * visuals.length(lineHeight) + 2 * air;
+int PlannedRow::heightAt(int width) {
+    return (isWide(width) ? 2 : 4) * visuals().length(lineHeight) + 2 * air;
 }
 
 QSize PlannedRow::minimumSizeHint() const {
     const int widest =
         std::max({time_->sizeHint().width(), days_->sizeHint().width(), length_->sizeHint().width()});
-    return {left + widest, heightAt(width(), visuals_)};
+    return {left + widest, heightAt(width())};
 }
 
 /// The controls keep their order, on however many lines they stand.
 void PlannedRow::resizeEvent(QResizeEvent *) {
-    const bool wide = isWide(width(), visuals_);
+    const bool wide = isWide(width());
     for (QBoxLayout *pair : {first_, second_}) {
         pair->setDirection(wide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
         pair->setSpacing(wide ? gap : 0);
@@ -101,7 +101,7 @@ void PlannedRow::resizeEvent(QResizeEvent *) {
 
 void PlannedRow::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    CardRow::drawLine(painter, visuals_, 0, width());
+    CardRow::drawLine(painter, 0, width());
 }
 
 void PlannedRow::makeHead() {
@@ -110,20 +110,20 @@ void PlannedRow::makeHead() {
         change_([&](PlannedBreak &planned) { planned.label = text; });
         nameAfter(text);
     });
-    head_ = half(visuals_);
+    head_ = half();
     head_->addWidget(label_);
 }
 
 void PlannedRow::makeTime() {
     hour_ = picker(QStringLiteral("Hour"), hours, hourText, &PlannedBreak::hour);
     minute_ = picker(QStringLiteral("Minute"), minutes, minuteText, &PlannedBreak::minute);
-    enabled_ = new Switch(visuals_, QStringLiteral("Enabled"));
+    enabled_ = new Switch(QStringLiteral("Enabled"));
     connect(enabled_, &Switch::toggled, this,
             [this](bool on) { change_([on](PlannedBreak &planned) { planned.enabled = on; }); });
     remove_ = Button::ofSymbol(QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove"));
-    time_ = half(visuals_, CardRow::margin - besideSymbol(visuals_));
+    time_ = half(CardRow::margin - besideSymbol());
     time_->addWidget(hour_);
-    time_->addWidget(new Text(visuals_, QStringLiteral(":"), Text::Style::label));
+    time_->addWidget(new Text(QStringLiteral(":"), Text::Style::label));
     time_->addWidget(minute_);
     time_->addSpacing(gap);
     time_->addStretch();
@@ -133,7 +133,7 @@ void PlannedRow::makeTime() {
 }
 
 void PlannedRow::makeWeekdays() {
-    days_ = half(visuals_);
+    days_ = half();
     for (const int weekday : weekdaysInOrder()) {
         auto *toggle = new Button(weekdayName(weekday).left(1), ButtonRole::disc);
         toggle->setCheckable(true);
@@ -151,9 +151,9 @@ void PlannedRow::makeDuration() {
     duration_->onStep = [this](double seconds) {
         change_([seconds](PlannedBreak &planned) { planned.duration = seconds; });
     };
-    length_ = half(visuals_, right, 6);
+    length_ = half(right, 6);
     length_->addStretch();
-    length_->addWidget(new Text(visuals_, QStringLiteral("For"), Text::Style::secondary));
+    length_->addWidget(new Text(QStringLiteral("For"), Text::Style::secondary));
     length_->addWidget(duration_);
 }
 
@@ -162,7 +162,7 @@ PopUpButton *PlannedRow::picker(const QString &name, int count, QString (*text)(
     QStringList choices;
     for (int value = 0; value < count; ++value)
         choices.append(text(value));
-    auto *button = new PopUpButton(visuals_, name, choices);
+    auto *button = new PopUpButton(name, choices);
     button->onChoice = [this, choices, field](const QString &choice) {
         const auto value = static_cast<int>(choices.indexOf(choice));
         change_([=](PlannedBreak &planned) { planned.*field = value; });

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Core/PlannedBreak.h"
-#include "UI/Style/Visuals.h"
 
 #include <QWidget>
 
@@ -27,7 +26,7 @@ public:
     using Edit = std::function<void(PlannedBreak &)>;
 
     /// `change` is given what to do to the record, `remove` takes it away; both at once with the user's act.
-    PlannedRow(Visuals &visuals, std::function<void(const Edit &)> change, std::function<void()> remove);
+    PlannedRow(std::function<void(const Edit &)> change, std::function<void()> remove);
 
     /// Without a report.
     void display(const PlannedBreak &planned);
@@ -36,7 +35,7 @@ public:
     void takeKeyboard();
 
     /// Of every row that is so wide.
-    static int heightAt(int width, const Visuals &visuals);
+    static int heightAt(int width);
 
     QSize minimumSizeHint() const override;
 
@@ -53,7 +52,6 @@ private:
     void toggleWeekday(int weekday, bool on);
     void nameAfter(const QString &label);
 
-    Visuals &visuals_;
     std::function<void(const Edit &)> change_;
     QLineEdit *label_;
     PopUpButton *hour_;

@@ -10,6 +10,7 @@
 #include "UI/SettingsWindow/Pages/Stats/WeekChart.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 #include "UI/Style/Pixels.h"
+#include "UI/Style/Visuals.h"
 
 #include <QGridLayout>
 #include <QPainter>
@@ -30,7 +31,7 @@ constexpr int underNumber = 2;
 /// A large number with a caption.
 class Tile final : public QWidget {
 public:
-    Tile(Visuals &visuals, const QString &caption) : visuals_(visuals), caption_(caption) {
+    explicit Tile(const QString &caption) : caption_(caption) {
         setAccessibleRole(*this, QAccessible::StaticText);
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     }
@@ -51,14 +52,14 @@ public:
 protected:
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
-        drawBody(painter, rect(), tileRadius, visuals_.palette().window, Qt::transparent);
+        drawBody(painter, rect(), tileRadius, visuals().palette().window, Qt::transparent);
         const QFont number = numberFont();
         const QFontMetricsF metrics(number, this);
         painter.setFont(number);
-        painter.setPen(visuals_.palette().text);
+        painter.setPen(visuals().palette().text);
         drawNumber(painter, tilePadding + metrics.ascent(), fonts::tabularWidth(metrics, value_));
         painter.setFont(captionFont());
-        painter.setPen(visuals_.palette().secondaryText);
+        painter.setPen(visuals().palette().secondaryText);
         const QRectF place(tilePadding, tilePadding + metrics.height() + underNumber,
                            width() - 2 * tilePadding, height());
         painter.drawText(
@@ -77,10 +78,9 @@ private:
         painter.restore();
     }
 
-    QFont numberFont() const { return visuals_.font(24, QFont::Light); }
-    QFont captionFont() const { return visuals_.font(11); }
+    QFont numberFont() const { return visuals().font(24, QFont::Light); }
+    QFont captionFont() const { return visuals().font(11); }
 
-    Visuals &visuals_;
     QString caption_;
     QString value_;
 };
@@ -96,14 +96,14 @@ std::array<QString, captions.size()> valuesOf(const Day &week) {
 /// The figures of the last seven days and their chart, kept up to date.
 class WeekSection final : public QWidget {
 public:
-    WeekSection(Visuals &visuals, Stats &stats)
-        : stats_(stats), chart_(new WeekChart(visuals)),
-          refresher_(visuals.loop(), {&stats}, [this] { refresh(); }) {
+    explicit WeekSection(Stats &stats)
+        : stats_(stats), chart_(new WeekChart),
+          refresher_(visuals().loop(), {&stats}, [this] { refresh(); }) {
         constexpr int columns = 3;
         auto *grid = layOut<QGridLayout>(nullptr, {}, 10);
         for (const char *caption : captions) {
             const int place = static_cast<int>(tiles_.size());
-            tiles_.push_back(new Tile(visuals, QString::fromLatin1(caption)));
+            tiles_.push_back(new Tile(QString::fromLatin1(caption)));
             grid->addWidget(tiles_.back(), place / columns, place % columns);
         }
         auto *lines = column(this, {CardRow::margin, 2, CardRow::margin, 10}, 14);
@@ -168,13 +168,9 @@ private:
 
 } // namespace
 
-Elements statsPage(PageContext &context) {
+QWidgetList statsPage(PageContext &context) {
     Stats &stats = context.stats;
-    const auto week = [&stats](Visuals &visuals) { return new WeekSection(visuals, stats); };
-    return {
-        card(u"Last 7 days"_s, {}, {week}),
-        [&stats](Visuals &) { return new ResetRow(stats); },
-    };
+    return {card(u"Last 7 days"_s, {}, {new WeekSection(stats)}), new ResetRow(stats)};
 }
 
 } // namespace pavonel

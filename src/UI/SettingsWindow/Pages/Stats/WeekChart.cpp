@@ -5,6 +5,7 @@
 #include "UI/Controls/Accessibility.h"
 #include "UI/Style/FocusRing.h"
 #include "UI/Style/Pixels.h"
+#include "UI/Style/Visuals.h"
 
 #include <QFontMetricsF>
 #include <QHoverEvent>
@@ -66,11 +67,11 @@ void paintPart(QPainter &painter, const QRectF &part, double above, double below
 
 } // namespace
 
-WeekChart::WeekChart(Visuals &visuals) : visuals_(visuals) {
+WeekChart::WeekChart() {
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setFont(visuals.font(11));
+    setFont(visuals().font(11));
     setAccessibleRole(*this, QAccessible::Chart);
     setAccessibleName(QStringLiteral("Screen time and breaks of the last 7 days"));
 }
@@ -92,13 +93,13 @@ void WeekChart::setDays(std::vector<LabelledDay> days) {
 }
 
 QSize WeekChart::sizeHint() const {
-    return {300, visuals_.length(legendHeight) + barsHeight + visuals_.length(labelHeight)};
+    return {300, visuals().length(legendHeight) + barsHeight + visuals().length(labelHeight)};
 }
 
 QRectF WeekChart::column(std::size_t day) const {
     const double columnWidth =
-        static_cast<double>(width() - visuals_.length(scaleRoom)) / static_cast<double>(days_.size());
-    return {columnWidth * static_cast<double>(day), static_cast<double>(visuals_.length(legendHeight)),
+        static_cast<double>(width() - visuals().length(scaleRoom)) / static_cast<double>(days_.size());
+    return {columnWidth * static_cast<double>(day), static_cast<double>(visuals().length(legendHeight)),
             columnWidth, barsHeight};
 }
 
@@ -124,7 +125,7 @@ WeekChart::Bar WeekChart::bar(std::size_t day) const {
 
 std::optional<std::size_t> WeekChart::dayAt(QPointF point) const {
     for (std::size_t day = 0; day < days_.size(); ++day) {
-        if (column(day).adjusted(0, 0, 0, visuals_.length(labelHeight)).contains(point))
+        if (column(day).adjusted(0, 0, 0, visuals().length(labelHeight)).contains(point))
             return day;
     }
     return {};
@@ -174,7 +175,7 @@ void WeekChart::paintEvent(QPaintEvent *) {
     paintLegend(painter);
     for (std::size_t day = 0; day < days_.size(); ++day)
         paintDay(painter, day);
-    FocusRing::draw(painter, *this, QRectF(rect()).adjusted(4, 4, -4, -4), 8, visuals_.palette().accentText);
+    FocusRing::draw(painter, *this, QRectF(rect()).adjusted(4, 4, -4, -4), 8, visuals().palette().accentText);
 }
 
 /// Whole hours: as many lines as can be told apart.
@@ -187,19 +188,19 @@ void WeekChart::paintScale(QPainter &painter) const {
     int step = 1;
     while (place.height() / (step * hour * scale()) >= mostLines + 1)
         step *= 2;
-    const double right = width() - visuals_.length(scaleRoom);
-    painter.setPen(visuals_.palette().secondaryText);
+    const double right = width() - visuals().length(scaleRoom);
+    painter.setPen(visuals().palette().secondaryText);
     for (int hours = step; hours * hour * scale() <= place.height(); hours += step) {
         const double y = place.bottom() - hours * hour * scale();
-        drawHairline(painter, {0, y}, {right, y}, visuals_.palette().cardOutline);
-        painter.drawText(QRectF(right, y - 10, visuals_.length(scaleRoom), 20),
+        drawHairline(painter, {0, y}, {right, y}, visuals().palette().cardOutline);
+        painter.drawText(QRectF(right, y - 10, visuals().length(scaleRoom), 20),
                          Qt::AlignRight | Qt::AlignVCenter, QStringLiteral("%1h").arg(hours));
     }
 }
 
 /// What the colours mean, or the figures of the day under the pointer.
 void WeekChart::paintLegend(QPainter &painter) const {
-    const Palette &palette = visuals_.palette();
+    const Palette &palette = visuals().palette();
     const QFontMetricsF metrics(font());
     const double middle = metrics.height() / 2;
     constexpr double dot = 8;
@@ -229,7 +230,7 @@ void WeekChart::paintLegend(QPainter &painter) const {
 void WeekChart::paintDay(QPainter &painter, std::size_t day) const {
     constexpr double outer = 5;
     constexpr double inner = 2;
-    const Palette &palette = visuals_.palette();
+    const Palette &palette = visuals().palette();
     const auto [screen, breaks] = bar(day);
     const bool aside = hovered_ && hovered_ != day;
     painter.setOpacity(aside ? 0.55 : 1);
@@ -240,13 +241,13 @@ void WeekChart::paintDay(QPainter &painter, std::size_t day) const {
         paintPart(painter, {screen.left(), place.bottom() - 2, screen.width(), 2}, 1, 1, palette.track);
     painter.setOpacity(1);
     const bool today = day + 1 == daysOfAWeek;
-    painter.setFont(visuals_.font(11, today ? QFont::DemiBold : QFont::Normal));
+    painter.setFont(visuals().font(11, today ? QFont::DemiBold : QFont::Normal));
     painter.setPen(hovered_ == day || today ? palette.text : palette.secondaryText);
     QString label = days_[day].label;
     if (const auto word = QStringLiteral("Today");
         today && painter.fontMetrics().horizontalAdvance(word) <= place.width())
         label = word;
-    painter.drawText(QRectF(place.left(), place.bottom(), place.width(), visuals_.length(labelHeight)),
+    painter.drawText(QRectF(place.left(), place.bottom(), place.width(), visuals().length(labelHeight)),
                      Qt::AlignHCenter | Qt::AlignBottom, label);
 }
 

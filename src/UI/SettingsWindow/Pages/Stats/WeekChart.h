@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Core/Stats.h"
-#include "UI/Style/Visuals.h"
 
 #include <QWidget>
 
@@ -14,7 +13,7 @@ namespace pavonel {
 /// reader gets those of all. Qt's charts would be one more library.
 class WeekChart : public QWidget {
 public:
-    explicit WeekChart(Visuals &visuals);
+    WeekChart();
 
     void setDays(std::vector<LabelledDay> days);
 
@@ -44,7 +43,6 @@ private:
     void paintLegend(QPainter &painter) const;
     void paintDay(QPainter &painter, std::size_t day) const;
 
-    Visuals &visuals_;
     std::vector<LabelledDay> days_;
     std::optional<std::size_t> hovered_;
 };
