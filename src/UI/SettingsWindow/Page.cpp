@@ -1,10 +1,40 @@
 #include "UI/SettingsWindow/Page.h"
 
+#include "UI/Controls/Layouts.h"
+#include "UI/Controls/ScrollArea.h"
+#include "UI/Controls/Text.h"
+#include "UI/Style/FocusRing.h"
+#include "UI/Style/Visuals.h"
+
 #include <algorithm>
 
 namespace pavonel {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int side = 28 - FocusRing::room; // everything in the column keeps that room for its ring
+constexpr int top = 24;
+constexpr int bottom = 24;
+constexpr int widest = 668; // a switch far from its label belongs to none
+constexpr int betweenCards = 14;
+
+QWidget *cards(const PageEntry &entry, PageContext &context) {
+    auto *cards = new QWidget;
+    cards->setMaximumWidth(visuals().length(widest));
+    auto *lines = column(cards, {}, betweenCards);
+    auto *head = column(nullptr, {FocusRing::room, 0, FocusRing::room, 4}, 4);
+    head->addWidget(new Text(entry.title, Text::Style::pageTitle));
+    head->addWidget(new Text(entry.subtitle, Text::Style::secondary));
+    lines->addLayout(head);
+    for (QWidget *widget : entry.content(context))
+        lines->addWidget(widget);
+    lines->addStretch(1);
+    return cards;
+}
+
+} // namespace
 
 const std::vector<PageEntry> &allPages() {
     static const std::vector<PageEntry> pages{
@@ -28,8 +58,16 @@ const std::vector<PageEntry> &allPages() {
     return pages;
 }
 
-const PageEntry &entryOf(Page page) {
-    return *std::ranges::find(allPages(), page, &PageEntry::page);
+ScrollArea *makePage(Page page, PageContext &context) {
+    const PageEntry &entry = *std::ranges::find(allPages(), page, &PageEntry::page);
+    auto *middle = new QWidget;
+    auto *place = line(middle, {side, top, side, bottom});
+    place->addStretch(1);
+    place->addWidget(cards(entry, context), 100'000); // all of the width, up to its widest
+    place->addStretch(1);
+    auto *area = new ScrollArea(middle);
+    area->setAccessibleName(entry.title);
+    return area;
 }
 
 } // namespace pavonel

@@ -18,6 +18,7 @@ class Phone;
 class Pointer;
 class PowerEvents;
 class ProcessLauncher;
+class ScrollArea;
 class Settings;
 class Sounds;
 class Stats;
@@ -72,6 +73,7 @@ struct PageEntry {
 /// In the order of `Page`.
 const std::vector<PageEntry> &allPages();
 
-const PageEntry &entryOf(Page page);
+/// Its title, its subtitle, and its cards in a column that scrolls.
+ScrollArea *makePage(Page page, PageContext &context);
 
 } // namespace pavonel

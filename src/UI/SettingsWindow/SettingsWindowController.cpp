@@ -6,8 +6,9 @@
 #include "Platform/UserDefaults.h"
 #include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Layouts.h"
+#include "UI/Controls/ScrollArea.h"
 #include "UI/Refresher.h"
-#include "UI/SettingsWindow/PageView.h"
+#include "UI/SettingsWindow/Rows/Rows.h"
 #include "UI/SettingsWindow/Sidebar.h"
 #include "UI/Style/Visuals.h"
 #include "UI/Symbol.h"
@@ -102,7 +103,7 @@ private:
             return;
         dropPage();
         sidebar_->select(wanted);
-        page_ = new PageView(entryOf(wanted), context_);
+        page_ = makePage(wanted, context_);
         shown_ = wanted;
         static_cast<QBoxLayout *>(layout())->addWidget(page_, 1);
         page_->show();
@@ -111,8 +112,11 @@ private:
     }
 
     void refreshPage() {
-        if (page_)
-            page_->refresh();
+        const auto children = page_ ? page_->findChildren<QObject *>() : QObjectList();
+        for (QObject *child : children) {
+            if (auto *follower = dynamic_cast<Follower *>(child))
+                follower->refresh();
+        }
     }
 
     void dropPage() {
@@ -134,7 +138,7 @@ private:
     PageContext context_;
     SettingsSelection &selection_;
     Sidebar *sidebar_ = nullptr;
-    PageView *page_ = nullptr;
+    ScrollArea *page_ = nullptr;
     Page shown_ = Page::breaks; ///< What `page_` is.
     Refresher onSelection_;
     Refresher onSettings_;
