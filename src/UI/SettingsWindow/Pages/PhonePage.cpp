@@ -1,22 +1,109 @@
+#include "Core/Characters.h"
 #include "Core/Phone.h"
+#include "Platform/QrCode.h"
+#include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/Layouts.h"
 #include "UI/Controls/Text.h"
 #include "UI/SettingsWindow/Page.h"
-#include "UI/SettingsWindow/Pages/Phone/PairingCodes.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 #include "UI/Style/FocusRing.h"
+#include "UI/Style/Pixels.h"
 #include "UI/Style/Visuals.h"
 #include "UI/Symbol.h"
 
+#include <QFontMetricsF>
 #include <QPainter>
+
+#include <algorithm>
 
 namespace pavonel {
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr double codeRadius = 10;
+
+/// A code to be typed elsewhere, large and evenly spaced. One that is too long for the width gets smaller.
+class CodeView final : public QWidget {
+public:
+    explicit CodeView(const QString &code) : code_(charactersOf(beginning(code, longest).simplified())) {
+        setAccessibleRole(*this, QAccessible::StaticText);
+        setAccessibleName(code_.join(QString()));
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    }
+
+    QSize sizeHint() const override { return {240, visuals().length(88)}; }
+
+protected:
+    /// Each character in the middle of a cell, all as wide as the widest.
+    void paintEvent(QPaintEvent *) override {
+        constexpr double padding = 20;
+        constexpr double spacing = 12; // between characters
+        QPainter painter(this);
+        drawBody(painter, rect(), codeRadius, visuals().palette().window, Qt::transparent);
+        if (code_.isEmpty())
+            return;
+        painter.setFont(visuals().font(40));
+        painter.setPen(visuals().palette().text);
+        const QFontMetricsF metrics(painter.font());
+        double cell = 0;
+        for (const QString &character : code_)
+            cell = std::max(cell, metrics.horizontalAdvance(character));
+        cell += spacing;
+        const double whole = cell * static_cast<double>(code_.size());
+        const double shrink = std::min(1.0, (width() - 2 * padding) / whole);
+        painter.translate(QRectF(rect()).center());
+        painter.scale(shrink, shrink);
+        double left = -whole / 2;
+        for (const QString &character : code_) {
+            const double inset = (cell - metrics.horizontalAdvance(character)) / 2;
+            painter.drawText(QPointF(left + inset, metrics.capHeight() / 2), character);
+            left += cell;
+        }
+    }
+
+private:
+    static constexpr qsizetype longest = 64;
+    QStringList code_; ///< Its characters.
+};
+
+/// A code for the phone's camera: dark on white in every appearance, each module a whole number of device
+/// pixels. It grows along with the text. `text` is what the camera reads.
+class QrCodeView final : public QWidget {
+public:
+    explicit QrCodeView(const QString &text) : code_(QrCode::of(text.toUtf8())) {
+        setAccessibleRole(*this, QAccessible::Graphic);
+        setAccessibleName(u"Code for the phone’s camera"_s);
+        setAccessibleDescription(text);
+        setFixedSize(visuals().length(132), visuals().length(132));
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        constexpr int margin = 3; // modules on each side, which with the round corners cameras manage with
+        QPainter painter(this);
+        drawBody(painter, rect(), codeRadius, Qt::white, visuals().palette().cardOutline);
+        if (code_.side == 0)
+            return;
+        const double ratio = painter.deviceTransform().m11(); // device pixels a point, wherever this is drawn
+        const int pixels = qRound(width() * ratio);
+        const int module = std::max(1, pixels / (code_.side + 2 * margin));
+        const int first = (pixels - module * code_.side) / 2;
+        painter.scale(1 / ratio, 1 / ratio);
+        for (int y = 0; y < code_.side; ++y) {
+            for (int x = 0; x < code_.side; ++x) {
+                if (code_.isDark(x, y))
+                    painter.fillRect(first + x * module, first + y * module, module, module, Qt::black);
+            }
+        }
+    }
+
+private:
+    QrCode code_;
+};
 
 /// That all is well. Says nothing to a screen reader: the text beside it does.
 class Tick final : public QWidget {
