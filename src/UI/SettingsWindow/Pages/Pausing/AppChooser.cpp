@@ -1,5 +1,6 @@
 #include "UI/SettingsWindow/Pages/Pausing/AppChooser.h"
 
+#include "Core/Characters.h"
 #include "Platform/InstalledApplications.h"
 #include "UI/Controls/Accessibility.h"
 #include "UI/Controls/Button.h"
@@ -8,13 +9,13 @@
 #include "UI/Controls/ListRow.h"
 #include "UI/Controls/ScrollArea.h"
 #include "UI/Controls/Text.h"
-#include "UI/SettingsWindow/Pages/Pausing/AppIcon.h"
 #include "UI/SettingsWindow/Rows/RowList.h"
 #include "UI/Style/FocusRing.h"
 #include "UI/Style/Pixels.h"
 #include "UI/Style/Visuals.h"
 
 #include <QAbstractButton>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
@@ -33,6 +34,19 @@ constexpr int aside = 24; // of the window's edges, at least
 constexpr int padding = 16;
 constexpr int rowHeight = 40;
 constexpr double radius = 14;
+
+/// For an application without an icon.
+void paintLetter(QPainter &painter, int side, const QString &name) {
+    constexpr qsizetype longestCharacter = 16; // of those that are made of several
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(visuals().palette().panelButton.hovered);
+    painter.drawRoundedRect(QRectF(1, 1, side - 2, side - 2), side * 0.22, side * 0.22);
+    painter.setPen(visuals().palette().text);
+    painter.setFont(visuals().font(side / 2, QFont::DemiBold));
+    painter.drawText(QRectF(0, 0, side, side), Qt::AlignCenter,
+                     charactersOf(beginning(name, longestCharacter)).value(0).toUpper());
+}
 
 /// Its rows are left by the arrow keys, before what scrolls it takes them.
 class Column final : public QWidget {
@@ -222,6 +236,24 @@ private:
 };
 
 } // namespace
+
+QImage appIcon(InstalledApplications &applications, const InstalledApplication &application, int side) {
+    const double ratio = qGuiApp->devicePixelRatio();
+    const int pixels = qRound(side * ratio);
+    QImage square(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    square.fill(Qt::transparent);
+    QPainter painter(&square);
+    if (const QImage icon = applications.icon(application.bundleIdentifier, pixels); !icon.isNull()) {
+        const QSize fitting = icon.size().scaled(square.size(), Qt::KeepAspectRatio);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(
+            QRect(QPoint((pixels - fitting.width()) / 2, (pixels - fitting.height()) / 2), fitting), icon);
+    } else {
+        painter.scale(ratio, ratio);
+        paintLetter(painter, side, application.name);
+    }
+    return square;
+}
 
 void chooseApplication(InstalledApplications &applications, QWidget &anchor,
                        std::function<void(const QString &)> choose) {

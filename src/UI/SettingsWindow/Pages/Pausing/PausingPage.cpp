@@ -8,7 +8,6 @@
 #include "UI/Controls/ListRow.h"
 #include "UI/SettingsWindow/Page.h"
 #include "UI/SettingsWindow/Pages/Pausing/AppChooser.h"
-#include "UI/SettingsWindow/Pages/Pausing/AppIcon.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 
 #include <optional>
