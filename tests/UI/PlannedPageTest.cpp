@@ -287,8 +287,7 @@ private:
 INSTANTIATE_TEST_SUITE_P(TextOf, PlannedRowAt, testing::Values(1.0, 2.5));
 
 TEST_P(PlannedRowAt, any_width_shows_its_controls_whole_and_apart_from_each_other) {
-    PlannedRow row([](const PlannedRow::Edit &) {}, [] {});
-    row.display(named(u"A walk around the lake"_s));
+    PlannedRow row({[] { return named(u"A walk around the lake"_s); }, [](const PlannedBreak &) {}}, [] {});
     row.show();
     const int least = row.minimumSizeHint().width();
     EXPECT_LE(least, visuals().length(320));

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <optional>
 
 namespace pavonel {
 
@@ -24,23 +23,24 @@ public:
 
     static QString identityOf(const QString &key) { return key.left(key.lastIndexOf(mark)); }
 
-    /// Nothing where the entry is gone.
-    std::optional<Entry> entry(const QString &key) const {
-        const List list = list_.get();
-        const qsizetype place = keysOf(list).indexOf(key);
-        return place < 0 ? std::nullopt : std::optional(*(list.begin() + place));
+    /// One that is gone is an empty one, and stays gone.
+    ValueBinding<Entry> entry(const QString &key) const {
+        return {[this, key] {
+                    const List list = list_.get();
+                    const qsizetype place = keysOf(list).indexOf(key);
+                    return place < 0 ? Entry() : *(list.begin() + place);
+                },
+                [this, key](const Entry &changed) {
+                    List list = list_.get();
+                    const qsizetype place = keysOf(list).indexOf(key);
+                    if (place < 0)
+                        return;
+                    *(list.begin() + place) = changed;
+                    list_.set(list);
+                }};
     }
 
-    /// Without an effect where the entry is gone, as is removing it.
-    void change(const QString &key, const std::function<void(Entry &)> &edit) const {
-        List list = list_.get();
-        const qsizetype place = keysOf(list).indexOf(key);
-        if (place < 0)
-            return;
-        edit(*(list.begin() + place));
-        list_.set(list);
-    }
-
+    /// Without an effect where the entry is gone.
     void remove(const QString &key, UndoRow &undo, const QString &name) const {
         List list = list_.get();
         const qsizetype place = keysOf(list).indexOf(key);

@@ -47,12 +47,10 @@ protected:
 class SwitchRowWidget final : public CardRow {
 public:
     SwitchRowWidget(const QString &label, const ValueBinding<bool> &isOn, const QString &note)
-        : switch_(new Switch(label)) {
+        : switch_(boundSwitch(label, isOn)) {
         addLabel(label, note);
         switch_->setAccessibleDescription(note);
         add(switch_);
-        connect(switch_, &Switch::toggled, this, isOn.set);
-        follow(*switch_, [it = switch_, get = isOn.get] { it->setOn(get()); });
     }
 
 protected:
@@ -86,6 +84,37 @@ TextSource always(const QString &sentence) {
 }
 
 } // namespace
+
+Switch *boundSwitch(const QString &name, const ValueBinding<bool> &isOn) {
+    auto *control = new Switch(name);
+    QObject::connect(control, &Switch::toggled, control, isOn.set);
+    follow(*control, [control, get = isOn.get] { control->setOn(get()); });
+    return control;
+}
+
+Stepper *boundStepper(const QString &name, const ValueBinding<double> &value, Range range, double step,
+                      const Stepper::Wording &wording) {
+    auto *stepper = new Stepper(name, range, step, wording);
+    stepper->onStep = value.set;
+    follow(*stepper, [stepper, get = value.get] { stepper->setValue(get()); });
+    return stepper;
+}
+
+PopUpButton *boundPicker(const QString &name, const ValueBinding<QString> &selection,
+                         const QStringList &choices) {
+    auto *button = new PopUpButton(name, choices);
+    button->onChoice = selection.set;
+    follow(*button, [button, get = selection.get] { button->setChoice(get()); });
+    return button;
+}
+
+QLineEdit *boundField(const QString &name, const ValueBinding<QString> &text, const QString &prompt) {
+    auto *field = lineEdit(name, prompt);
+    // Not `textEdited`, which keeps silent about what a screen reader writes.
+    QObject::connect(field, &QLineEdit::textChanged, field, text.set);
+    follow(*field, [field, get = text.get] { showText(*field, get()); });
+    return field;
+}
 
 QWidget *card(const QString &title, const QString &subtitle, const QWidgetList &content) {
     constexpr int air = 4; // below the last row
@@ -139,41 +168,31 @@ QWidget *stepRow(const QString &label, const ValueBinding<double> &seconds, Rang
         return suffix.isEmpty() ? text : text + u' ' + suffix;
     };
     auto *row = new CardRow;
-    auto *stepper = new Stepper(label, range, step, wording);
     row->addLabel(label);
-    row->add(stepper);
-    stepper->onStep = seconds.set;
-    follow(*stepper, [stepper, get = seconds.get] { stepper->setValue(get()); });
+    row->add(boundStepper(label, seconds, range, step, wording));
     return row;
 }
 
 QWidget *pickerRow(const QString &label, const ValueBinding<QString> &selection, const QStringList &choices,
                    QWidget *before) {
     auto *row = new CardRow;
-    auto *button = new PopUpButton(label, choices);
     row->addLabel(label);
     if (before)
         row->add(before);
-    row->add(button);
-    button->onChoice = selection.set;
-    follow(*button, [button, get = selection.get] { button->setChoice(get()); });
+    row->add(boundPicker(label, selection, choices));
     return row;
 }
 
 QWidget *labeledField(const QString &label, const ValueBinding<QString> &text, const QString &prompt) {
     auto *row = new CardRow;
-    auto *field = lineEdit(label, prompt);
     auto *lines = new QWidget;
     auto *places = layOut<QGridLayout>(lines, {0, 10, 0, 8});
     places->setVerticalSpacing(2);
     places->setColumnMinimumWidth(0, FocusRing::room);
     places->addWidget(new Text(label, Text::Style::label), 0, 1);
-    places->addWidget(field, 1, 0, 1, 2);
+    places->addWidget(boundField(label, text, prompt), 1, 0, 1, 2);
     places->setColumnStretch(1, 1);
     row->addOutdented(lines);
-    // Not `textEdited`, which keeps silent about what a screen reader writes.
-    QObject::connect(field, &QLineEdit::textChanged, row, text.set);
-    follow(*field, [field, get = text.get] { showText(*field, get()); });
     return row;
 }
 

@@ -12,9 +12,14 @@
 
 #include <functional>
 
+class QLineEdit;
+
 /// What pages and cards are made of: new widgets, which whoever lays them out owns. They write through at
 /// once and follow changes from elsewhere.
 namespace pavonel {
+
+class PopUpButton;
+class Switch;
 
 /// A value that a row shows and writes, but that is kept elsewhere; as a rule a setting.
 template <class T> struct ValueBinding {
@@ -54,6 +59,14 @@ inline void showInPlace(QWidget &widget, bool seen) {
     if (!seen || widget.parentWidget())
         widget.setVisible(seen);
 }
+
+/// Controls that show and write such a value; `name` is what a screen reader says.
+Switch *boundSwitch(const QString &name, const ValueBinding<bool> &isOn);
+Stepper *boundStepper(const QString &name, const ValueBinding<double> &value, Range range, double step,
+                      const Stepper::Wording &wording);
+PopUpButton *boundPicker(const QString &name, const ValueBinding<QString> &selection,
+                         const QStringList &choices);
+QLineEdit *boundField(const QString &name, const ValueBinding<QString> &text, const QString &prompt = {});
 
 /// Yields a sentence that can change; empty for nothing.
 using TextSource = std::function<QString()>;

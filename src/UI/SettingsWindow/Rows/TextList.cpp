@@ -34,9 +34,7 @@ private:
         const ListRow::Entry entry = options_.entry(texts_.identityOf(key));
         std::function<void(const QString &)> edit;
         if (options_.entries == TextListOptions::Entries::editable)
-            edit = [this, key](const QString &text) {
-                texts_.change(key, [&](QString &changed) { changed = text; });
-            };
+            edit = texts_.entry(key).set;
         return new ListRow(
             entry, [this, key, name = entry.text] { texts_.remove(key, *undo_, name); }, edit);
     }

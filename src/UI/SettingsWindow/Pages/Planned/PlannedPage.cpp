@@ -42,23 +42,14 @@ private:
         const auto active = std::ranges::count_if(breaks, &PlannedBreak::enabled);
         state_->setText(breaks.empty() ? u"No planned breaks yet"_s : u"%1 active"_s.arg(active));
         rows_->setKeys(breaks_.keys());
-        for (std::size_t index = 0; index < breaks.size(); ++index) {
-            if (auto *row = static_cast<PlannedRow *>(rows_->rowAt(index)))
-                row->display(breaks[index]);
-        }
         if (std::exchange(*added_, false) && !breaks.empty())
             static_cast<PlannedRow &>(rows_->reveal(breaks.size() - 1)).takeKeyboard();
     }
 
     QWidget *row(const QString &key) {
-        auto *row = new PlannedRow([this, key](const PlannedRow::Edit &edit) { breaks_.change(key, edit); },
-                                   [this, key] {
-                                       if (const auto planned = breaks_.entry(key))
-                                           breaks_.remove(key, *undo_, planned->label);
-                                   });
-        if (const auto planned = breaks_.entry(key))
-            row->display(*planned);
-        return row;
+        const ValueBinding<PlannedBreak> planned = breaks_.entry(key);
+        return new PlannedRow(planned,
+                              [this, key, planned] { breaks_.remove(key, *undo_, planned.get().label); });
     }
 
     const Setting<PlannedBreaks> &current_;

@@ -16,7 +16,6 @@
 #include "UI/Style/Visuals.h"
 
 #include <QLineEdit>
-#include <QPainter>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -30,10 +29,6 @@ constexpr int air = 9; // above and below the lines
 constexpr int gap = 8; // beside the time
 constexpr int left = CardRow::margin - FocusRing::room;
 constexpr int right = left;
-constexpr Range durations{300, 14400};
-constexpr double durationStep = 300;
-constexpr int hours = 24;
-constexpr int minutes = 60;
 
 /// Whether the label and the time stand side by side, as do the weekdays and the length.
 bool isWide(int width) {
@@ -56,21 +51,102 @@ QBoxLayout *pairOf(QLayout *one, QLayout *other) {
     return pair;
 }
 
+template <class T> ValueBinding<T> partOf(const ValueBinding<PlannedBreak> &planned, T PlannedBreak::*part) {
+    return {[planned, part] { return planned.get().*part; },
+            [planned, part](const T &value) {
+                PlannedBreak changed = planned.get();
+                changed.*part = value;
+                planned.set(changed);
+            }};
+}
+
+/// Of the numbers from 0.
+PopUpButton *numberPicker(const QString &name, const ValueBinding<int> &number, int count,
+                          QString (*text)(int)) {
+    QStringList choices;
+    for (int value = 0; value < count; ++value)
+        choices.append(text(value));
+    return boundPicker(
+        name,
+        {[number, text] { return text(number.get()); },
+         [number, choices](const QString &choice) { number.set(static_cast<int>(choices.indexOf(choice))); }},
+        choices);
+}
+
+Button *weekdayToggle(int weekday, const ValueBinding<std::set<int>> &chosen) {
+    auto *toggle = new Button(weekdayName(weekday).left(1), ButtonRole::disc);
+    toggle->setCheckable(true);
+    toggle->setAccessibleName(weekdayName(weekday));
+    toggle->setToolTip(weekdayName(weekday));
+    QObject::connect(toggle, &Button::toggled, toggle, [weekday, chosen](bool on) {
+        std::set<int> weekdays = chosen.get();
+        if (on)
+            weekdays.insert(weekday);
+        else
+            weekdays.erase(weekday);
+        chosen.set(weekdays);
+    });
+    follow(*toggle, [toggle, weekday, get = chosen.get] {
+        const QSignalBlocker silence(toggle);
+        toggle->setChecked(get().contains(weekday));
+    });
+    return toggle;
+}
+
+QHBoxLayout *timeHalf(const ValueBinding<PlannedBreak> &planned, Button *remove) {
+    auto *time = half(CardRow::margin - besideSymbol());
+    time->addWidget(numberPicker(QStringLiteral("Hour"), partOf(planned, &PlannedBreak::hour), 24, hourText));
+    time->addWidget(new Text(QStringLiteral(":"), Text::Style::label));
+    time->addWidget(
+        numberPicker(QStringLiteral("Minute"), partOf(planned, &PlannedBreak::minute), 60, minuteText));
+    time->addSpacing(gap);
+    time->addStretch();
+    time->addWidget(boundSwitch(QStringLiteral("Enabled"), partOf(planned, &PlannedBreak::enabled)));
+    time->addSpacing(gap / 2);
+    time->addWidget(remove);
+    return time;
+}
+
+QHBoxLayout *daysHalf(const ValueBinding<PlannedBreak> &planned) {
+    auto *days = half();
+    for (const int weekday : weekdaysInOrder())
+        days->addWidget(weekdayToggle(weekday, partOf(planned, &PlannedBreak::weekdays)));
+    days->addStretch();
+    return days;
+}
+
+QHBoxLayout *lengthHalf(const ValueBinding<PlannedBreak> &planned) {
+    auto *length = half(right, 6);
+    length->addStretch();
+    length->addWidget(new Text(QStringLiteral("For"), Text::Style::secondary));
+    length->addWidget(boundStepper(QStringLiteral("Duration"), partOf(planned, &PlannedBreak::duration),
+                                   {300, 14400}, 300, humanText));
+    return length;
+}
+
 } // namespace
 
-PlannedRow::PlannedRow(std::function<void(const Edit &)> change, std::function<void()> remove)
-    : change_(std::move(change)) {
-    setAccessibleRole(*this, QAccessible::Grouping);
-    auto *lines = column(this, {left, air, 0, air});
-    lines->setSizeConstraint(QLayout::SetNoConstraint);
-    makeHead();
-    makeTime();
-    makeWeekdays();
-    makeDuration();
+PlannedRow::PlannedRow(const ValueBinding<PlannedBreak> &planned, std::function<void()> remove)
+    : label_(boundField(QStringLiteral("Label"), partOf(planned, &PlannedBreak::label),
+                        QStringLiteral("Label"))),
+      head_(half()), days_(daysHalf(planned)), length_(lengthHalf(planned)) {
+    auto *button = Button::ofSymbol(QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove"));
+    time_ = timeHalf(planned, button);
+    head_->addWidget(label_);
+    auto *lines = column();
     lines->addLayout(first_ = pairOf(head_, time_));
     lines->addLayout(second_ = pairOf(days_, length_));
-    connect(remove_, &Button::clicked, this, std::move(remove),
-            Qt::QueuedConnection); // this row goes with it
+    layout()->setContentsMargins(left, air, 0, air);
+    layout()->setSizeConstraint(QLayout::SetNoConstraint);
+    static_cast<QHBoxLayout *>(layout())->addLayout(lines);
+    setAccessibleRole(*this, QAccessible::Grouping);
+    connect(button, &Button::clicked, this, std::move(remove), Qt::QueuedConnection); // this row goes with it
+    follow(*this, [this, button, planned] {
+        constexpr qsizetype longest = 100;
+        const QString name = beginning(planned.get().label, longest).simplified();
+        setAccessibleName(name.isEmpty() ? QStringLiteral("Planned break") : name);
+        button->setAccessibleName(QStringLiteral("Remove ") + name);
+    });
 }
 
 void PlannedRow::takeKeyboard() {
@@ -97,106 +173,6 @@ void PlannedRow::resizeEvent(QResizeEvent *) {
     }
     head_->setContentsMargins(0, 0, wide ? 0 : right, 0);
     layout()->activate();
-}
-
-void PlannedRow::paintEvent(QPaintEvent *) {
-    QPainter painter(this);
-    CardRow::drawLine(painter, 0, width());
-}
-
-void PlannedRow::makeHead() {
-    label_ = lineEdit(QStringLiteral("Label"), QStringLiteral("Label"));
-    connect(label_, &QLineEdit::textChanged, this, [this](const QString &text) {
-        change_([&](PlannedBreak &planned) { planned.label = text; });
-        nameAfter(text);
-    });
-    head_ = half();
-    head_->addWidget(label_);
-}
-
-void PlannedRow::makeTime() {
-    hour_ = picker(QStringLiteral("Hour"), hours, hourText, &PlannedBreak::hour);
-    minute_ = picker(QStringLiteral("Minute"), minutes, minuteText, &PlannedBreak::minute);
-    enabled_ = new Switch(QStringLiteral("Enabled"));
-    connect(enabled_, &Switch::toggled, this,
-            [this](bool on) { change_([on](PlannedBreak &planned) { planned.enabled = on; }); });
-    remove_ = Button::ofSymbol(QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove"));
-    time_ = half(CardRow::margin - besideSymbol());
-    time_->addWidget(hour_);
-    time_->addWidget(new Text(QStringLiteral(":"), Text::Style::label));
-    time_->addWidget(minute_);
-    time_->addSpacing(gap);
-    time_->addStretch();
-    time_->addWidget(enabled_);
-    time_->addSpacing(gap / 2);
-    time_->addWidget(remove_);
-}
-
-void PlannedRow::makeWeekdays() {
-    days_ = half();
-    for (const int weekday : weekdaysInOrder()) {
-        auto *toggle = new Button(weekdayName(weekday).left(1), ButtonRole::disc);
-        toggle->setCheckable(true);
-        toggle->setAccessibleName(weekdayName(weekday));
-        toggle->setToolTip(weekdayName(weekday));
-        connect(toggle, &Button::toggled, this, [this, weekday](bool on) { toggleWeekday(weekday, on); });
-        days_->addWidget(toggle);
-        weekdays_[weekday] = toggle;
-    }
-    days_->addStretch();
-}
-
-void PlannedRow::makeDuration() {
-    duration_ = new Stepper(QStringLiteral("Duration"), durations, durationStep, humanText);
-    duration_->onStep = [this](double seconds) {
-        change_([seconds](PlannedBreak &planned) { planned.duration = seconds; });
-    };
-    length_ = half(right, 6);
-    length_->addStretch();
-    length_->addWidget(new Text(QStringLiteral("For"), Text::Style::secondary));
-    length_->addWidget(duration_);
-}
-
-PopUpButton *PlannedRow::picker(const QString &name, int count, QString (*text)(int),
-                                int PlannedBreak::*field) {
-    QStringList choices;
-    for (int value = 0; value < count; ++value)
-        choices.append(text(value));
-    auto *button = new PopUpButton(name, choices);
-    button->onChoice = [this, choices, field](const QString &choice) {
-        const auto value = static_cast<int>(choices.indexOf(choice));
-        change_([=](PlannedBreak &planned) { planned.*field = value; });
-    };
-    return button;
-}
-
-void PlannedRow::toggleWeekday(int weekday, bool on) {
-    change_([=](PlannedBreak &planned) {
-        if (on)
-            planned.weekdays.insert(weekday);
-        else
-            planned.weekdays.erase(weekday);
-    });
-}
-
-void PlannedRow::display(const PlannedBreak &planned) {
-    showText(*label_, planned.label);
-    hour_->setChoice(hourText(planned.hour));
-    minute_->setChoice(minuteText(planned.minute));
-    enabled_->setOn(planned.enabled);
-    duration_->setValue(planned.duration);
-    for (const auto &[weekday, toggle] : weekdays_) {
-        const QSignalBlocker silence(toggle);
-        toggle->setChecked(planned.weekdays.contains(weekday));
-    }
-    nameAfter(planned.label);
-}
-
-void PlannedRow::nameAfter(const QString &label) {
-    constexpr qsizetype longest = 100;
-    const QString name = beginning(label, longest).simplified();
-    setAccessibleName(name.isEmpty() ? QStringLiteral("Planned break") : name);
-    remove_->setAccessibleName(QStringLiteral("Remove ") + name);
 }
 
 } // namespace pavonel
