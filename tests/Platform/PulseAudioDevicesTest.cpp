@@ -205,6 +205,22 @@ TEST(PulseAudioDevices, a_server_that_means_harm_holds_nothing_and_nobody_up) {
     }
 }
 
+TEST(PulseAudioDevices, a_server_is_asked_once_its_socket_is_at_its_usual_place) {
+    const QTemporaryDir folder;
+    qunsetenv("PULSE_SERVER");
+    qputenv("PULSE_RUNTIME_PATH", QFile::encodeName(folder.path()));
+    PulseAudioDevices devices;
+    EXPECT_TRUE(waitUntil([&] {
+        EXPECT_FALSE(devices.isDefaultInputRunning());
+        return !devices.limitation().isEmpty();
+    }));
+    const HostileSocket server(folder.filePath(QStringLiteral("native")), HostileSocket::silent());
+    EXPECT_TRUE(waitUntil([&] {
+        EXPECT_FALSE(devices.isDefaultInputRunning());
+        return server.connections() > 0;
+    }));
+}
+
 TEST(PulseAudioDevices, without_a_server_every_answer_is_harmless_and_the_reason_is_given) {
     qputenv("PULSE_SERVER", "unix:/nonexistent/native");
     PulseAudioDevices devices;

@@ -1,13 +1,31 @@
 #include "Platform/Linux/Audio/PulseAudioDevices.h"
 
+#include <QByteArray>
+
 #include <algorithm>
 #include <cstring>
 #include <type_traits>
 #include <utility>
 
 #include <pulse/def.h>
+#include <unistd.h>
 
 namespace pavonel {
+
+namespace {
+
+/// Whether the server's socket is where it is as a rule; a server named by a variable may be anywhere. An
+/// attempt to connect reads several files and fails late, this is one call.
+bool mayBeReachable() {
+    if (qEnvironmentVariableIsSet("PULSE_SERVER"))
+        return true;
+    const QByteArray folder = qEnvironmentVariableIsSet("PULSE_RUNTIME_PATH")
+                                  ? qgetenv("PULSE_RUNTIME_PATH")
+                                  : qgetenv("XDG_RUNTIME_DIR") + "/pulse";
+    return ::access((folder + "/native").constData(), F_OK) == 0;
+}
+
+} // namespace
 
 PulseAudioDevices::~PulseAudioDevices() {
     drop();
@@ -35,10 +53,17 @@ bool PulseAudioDevices::ask(Device &device) {
 
 void PulseAudioDevices::connectIfDue() {
     const auto now = Clock::now();
+    const bool isThere = mayBeReachable();
+    if (isThere && !wasThere_) {
+        pause_ = shortestPause;
+        nextAttempt_ = now;
+    }
+    wasThere_ = isThere;
     if (now < nextAttempt_)
         return;
     nextAttempt_ = now + pause_;
-    pause_ = std::min<Clock::duration>(pause_ * 2, longestPause);
+    // A client's configuration can name a server elsewhere, so one is looked for even without a socket.
+    pause_ = std::min<Clock::duration>(pause_ * 2, isThere ? longestPause : longestPauseWithoutSocket);
     pulse_ = PulseLibrary::load();
     context_ = pulse_ ? pulse_->pa_context_new(loop_.api(), "Pavonel") : nullptr;
     if (!context_) {

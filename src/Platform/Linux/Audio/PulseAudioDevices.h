@@ -64,9 +64,11 @@ private:
     bool failed_ = false;
     Clock::duration pause_ = shortestPause;
     Clock::time_point nextAttempt_;
+    bool wasThere_ = false; ///< The server's socket, at the last look.
 
     static constexpr std::chrono::seconds shortestPause{1};
     static constexpr std::chrono::seconds longestPause{30};
+    static constexpr std::chrono::minutes longestPauseWithoutSocket{10};
 };
 
 } // namespace pavonel
