@@ -53,13 +53,14 @@ void BreakOverlayView::settle() {
     QWindow *large = isPrimary() ? window()->windowHandle() : nullptr;
     if (!large)
         return;
-    inset_ = layers_.inset(*large, insetPlace());
+    insetPlace_ = aroundRing();
+    inset_ = layers_.inset(*large, insetPlace_);
     if (inset_)
-        paintAnew(insetPlace());
+        paintAnew(insetPlace_);
 }
 
-/// Around the ring, with its edges between pixels where a scale has any such points.
-QRect BreakOverlayView::insetPlace() const {
+/// With its edges between pixels where a scale has any such points.
+QRect BreakOverlayView::aroundRing() const {
     const double ratio = devicePixelRatioF();
     const auto isBetweenPixels = [ratio](int edge) {
         return std::abs(edge * ratio - std::round(edge * ratio)) < 1e-6;
@@ -84,7 +85,7 @@ void BreakOverlayView::paintAnew(const QRect &due) {
         repaint(due);
         return;
     }
-    const QPoint place = insetPlace().topLeft();
+    const QPoint place = insetPlace_.topLeft();
     QPainter painter(&inset_->picture());
     painter.translate(-place);
     painter.setClipRect(due);
@@ -100,7 +101,7 @@ void BreakOverlayView::freeze() {
     refresh();
     const auto covering = std::exchange(inset_, nullptr); // until what it covers is up to date
     if (covering)
-        repaint(insetPlace());
+        repaint(insetPlace_);
     if (skip_)
         skip_->setEnabled(false); // a late click must not end the next break
 }
@@ -145,24 +146,26 @@ void BreakOverlayView::updateTime() {
 void BreakOverlayView::updateArc() {
     const QRectF changed = ring::changed(layout_.ring, drawnProgress_, glide_.reached());
     drawnProgress_ = glide_.reached();
-    const QImage &background = backgrounds_.image(size() * devicePixelRatioF());
-    if (inset_ && !background.isNull() && !changed.intersects(breakScreen::timeRect(layout_.ring)))
-        paintFrame(changed, background);
-    else
+    if (!inset_ || changed.intersects(breakScreen::timeRect(layout_.ring)) || !paintFrame(changed))
         paintAnew(changed.toAlignedRect());
 }
 
-/// The inset is over the ring alone, so there is only the background behind it.
-void BreakOverlayView::paintFrame(const QRectF &changed, const QImage &background) {
+/// The inset is over the ring alone, so there is only the background behind it; false where that is no
+/// picture.
+bool BreakOverlayView::paintFrame(const QRectF &changed) {
     QImage &picture = inset_->picture();
     const double ratio = picture.devicePixelRatio();
+    const QImage &background = backgrounds_.image(size() * ratio);
+    if (background.isNull())
+        return false;
     const auto pixels = [ratio](const QRectF &points) {
         return QRectF(points.topLeft() * ratio, points.size() * ratio);
     };
-    const QRect place(pixels(insetPlace()).topLeft().toPoint(), picture.size());
+    const QRect place(pixels(insetPlace_).topLeft().toPoint(), picture.size());
     const QRect due = pixels(changed).toAlignedRect() & place & background.rect();
     ring::paintFrame(picture, background, place.topLeft(), pixels(layout_.ring), glide_.reached(), due);
     inset_->show(due.translated(-place.topLeft()));
+    return true;
 }
 
 void BreakOverlayView::arrange() {

@@ -73,10 +73,10 @@ private:
     void breakMessage(double scale, double room);
     void updateTime();
     void updateArc();
-    void paintFrame(const QRectF &changed, const QImage &background);
+    bool paintFrame(const QRectF &changed);
     void paint(QPainter &painter, const QRect &due);
     void paintAnew(const QRect &due);
-    QRect insetPlace() const;
+    QRect aroundRing() const;
     void paintBackground(QPainter &painter);
 
     BreakController &controller_;
@@ -91,6 +91,7 @@ private:
     SkipButton *skip_ = nullptr; ///< A child; hidden while skipping is not permitted.
     RingGlide glide_;
     std::unique_ptr<Inset> inset_; ///< Shows ring and time in our stead.
+    QRect insetPlace_;             ///< In our points.
     double drawnProgress_ = 0;     ///< Where the arc ends on the screen.
     std::optional<Refresher> refresher_;
 };

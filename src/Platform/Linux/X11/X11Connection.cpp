@@ -25,12 +25,6 @@ xcb_connection_t *connectionOfQt() {
     return qt ? qt->connection() : nullptr;
 }
 
-/// In GLib's event loop Qt's own connection sends only when the server speaks first.
-void flushQt() {
-    if (xcb_connection_t *const qt = connectionOfQt())
-        xcb_flush(qt);
-}
-
 /// Whether a compositor of Wayland listens where the environment says. The variable alone can be a leftover.
 bool compositorAnswers() {
     const QString name = qEnvironmentVariable("WAYLAND_DISPLAY");
@@ -72,10 +66,11 @@ X11Connection::X11Connection(xcb_connection_t *connection, int screenNumber)
                      [this] { dispatch(xcb_poll_for_event); });
     // While we wait for a reply, events get read along with it; the socket does not announce those again.
     if (auto *dispatcher = QAbstractEventDispatcher::instance())
-        beforeSleep_ =
-            QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &notifier_, [this] {
+        beforeSleep_ = QObject::connect(
+            dispatcher, &QAbstractEventDispatcher::aboutToBlock, &notifier_, [this, qt = connectionOfQt()] {
                 dispatch(xcb_poll_for_queued_event);
-                flushQt();
+                if (qt)
+                    xcb_flush(qt); // in GLib's event loop it sends only when the server speaks first
             });
 }
 
