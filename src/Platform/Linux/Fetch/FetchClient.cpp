@@ -22,8 +22,9 @@ void FetchClient::Worker::act(std::function<void(QObject &)> action) {
     if (!home_) {
         home_ = new QObject;
         home_->moveToThread(&thread_);
-        thread_.start();
     }
+    if (!thread_.isRunning()) // the first time, or memory was short
+        thread_.start();
     QMetaObject::invokeMethod(home_, [home = home_, action = std::move(action)] { action(*home); });
 }
 
