@@ -1,11 +1,15 @@
 #include "makeApplication.h"
 
+#include "Platform/GivenEnvironment.h"
+
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QLibrary>
 #include <QPluginLoader>
+#include <QSemaphore>
 #include <QStyle>
+#include <QThreadPool>
 
 #include <cstdio>
 #include <cstdlib>
@@ -81,6 +85,23 @@ void listen(QtMsgType type, const QMessageLogContext &context, const QString &te
     told.messages += qFormatLogMessage(type, context, text).toLocal8Bit().toStdString() + '\n';
 }
 
+/// Qt hands large fills to threads of a pool and waits for them: for ever where one cannot be started for
+/// want of memory, under a break screen that stays. Newer versions (6.8) leave it when told to; for older
+/// ones the pool gets its only thread now, and keeps it.
+void paintWithoutNewThreads() {
+    setForUsAlone("QT_NO_GUI_THREADPOOL", "1");
+    QThreadPool &pool = *QThreadPool::globalInstance();
+    pool.setMaxThreadCount(1);
+    pool.setExpiryTimeout(-1);
+    QSemaphore hasStarted;
+    pool.start([&hasStarted] { hasStarted.release(); });
+    constexpr int longest = 60'000; // milliseconds
+    if (!hasStarted.tryAcquire(1, longest)) {
+        std::fputs("pavonel: there is no memory for the thread that paints\n", stderr);
+        std::_Exit(EXIT_FAILURE);
+    }
+}
+
 } // namespace
 
 void makeApplication(std::optional<QApplication> &application, int &argc, char **argv) {
@@ -91,6 +112,7 @@ void makeApplication(std::optional<QApplication> &application, int &argc, char *
     QApplication::style()->setParent(&*application); // it was made first, and so belongs to nobody
     qInstallMessageHandler(nullptr);
     std::fputs(told.messages.c_str(), stderr);
+    paintWithoutNewThreads();
     QApplication::setApplicationName(QStringLiteral("pavonel"));
     QGuiApplication::setDesktopFileName(
         QStringLiteral("org.pavonel.Pavonel")); // by which desktops find our name and icon

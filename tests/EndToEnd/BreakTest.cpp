@@ -1,5 +1,7 @@
 #include "EndToEnd/Desktop.h"
+#include "EndToEnd/Remote.h"
 #include "EndToEnd/pixels.h"
+#include "support/MessageBus.h"
 
 #include <QImage>
 #include <QTemporaryDir>
@@ -228,6 +230,23 @@ TEST(Break, shows_the_users_own_picture_from_the_first_moment) {
     const QColor atLast = desktop.server().picture().pixelColor(aside);
     EXPECT_GT(atLast.red(), 2 * atLast.blue()) << "not the picture";
     EXPECT_EQ(seen, (QList<QColor>{Desktop::background(), atLast})) << "something else before the picture";
+}
+
+/// Where memory is short, a thread that painting waits for would never come, and the break screen would stay.
+TEST(Break, is_painted_without_a_new_thread) {
+    const MessageBus bus;
+    Desktop desktop;
+    desktop.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address());
+    desktop.startProgram();
+    const Remote remote(desktop.environment());
+    ASSERT_TRUE(remote.waitForIt());
+    const QString ofAPool = QStringLiteral("Thread (pooled)");
+    const QStringList before = desktop.threads(ofAPool);
+
+    remote.choose(QStringLiteral("Take a micro break"));
+    ASSERT_TRUE(desktop.waitForOverlays());
+    waitForText(desktop);
+    EXPECT_EQ(desktop.threads(ofAPool), before);
 }
 
 TEST(Break, two_follow_each_other_back_to_back) {

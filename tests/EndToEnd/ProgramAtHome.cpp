@@ -98,6 +98,15 @@ QJsonObject ProgramAtHome::status() const {
     return QJsonDocument::fromJson(told.output).object();
 }
 
+QStringList ProgramAtHome::threads(const QString &name) const {
+    const QDir tasks(QStringLiteral("/proc/%1/task").arg(program_->process().processId()));
+    QStringList found = tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    found.removeIf([&](const QString &task) {
+        return QString::fromUtf8(readFile(tasks.filePath(task + QStringLiteral("/comm")))).trimmed() != name;
+    });
+    return found;
+}
+
 void ProgramAtHome::launch(const QString &program, const QStringList &arguments) {
     sinceStart_.start();
     program_ = std::make_unique<ChildProcess>(program, arguments, environment_);

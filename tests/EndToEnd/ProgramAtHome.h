@@ -44,6 +44,8 @@ public:
     /// What a further call of the program tells of it on its bus.
     QJsonObject status() const;
     bool isRunning() const { return program_ && program_->isRunning(); }
+    /// The threads of the running program that bear this name.
+    QStringList threads(const QString &name) const;
     qint64 millisecondsSinceStart() const { return sinceStart_.elapsed(); }
 
     void sendSignal(int signal);
