@@ -14,6 +14,7 @@ LOOKS = 0.2  # seconds between two
 LATE = 2     # seconds that a break may last longer than it is long
 FADE = 2     # and its windows longer than that
 LIVED_LONG = 300  # seconds; growth shows only then
+CONNECTIONS = 11  # open files of those to the sound server (3) and to PipeWire (8), which may both be gone for a while
 COUNTED = ("micro", "long", "skipped", "breakSeconds", "screenSeconds")
 UNWRITTEN = {"screenSeconds": 60 + LATE, "breakSeconds": LONG + LATE}  # how much of them the store may lack
 SEEN_AFTER = 3  # seconds; another time of day
@@ -194,6 +195,6 @@ class Watch(threading.Thread):
         lived, samples, self.samples = time.monotonic() - self.program.started_at, self.samples, []
         if lived < LIVED_LONG or len(samples) < 9:
             return
-        for what, early, late, is_too_much in growth(samples, self.program.is_sanitized):
+        for what, early, late, is_too_much in growth(samples, self.program.is_sanitized, CONNECTIONS):
             if is_too_much:
                 self.complain(f"{what} grew from {early} to {late} in {lived:.0f} s")
