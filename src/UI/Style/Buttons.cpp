@@ -76,6 +76,7 @@ ButtonColours coloursOf(ButtonRole role, const QStyleOptionButton &option, const
     switch (role) {
     case ButtonRole::plain:
     case ButtonRole::entry:
+    case ButtonRole::tile:
         break;
     case ButtonRole::prominent:
     case ButtonRole::noticeProminent:
@@ -174,6 +175,8 @@ QSize pushButtonSize(const QStyleOptionButton &option, const Visuals &visuals, c
     const ButtonTraits button = ButtonTraits::of(widget);
     if (button.isNotice())
         return noticeSize(option);
+    if (button.role == ButtonRole::tile)
+        return tileSize(option);
     const int symbol = button.symbol.isEmpty() ? 0 : qRound(symbolSideOf(button, widget, visuals));
     if (button.role == ButtonRole::entry) {
         const QFontMetrics metrics(entryFont(visuals, true));
@@ -196,6 +199,8 @@ void drawPushButton(const Context &context, const QStyleOptionButton &option) {
     const ButtonTraits button = ButtonTraits::of(context.widget);
     if (button.role == ButtonRole::entry)
         return drawEntry(context, option, button);
+    if (button.role == ButtonRole::tile)
+        return drawTile(context, option);
     const Palette &palette = context.visuals.palette();
     const ButtonColours colours = coloursOf(button.role, option, palette);
     const double room = button.isNotice() ? 0 : FocusRing::room;

@@ -42,6 +42,12 @@ private:
 // Buttons.cpp
 QSize pushButtonSize(const QStyleOptionButton &button, const Visuals &visuals, const QWidget *widget);
 void drawPushButton(const Context &context, const QStyleOptionButton &button);
+
+// Tile.cpp
+QSize tileSize(const QStyleOptionButton &tile);
+void drawTile(const Context &context, const QStyleOptionButton &tile);
+
+// Switch.cpp
 QSize switchSize(const Visuals &visuals);
 void drawSwitch(const Context &context, const QStyleOption &option);
 

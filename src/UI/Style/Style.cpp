@@ -75,6 +75,8 @@ void Style::giveType(QWidget &widget) {
         widget.setFont(fonts::ui(12, QFont::Medium)); // at every size of the user's text
     else if (button.role == ButtonRole::disc)
         widget.setFont(visuals_.font(11, QFont::DemiBold));
+    else if (button.role == ButtonRole::tile)
+        widget.setFont(visuals_.font(11));
     else if (qobject_cast<QPushButton *>(&widget))
         widget.setFont(visuals_.font(13, QFont::Medium));
     else if (qobject_cast<QMenu *>(&widget) || qobject_cast<QComboBox *>(&widget) ||

@@ -14,6 +14,7 @@ enum class ButtonRole {
     bare,      ///< Only its symbol, until the pointer or the keyboard is there.
     disc,      ///< Round, for a letter; one that can be checked shows it by its colour.
     entry,     ///< Of the sidebar: as wide as that, with its symbol at the left.
+    tile,      ///< Its icon in small above its text, one of several to choose from.
     notice,    ///< On a notice, which never has the keyboard and has one size.
     noticeProminent,
     noticeClose,

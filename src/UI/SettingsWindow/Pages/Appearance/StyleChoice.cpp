@@ -6,6 +6,7 @@
 #include "UI/BreakLayout.h"
 #include "UI/BreakScreenText.h"
 #include "UI/Controls/Accessibility.h"
+#include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/MessageText.h"
 #include "UI/Refresher.h"
@@ -18,21 +19,17 @@
 #include "UI/Theme.h"
 
 #include <QButtonGroup>
-#include <QFontMetrics>
+#include <QGuiApplication>
 #include <QPainter>
-#include <QRadioButton>
 #include <QSignalBlocker>
 
 #include <algorithm>
-#include <vector>
 
 namespace pavonel {
 
 namespace {
 
-constexpr int room = FocusRing::room; // which the tiles have around them
-constexpr int gap = 12;
-constexpr int bottom = 14 - room;
+constexpr int room = FocusRing::room;
 
 constexpr QSizeF smallScreen(800, 500); // small for a screen, so that its texts can be read
 
@@ -102,162 +99,93 @@ private:
     Refresher refresher_;
 };
 
-/// A theme of the break screen to choose, one of a group: its gradient in small, above its name.
-class StyleTile final : public QRadioButton {
-public:
-    explicit StyleTile(const Background &theme) : theme_(theme) {
-        setFocusPolicy(Qt::TabFocus);
-        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-        setText(theme.name);
-        setAccessibleName(theme.name);
-        setFont(visuals().font(11));
-    }
-
-    QSize sizeHint() const override {
-        return swatchSize() + QSize(2 * room, room + aboveName + QFontMetrics(font()).height());
-    }
-    QSize minimumSizeHint() const override { return sizeHint(); }
-
-protected:
-    void paintEvent(QPaintEvent *) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const Palette &palette = visuals().palette();
-        const QRectF swatch(QPointF(room, room), swatchSize());
-        const QSize pixels = (swatch.size() * devicePixelRatioF()).toSize();
-        if (gradient_.size() != pixels)
-            gradient_ = gradientImage(theme_, pixels);
-        drawRounded(painter, swatch, tileRadius, gradient_);
-        drawBody(painter, swatch, tileRadius, Qt::transparent, palette.cardOutline);
-        if (isChecked() || FocusRing::isOn(*this)) {
-            constexpr double width = 2;
-            constexpr double out = 1 + width / 2;
-            painter.setPen(QPen(isChecked() ? palette.accent : palette.accentText, width));
-            painter.setBrush(Qt::NoBrush);
-            painter.drawRoundedRect(swatch.adjusted(-out, -out, out, out), tileRadius + out,
-                                    tileRadius + out);
-        }
-        const double top = swatch.bottom() + aboveName;
-        paintName(painter, {0, top, static_cast<double>(QWidget::width()), height() - top});
-    }
-
-private:
-    static constexpr double tileRadius = 7;
-    static constexpr int aboveName = 4;
-
-    QSize swatchSize() const { return {visuals().length(76), visuals().length(48)}; }
-
-    /// The chosen tile has a ring already: what tells that it has the keyboard is its name.
-    void paintName(QPainter &painter, const QRectF &line) const {
-        const Palette &palette = visuals().palette();
-        painter.setPen(isChecked() || underMouse() ? palette.text : palette.secondaryText);
-        if (FocusRing::isOn(*this)) {
-            constexpr double around = 6;
-            const double half = QFontMetricsF(font()).horizontalAdvance(text()) / 2 + around;
-            drawBody(painter, {line.center().x() - half, line.top(), 2 * half, line.height()}, 4,
-                     palette.accent, Qt::transparent);
-            painter.setPen(palette.onAccent);
-        }
-        painter.drawText(line, Qt::AlignHCenter | Qt::AlignTop, text());
-    }
-
-    const Background &theme_;
-    QImage gradient_;
-};
+/// A theme of the break screen to choose: its gradient in small, above its name.
+Button *themeTile(const Background &theme) {
+    auto *tile = new Button(theme.name, ButtonRole::tile);
+    const QSize swatch(visuals().length(76), visuals().length(48));
+    const QSize pixels = (QSizeF(swatch) * qGuiApp->devicePixelRatio()).toSize();
+    tile->setIcon(QPixmap::fromImage(gradientImage(theme, pixels)));
+    tile->setIconSize(swatch);
+    tile->setCheckable(true);
+    tile->setAutoExclusive(true); // to assistive technology, too, one of several
+    return tile;
+}
 
 /// The tiles stand beside the preview, or below it where there is no room; with large text on a narrow page
 /// the preview is smaller, and fewer tiles are in a row.
 class StyleChoice final : public QWidget {
 public:
     explicit StyleChoice(Settings &settings)
-        : settings_(settings), group_(new QButtonGroup(this)), preview_(new BreakPreview(settings)),
-          tiles_(tiles()) {
+        : group_(new QButtonGroup(this)), preview_(new BreakPreview(settings)) {
         preview_->setParent(this);
+        for (const Background &theme : Theme::gradients()) {
+            Button *tile = themeTile(theme);
+            tile->setParent(this);
+            group_->addButton(tile, theme.id);
+        }
         QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
         policy.setHeightForWidth(true);
         setSizePolicy(policy);
-        connect(group_, &QButtonGroup::idToggled, this, [this](int id, bool on) {
+        connect(group_, &QButtonGroup::idToggled, this, [&settings](int id, bool on) {
             if (on)
-                settings_.backgroundStyle = id;
+                settings.backgroundStyle = id;
         });
-        follow(*this, [this] {
+        follow(*this, [this, &settings] {
             const QSignalBlocker silence(group_);
-            group_->button(Theme::gradient(settings_.backgroundStyle).id)->setChecked(true);
+            group_->button(Theme::gradient(settings.backgroundStyle).id)->setChecked(true);
         });
     }
 
-    QSize sizeHint() const override {
-        const int width = sides + preview_->sizeHint().width() + gap + tilesSize(mostColumns).width();
-        return {width, heightForWidth(width)};
-    }
-    QSize minimumSizeHint() const override { return {sides + tilesSize(1).width(), 0}; }
-    int heightForWidth(int width) const override {
-        const QRect tiles = tilesPlace(width);
-        return std::max(previewPlace(width).bottom() + 1 + room, tiles.bottom() + 1) + bottom;
-    }
+    QSize sizeHint() const override { return {width(), heightForWidth(width())}; }
+    QSize minimumSizeHint() const override { return {2 * side + tileSize().width(), 0}; }
+    int heightForWidth(int width) const override { return arrangementIn(width).height; }
 
 protected:
     void resizeEvent(QResizeEvent *) override {
-        preview_->setGeometry(previewPlace(width()));
-        const QPoint corner = tilesPlace(width()).topLeft();
-        const int columns = columnsIn(width());
-        for (int index = 0; index < static_cast<int>(tiles_.size()); ++index) {
-            const QSize size = tiles_.front()->sizeHint();
-            const QPoint place((size.width() + betweenTiles) * (index % columns),
-                               (size.height() + betweenRows) * (index / columns));
-            tiles_[static_cast<std::size_t>(index)]->setGeometry({corner + place, size});
+        const Arrangement places = arrangementIn(width());
+        preview_->setGeometry({QPoint(CardRow::margin, room), places.preview});
+        const auto tiles = group_->buttons();
+        for (int index = 0; index < tiles.size(); ++index) {
+            const int column = index % places.columns;
+            const int row = index / places.columns;
+            const QPoint corner((tileSize() + between).width() * column,
+                                (tileSize() + between).height() * row);
+            tiles[index]->setGeometry({places.tiles + corner, tileSize()});
         }
     }
 
 private:
-    static constexpr int sides = 2 * CardRow::margin - room;
-    static constexpr int mostColumns = 3;
-    static constexpr int betweenTiles = 2;
-    static constexpr int betweenRows = 6;
+    static constexpr int side = CardRow::margin - room; // of the tiles, which have that room around them
+    static constexpr QSize between{2, 6};               // tiles
 
-    QRect previewPlace(int width) const {
+    struct Arrangement {
+        QSize preview;
+        QPoint tiles; ///< Where they begin.
+        int columns;
+        int height; ///< Of all.
+    };
+
+    Arrangement arrangementIn(int width) const {
+        constexpr int mostColumns = 3;
+        constexpr int gap = 12;
         const QSize whole = preview_->sizeHint();
         const QSize within(std::min(whole.width(), width - 2 * CardRow::margin), whole.height());
-        return {QPoint(CardRow::margin, room), whole.scaled(within, Qt::KeepAspectRatio)};
+        const QSize preview = whole.scaled(within, Qt::KeepAspectRatio);
+        const QSize step = tileSize() + between;
+        const int columns = std::clamp((width - 2 * side + between.width()) / step.width(), 1, mostColumns);
+        const int rows = (static_cast<int>(group_->buttons().size()) + columns - 1) / columns;
+        const QSize tiles = QSize(columns * step.width(), rows * step.height()) - between;
+        const int left = width - side - tiles.width();
+        const bool beside = left >= CardRow::margin + preview.width() + gap;
+        const QPoint corner = beside ? QPoint(left, 0) : QPoint(side, preview.height() + gap);
+        const int end = std::max(preview.height() + 2 * room, corner.y() + tiles.height());
+        return {preview, corner, columns, end + 14 - room};
     }
 
-    int columnsIn(int width) const {
-        const int tile = tiles_.front()->sizeHint().width() + betweenTiles;
-        return std::clamp((width - sides + betweenTiles) / tile, 1, mostColumns);
-    }
+    QSize tileSize() const { return group_->buttons().front()->sizeHint(); }
 
-    QSize tilesSize(int columns) const {
-        const int rows = (static_cast<int>(tiles_.size()) + columns - 1) / columns;
-        const QSize tile = tiles_.front()->sizeHint();
-        return {columns * (tile.width() + betweenTiles) - betweenTiles,
-                rows * (tile.height() + betweenRows) - betweenRows};
-    }
-
-    QRect tilesPlace(int width) const {
-        const QSize size = tilesSize(columnsIn(width));
-        const QRect preview = previewPlace(width);
-        const int right = width - CardRow::margin + room;
-        const int besidePreview = preview.right() + 1 + gap;
-        if (right - size.width() >= besidePreview)
-            return {QPoint(right - size.width(), 0), size};
-        return {QPoint(CardRow::margin - room, preview.bottom() + 1 + gap - room), size};
-    }
-
-    std::vector<StyleTile *> tiles() {
-        std::vector<StyleTile *> tiles;
-        for (const Background &theme : Theme::gradients()) {
-            auto *tile = new StyleTile(theme);
-            tile->setParent(this);
-            group_->addButton(tile, theme.id);
-            tiles.push_back(tile);
-        }
-        return tiles;
-    }
-
-    Settings &settings_;
     QButtonGroup *group_;
     BreakPreview *preview_;
-    std::vector<StyleTile *> tiles_;
 };
 
 } // namespace
