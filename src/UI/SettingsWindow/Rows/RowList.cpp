@@ -3,13 +3,13 @@
 #include "UI/Controls/Accessibility.h"
 
 #include <QCoreApplication>
-#include <QEvent>
 #include <QHash>
 #include <QResizeEvent>
 #include <QScrollArea>
 #include <QScrollBar>
 
 #include <algorithm>
+#include <utility>
 
 namespace pavonel {
 
@@ -21,14 +21,6 @@ constexpr std::size_t short_ = 30; // rows that may as well exist all
 void drop(QWidget *row) {
     row->hide();
     row->deleteLater();
-}
-
-template <class Ancestor> Ancestor *ancestor(const QWidget *widget) {
-    for (QWidget *parent = widget->parentWidget(); parent; parent = parent->parentWidget()) {
-        if (auto *found = qobject_cast<Ancestor *>(parent))
-            return found;
-    }
-    return nullptr;
 }
 
 } // namespace
@@ -78,12 +70,9 @@ QSize RowList::minimumSizeHint() const {
     return {width, sizeHint().height()};
 }
 
-bool RowList::event(QEvent *event) {
-    if (event->type() == QEvent::Show) {
-        follow();
-        arrange();
-    }
-    return QWidget::event(event);
+void RowList::showEvent(QShowEvent *) {
+    follow();
+    arrange();
 }
 
 void RowList::resizeEvent(QResizeEvent *event) {
@@ -95,7 +84,8 @@ void RowList::resizeEvent(QResizeEvent *event) {
 void RowList::follow() {
     if (area_)
         return;
-    area_ = ancestor<QScrollArea>(this);
+    for (QWidget *parent = parentWidget(); parent && !area_; parent = parent->parentWidget())
+        area_ = qobject_cast<QScrollArea *>(parent);
     if (!area_)
         return;
     connect(area_->verticalScrollBar(), &QScrollBar::valueChanged, this, &RowList::arrange);
@@ -118,24 +108,23 @@ RowList::Span RowList::nearby(int heights) const {
 }
 
 void RowList::arrange() {
-    const Span span = nearby(1);
+    const Span wanted = nearby(1);
+    const Span kept = nearby(3);
+    const QWidget *focused = window()->focusWidget();
     bool grown = false;
-    for (std::size_t index = span.begin; index < span.end; ++index) {
-        if (rows_[index])
-            continue;
-        make(index);
-        grown = true;
-    }
-    dropFarRows();
     for (std::size_t index = 0; index < rows_.size(); ++index) {
-        if (!rows_[index])
-            continue;
-        place(index);
-        if (grown)
-            rows_[index]->raise(); // a screen reader is told of them in this order
+        QWidget *&row = rows_[index];
+        if (!row && wanted.contains(index)) {
+            make(index);
+            grown = true;
+        } else if (row && !kept.contains(index) && row != focused && !row->isAncestorOf(focused)) {
+            drop(std::exchange(row, nullptr));
+        } else if (row) {
+            place(index);
+        }
     }
     if (grown)
-        chainFocus();
+        putInOrder();
 }
 
 void RowList::place(std::size_t index) {
@@ -160,25 +149,13 @@ QWidget &RowList::reveal(std::size_t index) {
     return *rows_[index];
 }
 
-void RowList::dropFarRows() {
-    constexpr int far = 3;
-    const Span kept = nearby(far);
-    const QWidget *focused = window()->focusWidget();
-    for (std::size_t index = 0; index < rows_.size(); ++index) {
-        QWidget *&row = rows_[index];
-        if (!row || (index >= kept.begin && index < kept.end) || row == focused || row->isAncestorOf(focused))
-            continue;
-        drop(row);
-        row = nullptr;
-    }
-}
-
-/// The keyboard goes through the rows in their order, not in that of their making.
-void RowList::chainFocus() {
+/// The keyboard and screen readers go through the rows in their order, not in that of their making.
+void RowList::putInOrder() {
     QWidget *previous = chainBegin_;
     for (QWidget *row : rows_) {
         if (!row)
             continue;
+        row->raise();
         QWidgetList stops = row->findChildren<QWidget *>();
         stops.prepend(row);
         for (QWidget *stop : stops) {

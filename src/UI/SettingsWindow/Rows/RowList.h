@@ -38,13 +38,14 @@ public:
     QSize minimumSizeHint() const override; ///< As wide as the widest of the rows that exist needs it.
 
 protected:
-    bool event(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
     struct Span {
         std::size_t begin;
         std::size_t end;
+        bool contains(std::size_t index) const { return index >= begin && index < end; }
     };
     int rowHeight() const { return heightAt_(width()); }
     /// The rows within so many heights of the window's visible part.
@@ -53,8 +54,7 @@ private:
     void arrange();
     void place(std::size_t index);
     void make(std::size_t index);
-    void dropFarRows();
-    void chainFocus();
+    void putInOrder();
 
     Height heightAt_;
     Make make_;
