@@ -98,7 +98,8 @@ struct SettingsPopUp : SettingsControls {
 
     SettingsPopUp() {
         button.setChoice(u"Glass"_s);
-        button.onChoice = [this](const QString &choice) { chosen.append(choice); };
+        QObject::connect(&button, &PopUpButton::textActivated,
+                         [this](const QString &choice) { chosen.append(choice); });
         button.resize(button.sizeHint());
         button.show();
     }

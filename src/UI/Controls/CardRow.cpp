@@ -27,12 +27,6 @@ void CardRow::add(QWidget *widget) {
     line_->addWidget(widget);
 }
 
-void CardRow::addOutdented(QWidget *widget) {
-    constexpr int room = FocusRing::room;
-    line_->setContentsMargins(margin - room, 0, margin - room, 0);
-    line_->addWidget(widget, 1);
-}
-
 void CardRow::addLines(const std::vector<QWidget *> &widgets) {
     auto *lines = column(nullptr, {0, air, FocusRing::room, air}, betweenLines);
     lines->addStretch();
@@ -51,12 +45,7 @@ void CardRow::addLabel(const QString &label, const QString &note) {
 
 void CardRow::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    drawLine(painter, 0, width());
-}
-
-void CardRow::drawLine(QPainter &painter, double y, int width) {
-    drawHairline(painter, {margin, y}, {static_cast<double>(width - margin), y},
-                 visuals().palette().hairline);
+    drawHairline(painter, {margin, 0}, {double(width() - margin), 0}, visuals().palette().hairline);
 }
 
 } // namespace pavonel

@@ -5,7 +5,6 @@
 #include <vector>
 
 class QHBoxLayout;
-class QPainter;
 
 namespace pavonel {
 
@@ -20,17 +19,11 @@ public:
     /// Keeps its own size.
     void add(QWidget *widget);
 
-    /// For a control that begins at the row's left edge and leaves room for its ring there.
-    void addOutdented(QWidget *widget);
-
     /// One below the other, in the middle of the row; they take what is left over.
     void addLines(const std::vector<QWidget *> &widgets);
 
     /// A label with a note under it where there is one.
     void addLabel(const QString &label, const QString &note = {});
-
-    /// The hairline above a row that begins at `y` in something as wide as the card.
-    static void drawLine(QPainter &painter, double y, int width);
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -69,12 +69,9 @@ PopUpButton::PopUpButton(const QString &name, const QStringList &choices) {
     setFocusPolicy(Qt::TabFocus);
     setSizeAdjustPolicy(QComboBox::AdjustToContents);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    setMinimumWidth(narrowest);
     setModel(new QStringListModel(choices, this));
     setCurrentIndex(-1);
-    connect(this, &QComboBox::textActivated, this, [this](const QString &choice) {
-        if (onChoice)
-            onChoice(choice);
-    });
 }
 
 QString PopUpButton::choice() const {
@@ -137,10 +134,6 @@ void PopUpButton::followAssistiveTechnology() {
 
 bool PopUpButton::isListShown() const {
     return listIsMade_ && view()->isVisible();
-}
-
-QSize PopUpButton::minimumSizeHint() const {
-    return {narrowest, sizeHint().height()};
 }
 
 void PopUpButton::keyPressEvent(QKeyEvent *event) {

@@ -2,11 +2,10 @@
 
 #include <QComboBox>
 
-#include <functional>
-
 namespace pavonel {
 
-/// Shows the choice that holds and opens a list of all of them. A combo box that is opened, not turned, by
+/// Shows the choice that holds and opens a list of all of them; `textActivated` tells of every choice of the
+/// user's, also of the one that held already. A combo box that is opened, not turned, by
 /// the arrow keys, and lets the page scroll by the wheel; and whose name assistive technology is told, which
 /// Qt's own on Linux gives up for its value.
 class PopUpButton : public QComboBox {
@@ -19,14 +18,10 @@ public:
     /// Without a report; for what did not come from the user.
     void setChoice(const QString &choice);
 
-    /// Told of every choice of the user's, also of the one that held already.
-    std::function<void(const QString &)> onChoice;
-
     bool isListShown() const;
 
     void showPopup() override;
     bool eventFilter(QObject *watched, QEvent *event) override;
-    QSize minimumSizeHint() const override;
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;

@@ -16,12 +16,6 @@ public:
     /// Without motion and without a report; for what did not come from the user.
     void setOn(bool on);
 
-    QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
-
 private:
     Fade knob_;
 };

@@ -55,9 +55,7 @@ protected:
         if (event->matches(QKeySequence::Close) || event->key() == Qt::Key_Escape) {
             close();
         } else if (page_ && (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown)) {
-            page_->verticalScrollBar()->triggerAction(event->key() == Qt::Key_PageUp
-                                                          ? QScrollBar::SliderPageStepSub
-                                                          : QScrollBar::SliderPageStepAdd);
+            QCoreApplication::sendEvent(page_->verticalScrollBar(), event);
         } else {
             QWidget::keyPressEvent(event);
         }

@@ -134,6 +134,10 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption *option, con
         if (const auto *button = as<QStyleOptionButton>(option))
             return drawing::pushButtonSize(*button, visuals_, widget);
         break;
+    case CT_CheckBox:
+        if (const auto *box = as<QStyleOptionButton>(option); box && box->text.isEmpty())
+            return drawing::switchSize(visuals_) + QSize(2, 2) * FocusRing::room;
+        break;
     case CT_ComboBox:
         return drawing::comboBoxSize(contents, visuals_);
     case CT_SpinBox:
@@ -214,6 +218,14 @@ void Style::drawControl(ControlElement element, const QStyleOption *option, QPai
     case CE_MenuItem:
         if (const auto *item = as<QStyleOptionMenuItem>(option))
             return drawing::drawMenuLine(context, *item);
+        break;
+    case CE_CheckBox:
+        if (const auto *box = as<QStyleOptionButton>(option); box && box->text.isEmpty()) {
+            QStyleOptionButton body = *box;
+            constexpr int room = FocusRing::room;
+            body.rect.adjust(room, room, -room, -room);
+            return drawing::drawSwitch(context, body);
+        }
         break;
     case CE_PushButton:
         if (const auto *button = as<QStyleOptionButton>(option))

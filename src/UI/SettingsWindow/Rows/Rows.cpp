@@ -11,7 +11,6 @@
 #include "UI/Style/Pixels.h"
 #include "UI/Style/Visuals.h"
 
-#include <QGridLayout>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
@@ -103,7 +102,7 @@ Stepper *boundStepper(const QString &name, const ValueBinding<double> &value, Ra
 PopUpButton *boundPicker(const QString &name, const ValueBinding<QString> &selection,
                          const QStringList &choices) {
     auto *button = new PopUpButton(name, choices);
-    button->onChoice = selection.set;
+    QObject::connect(button, &PopUpButton::textActivated, button, selection.set);
     follow(*button, [button, get = selection.get] { button->setChoice(get()); });
     return button;
 }
@@ -185,14 +184,14 @@ QWidget *pickerRow(const QString &label, const ValueBinding<QString> &selection,
 
 QWidget *labeledField(const QString &label, const ValueBinding<QString> &text, const QString &prompt) {
     auto *row = new CardRow;
-    auto *lines = new QWidget;
-    auto *places = layOut<QGridLayout>(lines, {0, 10, 0, 8});
-    places->setVerticalSpacing(2);
-    places->setColumnMinimumWidth(0, FocusRing::room);
-    places->addWidget(new Text(label, Text::Style::label), 0, 1);
-    places->addWidget(boundField(label, text, prompt), 1, 0, 1, 2);
-    places->setColumnStretch(1, 1);
-    row->addOutdented(lines);
+    auto *head = line(nullptr, {FocusRing::room, 0, 0, 0});
+    head->addWidget(new Text(label, Text::Style::label));
+    auto *lines = column(nullptr, {}, 2);
+    lines->addLayout(head);
+    lines->addWidget(boundField(label, text, prompt));
+    constexpr int side = CardRow::margin - FocusRing::room; // the field keeps that room for its ring
+    row->layout()->setContentsMargins(side, 10, side, 8);
+    static_cast<QBoxLayout *>(row->layout())->addLayout(lines);
     return row;
 }
 
