@@ -8,7 +8,6 @@
 #include "UI/SettingsWindow/Rows/RowList.h"
 
 #include <algorithm>
-#include <memory>
 #include <utility>
 
 namespace pavonel {
@@ -17,14 +16,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The planned breaks to edit, in the user's order, below a line that tells how many are active. `added` is
-/// set when the user adds one, to which the keyboard then goes.
+/// The planned breaks to edit, in the user's order, below a line that tells how many are active.
 class PlannedList final : public QWidget {
 public:
-    PlannedList(Setting<PlannedBreaks> &breaks, std::shared_ptr<bool> added)
-        : current_(breaks),
+    explicit PlannedList(Setting<PlannedBreaks> &breaks)
+        : setting_(breaks),
           breaks_(breaks, [](const PlannedBreak &planned) { return planned.id.toString(); }),
-          added_(std::move(added)), state_(new Text({}, Text::Style::secondary)),
+          state_(new Text({}, Text::Style::secondary)),
           rows_(new RowList(PlannedRow::heightAt, [this](const QString &key) { return row(key); })),
           undo_(new UndoRow) {
         auto *lines = column(this);
@@ -36,13 +34,20 @@ public:
         follow(*this, [this] { refresh(); });
     }
 
+    void add() {
+        PlannedBreaks breaks = setting_;
+        breaks.emplace_back();
+        setting_ = std::move(breaks);
+        isAdded_ = true;
+    }
+
 private:
     void refresh() {
-        const PlannedBreaks &breaks = current_;
+        const PlannedBreaks &breaks = setting_;
         const auto active = std::ranges::count_if(breaks, &PlannedBreak::enabled);
         state_->setText(breaks.empty() ? u"No planned breaks yet"_s : u"%1 active"_s.arg(active));
         rows_->setKeys(breaks_.keys());
-        if (std::exchange(*added_, false) && !breaks.empty())
+        if (std::exchange(isAdded_, false) && !breaks.empty())
             static_cast<PlannedRow &>(rows_->reveal(breaks.size() - 1)).takeKeyboard();
     }
 
@@ -52,9 +57,9 @@ private:
                               [this, key, planned] { breaks_.remove(key, *undo_, planned.get().label); });
     }
 
-    const Setting<PlannedBreaks> &current_;
+    Setting<PlannedBreaks> &setting_;
     EditedList<PlannedBreaks> breaks_;
-    std::shared_ptr<bool> added_;
+    bool isAdded_ = false; ///< By the user just now: the keyboard goes to it.
     Text *state_;
     RowList *rows_;
     UndoRow *undo_;
@@ -63,18 +68,11 @@ private:
 } // namespace
 
 QWidgetList plannedPage(PageContext &context) {
-    Settings &settings = context.settings;
-    const auto added = std::make_shared<bool>(false);
-    const auto add = [&settings, added] {
-        PlannedBreaks breaks = settings.plannedBreaks;
-        breaks.emplace_back();
-        settings.plannedBreaks = std::move(breaks);
-        *added = true;
-    };
-    auto *list = new PlannedList(settings.plannedBreaks, added);
+    auto *list = new PlannedList(context.settings.plannedBreaks);
     return {
         card(u"Your schedule"_s, u"Planned breaks still wait for meetings, calls and focus apps"_s, {list}),
-        buttonRow(u"Add planned break"_s, add, u"plus"_s),
+        buttonRow(
+            u"Add planned break"_s, [list] { list->add(); }, u"plus"_s),
     };
 }
 
