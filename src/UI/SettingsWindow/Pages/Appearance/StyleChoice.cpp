@@ -1,3 +1,5 @@
+#include "UI/SettingsWindow/Pages/Appearance/StyleChoice.h"
+
 #include "Core/BreakVocabulary.h"
 #include "Core/ClockText.h"
 #include "Core/Settings.h"
@@ -11,7 +13,6 @@
 #include "UI/MessageText.h"
 #include "UI/Refresher.h"
 #include "UI/Ring.h"
-#include "UI/SettingsWindow/Pages/Appearance/BreakScreenRows.h"
 #include "UI/SettingsWindow/Rows/Rows.h"
 #include "UI/Style/FocusRing.h"
 #include "UI/Style/Pixels.h"
