@@ -21,4 +21,12 @@ inline QVBoxLayout *column(QWidget *of = nullptr, const QMargins &margins = {}, 
     return layOut<QVBoxLayout>(of, margins, spacing);
 }
 
+/// In the middle, as wide as it goes.
+inline void putInMiddle(QWidget *of, QWidget *content, const QMargins &margins) {
+    QHBoxLayout *place = line(of, margins);
+    place->addStretch(1);
+    place->addWidget(content, 100'000);
+    place->addStretch(1);
+}
+
 } // namespace pavonel

@@ -61,10 +61,7 @@ const std::vector<PageEntry> &allPages() {
 ScrollArea *makePage(Page page, PageContext &context) {
     const PageEntry &entry = *std::ranges::find(allPages(), page, &PageEntry::page);
     auto *middle = new QWidget;
-    auto *place = line(middle, {side, top, side, bottom});
-    place->addStretch(1);
-    place->addWidget(cards(entry, context), 100'000); // all of the width, up to its widest
-    place->addStretch(1);
+    putInMiddle(middle, cards(entry, context), {side, top, side, bottom});
     auto *area = new ScrollArea(middle);
     area->setAccessibleName(entry.title);
     return area;

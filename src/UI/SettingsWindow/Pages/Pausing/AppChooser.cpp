@@ -20,7 +20,6 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPointer>
-#include <QStyle>
 
 #include <algorithm>
 
@@ -47,17 +46,6 @@ void paintLetter(QPainter &painter, int side, const QString &name) {
     painter.drawText(QRectF(0, 0, side, side), Qt::AlignCenter,
                      charactersOf(beginning(name, longestCharacter)).value(0).toUpper());
 }
-
-/// Its rows are left by the arrow keys, before what scrolls it takes them.
-class Column final : public QWidget {
-protected:
-    void keyPressEvent(QKeyEvent *event) override {
-        if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up)
-            focusNextPrevChild(event->key() == Qt::Key_Down);
-        else
-            QWidget::keyPressEvent(event);
-    }
-};
 
 /// An application to choose: its icon, its name and, behind that, its identifier.
 class AppRow final : public QAbstractButton {
@@ -113,25 +101,29 @@ public:
         lines->addLayout(head());
         lines->addWidget(list(), 1);
         lines->addLayout(foot());
+        putInMiddle(this, body_, {aside, aside, aside, aside});
+        body_->setMaximumSize(visuals().length(widest), visuals().length(tallest));
+        connect(&anchor, &QObject::destroyed, this, &QObject::deleteLater);
         parentWidget()->installEventFilter(this);
-        fit();
+        setGeometry(parentWidget()->rect());
         search({});
+        show();
+        raise();
+        search_->setFocus(Qt::OtherFocusReason);
     }
 
-    void takeKeyboard() { search_->setFocus(Qt::OtherFocusReason); }
-
 protected:
+    /// Covers the window, and has the rows' arrow keys before what scrolls them takes those.
     bool eventFilter(QObject *watched, QEvent *event) override {
         if (watched == parentWidget() && event->type() == QEvent::Resize)
-            fit();
-        return QWidget::eventFilter(watched, event);
+            setGeometry(parentWidget()->rect());
+        const auto *key = event->type() == QEvent::KeyPress ? static_cast<QKeyEvent *>(event) : nullptr;
+        return watched != parentWidget() && key && moveBy(*key);
     }
     void keyPressEvent(QKeyEvent *event) override {
         if (event->key() == Qt::Key_Escape)
             leave();
-        else if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up)
-            focusNextPrevChild(event->key() == Qt::Key_Down);
-        else
+        else if (!moveBy(*event))
             QWidget::keyPressEvent(event);
     }
     void mousePressEvent(QMouseEvent *event) override {
@@ -149,12 +141,9 @@ protected:
     }
 
 private:
-    /// In the middle of the window.
-    void fit() {
-        setGeometry(parentWidget()->rect());
-        const QSize most(visuals().length(widest), visuals().length(tallest));
-        body_->setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter,
-                                               most.boundedTo(size() - 2 * QSize(aside, aside)), rect()));
+    bool moveBy(const QKeyEvent &key) {
+        const bool moves = key.key() == Qt::Key_Down || key.key() == Qt::Key_Up;
+        return moves && focusNextPrevChild(key.key() == Qt::Key_Down);
     }
 
     QLayout *head() {
@@ -173,7 +162,8 @@ private:
     }
 
     QWidget *list() {
-        auto *content = new Column;
+        auto *content = new QWidget;
+        content->installEventFilter(this);
         auto *lines = column(content);
         rows_ = new RowList(visuals().lineHeight(rowHeight),
                             [this](const QString &identifier) { return row(identifier); });
@@ -257,11 +247,7 @@ QImage appIcon(InstalledApplications &applications, const InstalledApplication &
 
 void chooseApplication(InstalledApplications &applications, QWidget &anchor,
                        std::function<void(const QString &)> choose) {
-    auto *chooser = new AppChooser(applications, anchor, std::move(choose));
-    QObject::connect(&anchor, &QObject::destroyed, chooser, &QObject::deleteLater);
-    chooser->show();
-    chooser->raise();
-    chooser->takeKeyboard();
+    new AppChooser(applications, anchor, std::move(choose));
 }
 
 } // namespace pavonel

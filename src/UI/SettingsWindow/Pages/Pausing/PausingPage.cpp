@@ -18,30 +18,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// What is installed, looked up when it is first needed.
-class Names {
-public:
-    explicit Names(InstalledApplications &applications) : applications_(applications) {}
-
-    InstalledApplications &applications() { return applications_; }
-
-    const InstalledApplication *find(const QString &identifier) {
-        if (!all_)
-            all_ = applications_.all();
-        const auto found = std::ranges::find(*all_, identifier, &InstalledApplication::bundleIdentifier);
-        return found == all_->end() ? nullptr : &*found;
-    }
-
-private:
-    InstalledApplications &applications_;
-    std::optional<std::vector<InstalledApplication>> all_;
-};
-
-ListRow::Entry entryOf(Names &names, const QString &identifier) {
-    const InstalledApplication *known = names.find(identifier);
-    const InstalledApplication shown = known ? *known : InstalledApplication{identifier, identifier};
-    return {shown.name, known ? identifier : QString(),
-            appIcon(names.applications(), shown, ListRow::pictureSide())};
+/// Shows focus apps by their names. What is installed is looked up when the first is shown.
+std::function<ListRow::Entry(const QString &)> entriesOf(InstalledApplications &applications) {
+    const auto installed = std::make_shared<std::optional<std::vector<InstalledApplication>>>();
+    return [installed, &applications](const QString &identifier) -> ListRow::Entry {
+        if (!*installed)
+            *installed = applications.all();
+        const auto found =
+            std::ranges::find(**installed, identifier, &InstalledApplication::bundleIdentifier);
+        const bool known = found != (*installed)->end();
+        const InstalledApplication shown = known ? *found : InstalledApplication{identifier, identifier};
+        return {shown.name, known ? identifier : QString(),
+                appIcon(applications, shown, ListRow::pictureSide())};
+    };
 }
 
 QWidget *chooseButton(InstalledApplications &applications, const std::function<void(const QString &)> &add) {
@@ -56,9 +45,7 @@ QWidgetList focusAppParts(Settings &settings, InstalledApplications &application
         if (const QStringList apps = settings.deepFocusApps; !apps.contains(identifier))
             settings.deepFocusApps = apps + QStringList(identifier);
     };
-    const auto names = std::make_shared<Names>(applications);
-    const auto entry = [names](const QString &identifier) { return entryOf(*names, identifier); };
-    return {textList(settings.deepFocusApps, {u"None yet"_s, entry}),
+    return {textList(settings.deepFocusApps, {u"None yet"_s, entriesOf(applications)}),
             addField(u"or a bundle id"_s, u"Add the bundle id"_s, add, chooseButton(applications, add))};
 }
 
