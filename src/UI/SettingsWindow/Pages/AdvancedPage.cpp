@@ -1,9 +1,9 @@
 #include "Core/Characters.h"
 #include "Core/HotKeys.h"
 #include "Core/LoginSwitch.h"
-#include "Core/RelativeTime.h"
 #include "Core/Settings.h"
 #include "Core/Updater.h"
+#include "Core/UpdaterStatus.h"
 #include "Platform/DesktopExtension.h"
 #include "Platform/MainLoop.h"
 #include "Platform/PowerEvents.h"
@@ -31,26 +31,6 @@ namespace {
 
 constexpr Seconds minute = 60;
 constexpr qsizetype longest = 4000; // characters of what a feed says; nobody reads on
-
-/// The line under the version.
-struct StatusLine {
-    const std::optional<Instant> &lastCheck;
-    Instant now;
-
-    QString operator()(const Updater::Available &state) const {
-        return u"Version %1 is available"_s.arg(state.version);
-    }
-    QString operator()(const Updater::Downloading &) const { return {}; } // a bar instead
-    QString operator()(const Updater::Failed &state) const { return state.message; }
-    QString operator()(const Updater::Idle &) const {
-        return lastCheck ? u"Last checked "_s + relativeTime(*lastCheck, now) : u"Not checked yet"_s;
-    }
-    QString operator()(const Updater::Checking &) const { return u"Checking…"_s; }
-    QString operator()(const Updater::UpToDate &) const { return u"You are up to date."_s; }
-    QString operator()(const Updater::ReadyToRestart &) const {
-        return u"Installing — Pavonel will restart."_s;
-    }
-};
 
 QString shortened(const QString &text) {
     return text.size() <= longest ? text : beginning(text, longest) + u'…';
@@ -108,8 +88,7 @@ private:
     }
 
     void describe() {
-        const StatusLine line{updater_.lastCheck, visuals().loop().now()};
-        line_->setText(shortened(std::visit(line, updater_.state.get())));
+        line_->setText(shortened(updaterStatus(updater_, visuals().loop().now())));
         line_->setVisible(!line_->text().isEmpty());
     }
 
