@@ -3,7 +3,6 @@
 #include "Platform/Appearance.h"
 #include "UI/Style/Visuals.h"
 
-#include <QApplication>
 #include <QKeyEvent>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -27,18 +26,6 @@ ScrollArea::ScrollArea(QWidget *content) {
     setWidget(content);
     content->setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) { follow(now); });
-}
-
-ScrollArea::~ScrollArea() {
-    disconnect(qApp, nullptr, this, nullptr); // the keyboard leaves the content as that goes
-}
-
-/// The toolkit does so only for the keys that lead from one to the next in here. What is under the pointer
-/// stays there.
-void ScrollArea::follow(QWidget *focused) {
-    if (focused && widget()->isAncestorOf(focused) && !focused->underMouse())
-        ensureWidgetVisible(focused);
 }
 
 /// One that shows all it has leaves the keys to others.

@@ -11,14 +11,12 @@ namespace pavonel {
 class ScrollArea : public QScrollArea {
 public:
     explicit ScrollArea(QWidget *content);
-    ~ScrollArea() override;
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:
-    void follow(QWidget *focused);
     void glideBy(double distance);
     void glide();
 

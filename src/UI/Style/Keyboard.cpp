@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QKeyEvent>
+#include <QScrollArea>
 
 namespace pavonel {
 
@@ -26,6 +27,15 @@ bool takeKey(QAbstractButton &button, QKeyEvent &event) {
     return true;
 }
 
+/// Which Qt does only for the Tab key. What is under the pointer stays there.
+void bringInSight(QWidget &control) {
+    for (QWidget *parent = control.parentWidget(); parent && !control.underMouse();
+         parent = parent->parentWidget()) {
+        if (auto *area = qobject_cast<QScrollArea *>(parent))
+            area->ensureWidgetVisible(&control);
+    }
+}
+
 } // namespace
 
 bool isReturn(const QKeyEvent &event) {
@@ -37,6 +47,7 @@ bool Keyboard::eventFilter(QObject *watched, QEvent *event) {
     switch (event->type()) {
     case QEvent::FocusIn:
         FocusRing::focusIn(*widget, static_cast<QFocusEvent *>(event)->reason());
+        bringInSight(*widget);
         return false;
     case QEvent::FocusOut:
         FocusRing::focusOut(*widget, static_cast<QFocusEvent *>(event)->reason());
