@@ -29,4 +29,13 @@ QString weekdayName(int weekday) {
     return QLocale(QLocale::English, QLocale::UnitedStates).dayName(weekday == 1 ? 7 : weekday - 1);
 }
 
+QString weekdayOf(const QString &abbreviation) {
+    const QLocale english(QLocale::English, QLocale::UnitedStates);
+    for (int day = Qt::Monday; day <= Qt::Sunday; ++day) {
+        if (english.dayName(day, QLocale::ShortFormat) == abbreviation)
+            return english.dayName(day);
+    }
+    return abbreviation;
+}
+
 } // namespace pavonel

@@ -17,4 +17,7 @@ std::vector<int> weekdaysInOrder();
 /// In English, as all texts are.
 QString weekdayName(int weekday);
 
+/// The same of an abbreviated one, such as "Mon"; what is none stays as it is.
+QString weekdayOf(const QString &abbreviation);
+
 } // namespace pavonel

@@ -17,6 +17,12 @@ TEST(CalendarText, begins_with_the_first_day_of_the_users_week) {
     QLocale::setDefault(QLocale::c());
 }
 
+TEST(CalendarText, completes_an_abbreviated_weekday) {
+    EXPECT_EQ(weekdayOf(u"Mon"_s), u"Monday"_s);
+    EXPECT_EQ(weekdayOf(u"Sun"_s), u"Sunday"_s);
+    EXPECT_EQ(weekdayOf(u"Today"_s), u"Today"_s);
+}
+
 TEST(CalendarText, writes_hours_as_the_users_clock_shows_them) {
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
     EXPECT_EQ(hourText(9), u"09"_s);

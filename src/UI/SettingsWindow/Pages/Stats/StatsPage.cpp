@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 
 namespace pavonel {
 
@@ -132,45 +133,36 @@ private:
 
 /// A button that forgets all statistics at once. For as long as the page is shown it can be undone; what was
 /// counted since is kept then.
-class ResetRow final : public QWidget {
-public:
-    explicit ResetRow(Stats &stats)
-        : stats_(stats), undo_(new Button(QStringLiteral("Undo"), ButtonRole::bare)) {
-        auto *reset = new Button(QStringLiteral("Reset stats"));
-        auto *buttons = line(this);
-        buttons->addWidget(reset);
-        buttons->addWidget(undo_);
-        buttons->addStretch();
-        undo_->setAccessibleName(QStringLiteral("Undo the reset"));
-        undo_->hide();
-        connect(reset, &Button::clicked, this, [this] { forget(); });
-        connect(undo_, &Button::clicked, this, [this] { bringBack(); });
-    }
-
-private:
-    void forget() {
-        forgotten_ = sum(std::move(forgotten_), stats_.days());
-        stats_.setDays({});
-        stats_.save();
-        undo_->setVisible(!forgotten_.empty());
-    }
-
-    void bringBack() {
-        stats_.setDays(sum(stats_.days(), std::exchange(forgotten_, {})));
-        stats_.save();
-        undo_->hide();
-    }
-
-    Stats &stats_;
-    Button *undo_;
-    Days forgotten_;
-};
+QWidget *resetRow(Stats &stats) {
+    auto *row = new QWidget;
+    auto *reset = new Button(u"Reset stats"_s);
+    auto *undo = new Button(u"Undo"_s, ButtonRole::bare);
+    auto *buttons = line(row);
+    buttons->addWidget(reset);
+    buttons->addWidget(undo);
+    buttons->addStretch();
+    undo->setAccessibleName(u"Undo the reset"_s);
+    undo->hide();
+    const auto forgotten = std::make_shared<Days>();
+    QObject::connect(reset, &Button::clicked, row, [&stats, undo, forgotten] {
+        *forgotten = sum(std::move(*forgotten), stats.days());
+        stats.setDays({});
+        stats.save();
+        undo->setVisible(!forgotten->empty());
+    });
+    QObject::connect(undo, &Button::clicked, row, [&stats, undo, forgotten] {
+        stats.setDays(sum(stats.days(), std::exchange(*forgotten, {})));
+        stats.save();
+        undo->hide();
+    });
+    return row;
+}
 
 } // namespace
 
 QWidgetList statsPage(PageContext &context) {
     Stats &stats = context.stats;
-    return {card(u"Last 7 days"_s, {}, {new WeekSection(stats)}), new ResetRow(stats)};
+    return {card(u"Last 7 days"_s, {}, {new WeekSection(stats)}), resetRow(stats)};
 }
 
 } // namespace pavonel

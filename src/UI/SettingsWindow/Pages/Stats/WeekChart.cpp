@@ -1,5 +1,6 @@
 #include "UI/SettingsWindow/Pages/Stats/WeekChart.h"
 
+#include "Core/CalendarText.h"
 #include "Core/ClockText.h"
 #include "Core/DaySums.h"
 #include "UI/Controls/Accessibility.h"
@@ -10,7 +11,6 @@
 #include <QFontMetricsF>
 #include <QHoverEvent>
 #include <QKeyEvent>
-#include <QLocale>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -30,19 +30,10 @@ constexpr double widestBar = 44;
 constexpr double gapInBar = 3;
 constexpr double thinnestPart = 3;
 
-QString weekday(const QString &abbreviation) {
-    const QLocale english(QLocale::English, QLocale::UnitedStates);
-    for (int day = Qt::Monday; day <= Qt::Sunday; ++day) {
-        if (english.dayName(day, QLocale::ShortFormat) == abbreviation)
-            return english.dayName(day);
-    }
-    return abbreviation;
-}
-
 /// "Monday: 5h 20m at the screen, 20m on breaks."
 QString sentence(const LabelledDay &day) {
     return QStringLiteral("%1: %2 at the screen, %3 on breaks.")
-        .arg(weekday(day.label), humanText(day.day.screenSeconds), humanText(day.day.breakSeconds));
+        .arg(weekdayOf(day.label), humanText(day.day.screenSeconds), humanText(day.day.breakSeconds));
 }
 
 double partHeight(Seconds duration, double scale) {
@@ -216,7 +207,7 @@ void WeekChart::paintLegend(QPainter &painter) const {
         const auto &[label, figures] = days_[*hovered_];
         screen = humanText(figures.screenSeconds) + QStringLiteral(" at the screen");
         breaks = humanText(figures.breakSeconds) + QStringLiteral(" on breaks");
-        write(weekday(label), palette.text);
+        write(weekdayOf(label), palette.text);
     }
     for (const auto &[text, colour] : {std::pair(screen, palette.accent), std::pair(breaks, palette.track)}) {
         painter.setPen(Qt::NoPen);
