@@ -62,10 +62,9 @@ void Style::polish(QWidget *widget) {
     QProxyStyle::polish(widget);
     if (isList(widget))
         widget->setAttribute(Qt::WA_TranslucentBackground, visuals_.canBlend());
-    if (widget->focusPolicy() & Qt::TabFocus || qobject_cast<QAbstractButton *>(widget)) {
+    if (widget->focusPolicy() & Qt::TabFocus || qobject_cast<QAbstractButton *>(widget))
         widget->setAttribute(Qt::WA_Hover);
-        widget->installEventFilter(&keyboard_);
-    }
+    widget->installEventFilter(&keyboard_); // once, however often
     giveType(*widget);
 }
 

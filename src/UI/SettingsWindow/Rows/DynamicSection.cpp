@@ -5,7 +5,6 @@
 #include "UI/Style/FocusRing.h"
 #include "UI/Style/Visuals.h"
 
-#include <QFocusEvent>
 #include <QPainter>
 
 namespace pavonel {
@@ -22,14 +21,6 @@ public:
     }
 
 protected:
-    void focusInEvent(QFocusEvent *event) override {
-        FocusRing::focusIn(*this, event->reason());
-        update();
-    }
-    void focusOutEvent(QFocusEvent *event) override {
-        FocusRing::focusOut(*this, event->reason());
-        update();
-    }
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
         constexpr double inset = FocusRing::room;
