@@ -47,7 +47,8 @@ QWidget *progressBar(double progress) {
     return bar;
 }
 
-/// Shows one state; made anew for the next.
+/// The version that runs, how it stands with newer ones, and what can be done about that now. Shows one
+/// state; made anew for the next.
 class StatusRow final : public CardRow {
 public:
     explicit StatusRow(Updater &updater) : updater_(updater) {
@@ -97,11 +98,6 @@ private:
     TimerHandle minutes_; ///< While the line tells of a time that passes.
 };
 
-/// The version that runs, how it stands with newer ones, and what can be done about that now.
-QWidget *updateStatus(Updater &updater) {
-    return dynamicSection({&updater}, [&updater] { return QWidgetList{new StatusRow(updater)}; });
-}
-
 QWidget *updateCard(PageContext &context) {
     Updater &updater = context.updater;
     UserDefaults &defaults = context.defaults;
@@ -110,7 +106,7 @@ QWidget *updateCard(PageContext &context) {
         [&defaults](bool wanted) { defaults.set(Updater::automaticKey, wanted); });
     return card(u"Updates"_s, {},
                 {
-                    updateStatus(updater),
+                    dynamicSection({&updater}, [&updater] { return QWidgetList{new StatusRow(updater)}; }),
                     switchRow(u"Check automatically"_s, automatic, u"Once a day, in the background"_s),
                 });
 }

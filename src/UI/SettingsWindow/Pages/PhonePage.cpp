@@ -191,16 +191,12 @@ QWidgetList waitingParts(Phone &phone, const QString &code) {
             buttonRow(u"Cancel"_s, [&phone] { phone.unpair(); })};
 }
 
-QWidgetList pairedParts(Phone &phone) {
-    return {card(u"Paired"_s, {}, {pairedRow([&phone] { phone.unpair(); })})};
-}
-
 QWidgetList phoneParts(Phone &phone) {
     const Phone::State &state = phone.state;
     if (const auto *waiting = std::get_if<Phone::Waiting>(&state))
         return waitingParts(phone, waiting->code);
     if (std::holds_alternative<Phone::Paired>(state))
-        return pairedParts(phone);
+        return {card(u"Paired"_s, {}, {pairedRow([&phone] { phone.unpair(); })})};
     const auto *failed = std::get_if<Phone::Failed>(&state);
     return unpairedParts(phone, failed ? failed->message : QString());
 }

@@ -78,10 +78,6 @@ QWidget *note(const TextSource &source, Text::Style style, const QMargins &margi
     return place;
 }
 
-TextSource always(const QString &sentence) {
-    return [sentence] { return sentence; };
-}
-
 } // namespace
 
 Switch *boundSwitch(const QString &name, const ValueBinding<bool> &isOn) {
@@ -136,7 +132,7 @@ QWidget *cardNote(const TextSource &text, Text::Style style) {
 }
 
 QWidget *cardNote(const QString &sentence) {
-    return cardNote(always(sentence));
+    return cardNote([sentence] { return sentence; });
 }
 
 QWidget *pageNote(const TextSource &text, Text::Style style) {
@@ -144,7 +140,7 @@ QWidget *pageNote(const TextSource &text, Text::Style style) {
 }
 
 QWidget *pageNote(const QString &sentence, Text::Style style) {
-    return pageNote(always(sentence), style);
+    return pageNote([sentence] { return sentence; }, style);
 }
 
 QWidget *limitationNote(const Service &service) {

@@ -81,11 +81,6 @@ private:
     ListRow::Entry entry_;
 };
 
-bool fits(const InstalledApplication &application, const QString &words) {
-    return application.name.contains(words, Qt::CaseInsensitive) ||
-           application.bundleIdentifier.contains(words, Qt::CaseInsensitive);
-}
-
 /// A sheet over the whole window that lists the installed applications. It goes with a choice, with Escape,
 /// with its button, and with a click beside it, which a `QDialog`, a window of its own, would not see.
 class AppChooser final : public QWidget {
@@ -153,7 +148,8 @@ private:
         title->addWidget(new Text(accessibleName(), Text::Style::cardTitle));
         lines->addLayout(title);
         lines->addWidget(search_);
-        connect(search_, &QLineEdit::textChanged, this, [this](const QString &words) { search(words); });
+        connect(search_, &QLineEdit::textChanged, this,
+                [this](const QString &words) { search(words.trimmed()); });
         connect(search_, &QLineEdit::returnPressed, this, [this] {
             if (!search_->text().trimmed().isEmpty() && !rows_->keys().isEmpty())
                 take(rows_->keys().front());
@@ -188,16 +184,16 @@ private:
     QWidget *row(const QString &identifier) {
         const auto &application =
             *std::ranges::find(all_, identifier, &InstalledApplication::bundleIdentifier);
-        auto *row = new AppRow(application, appIcon(applications_, application, ListRow::pictureSide()));
+        auto *row = new AppRow(application, appIcon(applications_, application));
         connect(row, &AppRow::clicked, this, [this, identifier] { take(identifier); });
         return row;
     }
 
     void search(const QString &words) {
         QStringList found;
-        for (const InstalledApplication &application : all_) {
-            if (fits(application, words.trimmed()))
-                found.append(application.bundleIdentifier);
+        for (const auto &[identifier, name] : all_) {
+            if (name.contains(words, Qt::CaseInsensitive) || identifier.contains(words, Qt::CaseInsensitive))
+                found.append(identifier);
         }
         rows_->setKeys(found);
         nothing_->setVisible(found.isEmpty());
@@ -227,7 +223,8 @@ private:
 
 } // namespace
 
-QImage appIcon(InstalledApplications &applications, const InstalledApplication &application, int side) {
+QImage appIcon(InstalledApplications &applications, const InstalledApplication &application) {
+    const int side = ListRow::pictureSide();
     const double ratio = qGuiApp->devicePixelRatio();
     const int pixels = qRound(side * ratio);
     QImage square(pixels, pixels, QImage::Format_ARGB32_Premultiplied);

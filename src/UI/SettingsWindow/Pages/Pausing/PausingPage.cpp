@@ -28,16 +28,8 @@ std::function<ListRow::Entry(const QString &)> entriesOf(InstalledApplications &
             std::ranges::find(**installed, identifier, &InstalledApplication::bundleIdentifier);
         const bool known = found != (*installed)->end();
         const InstalledApplication shown = known ? *found : InstalledApplication{identifier, identifier};
-        return {shown.name, known ? identifier : QString(),
-                appIcon(applications, shown, ListRow::pictureSide())};
+        return {shown.name, known ? identifier : QString(), appIcon(applications, shown)};
     };
-}
-
-QWidget *chooseButton(InstalledApplications &applications, const std::function<void(const QString &)> &add) {
-    auto *button = new Button(u"Choose app…"_s);
-    QObject::connect(button, &Button::clicked, button,
-                     [&applications, button, add] { chooseApplication(applications, *button, add); });
-    return button;
 }
 
 QWidgetList focusAppParts(Settings &settings, InstalledApplications &applications) {
@@ -45,8 +37,11 @@ QWidgetList focusAppParts(Settings &settings, InstalledApplications &application
         if (const QStringList apps = settings.deepFocusApps; !apps.contains(identifier))
             settings.deepFocusApps = apps + QStringList(identifier);
     };
+    auto *choose = new Button(u"Choose app…"_s);
+    QObject::connect(choose, &Button::clicked, choose,
+                     [&applications, choose, add] { chooseApplication(applications, *choose, add); });
     return {textList(settings.deepFocusApps, {u"None yet"_s, entriesOf(applications)}),
-            addField(u"or a bundle id"_s, u"Add the bundle id"_s, add, chooseButton(applications, add))};
+            addField(u"or a bundle id"_s, u"Add the bundle id"_s, add, choose)};
 }
 
 } // namespace

@@ -7,7 +7,6 @@
 #include "UI/Controls/Button.h"
 #include "UI/Controls/CardRow.h"
 #include "UI/Controls/Layouts.h"
-#include "UI/Controls/LineEdit.h"
 #include "UI/Controls/PopUpButton.h"
 #include "UI/Controls/Stepper.h"
 #include "UI/Controls/Switch.h"
