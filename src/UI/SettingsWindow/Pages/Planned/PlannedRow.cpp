@@ -18,16 +18,16 @@
 #include <QSignalBlocker>
 
 #include <algorithm>
+#include <memory>
 
 namespace pavonel {
 
 namespace {
 
 constexpr int lineHeight = 36;
-constexpr int air = 9; // above and below the lines
-constexpr int gap = 8; // beside the time
-constexpr int left = CardRow::margin - FocusRing::room;
-constexpr int right = left;
+constexpr int air = 9;                                  // above and below the lines
+constexpr int gap = 8;                                  // beside the time
+constexpr int side = CardRow::margin - FocusRing::room; // of the controls, which have that room around them
 
 /// Whether the label and the time stand side by side, as do the weekdays and the length.
 bool isWide(int width) {
@@ -50,12 +50,19 @@ QBoxLayout *pairOf(QLayout *one, QLayout *other) {
     return pair;
 }
 
-template <class T> ValueBinding<T> partOf(const ValueBinding<PlannedBreak> &planned, T PlannedBreak::*part) {
-    return {[planned, part] { return planned.get().*part; },
-            [planned, part](const T &value) {
-                PlannedBreak changed = planned.get();
-                changed.*part = value;
-                planned.set(changed);
+/// The record as the row shows it. Looking it up costs the more, the more of them there are.
+struct Record {
+    ValueBinding<PlannedBreak> kept;
+    PlannedBreak shown = kept.get();
+};
+using RecordPointer = std::shared_ptr<Record>;
+
+template <class T> ValueBinding<T> partOf(const RecordPointer &record, T PlannedBreak::*part) {
+    return {[record, part] { return record->shown.*part; },
+            [record, part](const T &value) {
+                record->shown = record->kept.get();
+                record->shown.*part = value;
+                record->kept.set(record->shown);
             }};
 }
 
@@ -79,10 +86,9 @@ Button *weekdayToggle(int weekday, const ValueBinding<std::set<int>> &chosen) {
     toggle->setToolTip(weekdayName(weekday));
     QObject::connect(toggle, &Button::toggled, toggle, [weekday, chosen](bool on) {
         std::set<int> weekdays = chosen.get();
+        weekdays.erase(weekday);
         if (on)
             weekdays.insert(weekday);
-        else
-            weekdays.erase(weekday);
         chosen.set(weekdays);
     });
     follow(*toggle, [toggle, weekday, get = chosen.get] {
@@ -92,7 +98,7 @@ Button *weekdayToggle(int weekday, const ValueBinding<std::set<int>> &chosen) {
     return toggle;
 }
 
-QHBoxLayout *timeHalf(const ValueBinding<PlannedBreak> &planned, Button *remove) {
+QHBoxLayout *timeHalf(const RecordPointer &planned, Button *remove) {
     auto *time = half(CardRow::margin - besideSymbol());
     time->addWidget(numberPicker(QStringLiteral("Hour"), partOf(planned, &PlannedBreak::hour), 24, hourText));
     time->addWidget(new Text(QStringLiteral(":"), Text::Style::label));
@@ -106,7 +112,7 @@ QHBoxLayout *timeHalf(const ValueBinding<PlannedBreak> &planned, Button *remove)
     return time;
 }
 
-QHBoxLayout *daysHalf(const ValueBinding<PlannedBreak> &planned) {
+QHBoxLayout *daysHalf(const RecordPointer &planned) {
     auto *days = half();
     for (const int weekday : weekdaysInOrder())
         days->addWidget(weekdayToggle(weekday, partOf(planned, &PlannedBreak::weekdays)));
@@ -114,8 +120,8 @@ QHBoxLayout *daysHalf(const ValueBinding<PlannedBreak> &planned) {
     return days;
 }
 
-QHBoxLayout *lengthHalf(const ValueBinding<PlannedBreak> &planned) {
-    auto *length = half(right, 6);
+QHBoxLayout *lengthHalf(const RecordPointer &planned) {
+    auto *length = half(side, 6);
     length->addStretch();
     length->addWidget(new Text(QStringLiteral("For"), Text::Style::secondary));
     length->addWidget(boundStepper(QStringLiteral("Duration"), partOf(planned, &PlannedBreak::duration),
@@ -125,27 +131,31 @@ QHBoxLayout *lengthHalf(const ValueBinding<PlannedBreak> &planned) {
 
 } // namespace
 
-PlannedRow::PlannedRow(const ValueBinding<PlannedBreak> &planned, std::function<void()> remove)
-    : label_(boundField(QStringLiteral("Label"), partOf(planned, &PlannedBreak::label),
-                        QStringLiteral("Label"))),
-      head_(half()), days_(daysHalf(planned)), length_(lengthHalf(planned)) {
-    auto *button = Button::ofSymbol(QStringLiteral("xmark.circle.fill"), QStringLiteral("Remove"));
-    time_ = timeHalf(planned, button);
-    head_->addWidget(label_);
-    auto *lines = column();
-    lines->addLayout(first_ = pairOf(head_, time_));
-    lines->addLayout(second_ = pairOf(days_, length_));
-    layout()->setContentsMargins(left, air, 0, air);
-    layout()->setSizeConstraint(QLayout::SetNoConstraint);
-    static_cast<QHBoxLayout *>(layout())->addLayout(lines);
+PlannedRow::PlannedRow(const ValueBinding<PlannedBreak> &planned, std::function<void()> remove) {
     setAccessibleRole(*this, QAccessible::Grouping);
-    connect(button, &Button::clicked, this, std::move(remove), Qt::QueuedConnection); // this row goes with it
-    follow(*this, [this, button, planned] {
+    const auto record = std::make_shared<Record>(Record{planned});
+    auto *button = Button::ofSymbol(QStringLiteral("xmark.circle.fill"), {});
+    follow(*this, [this, button, record] { // before the controls do
         constexpr qsizetype longest = 100;
-        const QString name = beginning(planned.get().label, longest).simplified();
+        record->shown = record->kept.get();
+        const QString name = beginning(record->shown.label, longest).simplified();
         setAccessibleName(name.isEmpty() ? QStringLiteral("Planned break") : name);
         button->setAccessibleName(QStringLiteral("Remove ") + name);
     });
+    label_ =
+        boundField(QStringLiteral("Label"), partOf(record, &PlannedBreak::label), QStringLiteral("Label"));
+    head_ = half();
+    head_->addWidget(label_);
+    time_ = timeHalf(record, button);
+    days_ = daysHalf(record);
+    length_ = lengthHalf(record);
+    auto *lines = column();
+    lines->addLayout(first_ = pairOf(head_, time_));
+    lines->addLayout(second_ = pairOf(days_, length_));
+    layout()->setContentsMargins(side, air, 0, air);
+    layout()->setSizeConstraint(QLayout::SetNoConstraint);
+    static_cast<QHBoxLayout *>(layout())->addLayout(lines);
+    connect(button, &Button::clicked, this, std::move(remove), Qt::QueuedConnection); // this row goes with it
 }
 
 void PlannedRow::takeKeyboard() {
@@ -160,7 +170,7 @@ int PlannedRow::heightAt(int width) {
 QSize PlannedRow::minimumSizeHint() const {
     const int widest =
         std::max({time_->sizeHint().width(), days_->sizeHint().width(), length_->sizeHint().width()});
-    return {left + widest, heightAt(width())};
+    return {side + widest, heightAt(width())};
 }
 
 /// The controls keep their order, on however many lines they stand.
@@ -170,7 +180,7 @@ void PlannedRow::resizeEvent(QResizeEvent *) {
         pair->setDirection(wide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
         pair->setSpacing(wide ? gap : 0);
     }
-    head_->setContentsMargins(0, 0, wide ? 0 : right, 0);
+    head_->setContentsMargins(0, 0, wide ? 0 : side, 0);
     layout()->activate();
 }
 
