@@ -75,7 +75,9 @@ protected:
         if (event->spontaneous())
             return; // to the user, minimised is still open
         dropPage();
-        giveUpPixels();
+        // They are most of what a hidden window takes; the next showing makes them anew.
+        if (QBackingStore *pixels = backingStore())
+            pixels->resize(QSize(1, 1));
     }
 
 private:
@@ -125,12 +127,6 @@ private:
     void followAppearance() {
         setPalette(visuals().toolkitPalette()); // and thereby a repaint of everything
         update();
-    }
-
-    /// They are most of what a hidden window takes; the next showing makes them anew.
-    void giveUpPixels() {
-        if (QBackingStore *pixels = backingStore())
-            pixels->resize(QSize(1, 1));
     }
 
     PageContext context_;

@@ -30,12 +30,13 @@ protected:
 
 private:
     void refresh() {
-        const QWidget *focused = focusedChild();
-        const bool hadKeyboard = focused || hasFocus();
-        const bool ringed = FocusRing::isOn(focused ? *focused : *this);
+        const QWidget *focused = window()->focusWidget();
+        const bool inside = focused && isAncestorOf(focused);
+        const bool hadKeyboard = inside || hasFocus();
+        const bool ringed = FocusRing::isOn(inside ? *focused : *this);
         const Qt::FocusReason reason = ringed ? Qt::TabFocusReason : Qt::OtherFocusReason;
         const QStringList before = texts();
-        if (focused)
+        if (inside)
             setFocus(reason); // it would leave with what has it
         build();
         say(before);
@@ -74,11 +75,6 @@ private:
             layout()->addWidget(widget);
             widget->setVisible(!wantsToHide); // now, not in a moment, when nothing would have been there
         }
-    }
-
-    const QWidget *focusedChild() const {
-        const QWidget *focused = window()->focusWidget();
-        return focused && isAncestorOf(focused) ? focused : nullptr;
     }
 
     /// While there is nothing to act on, it has the keyboard itself. What has it tells what is new: that is
