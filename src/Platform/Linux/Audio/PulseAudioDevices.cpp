@@ -61,9 +61,9 @@ void PulseAudioDevices::connectIfDue() {
     wasThere_ = isThere;
     if (now < nextAttempt_)
         return;
-    nextAttempt_ = now + pause_;
     // A client's configuration can name a server elsewhere, so one is looked for even without a socket.
-    pause_ = std::min<Clock::duration>(pause_ * 2, isThere ? longestPause : longestPauseWithoutSocket);
+    nextAttempt_ = now + (isThere ? pause_ : pauseWithoutSocket);
+    pause_ = std::min<Clock::duration>(pause_ * 2, longestPause);
     pulse_ = PulseLibrary::load();
     context_ = pulse_ ? pulse_->pa_context_new(loop_.api(), "Pavonel") : nullptr;
     if (!context_) {

@@ -68,7 +68,7 @@ private:
 
     static constexpr std::chrono::seconds shortestPause{1};
     static constexpr std::chrono::seconds longestPause{30};
-    static constexpr std::chrono::minutes longestPauseWithoutSocket{10};
+    static constexpr std::chrono::minutes pauseWithoutSocket{10};
 };
 
 } // namespace pavonel
