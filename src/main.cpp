@@ -3,6 +3,7 @@
 #include "Core/HotKeys.h"
 #include "Core/Phone.h"
 #include "Core/Updater.h"
+#include "Platform/Allocator.h"
 #include "Platform/BackgroundTask.h"
 #include "Platform/CarriedFonts.h"
 #include "Platform/GivenEnvironment.h"
@@ -80,6 +81,7 @@ void surviveTheLossOfAReader() {
 }
 
 int start(int &argc, char **argv) {
+    returnFreedMemory();
     surviveTheLossOfABus();
     if (!Phone::serviceAddress()) {
         std::fputs("pavonel: PAVONEL_PAIR_HOST is not the address of a pairing service\n", stderr);

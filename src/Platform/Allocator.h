@@ -2,8 +2,8 @@
 
 namespace pavonel {
 
-/// Has the heap give back to the system what is freed in it, however large the blocks were. Holds for the
-/// whole process.
+/// Has the heap give back to the system what is freed in it, however large the blocks were, and all threads
+/// share one heap. Holds for the whole process; to be called before there are other threads.
 void returnFreedMemory();
 
 } // namespace pavonel

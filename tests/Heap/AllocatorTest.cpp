@@ -1,4 +1,4 @@
-#include "Platform/Linux/Allocator.h"
+#include "Platform/Allocator.h"
 
 #include <QByteArray>
 

@@ -1,4 +1,3 @@
-#include "Platform/Linux/Allocator.h"
 #include "Platform/Linux/Applications/LinuxApplications.h"
 #include "Platform/Linux/Applications/LinuxInstalledApplications.h"
 #include "Platform/Linux/Audio/EventSounds.h"
@@ -237,7 +236,6 @@ HeadlessPlatform makeHeadlessPlatform() {
 }
 
 std::unique_ptr<Platform> makePlatform() {
-    returnFreedMemory();
     const auto x11 = x11Connection();
     const auto wayland = waylandConnection(x11);
     auto platform = std::make_unique<Platform>();
