@@ -22,7 +22,8 @@ bool mayBeReachable() {
     const QByteArray folder = qEnvironmentVariableIsSet("PULSE_RUNTIME_PATH")
                                   ? qgetenv("PULSE_RUNTIME_PATH")
                                   : qgetenv("XDG_RUNTIME_DIR") + "/pulse";
-    return ::access((folder + "/native").constData(), F_OK) == 0;
+    return ::access((folder + "/native").constData(), F_OK) == 0 ||
+           ::access("/run/pulse/native", F_OK) == 0; // one for all users
 }
 
 } // namespace
