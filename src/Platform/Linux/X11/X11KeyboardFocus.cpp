@@ -45,6 +45,9 @@ void X11KeyboardFocus::yield() {
     listening_.reset();
     insistence_.stop();
     const xcb_window_t ours = std::exchange(ours_, XCB_WINDOW_NONE);
+    // A window manager that gives the keyboard to somebody in this moment does so before we look or after we
+    // have spoken, and so has the last word.
+    xcb_grab_server(connection_->xcb());
     if (focused() == ours) {
         const xcb_window_t active = connection_->number(connection_->root(), "_NET_ACTIVE_WINDOW");
         if (isViewable(previous_))
@@ -52,6 +55,7 @@ void X11KeyboardFocus::yield() {
         else
             setFocus(isViewable(active) ? active : xcb_window_t{XCB_INPUT_FOCUS_POINTER_ROOT});
     }
+    xcb_ungrab_server(connection_->xcb());
     connection_->flush();
 }
 
