@@ -7,6 +7,7 @@
 #include "support/files.h"
 #include "support/waitUntil.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTcpSocket>
@@ -98,8 +99,10 @@ TEST_F(LinuxApplicationsTest, a_recorder_that_a_program_turns_into_late_is_notic
         for (int look = 0; look < untilItIsOld; ++look)
             EXPECT_FALSE(isRunning(obsStudio));
         const QString recorder = copyOf(sleepProgram, QStringLiteral("obs"));
-        if (isThereBefore)
+        if (isThereBefore) {
+            QCoreApplication::processEvents();
             isRunning(obsStudio);
+        }
         shell.process().write("\n");
         const QString executable = QStringLiteral("/proc/%1/exe").arg(shell.process().processId());
         ASSERT_TRUE(waitUntil([&] { return QFile::symLinkTarget(executable) == recorder; }));

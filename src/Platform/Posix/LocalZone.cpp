@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 
+#include <chrono>
 #include <ctime>
 
 #include <sys/stat.h>
@@ -9,6 +10,8 @@
 namespace pavonel {
 
 namespace {
+
+constexpr std::chrono::seconds betweenLooks{5};
 
 /// The C library knows forms of `TZ` that Qt does not, such as a path or a rule without dates.
 int offsetOfTheCLibrary() {
@@ -34,6 +37,9 @@ LocalZone::Origin LocalZone::Origin::now() {
 }
 
 QTimeZone LocalZone::current() {
+    if (zone_.isValid() && !untilNextLook_.hasExpired())
+        return zone_;
+    untilNextLook_.setRemainingTime(betweenLooks);
     Origin origin = Origin::now();
     if (zone_.isValid() && origin == origin_)
         return zone_;

@@ -1,14 +1,15 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDeadlineTimer>
 #include <QTimeZone>
 
 #include <sys/types.h>
 
 namespace pavonel {
 
-/// The user's time zone as the system has it at this moment. It is asked every second, so it is looked up
-/// anew only when the system's setting has been touched.
+/// The user's time zone as the system has it, or had it some seconds ago. It is asked every second, so the
+/// system's setting is looked at less often, and the zone looked up anew only when that has been touched.
 class LocalZone {
 public:
     /// Where the zone has no name that Qt knows, a zone of today's offset.
@@ -27,6 +28,7 @@ private:
         bool operator==(const Origin &) const = default;
     };
 
+    QDeadlineTimer untilNextLook_;
     Origin origin_;
     QTimeZone zone_;
 };

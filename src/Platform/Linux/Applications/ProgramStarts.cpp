@@ -9,7 +9,14 @@
 namespace pavonel {
 
 ProgramStarts::ProgramStarts(QByteArrayList names, const QByteArrayList &folders)
-    : names_(std::move(names)), notices_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+    : names_(std::move(names)), notices_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
+      arrival_(QSocketNotifier::Read) {
+    if (notices_ < 0)
+        return;
+    QObject::connect(&arrival_, &QSocketNotifier::activated, &arrival_,
+                     [this] { arrival_.setEnabled(false); });
+    arrival_.setSocket(notices_);
+    arrival_.setEnabled(true);
     for (const QByteArray &folder : folders) {
         const int watched = ::inotify_add_watch(notices_, folder.constData(), IN_CREATE | IN_MOVED_TO);
         if (watched < 0)
@@ -37,6 +44,9 @@ void ProgramStarts::watch(const QByteArray &file) const {
 }
 
 bool ProgramStarts::anyNew() {
+    if (notices_ < 0 || arrival_.isEnabled())
+        return false;
+    arrival_.setEnabled(true);
     alignas(inotify_event) std::array<char, 4096> buffer{};
     bool any = false;
     for (;;) {

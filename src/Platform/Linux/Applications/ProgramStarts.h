@@ -1,13 +1,14 @@
 #pragma once
 
 #include <QByteArrayList>
+#include <QSocketNotifier>
 
 #include <map>
 
 namespace pavonel {
 
 /// Tells that certain programs may have been started, by whatever process: their files were opened. It asks
-/// nothing of anybody, so it costs nothing while none of them is.
+/// nothing of anybody, so it costs nothing while none of them is. Needs a running main loop.
 class ProgramStarts {
 public:
     /// Looks for the names in the folders, now and as soon as a file of such a name comes there.
@@ -28,6 +29,7 @@ private:
 
     QByteArrayList names_;
     int notices_;
+    QSocketNotifier arrival_; ///< Off while notices wait to be read.
     std::map<int, QByteArray> folders_;
 };
 

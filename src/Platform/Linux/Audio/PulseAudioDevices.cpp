@@ -54,6 +54,9 @@ bool PulseAudioDevices::ask(Device &device) {
 
 void PulseAudioDevices::connectIfDue() {
     const auto now = Clock::now();
+    if (!wasThere_ && now < nextLook_)
+        return;
+    nextLook_ = now + betweenLooks;
     const bool isThere = mayBeReachable();
     if (isThere && !wasThere_) {
         pause_ = shortestPause;

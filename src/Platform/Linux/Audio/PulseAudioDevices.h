@@ -65,10 +65,12 @@ private:
     Clock::duration pause_ = shortestPause;
     Clock::time_point nextAttempt_;
     bool wasThere_ = false; ///< The server's socket, at the last look.
+    Clock::time_point nextLook_;
 
     static constexpr std::chrono::seconds shortestPause{1};
     static constexpr std::chrono::seconds longestPause{30};
     static constexpr std::chrono::minutes pauseWithoutSocket{10};
+    static constexpr std::chrono::seconds betweenLooks{5}; ///< For a socket that is not there.
 };
 
 } // namespace pavonel
