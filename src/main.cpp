@@ -1,4 +1,5 @@
 #include "AppDelegate.h"
+#include "CodeReturn.h"
 #include "CommandLine.h"
 #include "Core/HotKeys.h"
 #include "Core/Phone.h"
@@ -93,6 +94,7 @@ int start(int &argc, char **argv) {
     useCarriedFonts();
     std::optional<QApplication> application;
     makeApplication(application, argc, argv);
+    const CodeReturn codeReturn;
     const auto instance = makeSingleInstance();
     const SingleInstance::Role role = instance->claim();
     if (role == SingleInstance::Role::laterUnreached)

@@ -249,6 +249,16 @@ TEST(Break, is_painted_without_a_new_thread) {
     EXPECT_EQ(desktop.threads(ofAPool), before);
 }
 
+TEST(Break, its_code_leaves_memory_when_it_is_over) {
+    Desktop desktop;
+    startAndWaitForBreak(desktop,
+                         {{QStringLiteral("microInterval"), 2}, {QStringLiteral("microDuration"), 3}});
+    waitForText(desktop);
+    const int during = desktop.codeInMemory();
+    ASSERT_GT(during, 0);
+    EXPECT_TRUE(waitUntil([&] { return desktop.codeInMemory() < during * 3 / 4; }));
+}
+
 TEST(Break, two_follow_each_other_back_to_back) {
     Desktop desktop;
     startAndWaitForBreak(desktop,

@@ -107,6 +107,12 @@ QStringList ProgramAtHome::threads(const QString &name) const {
     return found;
 }
 
+int ProgramAtHome::codeInMemory() const {
+    const QByteArray status =
+        readFile(QStringLiteral("/proc/%1/status").arg(program_->process().processId()));
+    return status.sliced(status.indexOf("RssFile:") + 8).trimmed().split(' ').first().toInt();
+}
+
 void ProgramAtHome::launch(const QString &program, const QStringList &arguments) {
     sinceStart_.start();
     program_ = std::make_unique<ChildProcess>(program, arguments, environment_);

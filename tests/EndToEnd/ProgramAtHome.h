@@ -46,6 +46,8 @@ public:
     bool isRunning() const { return program_ && program_->isRunning(); }
     /// The threads of the running program that bear this name.
     QStringList threads(const QString &name) const;
+    /// What of the program's files is in its memory; in KiB.
+    int codeInMemory() const;
     qint64 millisecondsSinceStart() const { return sinceStart_.elapsed(); }
 
     void sendSignal(int signal);
