@@ -59,8 +59,8 @@ template <class Place> struct SensorsOnWayland : testing::Test {
     WaylandDesktop &desktop = place.desktop;
 };
 
-using Places = testing::Types<OnSway, OnSwayWithoutIpc, OnKWin>;
-TYPED_TEST_SUITE(SensorsOnWayland, Places, NameOfPlace);
+using PlacesWithSensors = testing::Types<OnSway, OnSwayWithoutIpc, OnKWin>;
+TYPED_TEST_SUITE(SensorsOnWayland, PlacesWithSensors, NameOfPlace);
 
 TYPED_TEST(SensorsOnWayland, being_away_for_as_long_as_a_break_is_one) {
     this->start({{QStringLiteral("idleResetSeconds"), 6}, {QStringLiteral("microDuration"), 8}});

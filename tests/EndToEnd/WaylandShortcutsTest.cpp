@@ -38,8 +38,8 @@ template <class Place> struct ShortcutsOnWayland : testing::Test {
     OtherWindow other{desktop.compositor().environment()};
 };
 
-using Places = testing::Types<OnSway, OnKWin>;
-TYPED_TEST_SUITE(ShortcutsOnWayland, Places, NameOfPlace);
+using PlacesWithShortcuts = testing::Types<OnSway, OnKWin>;
+TYPED_TEST_SUITE(ShortcutsOnWayland, PlacesWithShortcuts, NameOfPlace);
 
 TYPED_TEST(ShortcutsOnWayland, take_skip_and_pause_whichever_program_has_the_keyboard) {
     this->start();

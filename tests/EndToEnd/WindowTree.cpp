@@ -1,6 +1,7 @@
 #include "EndToEnd/WindowTree.h"
 
-#include <cstdlib>
+#include "support/owned.h"
+
 #include <cstring>
 #include <limits>
 
@@ -8,19 +9,6 @@
 #include <xcb/xcb.h>
 
 namespace pavonel::test {
-
-namespace {
-
-struct Free {
-    void operator()(void *reply) const { std::free(reply); }
-};
-template <class Reply> using Owned = std::unique_ptr<Reply, Free>;
-
-template <class Reply> Owned<Reply> owned(Reply *reply) {
-    return Owned<Reply>(reply);
-}
-
-} // namespace
 
 void WindowTree::Disconnect::operator()(xcb_connection_t *connection) const {
     xcb_disconnect(connection);

@@ -15,6 +15,9 @@
 
 namespace pavonel::test {
 
+/// A key of the store.
+inline const QString strictMode = QStringLiteral("strictMode");
+
 /// A store under virtual time in a folder of its own.
 struct DefaultsFolder : ::testing::Test {
     QTemporaryDir home;

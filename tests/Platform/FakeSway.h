@@ -12,6 +12,15 @@
 
 namespace pavonel::test {
 
+/// As either side of sway's socket writes it.
+inline QByteArray message(std::uint32_t type, const QByteArray &text) {
+    const auto length = static_cast<std::uint32_t>(text.size());
+    QByteArray all("i3-ipc");
+    all.append(reinterpret_cast<const char *>(&length), sizeof length);
+    all.append(reinterpret_cast<const char *>(&type), sizeof type);
+    return all + text;
+}
+
 /// The socket of a sway that says what a test wants.
 class FakeSway {
 public:
@@ -22,13 +31,6 @@ public:
     ~FakeSway() { qunsetenv("SWAYSOCK"); }
 
     enum Type : std::uint32_t { runCommand = 0, subscribe = 2, getTree = 4, getConfig = 9 };
-    static QByteArray message(std::uint32_t type, const QByteArray &text) {
-        const auto length = static_cast<std::uint32_t>(text.size());
-        QByteArray all("i3-ipc");
-        all.append(reinterpret_cast<const char *>(&length), sizeof length);
-        all.append(reinterpret_cast<const char *>(&type), sizeof type);
-        return all + text;
-    }
 
     /// The first program that connected.
     QLocalSocket *client() {

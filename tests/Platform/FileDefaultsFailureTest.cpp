@@ -11,8 +11,6 @@ namespace pavonel::test {
 
 namespace {
 
-const QString strictMode = QStringLiteral("strictMode");
-
 struct FileDefaultsFailure : DefaultsFolder {
     FileDefaultsFailure() { QDir().mkpath(folder); }
 

@@ -9,7 +9,6 @@ namespace pavonel::test {
 
 namespace {
 
-const QString strictMode = QStringLiteral("strictMode");
 const QString number = QStringLiteral("number");
 
 /// A store that writes on a thread of its own, on a disk that does what a test says.

@@ -5,6 +5,7 @@
 #include "Platform/Linux/Gnome/GnomeWindows.h"
 #include "Platform/Qt/QtMainLoop.h"
 #include "support/MessageBus.h"
+#include "support/keys.h"
 #include "support/waitUntil.h"
 
 #include <QDBusArgument>
@@ -118,10 +119,6 @@ public:
 private:
     QDBusConnection bus_;
 };
-
-constexpr std::uint32_t controlOptionCommand = 0x1900;
-constexpr std::uint32_t keyB = 11;
-constexpr std::uint32_t escape = 53;
 
 class GnomeExtensionTest : public testing::Test {
 protected:

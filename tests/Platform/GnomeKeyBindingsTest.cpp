@@ -6,6 +6,7 @@
 #include "support/ChildProcess.h"
 #include "support/MessageBus.h"
 #include "support/files.h"
+#include "support/keys.h"
 #include "support/waitUntil.h"
 
 #include <QTemporaryDir>
@@ -38,9 +39,6 @@ const auto somebodys = folder + u"custom0/"_s;
 
 const CustomKeyBinding breakNow{u"take-micro-break"_s, u"Take a micro break"_s, u"<Control><Alt><Super>b"_s};
 const CustomKeyBinding skip{u"skip"_s, u"Skip the break"_s, u"<Control><Alt><Super>s"_s};
-
-constexpr std::uint32_t controlOptionCommand = 0x1900;
-constexpr std::uint32_t keyB = 11;
 
 /// Of a Shell that is locked.
 class ScreenSaver : public QObject {

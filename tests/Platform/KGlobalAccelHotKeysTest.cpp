@@ -1,6 +1,7 @@
 #include "Platform/Linux/Bus/KGlobalAccelHotKeys.h"
 
 #include "support/MessageBus.h"
+#include "support/keys.h"
 #include "support/waitUntil.h"
 
 #include <QDBusMessage>
@@ -11,10 +12,6 @@ namespace pavonel::test {
 
 namespace {
 
-constexpr std::uint32_t keyB = 11;
-constexpr std::uint32_t keyS = 1;
-constexpr std::uint32_t escape = 53;
-constexpr std::uint32_t modifiers = 0x1900;
 constexpr int controlAltMetaB = 0x1C000042;
 const auto serviceName = QStringLiteral("org.kde.kglobalaccel");
 
@@ -107,7 +104,7 @@ TEST_F(KGlobalAccelHotKeysTest, is_there_only_with_a_kwin_that_hears_keys) {
 
 TEST_F(KGlobalAccelHotKeysTest, a_key_is_held_once_it_was_given_and_inactive_when_it_is_given_back) {
     makeService();
-    auto key = service->registerKey(keyB, modifiers, 1);
+    auto key = service->registerKey(keyB, controlOptionCommand, 1);
     ASSERT_NE(key, nullptr);
     EXPECT_FALSE(key->isHeld());
     EXPECT_TRUE(becomesHeld(*key));
@@ -122,15 +119,15 @@ TEST_F(KGlobalAccelHotKeysTest, a_key_is_held_once_it_was_given_and_inactive_whe
 TEST_F(KGlobalAccelHotKeysTest, a_key_of_somebody_else_is_not_held_and_one_that_the_user_chose_is) {
     accel.given = {{QStringLiteral("take-micro-break"), 0}, {QStringLiteral("skip"), Qt::Key_F5}};
     makeService();
-    const auto taken = service->registerKey(keyB, modifiers, 1);
-    const auto chosen = service->registerKey(keyS, modifiers, 2);
+    const auto taken = service->registerKey(keyB, controlOptionCommand, 1);
+    const auto chosen = service->registerKey(keyS, controlOptionCommand, 2);
     EXPECT_TRUE(becomesHeld(*chosen));
     EXPECT_FALSE(taken->isHeld());
 }
 
 TEST_F(KGlobalAccelHotKeysTest, takes_presses_from_the_service_alone) {
     makeService();
-    const auto key = service->registerKey(keyB, modifiers, 1);
+    const auto key = service->registerKey(keyB, controlOptionCommand, 1);
     EXPECT_TRUE(becomesHeld(*key));
     QDBusConnection stranger = connectTo("stranger");
     auto forged = QDBusMessage::createSignal(QStringLiteral("/component/pavonel"),
@@ -147,7 +144,7 @@ TEST_F(KGlobalAccelHotKeysTest, takes_presses_from_the_service_alone) {
 
 TEST_F(KGlobalAccelHotKeysTest, asks_again_when_the_service_was_restarted) {
     makeService();
-    const auto key = service->registerKey(keyB, modifiers, 1);
+    const auto key = service->registerKey(keyB, controlOptionCommand, 1);
     EXPECT_TRUE(becomesHeld(*key));
     plasma.unregisterService(serviceName);
     EXPECT_TRUE(becomesHeld(*key, false));
@@ -164,7 +161,7 @@ TEST_F(KGlobalAccelHotKeysTest, forgets_its_keys_when_none_is_wanted) {
 
 TEST_F(KGlobalAccelHotKeysTest, keeps_its_keys_when_one_is_wanted) {
     makeService();
-    const auto key = service->registerKey(keyB, modifiers, 1);
+    const auto key = service->registerKey(keyB, controlOptionCommand, 1);
     EXPECT_TRUE(becomesHeld(*key));
     EXPECT_EQ(component.cleanings, 0);
 }

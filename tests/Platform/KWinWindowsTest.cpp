@@ -15,7 +15,7 @@ namespace pavonel::test {
 namespace {
 
 const auto kwinName = QStringLiteral("org.kde.KWin");
-const auto path = QStringLiteral("/org/pavonel/Pavonel/KWin");
+const auto windowsPath = QStringLiteral("/org/pavonel/Pavonel/KWin");
 
 } // namespace
 
@@ -81,7 +81,7 @@ protected:
         });
     }
     static QDBusMessage front(const QString &to, const QVariantList &arguments) {
-        auto message = QDBusMessage::createMethodCall(to, path, QStringLiteral("org.pavonel.KWin"),
+        auto message = QDBusMessage::createMethodCall(to, windowsPath, QStringLiteral("org.pavonel.KWin"),
                                                       QStringLiteral("Front"));
         message.setArguments(arguments);
         return message;

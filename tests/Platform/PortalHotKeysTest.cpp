@@ -1,6 +1,7 @@
 #include "Platform/Linux/Bus/PortalHotKeys.h"
 
 #include "support/MessageBus.h"
+#include "support/keys.h"
 #include "support/waitUntil.h"
 
 #include <QDBusArgument>
@@ -15,9 +16,6 @@ namespace pavonel::test {
 
 namespace {
 
-constexpr std::uint32_t keyB = 11;
-constexpr std::uint32_t keyS = 1;
-constexpr std::uint32_t modifiers = 0x1900;
 const auto serviceName = QStringLiteral("org.freedesktop.portal.Desktop");
 const auto portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
 const auto sessionPath = QStringLiteral("/org/freedesktop/portal/desktop/session/x/pavonel");
@@ -154,8 +152,8 @@ protected:
 
 TEST_F(PortalHotKeysTest, all_keys_are_one_question_and_held_as_the_user_answers) {
     startPortal();
-    const auto allowed = service->registerKey(keyB, modifiers, 1);
-    const auto refused = service->registerKey(keyS, modifiers, 2);
+    const auto allowed = service->registerKey(keyB, controlOptionCommand, 1);
+    const auto refused = service->registerKey(keyS, controlOptionCommand, 2);
     ASSERT_TRUE(isAsked());
     EXPECT_EQ(portal.sessions, 1);
     EXPECT_EQ(portal.triggers, (std::map<QString, QString>{
@@ -170,8 +168,8 @@ TEST_F(PortalHotKeysTest, all_keys_are_one_question_and_held_as_the_user_answers
 
 TEST_F(PortalHotKeysTest, the_session_ends_with_the_last_key) {
     startPortal();
-    auto first = service->registerKey(keyB, modifiers, 1);
-    auto second = service->registerKey(keyS, modifiers, 2);
+    auto first = service->registerKey(keyB, controlOptionCommand, 1);
+    auto second = service->registerKey(keyS, controlOptionCommand, 2);
     ASSERT_TRUE(isAsked());
     allow({{QStringLiteral("take-micro-break")}, {QStringLiteral("skip")}});
     EXPECT_TRUE(becomesHeld(*second));
@@ -183,7 +181,7 @@ TEST_F(PortalHotKeysTest, the_session_ends_with_the_last_key) {
 
 TEST_F(PortalHotKeysTest, takes_presses_of_its_own_session_from_the_portal_alone) {
     startPortal();
-    const auto key = service->registerKey(keyB, modifiers, 1);
+    const auto key = service->registerKey(keyB, controlOptionCommand, 1);
     ASSERT_TRUE(isAsked());
     allow({{QStringLiteral("take-micro-break")}});
     EXPECT_TRUE(becomesHeld(*key));
@@ -197,7 +195,7 @@ TEST_F(PortalHotKeysTest, takes_presses_of_its_own_session_from_the_portal_alone
 
 TEST_F(PortalHotKeysTest, a_user_who_says_no_or_an_answer_without_sense_leaves_no_key) {
     startPortal();
-    const auto key = service->registerKey(keyB, modifiers, 1);
+    const auto key = service->registerKey(keyB, controlOptionCommand, 1);
     ASSERT_TRUE(isAsked());
     portal.respond(portalBus, portal.bindRequest, 1, {});
     portal.respond(portalBus, portal.bindRequest, 0, {{QStringLiteral("shortcuts"), 7}});
@@ -207,7 +205,7 @@ TEST_F(PortalHotKeysTest, a_user_who_says_no_or_an_answer_without_sense_leaves_n
 }
 
 TEST_F(PortalHotKeysTest, a_portal_that_comes_late_or_again_is_asked) {
-    const auto key = service->registerKey(keyB, modifiers, 1);
+    const auto key = service->registerKey(keyB, controlOptionCommand, 1);
     EXPECT_NE(service->limitation(), QString());
     startPortal();
     ASSERT_TRUE(isAsked());

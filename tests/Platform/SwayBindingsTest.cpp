@@ -1,6 +1,7 @@
 #include "Platform/Linux/Sway/SwayBindings.h"
 
 #include "Platform/Linux/Keyboard/UsKey.h"
+#include "support/keys.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +9,6 @@ namespace pavonel::test {
 
 namespace {
 
-constexpr std::uint32_t keyB = 11;
-constexpr std::uint32_t escape = 53;
 const UsKey combination = *UsKey::of(keyB, mac::control | mac::option | mac::command);
 
 TEST(UsKey, is_the_sign_and_the_position_of_a_key) {

@@ -1,16 +1,11 @@
 #include "Platform/Linux/Sway/SwayHotKeys.h"
 
 #include "Platform/FakeSway.h"
+#include "support/keys.h"
 
 namespace pavonel::test {
 
 namespace {
-
-constexpr std::uint32_t keyB = 11;
-constexpr std::uint32_t keyS = 1;
-constexpr std::uint32_t escape = 53;
-constexpr std::uint32_t modifiers = 0x1900;
-constexpr auto message = FakeSway::message;
 
 class SwayHotKeysTest : public testing::Test {
 protected:
@@ -36,7 +31,7 @@ protected:
 };
 
 TEST_F(SwayHotKeysTest, a_key_is_held_once_sway_has_bound_it_until_it_is_given_back) {
-    auto key = service->registerKey(keyB, modifiers, 1);
+    auto key = service->registerKey(keyB, controlOptionCommand, 1);
     ASSERT_NE(key, nullptr);
     EXPECT_FALSE(key->isHeld());
     answerFirst("");
@@ -48,8 +43,8 @@ TEST_F(SwayHotKeysTest, a_key_is_held_once_sway_has_bound_it_until_it_is_given_b
 }
 
 TEST_F(SwayHotKeysTest, what_the_user_has_bound_stays_his) {
-    auto taken = service->registerKey(keyB, modifiers, 1);
-    const auto free = service->registerKey(keyS, modifiers, 2);
+    auto taken = service->registerKey(keyB, controlOptionCommand, 1);
+    const auto free = service->registerKey(keyS, controlOptionCommand, 2);
     answerFirst(R"(set $mod Mod4\nbindsym $mod+Ctrl+Alt+b exec x\n)");
     EXPECT_TRUE(fake.isAsked(bind("39 nop pavonel 2")));
     answer(FakeSway::runCommand, R"([{"success":true}])");
@@ -61,11 +56,11 @@ TEST_F(SwayHotKeysTest, what_the_user_has_bound_stays_his) {
 }
 
 TEST_F(SwayHotKeysTest, a_key_that_sway_refuses_is_not_held) {
-    const auto key = service->registerKey(keyB, modifiers, 1);
+    const auto key = service->registerKey(keyB, controlOptionCommand, 1);
     answerFirst("");
     EXPECT_TRUE(fake.isAsked(bind("56 nop pavonel 1")));
     answer(FakeSway::runCommand, R"([{"success":false,"error":"no"}])");
-    const auto next = service->registerKey(keyS, modifiers, 2);
+    const auto next = service->registerKey(keyS, controlOptionCommand, 2);
     EXPECT_TRUE(fake.isAsked(bind("39 nop pavonel 2")));
     answer(FakeSway::runCommand, R"([{"success":true}])");
     EXPECT_TRUE(becomesHeld(*next));
@@ -73,7 +68,7 @@ TEST_F(SwayHotKeysTest, a_key_that_sway_refuses_is_not_held) {
 }
 
 TEST_F(SwayHotKeysTest, keys_are_bound_again_after_a_reload) {
-    const auto key = service->registerKey(keyB, modifiers, 1);
+    const auto key = service->registerKey(keyB, controlOptionCommand, 1);
     answerFirst("");
     EXPECT_TRUE(fake.isAsked(bind("56 nop pavonel 1")));
     answer(FakeSway::runCommand, R"([{"success":true}])");
@@ -88,7 +83,7 @@ TEST_F(SwayHotKeysTest, keys_are_bound_again_after_a_reload) {
 }
 
 TEST_F(SwayHotKeysTest, only_our_own_bindings_are_presses) {
-    const auto key = service->registerKey(keyB, modifiers, 7);
+    const auto key = service->registerKey(keyB, controlOptionCommand, 7);
     for (const char *command :
          {"exec x", "nop", "nop pavonel", "nop pavonel x", "nop pavonel 8", "nop pavonel 7"})
         answer(0x80000005, QByteArray(R"({"change":"run","binding":{"command":")") + command + "\"}}");
@@ -99,14 +94,14 @@ TEST_F(SwayHotKeysTest, only_our_own_bindings_are_presses) {
 }
 
 TEST_F(SwayHotKeysTest, refuses_twice_the_same_and_keys_without_a_modifier) {
-    const auto key = service->registerKey(keyB, modifiers, 1);
-    EXPECT_EQ(service->registerKey(keyB, modifiers, 2), nullptr);
+    const auto key = service->registerKey(keyB, controlOptionCommand, 1);
+    EXPECT_EQ(service->registerKey(keyB, controlOptionCommand, 2), nullptr);
     EXPECT_EQ(service->registerKey(escape, 0, 10), nullptr);
     EXPECT_EQ(service->registerKey(keyB, 0, 3), nullptr);
 }
 
 TEST_F(SwayHotKeysTest, a_sway_that_is_gone_is_told_and_holds_nobody_up) {
-    auto key = service->registerKey(keyB, modifiers, 1);
+    auto key = service->registerKey(keyB, controlOptionCommand, 1);
     EXPECT_EQ(service->limitation(), QString());
     fake.client()->close();
     EXPECT_TRUE(waitUntil([&] { return !service->limitation().isEmpty(); }));
@@ -114,7 +109,7 @@ TEST_F(SwayHotKeysTest, a_sway_that_is_gone_is_told_and_holds_nobody_up) {
 }
 
 TEST_F(SwayHotKeysTest, a_registration_may_outlive_its_service) {
-    auto key = service->registerKey(keyB, modifiers, 1);
+    auto key = service->registerKey(keyB, controlOptionCommand, 1);
     answerFirst("");
     EXPECT_TRUE(fake.isAsked(bind("56 nop pavonel 1")));
     service.reset();

@@ -11,7 +11,6 @@ namespace {
 
 constexpr std::uint32_t tree = FakeSway::getTree;
 constexpr std::uint32_t windowEvent = 0x80000003;
-constexpr auto message = FakeSway::message;
 
 class SwayIpcTest : public testing::Test {
 protected:

@@ -15,7 +15,7 @@ namespace pavonel::test {
 
 namespace {
 
-constexpr QSize screen(640, 360);
+constexpr QSize smallScreen(640, 360);
 
 class BackgroundsTest : public ::testing::Test {
 protected:
@@ -32,12 +32,12 @@ protected:
         return path;
     }
 
-    static QImage theme(int style) { return gradientImage(Theme::gradient(style), screen); }
+    static QImage theme(int style) { return gradientImage(Theme::gradient(style), smallScreen); }
 
     bool comesToShow(const QImage &wanted) {
         return waitUntil([&] {
             platform.loop.advance(0);
-            return backgrounds.image(screen) == wanted;
+            return backgrounds.image(smallScreen) == wanted;
         });
     }
 };
@@ -46,56 +46,57 @@ protected:
 
 TEST_F(BackgroundsTest, a_background_style_of_minus_3_draws_night_and_one_of_99_plain_black) {
     settings.backgroundStyle = -3;
-    EXPECT_EQ(backgrounds.image(screen), theme(0));
+    EXPECT_EQ(backgrounds.image(smallScreen), theme(0));
     settings.backgroundStyle = 99;
-    EXPECT_EQ(backgrounds.image(screen), theme(5));
+    EXPECT_EQ(backgrounds.image(smallScreen), theme(5));
 }
 
 TEST_F(BackgroundsTest, windows_of_a_size_share_one_image_that_is_made_once) {
-    const qint64 first = backgrounds.image(screen).cacheKey();
+    const qint64 first = backgrounds.image(smallScreen).cacheKey();
     backgrounds.image({800, 600});
-    EXPECT_EQ(backgrounds.image(screen).cacheKey(), first);
+    EXPECT_EQ(backgrounds.image(smallScreen).cacheKey(), first);
 }
 
 TEST_F(BackgroundsTest, another_theme_is_drawn_as_soon_as_it_is_set) {
-    EXPECT_EQ(backgrounds.image(screen), theme(0));
+    EXPECT_EQ(backgrounds.image(smallScreen), theme(0));
     settings.backgroundStyle = 3;
-    EXPECT_EQ(backgrounds.image(screen), theme(3));
+    EXPECT_EQ(backgrounds.image(smallScreen), theme(3));
 }
 
 TEST_F(BackgroundsTest, the_users_picture_takes_the_place_of_the_theme) {
     settings.customBackgroundPath = savePicture();
-    EXPECT_TRUE(comesToShow(pictureImage(readFile(settings.customBackgroundPath), screen)));
+    EXPECT_TRUE(comesToShow(pictureImage(readFile(settings.customBackgroundPath), smallScreen)));
 }
 
 TEST_F(BackgroundsTest, the_path_of_a_deleted_file_draws_the_theme) {
     settings.backgroundStyle = 2;
     settings.customBackgroundPath = savePicture();
     QFile::remove(settings.customBackgroundPath);
-    EXPECT_EQ(backgrounds.image(screen), theme(2));
+    EXPECT_EQ(backgrounds.image(smallScreen), theme(2));
     EXPECT_TRUE(comesToShow(theme(2)));
     EXPECT_FALSE(settings.customBackgroundPath->isEmpty()) << "the setting stays as it is";
 }
 
 TEST_F(BackgroundsTest, a_folder_draws_the_theme) {
     settings.customBackgroundPath = folder.path();
-    EXPECT_EQ(backgrounds.image(screen), theme(0));
+    EXPECT_EQ(backgrounds.image(smallScreen), theme(0));
 }
 
 TEST_F(BackgroundsTest, clearing_the_path_brings_the_theme_back) {
     settings.customBackgroundPath = savePicture();
-    EXPECT_TRUE(comesToShow(pictureImage(readFile(settings.customBackgroundPath), screen)));
+    EXPECT_TRUE(comesToShow(pictureImage(readFile(settings.customBackgroundPath), smallScreen)));
     settings.customBackgroundPath = QString();
-    EXPECT_EQ(backgrounds.image(screen), theme(0));
+    EXPECT_EQ(backgrounds.image(smallScreen), theme(0));
 }
 
 TEST_F(BackgroundsTest, a_picture_that_comes_late_does_not_replace_a_newer_choice) {
     settings.customBackgroundPath = savePicture(Qt::red);
-    backgrounds.image(screen);
+    backgrounds.image(smallScreen);
     settings.customBackgroundPath = savePicture(Qt::blue);
-    EXPECT_TRUE(comesToShow(pictureImage(readFile(settings.customBackgroundPath), screen)));
+    EXPECT_TRUE(comesToShow(pictureImage(readFile(settings.customBackgroundPath), smallScreen)));
     platform.loop.advance(1);
-    EXPECT_EQ(backgrounds.image(screen), pictureImage(readFile(settings.customBackgroundPath), screen));
+    EXPECT_EQ(backgrounds.image(smallScreen),
+              pictureImage(readFile(settings.customBackgroundPath), smallScreen));
 }
 
 TEST_F(BackgroundsTest, going_while_a_picture_loads_is_harmless) {
@@ -112,21 +113,21 @@ TEST_F(BackgroundsTest, pictures_of_all_sizes_come_together_from_one_reading) {
     const QByteArray file = readFile(settings.customBackgroundPath);
     int loadings = 0;
     backgrounds.onLoaded = [&] { ++loadings; };
-    backgrounds.prepare({screen, {800, 600}, screen});
+    backgrounds.prepare({smallScreen, {800, 600}, smallScreen});
     ASSERT_TRUE(waitUntil([&] {
         platform.loop.advance(0);
         return loadings > 0;
     }));
-    EXPECT_EQ(backgrounds.image(screen), pictureImage(file, screen));
+    EXPECT_EQ(backgrounds.image(smallScreen), pictureImage(file, smallScreen));
     EXPECT_EQ(backgrounds.image({800, 600}), pictureImage(file, {800, 600}));
     platform.loop.advance(1);
     EXPECT_EQ(loadings, 1);
 }
 
 TEST_F(BackgroundsTest, nothing_is_kept_once_cleared) {
-    const qint64 first = backgrounds.image(screen).cacheKey();
+    const qint64 first = backgrounds.image(smallScreen).cacheKey();
     backgrounds.clear();
-    EXPECT_NE(backgrounds.image(screen).cacheKey(), first);
+    EXPECT_NE(backgrounds.image(smallScreen).cacheKey(), first);
 }
 
 } // namespace pavonel::test

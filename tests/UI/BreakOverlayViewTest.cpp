@@ -20,7 +20,7 @@ namespace pavonel::test {
 
 namespace {
 
-constexpr QSize screen(1920, 1080);
+constexpr QSize wholeScreen(1920, 1080);
 constexpr int plainBlack = 5;
 
 class BreakScreen : public ::testing::Test {
@@ -32,7 +32,7 @@ protected:
     }
 
     BreakOverlayView &show(BreakOverlayView::Role role = BreakOverlayView::Role::primary,
-                           QSize size = screen) {
+                           QSize size = wholeScreen) {
         view.emplace(scenario.controller, scenario.settings, scenario.platform, backgrounds, role);
         view->resize(size);
         view->show();
@@ -202,7 +202,7 @@ TEST_F(BreakScreen, a_frame_of_the_arc_is_painted_in_the_wake_up_that_brings_it)
 TEST_F(BreakScreen, the_time_changes_without_the_ring_being_drawn) {
     startBreak(20);
     show();
-    QImage image(screen, QImage::Format_ARGB32_Premultiplied);
+    QImage image(wholeScreen, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     const QImage untouched = image.copy();
     QPainter painter(&image);
@@ -284,7 +284,7 @@ TEST_F(BreakScreen, a_second_of_the_clock_paints_no_more_than_the_ring) {
 TEST_F(BreakScreen, a_secondary_screen_shows_only_the_background_and_never_paints_again) {
     startBreak(20);
     show(BreakOverlayView::Role::secondary);
-    EXPECT_EQ(picture(), gradientImage(Theme::gradient(0), screen));
+    EXPECT_EQ(picture(), gradientImage(Theme::gradient(0), wholeScreen));
     EXPECT_FALSE(view->skipButton());
     PaintSpy spy(*view);
     scenario.advance(15);
@@ -298,7 +298,7 @@ TEST_F(BreakScreen, another_theme_is_painted_on_every_screen) {
     scenario.settings.backgroundStyle = 3;
     scenario.platform.loop.advance(0);
     paintDue();
-    EXPECT_EQ(picture(), gradientImage(Theme::gradient(3), screen));
+    EXPECT_EQ(picture(), gradientImage(Theme::gradient(3), wholeScreen));
 }
 
 TEST_F(BreakScreen, the_skip_button_comes_and_goes_with_the_settings) {
@@ -355,7 +355,7 @@ TEST_F(BreakScreen, an_empty_title_and_message_keep_their_lines) {
 TEST_F(BreakScreen, a_message_of_10000_characters_leaves_ring_and_skip_button_on_the_screen) {
     scenario.settings.messages = QStringList{QStringLiteral("Rest your eyes. ").repeated(625)};
     startBreak(20);
-    for (const QSize size : {screen, QSize(1280, 720), QSize(1080, 1920)}) {
+    for (const QSize size : {wholeScreen, QSize(1280, 720), QSize(1080, 1920)}) {
         show(BreakOverlayView::Role::primary, size);
         const QRectF room = QRectF(QPointF(), QSizeF(size)).adjusted(60, 60, -60, -60);
         EXPECT_TRUE(room.contains(view->layoutOfScreen().title));

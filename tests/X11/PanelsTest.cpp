@@ -21,7 +21,7 @@ namespace pavonel::test {
 
 namespace {
 
-constexpr QColor theirs(30, 160, 60);
+constexpr QColor windowColour(30, 160, 60);
 const QString posture = QStringLiteral("Check your posture — shoulders back, screen at eye level.");
 
 /// Real time, screens, pointer and windows; all else is fake.
@@ -135,7 +135,7 @@ TEST_P(PanelsUnderEveryManager, the_countdown_stays_whole_at_the_edges_of_a_scre
 }
 
 TEST_P(PanelsUnderEveryManager, clicks_on_the_toast_and_its_shadow_reach_the_window_below) {
-    other.open({1500, 0, 2800, 400}, theirs);
+    other.open({1500, 0, 2800, 400}, windowColour);
     toast.show(posture, QStringLiteral("figure.stand"));
     const QPoint middle(5760 / 2, 24 + 28);
     ASSERT_TRUE(waitUntil([&] { return seen("Pavonel Toast").has_value(); }));
@@ -148,7 +148,7 @@ TEST_P(PanelsUnderEveryManager, clicks_on_the_toast_and_its_shadow_reach_the_win
 TEST_P(PanelsUnderEveryManager, clicks_on_the_countdown_reach_the_window_below) {
     FakePointer still;
     FloatingCountdownController resting(platform, still, controller);
-    other.open({200, 100, 800, 600}, theirs);
+    other.open({200, 100, 800, 600}, windowColour);
     resting.show();
     ASSERT_TRUE(standsAt("Pavonel Countdown", {416, 312, 86, 30}));
     clickAt({416 + 43, 312 + 15});
@@ -156,7 +156,7 @@ TEST_P(PanelsUnderEveryManager, clicks_on_the_countdown_reach_the_window_below) 
 }
 
 TEST_P(PanelsUnderEveryManager, the_buttons_of_the_heads_up_work_while_another_program_keeps_the_keyboard) {
-    const auto editor = other.open({100, 100, 600, 400}, theirs);
+    const auto editor = other.open({100, 100, 600, 400}, windowColour);
     other.activate(editor);
     ASSERT_TRUE(waitUntil([&] { return other.focused() == editor; }));
     controller.microElapsed = 1180;
@@ -179,7 +179,7 @@ TEST_P(PanelsUnderEveryManager, the_buttons_of_the_heads_up_work_while_another_p
 }
 
 TEST_P(PanelsUnderEveryManager, the_corners_show_what_lies_below_and_are_never_black) {
-    other.open({4000, 0, 1760, 600}, theirs, XClient::Kind::unmanaged);
+    other.open({4000, 0, 1760, 600}, windowColour, XClient::Kind::unmanaged);
     platform.colours.current.reducedMotion = true;
     showHeadsUp();
     const QRect frame(5760 - 340 - 18, 18, 340, 132);
@@ -188,7 +188,7 @@ TEST_P(PanelsUnderEveryManager, the_corners_show_what_lies_below_and_are_never_b
     for (const QPoint corner : {frame.topLeft(), frame.topRight(), frame.bottomLeft(), frame.bottomRight()}) {
         const QColor pixel = picture.pixelColor(corner);
         EXPECT_GT(pixel.green(), pixel.red() + 40) << corner.x() << ", " << corner.y();
-        EXPECT_GT(pixel.green(), theirs.green() / 2) << corner.x() << ", " << corner.y();
+        EXPECT_GT(pixel.green(), windowColour.green() / 2) << corner.x() << ", " << corner.y();
         for (int x = -14; x <= 14; ++x) {
             for (int y = -14; y <= 14; ++y)
                 ASSERT_GT(qGray(picture.pixel(corner + QPoint(x, y))), 60) << x << ", " << y;
@@ -209,7 +209,7 @@ TEST_F(PanelsOnX11, the_heads_up_lies_above_a_fullscreen_window_that_opens_later
     server().start(WindowManager::openbox);
     showHeadsUp();
     ASSERT_TRUE(waitUntil([&] { return seen("Pavonel Heads-up").has_value(); }));
-    const auto fullscreen = other.open({0, 0, 5760, 1080}, theirs, XClient::Kind::fullscreen);
+    const auto fullscreen = other.open({0, 0, 5760, 1080}, windowColour, XClient::Kind::fullscreen);
     EXPECT_TRUE(waitUntil([&] { return other.geometry(fullscreen) == QRect(0, 0, 5760, 1080); }));
     const auto id = static_cast<xcb_window_t>(shownWindow("Pavonel Heads-up")->winId());
     EXPECT_TRUE(waitUntil([&] { return other.topAt({5760 - 100, 60}) == id; }));

@@ -1,25 +1,18 @@
 #include "support/XClient.h"
 
 #include "support/generousTimeout.h"
+#include "support/owned.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
 
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 
 #include <gtest/gtest.h>
 
 namespace pavonel::test {
 
-namespace {
-
-template <class Reply> std::unique_ptr<Reply, decltype(&std::free)> owned(Reply *reply) {
-    return {reply, &std::free};
-}
-
-} // namespace
+namespace {} // namespace
 
 XClient::XClient(const QByteArray &display)
     : connection_(xcb_connect(display.constData(), nullptr)), root_(XCB_WINDOW_NONE) {

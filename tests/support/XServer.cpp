@@ -2,10 +2,10 @@
 
 #include "support/generousTimeout.h"
 #include "support/holdsSoon.h"
+#include "support/owned.h"
 
 #include <QThread>
 
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -20,10 +20,6 @@ using Connection = std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)>;
 
 Connection connectTo(const QByteArray &display) {
     return {xcb_connect(display.constData(), nullptr), &xcb_disconnect};
-}
-
-template <class Reply> std::unique_ptr<Reply, decltype(&std::free)> owned(Reply *reply) {
-    return {reply, &std::free};
 }
 
 xcb_atom_t atom(xcb_connection_t *connection, const char *name) {
