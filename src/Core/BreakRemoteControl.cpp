@@ -54,13 +54,14 @@ QString name(PauseReason reason) {
     return {};
 }
 
-/// What holds the timer is looked at only while it could count.
+/// What holds the timer is looked at only while it could count, and so not while the user is away.
 QString holdOf(const BreakController &controller) {
     if (controller.phase == Phase::breaking || controller.phase == Phase::paused)
         return {};
-    if (const auto &reason = controller.pauseReason.get())
-        return name(*reason);
-    return controller.isUserAway() ? QStringLiteral("away") : QString();
+    if (controller.isUserAway())
+        return QStringLiteral("away");
+    const auto &reason = controller.pauseReason.get();
+    return reason ? name(*reason) : QString();
 }
 
 /// A planned break comes at its time of day, whether anything is counted or not; only when that has passed

@@ -95,6 +95,19 @@ TEST_F(RemoteControlTest, being_away_is_a_hold) {
     EXPECT_EQ(next(), (Next{QStringLiteral("micro"), QStringLiteral("Micro break"), {}, 1000}));
 }
 
+TEST_F(RemoteControlTest, being_away_is_told_before_what_held_until_then) {
+    settings.idleResetSeconds = 10;
+    scenario.platform.audio.input = true;
+    scenario.advance(1);
+    ASSERT_EQ(facts().hold, QStringLiteral("microphone"));
+    scenario.platform.idle.seconds = 12;
+    scenario.advance(1);
+    EXPECT_EQ(facts().hold, QStringLiteral("away"));
+    scenario.platform.idle.seconds = 0;
+    scenario.advance(1);
+    EXPECT_EQ(facts().hold, QStringLiteral("microphone"));
+}
+
 TEST_F(RemoteControlTest, a_pause_is_told_with_its_end_if_it_has_one) {
     scenario.advance(200);
     controller.pause(600);
