@@ -5,21 +5,16 @@
 #include <QCoreApplication>
 #include <QEvent>
 
-#include <chrono>
-
 namespace pavonel {
 
-CodeReturn::CodeReturn() {
-    using namespace std::chrono_literals;
-    pause_.setSingleShot(true);
-    pause_.setInterval(1s);
-    connect(&pause_, &QTimer::timeout, this, &returnCode);
+CodeReturn::CodeReturn(MainLoop &loop) : loop_(loop) {
     QCoreApplication::instance()->installEventFilter(this);
 }
 
 bool CodeReturn::eventFilter(QObject *watched, QEvent *event) {
+    constexpr Seconds pause = 1;
     if (event->type() == QEvent::Hide && watched->isWindowType())
-        pause_.start();
+        pause_ = loop_.after(pause, returnCode);
     return false;
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "Platform/MainLoop.h"
+
 #include <QObject>
-#include <QTimer>
 
 namespace pavonel {
 
@@ -10,12 +11,13 @@ namespace pavonel {
 class CodeReturn final : public QObject {
 public:
     /// Needs the application object.
-    CodeReturn();
+    explicit CodeReturn(MainLoop &loop);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    QTimer pause_; ///< For windows that go together, and what comes with their end.
+    MainLoop &loop_;
+    TimerHandle pause_; ///< For windows that go together, and what comes with their end.
 };
 
 } // namespace pavonel

@@ -46,6 +46,7 @@ void saveAtExit() {
 /// saves then.
 int runUntilQuit(SingleInstance &instance) {
     Platform &platform = Platform::current();
+    CodeReturn codeReturn(*platform.mainLoop);
     platform.termination->onSave(save);
     platform.termination->onEnd([&platform] { platform.mainLoop->quit(EXIT_SUCCESS); });
     platform.power->onSleep(save);
@@ -94,7 +95,6 @@ int start(int &argc, char **argv) {
     useCarriedFonts();
     std::optional<QApplication> application;
     makeApplication(application, argc, argv);
-    const CodeReturn codeReturn;
     const auto instance = makeSingleInstance();
     const SingleInstance::Role role = instance->claim();
     if (role == SingleInstance::Role::laterUnreached)

@@ -31,9 +31,8 @@ protected:
         const auto front = windows.front();
         ASSERT_TRUE(front);
         EXPECT_EQ(front->processId, process);
-        const auto onScreen = windows.onScreen();
-        ASSERT_EQ(onScreen.size(), 1U);
-        EXPECT_EQ(onScreen.front().owner, process);
+        ASSERT_TRUE(waitUntil([&] { return windows.onScreen().size() == 1; }));
+        EXPECT_EQ(windows.onScreen().front().owner, process);
     }
 
     XClient outsider{server().display()};
