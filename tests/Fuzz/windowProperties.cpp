@@ -6,7 +6,7 @@
 #include "support/XClient.h"
 #include "support/XServer.h"
 
-#include <QCoreApplication>
+#include <QEventLoop>
 
 #include <algorithm>
 #include <array>
@@ -76,7 +76,7 @@ public:
         X11Struts struts(ours_);
         const QRect free = struts.visiblePart(monitor);
         require(!free.isEmpty() && monitor.contains(free));
-        QCoreApplication::processEvents();
+        turnMainLoop();
         static_cast<void>(windows.onScreen());
         require(struts.visiblePart(monitor) == free && ours_->isAlive());
     }
@@ -88,6 +88,15 @@ public:
     }
 
 private:
+    /// Once, and as if it went to sleep: only then does the connection take the events that came along with
+    /// replies. All of them, or they would pile up.
+    void turnMainLoop() {
+        QEventLoop loop;
+        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+        loop.exec();
+        require(XReply<xcb_generic_event_t>(xcb_poll_for_queued_event(ours_->xcb())) == nullptr);
+    }
+
     /// Nobody guesses the number of a window: the smallest stand for the windows that there are.
     QByteArray withWindows(QByteArray bytes) const {
         for (qsizetype at = 0; at + 4 <= bytes.size(); at += 4) {
