@@ -12,7 +12,7 @@ namespace pavonel::test {
 
 namespace {
 
-const QDeadlineTimer noHurry(QDeadlineTimer::Forever);
+constexpr std::chrono::hours noHurry(1);
 
 bool nobody(const QByteArray &) {
     return false;
@@ -110,7 +110,7 @@ TEST(ProcessTable, two_thousand_processes_are_taken_up_without_a_stall) {
     double longest = 0;
     for (int tick = 0; tick < 1000 && table.opened() < 2000; ++tick) {
         const double before = processorSeconds();
-        table.refresh(QDeadlineTimer(8, Qt::PreciseTimer));
+        table.refresh(std::chrono::milliseconds(8));
         longest = std::max(longest, processorSeconds() - before);
     }
     EXPECT_EQ(table.opened(), 2000);

@@ -1,26 +1,15 @@
 #include "Platform/Linux/Applications/DesktopFileCatalogue.h"
 
 #include "Platform/Linux/Applications/DesktopFileListing.h"
+#include "Platform/Qt/FolderChanges.h"
 
 #include <QDeadlineTimer>
-#include <QFileInfo>
 #include <QStandardPaths>
 
 #include <algorithm>
 #include <utility>
 
 namespace pavonel {
-
-namespace {
-
-/// The folder, or as much of the way to it as there is.
-QString existingPartOf(QString folder) {
-    while (folder.size() > 1 && !QFileInfo::exists(folder))
-        folder = QFileInfo(folder).path();
-    return folder;
-}
-
-} // namespace
 
 DesktopFileCatalogue::DesktopFileCatalogue(QStringList folders, MainLoop &loop)
     : folders_(std::move(folders)), loop_(loop) {
@@ -35,9 +24,11 @@ QStringList DesktopFileCatalogue::standardFolders() {
 }
 
 bool DesktopFileCatalogue::read(std::chrono::milliseconds timeout) {
-    const QDeadlineTimer deadline(timeout);
     if (!task_.isPending() && change_ != Change::none)
         look();
+    if (!task_.isPending())
+        return std::exchange(isNew_, false);
+    const QDeadlineTimer deadline(timeout);
     while (task_.isPending() && !deadline.hasExpired())
         task_.await(std::chrono::milliseconds(deadline.remainingTime()));
     return std::exchange(isNew_, false);

@@ -42,8 +42,8 @@ void LinuxApplications::refreshIndex() {
 }
 
 /// A file is opened some moments before its process shows it, so two looks follow.
-void LinuxApplications::refreshProcesses(QDeadlineTimer deadline) {
-    processes_.refresh(deadline);
+void LinuxApplications::refreshProcesses() {
+    processes_.refresh(timeBudget);
     if (recorderStarts_.anyNew())
         searches_ = 2;
     if (searches_ == 0)
@@ -54,8 +54,7 @@ void LinuxApplications::refreshProcesses(QDeadlineTimer deadline) {
 
 std::vector<Application> LinuxApplications::running() {
     refreshIndex();
-    const QDeadlineTimer deadline(timeBudget, Qt::PreciseTimer);
-    refreshProcesses(deadline);
+    refreshProcesses();
     auto applications = processes_.applications();
     const auto isServer = [](const Application &application) {
         return application.bundleIdentifier == recorders::screenSharing();

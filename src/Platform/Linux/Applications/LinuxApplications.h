@@ -31,7 +31,7 @@ public:
 
 private:
     void refreshIndex();
-    void refreshProcesses(QDeadlineTimer deadline);
+    void refreshProcesses();
     bool isSharing();
     QString identifierOf(const FrontWindow &window) const;
 

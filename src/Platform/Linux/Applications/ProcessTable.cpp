@@ -1,5 +1,7 @@
 #include "Platform/Linux/Applications/ProcessTable.h"
 
+#include <QDeadlineTimer>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -43,7 +45,7 @@ ProcessTable::~ProcessTable() {
     }
 }
 
-void ProcessTable::refresh(QDeadlineTimer deadline) {
+void ProcessTable::refresh(std::chrono::milliseconds budget) {
     if (root_ < 0)
         return;
     recheckRecent();
@@ -54,7 +56,7 @@ void ProcessTable::refresh(QDeadlineTimer deadline) {
     else
         meetNewborn(last);
     if (hasPending_)
-        open(deadline);
+        open(budget);
 }
 
 void ProcessTable::searchUrgent() {
@@ -203,7 +205,8 @@ void ProcessTable::meet(ProcessId id) {
         take(id);
 }
 
-void ProcessTable::open(QDeadlineTimer deadline) {
+void ProcessTable::open(std::chrono::milliseconds budget) {
+    const QDeadlineTimer deadline(budget, Qt::PreciseTimer);
     for (auto process = known_.rbegin(); process != known_.rend(); ++process) {
         if (!process->isPending)
             continue;

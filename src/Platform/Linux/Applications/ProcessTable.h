@@ -4,8 +4,8 @@
 #include "Platform/Linux/Applications/ProcessFolder.h"
 
 #include <QByteArray>
-#include <QDeadlineTimer>
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <optional>
@@ -32,8 +32,8 @@ public:
     ProcessTable &operator=(const ProcessTable &) = delete;
     ~ProcessTable();
 
-    /// Brings the table up to date. What is left at the deadline waits for the next time.
-    void refresh(QDeadlineTimer deadline);
+    /// Brings the table up to date. Processes that it cannot open within the budget wait for the next time.
+    void refresh(std::chrono::milliseconds budget);
 
     /// Looks for urgent programs among all processes: some turn into one late in their life.
     void searchUrgent();
@@ -78,7 +78,7 @@ private:
     void merge(std::vector<Known> listed);
     void meetNewborn(ProcessId last);
     void meet(ProcessId process);
-    void open(QDeadlineTimer deadline);
+    void open(std::chrono::milliseconds budget);
     void take(ProcessId process);
     void place(const ProcessFolder &process, const QByteArray &executable);
     void release(ProcessId process);

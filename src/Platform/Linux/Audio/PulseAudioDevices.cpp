@@ -1,6 +1,7 @@
 #include "Platform/Linux/Audio/PulseAudioDevices.h"
 
 #include <QByteArray>
+#include <QFile>
 
 #include <algorithm>
 #include <cstring>
@@ -8,25 +9,30 @@
 #include <utility>
 
 #include <pulse/def.h>
-#include <unistd.h>
 
 namespace pavonel {
 
 namespace {
 
-/// Whether the server's socket is where it is as a rule; a server named by a variable may be anywhere. An
-/// attempt to connect reads several files and fails late, this is one call.
+/// Where the server's socket is as a rule: the user's, and one for all users.
+QStringList usualSockets() {
+    const QString folder = qEnvironmentVariableIsSet("PULSE_RUNTIME_PATH")
+                               ? qEnvironmentVariable("PULSE_RUNTIME_PATH")
+                               : qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/pulse");
+    return {folder + QStringLiteral("/native"), QStringLiteral("/run/pulse/native")};
+}
+
+/// A server named by a variable may be anywhere. An attempt to connect reads several files and fails late.
 bool mayBeReachable() {
-    if (qEnvironmentVariableIsSet("PULSE_SERVER"))
-        return true;
-    const QByteArray folder = qEnvironmentVariableIsSet("PULSE_RUNTIME_PATH")
-                                  ? qgetenv("PULSE_RUNTIME_PATH")
-                                  : qgetenv("XDG_RUNTIME_DIR") + "/pulse";
-    return ::access((folder + "/native").constData(), F_OK) == 0 ||
-           ::access("/run/pulse/native", F_OK) == 0; // one for all users
+    const QStringList sockets = usualSockets();
+    return qEnvironmentVariableIsSet("PULSE_SERVER") ||
+           std::any_of(sockets.begin(), sockets.end(),
+                       [](const QString &path) { return QFile::exists(path); });
 }
 
 } // namespace
+
+PulseAudioDevices::PulseAudioDevices() : changes_(usualSockets()) {}
 
 PulseAudioDevices::~PulseAudioDevices() {
     drop();
@@ -54,19 +60,14 @@ bool PulseAudioDevices::ask(Device &device) {
 
 void PulseAudioDevices::connectIfDue() {
     const auto now = Clock::now();
-    if (!wasThere_ && now < nextLook_)
-        return;
-    nextLook_ = now + betweenLooks;
-    const bool isThere = mayBeReachable();
-    if (isThere && !wasThere_) {
+    if (changes_.any() && !std::exchange(isThere_, mayBeReachable()) && isThere_) {
         pause_ = shortestPause;
         nextAttempt_ = now;
     }
-    wasThere_ = isThere;
     if (now < nextAttempt_)
         return;
     // A client's configuration can name a server elsewhere, so one is looked for even without a socket.
-    nextAttempt_ = now + (isThere ? pause_ : pauseWithoutSocket);
+    nextAttempt_ = now + (isThere_ ? pause_ : pauseWithoutSocket);
     pause_ = std::min<Clock::duration>(pause_ * 2, longestPause);
     pulse_ = PulseLibrary::load();
     context_ = pulse_ ? pulse_->pa_context_new(loop_.api(), "Pavonel") : nullptr;

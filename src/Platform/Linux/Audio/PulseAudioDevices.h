@@ -3,6 +3,7 @@
 #include "Platform/AudioDevices.h"
 #include "Platform/Linux/Audio/PulseLibrary.h"
 #include "Platform/Linux/Audio/QtPulseLoop.h"
+#include "Platform/Qt/FolderChanges.h"
 
 #include <chrono>
 #include <optional>
@@ -14,7 +15,7 @@ namespace pavonel {
 /// only reads memory. The server is looked for again, with growing pauses, as long as somebody asks.
 class PulseAudioDevices final : public AudioDevices {
 public:
-    PulseAudioDevices() = default;
+    PulseAudioDevices();
     ~PulseAudioDevices() override;
 
     bool isDefaultInputRunning() override { return ask(input_); }
@@ -64,13 +65,12 @@ private:
     bool failed_ = false;
     Clock::duration pause_ = shortestPause;
     Clock::time_point nextAttempt_;
-    bool wasThere_ = false; ///< The server's socket, at the last look.
-    Clock::time_point nextLook_;
+    FolderChanges changes_; ///< Around the server's socket.
+    bool isThere_ = false;  ///< The socket.
 
     static constexpr std::chrono::seconds shortestPause{1};
     static constexpr std::chrono::seconds longestPause{30};
     static constexpr std::chrono::minutes pauseWithoutSocket{10};
-    static constexpr std::chrono::seconds betweenLooks{5}; ///< For a socket that is not there.
 };
 
 } // namespace pavonel

@@ -13,8 +13,6 @@
 #include <set>
 #include <utility>
 
-#include <unistd.h>
-
 namespace pavonel {
 
 namespace {
@@ -47,14 +45,15 @@ bool isOfTheDesktop(std::uint32_t process) {
     return program.endsWith(u"/plasmashell") || program.endsWith(u"/xdg-desktop-portal-kde");
 }
 
-/// An attempt to connect starts a thread; looking for the server's socket costs little.
+QString usualSocket() {
+    const QString folder = qEnvironmentVariable("PIPEWIRE_RUNTIME_DIR");
+    return (folder.isEmpty() ? qEnvironmentVariable("XDG_RUNTIME_DIR") : folder) +
+           QStringLiteral("/pipewire-0");
+}
+
+/// An attempt to connect starts a thread.
 bool mayBeReachable() {
-    if (qEnvironmentVariableIsSet("PIPEWIRE_REMOTE"))
-        return true;
-    QByteArray folder = qgetenv("PIPEWIRE_RUNTIME_DIR");
-    if (folder.isEmpty())
-        folder = qgetenv("XDG_RUNTIME_DIR");
-    return ::access((folder + "/pipewire-0").constData(), F_OK) == 0;
+    return qEnvironmentVariableIsSet("PIPEWIRE_REMOTE") || QFile::exists(usualSocket());
 }
 
 } // namespace
@@ -236,7 +235,7 @@ private:
     bool lost_ = false;
 };
 
-PipeWireScreenCasts::PipeWireScreenCasts() = default;
+PipeWireScreenCasts::PipeWireScreenCasts() : changes_({usualSocket()}) {}
 PipeWireScreenCasts::~PipeWireScreenCasts() = default;
 
 bool PipeWireScreenCasts::anyLive() {
@@ -248,11 +247,12 @@ bool PipeWireScreenCasts::anyLive() {
 }
 
 void PipeWireScreenCasts::connectIfDue() {
+    if (changes_.any())
+        isThere_ = mayBeReachable();
+    if (!isThere_)
+        return;
     const auto now = Clock::now();
     if (now < nextAttempt_)
-        return;
-    nextAttempt_ = now + pauseWithoutServer;
-    if (!mayBeReachable())
         return;
     nextAttempt_ = now + pause_;
     pause_ = std::min<Clock::duration>(pause_ * 2, longestPause);

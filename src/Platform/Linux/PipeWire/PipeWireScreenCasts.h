@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Linux/Applications/FrontWindow.h"
+#include "Platform/Qt/FolderChanges.h"
 
 #include <chrono>
 #include <memory>
@@ -26,10 +27,11 @@ private:
     std::unique_ptr<Connection> connection_;
     Clock::duration pause_ = shortestPause;
     Clock::time_point nextAttempt_;
+    FolderChanges changes_; ///< Around the server's socket.
+    bool isThere_ = false;  ///< The socket.
 
     static constexpr std::chrono::seconds shortestPause{1};
     static constexpr std::chrono::seconds longestPause{60};
-    static constexpr std::chrono::seconds pauseWithoutServer{5};
 };
 
 } // namespace pavonel
