@@ -1,7 +1,7 @@
 #include "EndToEnd/Desktop.h"
 #include "EndToEnd/Remote.h"
-#include "EndToEnd/pixels.h"
 #include "support/MessageBus.h"
+#include "support/pixels.h"
 
 #include <QImage>
 #include <QTemporaryDir>
@@ -32,10 +32,17 @@ void startAndWaitForBreak(Desktop &desktop, QJsonObject settings = breakAfterTwo
     ASSERT_TRUE(desktop.waitForOverlays());
 }
 
+/// Where a break screen has its text.
+QRect middleOf(const QRect &screen) {
+    return {screen.center() - QPoint(150, 150), QSize(300, 300)};
+}
+
 /// A painted break screen listens to the keyboard too.
 void waitForText(Desktop &desktop) {
-    EXPECT_TRUE(waitUntil([&] { return showsText(desktop.server().picture(), Desktop::screen(1)); }))
-        << "no text on the screen of the pointer";
+    EXPECT_TRUE(waitUntil([&] {
+        const QImage picture = desktop.server().picture(middleOf(Desktop::screen(1)));
+        return contrast(picture, picture.rect()) > 40;
+    })) << "no text on the screen of the pointer";
 }
 
 int count(const Desktop &desktop, const char *what) {
@@ -149,14 +156,13 @@ TEST(Break, a_screen_removed_meanwhile_does_no_harm) {
 /// in the middle of the screen that has it.
 bool coverExactly(Desktop &desktop, const std::vector<QRect> &screens, const QRect &withText) {
     const QImage picture = desktop.server().picture();
-    const QRect middle(withText.center() - QPoint(150, 150), QSize(300, 300));
     return sortedFrames(desktop.overlays()) == screens &&
            std::ranges::none_of(screens,
                                 [&](const QRect &screen) {
                                     return !picture.rect().contains(screen) ||
                                            shows(picture, screen, Desktop::background());
                                 }) &&
-           contrast(picture, middle) > 40;
+           contrast(picture, middleOf(withText)) > 40;
 }
 
 TEST(Break, it_follows_a_screen_that_changes_its_mode) {
@@ -221,13 +227,13 @@ TEST(Break, shows_the_users_own_picture_from_the_first_moment) {
     const QPoint aside = Desktop::screen(0).center();
     QList<QColor> seen; // one after the other
     EXPECT_TRUE(waitUntil([&] {
-        const QColor colour = desktop.server().picture().pixelColor(aside);
+        const QColor colour = desktop.server().colourAt(aside);
         if (seen.isEmpty() || seen.last() != colour)
             seen.append(colour);
         return colour != Desktop::background() && desktop.overlays().size() == std::size_t{Desktop::screens};
     }));
     waitForText(desktop);
-    const QColor atLast = desktop.server().picture().pixelColor(aside);
+    const QColor atLast = desktop.server().colourAt(aside);
     EXPECT_GT(atLast.red(), 2 * atLast.blue()) << "not the picture";
     EXPECT_EQ(seen, (QList<QColor>{Desktop::background(), atLast})) << "something else before the picture";
 }

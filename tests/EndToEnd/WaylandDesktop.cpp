@@ -1,6 +1,6 @@
 #include "EndToEnd/WaylandDesktop.h"
 
-#include "EndToEnd/pixels.h"
+#include "support/pixels.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "Gnome/GnomeDesktop.h"
 
-#include "EndToEnd/pixels.h"
+#include "support/pixels.h"
 #include "support/waitUntil.h"
 
 #include <QDBusMessage>

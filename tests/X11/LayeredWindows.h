@@ -80,7 +80,7 @@ protected:
         return waitUntil([&] { return other.topAt(middle(widget)) == widget.id(); });
     }
     bool getsPainted(const Layered &widget) {
-        return waitUntil([&] { return server().picture().pixelColor(middle(widget)) == ours; });
+        return waitUntil([&] { return server().colourAt(middle(widget)) == ours; });
     }
     static QPoint middle(const Layered &widget) { return widget.geometry().center(); }
 

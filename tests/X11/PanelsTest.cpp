@@ -71,7 +71,7 @@ protected:
     }
     /// Shown, painted and faded in.
     bool isPainted(QPoint at) {
-        return waitUntil([&] { return qGray(server().picture().pixel(at)) > 230; });
+        return waitUntil([&] { return qGray(server().colourAt(at).rgb()) > 230; });
     }
 
     void showHeadsUp() { headsUp.show(BreakKind::micro, QStringLiteral("Micro break")); }

@@ -25,7 +25,7 @@ protected:
         inset->show(part);
     }
     static bool becomes(QPoint point, const QColor &colour) {
-        return waitUntil([&] { return server().picture().pixelColor(point) == colour; });
+        return waitUntil([&] { return server().colourAt(point) == colour; });
     }
 
     std::unique_ptr<Layered> large;

@@ -58,7 +58,7 @@ TEST_F(X11WindowLayersTest, an_overlay_covers_the_last_pixel_of_a_screen_of_odd_
     for (std::size_t index = 0; index < overlays.size(); ++index) {
         const QRect &monitor = oddMonitors[index];
         EXPECT_TRUE(waitUntil([&] { return coversClosely(*overlays[index], monitor); }));
-        EXPECT_TRUE(waitUntil([&] { return server().picture().pixelColor(monitor.bottomRight()) == ours; }));
+        EXPECT_TRUE(waitUntil([&] { return server().colourAt(monitor.bottomRight()) == ours; }));
     }
     settle();
     for (std::size_t index = 0; index < overlays.size(); ++index)

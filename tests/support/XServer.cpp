@@ -6,6 +6,7 @@
 
 #include <QThread>
 
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -196,19 +197,26 @@ std::unique_ptr<ChildProcess> XServer::launch(const QString &program, const QStr
     return std::make_unique<ChildProcess>(program, arguments, environment());
 }
 
-QImage XServer::picture() {
+QImage XServer::picture(std::optional<QRect> part) {
     const auto connection = connectTo(display_);
     if (xcb_connection_has_error(connection.get()))
         return {};
     const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(connection.get())).data;
-    const auto cookie = xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, screen->root, 0, 0,
-                                      screen->width_in_pixels, screen->height_in_pixels, ~std::uint32_t{0});
-    const auto reply = owned(xcb_get_image_reply(connection.get(), cookie, nullptr));
+    const QRect area = part.value_or(QRect(0, 0, screen->width_in_pixels, screen->height_in_pixels));
+    const auto cookie = xcb_get_image(
+        connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, screen->root, static_cast<std::int16_t>(area.x()),
+        static_cast<std::int16_t>(area.y()), static_cast<std::uint16_t>(area.width()),
+        static_cast<std::uint16_t>(area.height()), ~std::uint32_t{0});
+    auto reply = owned(xcb_get_image_reply(connection.get(), cookie, nullptr));
     if (!reply)
         return {};
-    const QImage shared(xcb_get_image_data(reply.get()), screen->width_in_pixels, screen->height_in_pixels,
-                        QImage::Format_RGB32);
-    return shared.copy();
+    uchar *const pixels = xcb_get_image_data(reply.get());
+    return {pixels, area.width(), area.height(), QImage::Format_RGB32, std::free, reply.release()};
+}
+
+QColor XServer::colourAt(QPoint point) {
+    const QImage pixel = picture(QRect(point, QSize(1, 1)));
+    return pixel.isNull() ? QColor() : pixel.pixelColor(0, 0);
 }
 
 } // namespace pavonel::test

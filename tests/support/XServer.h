@@ -2,11 +2,13 @@
 
 #include "support/ChildProcess.h"
 
+#include <QColor>
 #include <QImage>
 #include <QRect>
 #include <QTemporaryDir>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace pavonel::test {
@@ -53,8 +55,10 @@ public:
     /// Input from outside: {"key", "ctrl+alt+super+b"}, {"mousemove", "10", "20", "click", "1"} …
     void xdotool(const QStringList &arguments) { run(QStringLiteral("xdotool"), arguments); }
 
-    /// What the screen shows now, all monitors side by side.
-    QImage picture();
+    /// What the screen shows now: all monitors side by side, which is a lot to look at again and again, or a
+    /// part. Null when the part reaches beyond the screen.
+    QImage picture(std::optional<QRect> part = {});
+    QColor colourAt(QPoint point);
 
 private:
     void startMessageBus();
