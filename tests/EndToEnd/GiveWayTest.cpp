@@ -28,7 +28,7 @@ protected:
         desktop.use(program());
         desktop.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address());
     }
-    ~GiveWay() override { EXPECT_TRUE(endProcessesIn(bundle())); }
+    ~GiveWay() override { EXPECT_TRUE(endProcessesOf(desktop.environment().value(QStringLiteral("HOME")))); }
 
     QString bundle() const { return folder.filePath(QStringLiteral("Pavonel.app")); }
     QString program() const { return bundle() + QStringLiteral("/pavonel"); }

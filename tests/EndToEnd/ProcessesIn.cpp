@@ -1,5 +1,6 @@
 #include "EndToEnd/ProcessesIn.h"
 
+#include "support/files.h"
 #include "support/waitUntil.h"
 
 #include <QDir>
@@ -21,11 +22,18 @@ std::vector<qint64> processesIn(const QString &folder) {
     return result;
 }
 
-bool endProcessesIn(const QString &folder) {
-    return waitUntil([&folder] {
-        for (const qint64 process : processesIn(folder))
-            ::kill(static_cast<pid_t>(process), SIGKILL);
-        return processesIn(folder).empty();
+bool endProcessesOf(const QString &home) {
+    const QByteArray variable = "HOME=" + QFile::encodeName(home);
+    return waitUntil([&variable] {
+        bool isAnyLeft = false;
+        for (const QString &name : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+            if (name.toLongLong() <= 1 ||
+                !readFile(QStringLiteral("/proc/%1/environ").arg(name)).split('\0').contains(variable))
+                continue;
+            ::kill(static_cast<pid_t>(name.toLongLong()), SIGKILL);
+            isAnyLeft = true;
+        }
+        return !isAnyLeft;
     });
 }
 

@@ -9,7 +9,8 @@ namespace pavonel::test {
 /// The running processes whose program lies in a folder.
 std::vector<qint64> processesIn(const QString &folder);
 
-/// Kills them, and those that they start meanwhile. False when some are left.
-bool endProcessesIn(const QString &folder);
+/// Kills all that run for the user of this home folder, the scripts included that would start a program only
+/// later. False when some are left.
+bool endProcessesOf(const QString &home);
 
 } // namespace pavonel::test

@@ -26,7 +26,7 @@ ReleaseFixture::ReleaseFixture() {
 }
 
 ReleaseFixture::~ReleaseFixture() {
-    EXPECT_TRUE(endProcessesIn(path("Applications")));
+    EXPECT_TRUE(endProcessesOf(home.environment().value(QStringLiteral("HOME"))));
 }
 
 QByteArray ReleaseFixture::shell(const QByteArray &commands) {
