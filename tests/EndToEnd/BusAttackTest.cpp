@@ -11,6 +11,7 @@
 #include <chrono>
 #include <csignal>
 #include <ctime>
+#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -134,6 +135,25 @@ TEST_F(BusAttack, calls_of_absurd_sizes_are_refused_with_little_work) {
         }
         EXPECT_LT(least, mostProcessorTime) << qPrintable(call.method);
         std::cerr << qPrintable(call.method) << ' ' << least / 1ms << '\n';
+    }
+    EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
+}
+
+TEST_F(BusAttack, a_menu_wished_for_beyond_every_screen_opens_on_one) {
+    constexpr int least = std::numeric_limits<int>::min();
+    constexpr int most = std::numeric_limits<int>::max();
+    const QRect screens = Desktop::screen(0) | Desktop::screen(2);
+    for (const QPoint at : {QPoint(most, most), QPoint(least, least), QPoint(most, least)}) {
+        const Call wish{item,
+                        QStringLiteral("org.kde.StatusNotifierItem"),
+                        QStringLiteral("ContextMenu"),
+                        {at.x(), at.y()}};
+        EXPECT_EQ(errorOf(wish), QString()) << at.x() << ' ' << at.y();
+        EXPECT_TRUE(waitUntil([&] {
+            return std::ranges::any_of(desktop.tree().visible(), [&](const SeenWindow &window) {
+                return window.frame.width() > 100 && screens.contains(window.frame);
+            });
+        })) << "no menu";
     }
     EXPECT_EQ(desktop.endProgram(SIGTERM), 0);
 }

@@ -19,7 +19,7 @@ TrayStatusItem::TrayStatusItem(const QDBusConnection &bus, const QString &iconFo
     : appearance_(appearance), notifier_(
                                    bus, iconFolder, loop, [this] { chooseTray(); },
                                    [this](QPoint at) {
-                                       const QRect pointer(at, QSize(1, 1));
+                                       const QRect pointer(at, at); // one point, wherever somebody says it is
                                        showMenu({pointer, pointer});
                                    }),
       onAppearance_(appearance.onChange([this] { showIcon(); })) {
