@@ -29,6 +29,7 @@ void AppDelegate::setUp() {
         platform_, platform_, *platform_.pointer, *platform_.installedApplications, *platform_.sounds,
         *platform_.processes, *platform_.loginItem, *platform_.desktopExtension, *platform_.power,
         *platform_.statusItem, *platform_.defaults, settings_, stats_, phone_, hotKeys_, updater_});
+    controller_.start(); // before the menu bar, which on the same beat shows what this one has counted
     menuBar_.emplace(*platform_.statusItem, *platform_.mainLoop, controller_, settings_, stats_,
                      [this] { settingsWindow_->show(); });
     connectController();
@@ -39,7 +40,6 @@ void AppDelegate::setUp() {
     platform_.power->onWake([this] { controller_.resetTimers(); });
     updater_.checkInBackground();
     platform_.installation->onSuccessor([this] { giveWay(Opening::silent); });
-    controller_.start();
     welcome();
 }
 

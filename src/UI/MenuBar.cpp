@@ -66,10 +66,7 @@ MenuBarController::MenuBarController(StatusItem &statusItem, MainLoop &loop, Bre
     : statusItem_(statusItem), loop_(loop), controller_(controller), settings_(settings), stats_(stats),
       onSettings_(std::move(onSettings)) {
     statusItem_.setMenu(lifetime_.guard([this] { return menu(); }));
-    // Made before the controller's timer, this one is served before it on the same beat; what is shown is of
-    // after it.
-    refreshTimer_ =
-        loop_.every(refreshInterval, [this] { loop_.post(lifetime_.guard([this] { refresh(); })); });
+    refreshTimer_ = loop_.every(refreshInterval, [this] { refresh(); });
     refresh();
 }
 

@@ -17,8 +17,8 @@ TEST(MenuBarBeat, the_title_is_of_the_same_second_as_the_countdown) {
     BreakController controller(servicesOf(platform), settings, stats);
     settings.microInterval = 50;
     settings.longEnabled = false;
-    const MenuBarController menuBar(platform.menuBar, *platform.mainLoop, controller, settings, stats, [] {});
     controller.start();
+    const MenuBarController menuBar(platform.menuBar, *platform.mainLoop, controller, settings, stats, [] {});
 
     const auto agrees = [&] {
         const auto next = controller.next();

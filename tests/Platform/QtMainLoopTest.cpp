@@ -124,32 +124,6 @@ TEST(QtMainLoop, a_timer_may_replace_itself_within_its_action) {
     EXPECT_TRUE(waitUntil([&] { return fired == 3; }));
 }
 
-TEST(QtMainLoop, what_a_beat_posts_is_done_in_the_same_wake_up_once_all_its_timers_have_fired) {
-    QtMainLoop loop;
-    std::vector<char> order;
-    const auto first = loop.every(0.01, [&] {
-        order.push_back('a');
-        loop.post([&] { order.push_back('p'); });
-    });
-    const auto second = loop.every(0.01, [&] { order.push_back('b'); });
-    ASSERT_TRUE(waitUntil([&] { return order.size() >= 9; }));
-    order.resize(6);
-    EXPECT_EQ(order, (std::vector<char>{'a', 'b', 'p', 'a', 'b', 'p'}));
-}
-
-TEST(QtMainLoop, what_is_posted_within_a_loop_of_an_action_is_done_there) {
-    QtMainLoop loop;
-    bool done = false;
-    TimerHandle timer = loop.every(0.01, [&] {
-        timer.reset();
-        QEventLoop inner;
-        QTimer::singleShot(0, [&] { loop.post([&] { inner.quit(); }); });
-        inner.exec();
-        done = true;
-    });
-    EXPECT_TRUE(waitUntil([&] { return done; }));
-}
-
 TEST(QtMainLoop, timers_of_the_same_interval_fire_in_one_wake_up) {
     QtMainLoop loop;
     std::vector<char> firings;
@@ -214,20 +188,17 @@ TEST(QtMainLoop, one_beat_has_one_zone_and_a_loop_within_it_the_one_of_its_momen
         note();
         variable.set("Asia/Tokyo");
         note();
-        loop.post([&] {
+        QEventLoop inner;
+        QTimer::singleShot(0, [&] {
+            waitUntil([&] { return loop.zone().id() == "Asia/Tokyo"; });
             note();
-            QEventLoop inner;
-            QTimer::singleShot(0, [&] {
-                waitUntil([&] { return loop.zone().id() == "Asia/Tokyo"; });
-                note();
-                inner.quit();
-            });
-            inner.exec();
-            done = true;
+            inner.quit();
         });
+        inner.exec();
+        done = true;
     });
     ASSERT_TRUE(waitUntil([&] { return done; }));
-    EXPECT_EQ(zones, (QByteArrayList{"Europe/Berlin", "Europe/Berlin", "Europe/Berlin", "Asia/Tokyo"}));
+    EXPECT_EQ(zones, (QByteArrayList{"Europe/Berlin", "Europe/Berlin", "Asia/Tokyo"}));
     EXPECT_EQ(loop.zone().id(), "Asia/Tokyo");
 }
 

@@ -54,15 +54,12 @@ private:
 
 } // namespace
 
-/// What actions that are due together share: one look at the zone, and the rest of the wake-up, in which is
-/// done what they post.
+/// What actions that are due together share: one look at the zone.
 struct QtMainLoop::Beat {
     int loopLevel;
     QTimeZone zone;
-    std::vector<Action> posted;
-    bool takesMore = true; ///< What posted actions post themselves waits for the loop's next turn.
 
-    /// Not in a loop within theirs, which can last: nobody waits there for their end.
+    /// Not in a loop within theirs, which can last.
     bool isCurrent() const { return loopLevel == QThread::currentThread()->loopLevel(); }
 };
 
@@ -139,22 +136,16 @@ TimerHandle QtMainLoop::after(Seconds delay, Action action) {
 }
 
 void QtMainLoop::post(Action action) {
-    if (QThread::currentThread() == context_.thread() && beat_ && beat_->isCurrent() && beat_->takesMore)
-        beat_->posted.push_back(std::move(action));
-    else
-        QMetaObject::invokeMethod(&context_, std::move(action), Qt::QueuedConnection);
+    QMetaObject::invokeMethod(&context_, std::move(action), Qt::QueuedConnection);
 }
 
 void QtMainLoop::run(const std::vector<std::weak_ptr<Action>> &actions) {
-    Beat beat{.loopLevel = QThread::currentThread()->loopLevel(), .zone = {}, .posted = {}};
+    Beat beat{.loopLevel = QThread::currentThread()->loopLevel(), .zone = {}};
     Beat *outer = std::exchange(beat_, &beat);
     for (const auto &weak : actions) {
         if (const auto action = weak.lock())
             (*action)();
     }
-    beat.takesMore = false;
-    for (const Action &action : beat.posted)
-        action();
     beat_ = outer;
 }
 
