@@ -43,6 +43,7 @@ void ProgramAtHome::store(const QJsonObject &members) {
     QJsonObject all{{QStringLiteral("didOnboard"), true},
                     {QStringLiteral("launchAtLogin"), false},
                     {QStringLiteral("soundEnabled"), false},
+                    {QStringLiteral("pauseOnScreenSharing"), false}, // other tests run recorders
                     {QStringLiteral("preNotifySeconds"), 0},
                     {QStringLiteral("longEnabled"), false}};
     for (auto member = members.begin(); member != members.end(); ++member)
