@@ -290,7 +290,19 @@ protected:
                                {QStringLiteral("--edge"), QString::fromLatin1(GetParam()),
                                 QStringLiteral("--align"), alignment, QStringLiteral("--widthtype"),
                                 QStringLiteral("request"), QStringLiteral("--height"), QStringLiteral("24")});
-        EXPECT_TRUE(waitUntil([&] { return item->limitation().isEmpty() && place().width() > 20; }));
+        EXPECT_TRUE(waitUntil([&] { return item->limitation().isEmpty() && isInItsCorner(); }));
+    }
+
+    /// When the tray has grown by the item it moves, and until then the item reaches out of the screen.
+    bool isInItsCorner() {
+        const QRect screen = other.geometry(other.root()).value_or(QRect());
+        const QByteArray edge = GetParam();
+        const bool isLeft = edge == "left" || alignment == u"left";
+        const QPoint corner(isLeft ? screen.left() : screen.right(),
+                            edge == "top" ? screen.top() : screen.bottom());
+        constexpr int frame = 4; // of the tray
+        const QRect at = place();
+        return screen.contains(at) && at.adjusted(-frame, -frame, frame, frame).contains(corner);
     }
 
     /// Of the item, on the screen.
