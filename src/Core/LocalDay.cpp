@@ -9,7 +9,6 @@ namespace pavonel {
 
 namespace {
 
-constexpr double day = 86400;
 constexpr double largestOffset = 16 * 3600; // none was ever further from UTC
 
 QDateTime utc(double secondsSinceEpoch) {
@@ -34,7 +33,7 @@ double midnightOf(QDate date) {
 
 /// The midnight before (or at) what a clock shows at an instant while the offset stays.
 double midnightBefore(double instant, double offset) {
-    return std::floor((instant + offset) / day) * day - offset;
+    return std::floor((instant + offset) / dayLength) * dayLength - offset;
 }
 
 std::optional<double> timeOf(const QTimeZone::OffsetData &change) {
@@ -45,7 +44,7 @@ std::optional<double> timeOf(const QTimeZone::OffsetData &change) {
 
 double endOfDate(double instant, QDate date, const QTimeZone &zone) {
     for (;;) {
-        const double midnight = midnightBefore(instant, offsetAt(instant, zone)) + day;
+        const double midnight = midnightBefore(instant, offsetAt(instant, zone)) + dayLength;
         const auto change = timeOf(zone.nextTransition(utc(instant)));
         if (!change || *change > midnight)
             return midnight;
@@ -79,7 +78,7 @@ ZonedDate::ZonedDate(QDate date, const QTimeZone &zone) : date_(date) {
     if (!date.isValid())
         return;
     const double earliest = midnightOf(date) - largestOffset;
-    const double latest = midnightOf(date) + day + largestOffset;
+    const double latest = midnightOf(date) + dayLength + largestOffset;
     spans_.push_back({earliest, offsetAt(earliest, zone)});
     for (const auto &change : zone.transitions(utc(earliest + 1), utc(latest)))
         spans_.push_back({*timeOf(change), static_cast<double>(change.offsetFromUtc)});
@@ -109,7 +108,7 @@ std::optional<double> ZonedDate::endOfGap(double wall) const {
     for (std::size_t i = 1; i < spans_.size(); ++i) {
         const double leaves = spans_[i].begin + spans_[i - 1].offset;
         const double arrives = spans_[i].begin + spans_[i].offset;
-        if (leaves <= wall && wall < arrives && arrives < midnightOf(date_) + day)
+        if (leaves <= wall && wall < arrives && arrives < midnightOf(date_) + dayLength)
             return spans_[i].begin;
     }
     return {};

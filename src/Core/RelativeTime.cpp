@@ -14,11 +14,10 @@ struct Unit {
     const char *nextOne;
 };
 
-constexpr Seconds day = 86400;
-constexpr std::array units{Unit{365 * day, "year", "last year", "next year"},
-                           Unit{30 * day, "month", "last month", "next month"},
-                           Unit{7 * day, "week", "last week", "next week"},
-                           Unit{day, "day", "yesterday", "tomorrow"},
+constexpr std::array units{Unit{365 * dayLength, "year", "last year", "next year"},
+                           Unit{30 * dayLength, "month", "last month", "next month"},
+                           Unit{7 * dayLength, "week", "last week", "next week"},
+                           Unit{dayLength, "day", "yesterday", "tomorrow"},
                            Unit{3600, "hour", nullptr, nullptr},
                            Unit{60, "minute", nullptr, nullptr},
                            Unit{1, "second", nullptr, nullptr}};

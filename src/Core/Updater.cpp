@@ -10,7 +10,6 @@ namespace pavonel {
 namespace {
 
 constexpr Seconds requestTimeout = 60;
-constexpr Seconds day = 86'400;
 constexpr Seconds timeToQuit = 0.4;
 
 } // namespace
@@ -48,7 +47,7 @@ void Updater::checkInBackground() {
     if (!automatic())
         return;
     // The clock may have been set back; a check that lies ahead is as good as one today.
-    if (lastCheck.get() && secondsBetween(*lastCheck.get(), platform_.mainLoop->now()) < day)
+    if (lastCheck.get() && secondsBetween(*lastCheck.get(), platform_.mainLoop->now()) < dayLength)
         return;
     check(CheckKind::silent);
 }

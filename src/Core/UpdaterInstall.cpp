@@ -129,10 +129,9 @@ UpdaterInstall::Outcome UpdaterInstall::takeOver(const QString &downloaded, cons
 
 /// Of attempts that are long over. Another process may be in the middle of a download.
 void UpdaterInstall::removeLeftovers() const {
-    constexpr Seconds day = 86'400;
     const QStringList ours{QStringLiteral("download-*"), QStringLiteral("Pavonel-*.dmg*"),
                            QStringLiteral("pavonel-update-*"), QStringLiteral("Pavonel-staged-*.app")};
-    const Instant old = begin_ + -day;
+    const Instant old = begin_ + -dayLength;
     for (const QFileInfo &entry : QDir(folder_).entryInfoList(ours, QDir::AllEntries | QDir::System)) {
         if (Instant(std::chrono::milliseconds(entry.lastModified().toMSecsSinceEpoch())) < old)
             removeEntirely(entry.filePath());

@@ -7,6 +7,9 @@ namespace pavonel {
 /// Durations, intervals and counters, in seconds.
 using Seconds = double;
 
+/// Of all days but those on which the clocks change.
+constexpr Seconds dayLength = 86'400;
+
 /// A moment on the wall clock, in seconds since 1970-01-01 00:00 UTC.
 using Instant = std::chrono::sys_time<std::chrono::duration<Seconds>>;
 
