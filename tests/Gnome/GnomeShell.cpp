@@ -1,5 +1,6 @@
 #include "Gnome/GnomeShell.h"
 
+#include "support/environment.h"
 #include "support/files.h"
 #include "support/waitUntil.h"
 
@@ -32,10 +33,6 @@ const char settings[] = "[org/gnome/shell]\n"
                         "enable-animations=false\n"
                         "[org/gnome/desktop/notifications]\n"
                         "show-banners=false\n";
-
-void insert(QProcessEnvironment &environment, const char *name, const QString &value) {
-    environment.insert(QString::fromLatin1(name), value);
-}
 
 /// The Shell insists that everybody may put sockets there; an X server that came first may have made it.
 void openSocketsFolder() {

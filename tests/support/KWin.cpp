@@ -1,5 +1,6 @@
 #include "support/KWin.h"
 
+#include "support/environment.h"
 #include "support/files.h"
 #include "support/holdsSoon.h"
 
@@ -19,10 +20,6 @@
 namespace pavonel::test {
 
 namespace {
-
-void insert(QProcessEnvironment &environment, const char *name, const QString &value) {
-    environment.insert(QString::fromLatin1(name), value);
-}
 
 /// The installed one has a capability, with which it would outlive a test that dies. Under another name it
 /// refuses to run.

@@ -1,6 +1,7 @@
 #include "support/Sway.h"
 
 #include "support/XClient.h"
+#include "support/environment.h"
 #include "support/files.h"
 #include "support/holdsSoon.h"
 #include "support/waitUntil.h"
@@ -25,10 +26,6 @@ const char configuration[] = "xwayland disable\n"
                              "default_border none\n"
                              "focus_follows_mouse no\n"
                              "output * bg %1 solid_color\n";
-
-void insert(QProcessEnvironment &environment, const char *name, const QString &value) {
-    environment.insert(QString::fromLatin1(name), value);
-}
 
 /// Sway does not make the names by which windows are called and closed.
 void makeAtoms(const QByteArray &display) {

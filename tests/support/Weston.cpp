@@ -1,6 +1,7 @@
 #include "support/Weston.h"
 
 #include "support/XClient.h"
+#include "support/environment.h"
 #include "support/files.h"
 #include "support/holdsSoon.h"
 
@@ -14,14 +15,10 @@ namespace {
 
 constexpr int outputs = 2;
 
-const char configuration[] = "[core]\nidle-time=0\n"
-                             "[shell]\npanel-position=none\nlocking=false\nbackground-color=0x%1\n"
-                             "[output]\nname=screen0\nmode=%2\n"
-                             "[output]\nname=screen1\nmode=%2\n";
-
-void insert(QProcessEnvironment &environment, const char *name, const QString &value) {
-    environment.insert(QString::fromLatin1(name), value);
-}
+const char westonConfiguration[] = "[core]\nidle-time=0\n"
+                                   "[shell]\npanel-position=none\nlocking=false\nbackground-color=0x%1\n"
+                                   "[output]\nname=screen0\nmode=%2\n"
+                                   "[output]\nname=screen1\nmode=%2\n";
 
 /// Keys go to the output on which the pointer is.
 class Input final : public VirtualInput {
@@ -45,9 +42,9 @@ Weston::Weston()
       input_(std::make_unique<Input>(screen_)) {
     const QString file = runtime_.filePath(QStringLiteral("weston.ini"));
     const QString mode = QStringLiteral("%1x%2").arg(outputSize.width()).arg(outputSize.height());
-    writeFile(
-        file,
-        QString::fromLatin1(configuration).arg(QString::number(background().rgba(), 16), mode).toLatin1());
+    writeFile(file, QString::fromLatin1(westonConfiguration)
+                        .arg(QString::number(background().rgba(), 16), mode)
+                        .toLatin1());
     QProcessEnvironment environment = withoutDesktop();
     insert(environment, "HOME", runtime_.path());
     insert(environment, "XDG_RUNTIME_DIR", runtime_.path());

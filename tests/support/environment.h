@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QProcessEnvironment>
 #include <QtGlobal>
 
 namespace pavonel::test {
@@ -13,6 +14,10 @@ inline void completeEnvironment() {
     if (!qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS"))
         qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
     qputenv("QT_NO_XDG_DESKTOP_PORTAL", "1");
+}
+
+inline void insert(QProcessEnvironment &environment, const char *name, const QString &value) {
+    environment.insert(QString::fromLatin1(name), value);
 }
 
 } // namespace pavonel::test
