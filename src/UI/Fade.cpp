@@ -7,8 +7,6 @@ namespace pavonel {
 
 namespace {
 
-constexpr Seconds frame = 1.0 / 60;
-
 /// Starts and ends gently.
 double eased(double progress) {
     return progress * progress * (3 - 2 * progress);
@@ -26,6 +24,7 @@ void Fade::to(double target, Seconds duration, Completion completion) {
         duration = 0;
     progress_ = 0;
     if (duration > 0) {
+        constexpr Seconds frame = 1.0 / 60;
         frames_ = loop_.every(frame, [this, from, target, duration, start = loop_.now()] {
             // The clock can be set meanwhile: the motion never goes back, and a timer of its own ends it.
             step(from, target, std::clamp(secondsBetween(start, loop_.now()) / duration, progress_, 1.0));

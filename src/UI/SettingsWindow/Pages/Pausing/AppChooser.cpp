@@ -27,8 +27,7 @@ namespace pavonel {
 
 namespace {
 
-constexpr int widest = 440;
-constexpr int tallest = 460;
+constexpr QSize largest(440, 460);
 constexpr int aside = 24; // of the window's edges, at least
 constexpr int padding = 16;
 constexpr int rowHeight = 40;
@@ -97,7 +96,7 @@ public:
         lines->addWidget(list(), 1);
         lines->addLayout(foot());
         putInMiddle(this, body_, {aside, aside, aside, aside});
-        body_->setMaximumSize(visuals().length(widest), visuals().length(tallest));
+        body_->setMaximumSize(visuals().length(largest.width()), visuals().length(largest.height()));
         connect(&anchor, &QObject::destroyed, this, &QObject::deleteLater);
         parentWidget()->installEventFilter(this);
         setGeometry(parentWidget()->rect());
