@@ -1,9 +1,9 @@
 #include "AppDelegate.h"
-#include "CodeReturn.h"
 #include "CommandLine.h"
 #include "Core/HotKeys.h"
 #include "Core/Phone.h"
 #include "Core/Updater.h"
+#include "MemoryReturn.h"
 #include "Platform/Allocator.h"
 #include "Platform/BackgroundTask.h"
 #include "Platform/CarriedFonts.h"
@@ -46,7 +46,7 @@ void saveAtExit() {
 /// saves then.
 int runUntilQuit(SingleInstance &instance) {
     Platform &platform = Platform::current();
-    CodeReturn codeReturn(*platform.mainLoop);
+    const MemoryReturn memoryReturn(*platform.mainLoop);
     platform.termination->onSave(save);
     platform.termination->onEnd([&platform] { platform.mainLoop->quit(EXIT_SUCCESS); });
     platform.power->onSleep(save);

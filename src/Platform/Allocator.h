@@ -6,4 +6,8 @@ namespace pavonel {
 /// share one heap. Holds for the whole process; to be called before there are other threads.
 void returnFreedMemory();
 
+/// Gives back what is free between blocks in use as well, page by page. It takes as long as the heap is
+/// large.
+void returnFreePages();
+
 } // namespace pavonel

@@ -14,4 +14,8 @@ void returnFreedMemory() {
     mallopt(M_ARENA_MAX, 1);
 }
 
+void returnFreePages() {
+    malloc_trim(0);
+}
+
 } // namespace pavonel

@@ -6,12 +6,12 @@
 
 namespace pavonel {
 
-/// Gives the memory of the program's code back to the system when a window has gone: most of that code only
-/// shows windows, and what counts time in between is little.
-class CodeReturn final : public QObject {
+/// Gives memory back to the system when a window has gone: what is free in the heap, and that of the
+/// program's code, most of which only shows windows; what counts time in between is little.
+class MemoryReturn final : public QObject {
 public:
     /// Needs the application object.
-    explicit CodeReturn(MainLoop &loop);
+    explicit MemoryReturn(MainLoop &loop);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 

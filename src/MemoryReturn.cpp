@@ -1,5 +1,6 @@
-#include "CodeReturn.h"
+#include "MemoryReturn.h"
 
+#include "Platform/Allocator.h"
 #include "Platform/ProgramCode.h"
 
 #include <QCoreApplication>
@@ -7,14 +8,17 @@
 
 namespace pavonel {
 
-CodeReturn::CodeReturn(MainLoop &loop) : loop_(loop) {
+MemoryReturn::MemoryReturn(MainLoop &loop) : loop_(loop) {
     QCoreApplication::instance()->installEventFilter(this);
 }
 
-bool CodeReturn::eventFilter(QObject *watched, QEvent *event) {
+bool MemoryReturn::eventFilter(QObject *watched, QEvent *event) {
     constexpr Seconds pause = 1;
     if (event->type() == QEvent::Hide && watched->isWindowType())
-        pause_ = loop_.after(pause, returnCode);
+        pause_ = loop_.after(pause, [] {
+            returnFreePages();
+            returnCode();
+        });
     return false;
 }
 
