@@ -4,6 +4,8 @@
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http/chunk_encode.hpp>
 #include <boost/beast/ssl.hpp>
+#include <sstream>
+#include <string>
 
 namespace relay {
 
@@ -26,6 +28,12 @@ http::status statusOf(const boost::system::error_code &error) {
 bool isMisunderstanding(const boost::system::error_code &error) {
     return error.category() == http::make_error_code(http::error::bad_method).category() &&
            error != http::error::end_of_stream && error != http::error::partial_message;
+}
+
+std::string textOf(const http::response_header<> &head) {
+    std::ostringstream text;
+    text << head;
+    return text.str();
 }
 
 /// Counts a request as long as it is being answered.
@@ -102,14 +110,11 @@ private:
 
     net::awaitable<bool> write(Response &response, bool headOnly = false) {
         response.prepare_payload();
-        const bool goesOn = response.keep_alive();
-        http::response_serializer<http::string_body> serializer(response);
-        beast::get_lowest_layer(stream_).expires_after(timeout);
-        if (headOnly)
-            co_await http::async_write_header(stream_, serializer, net::use_awaitable);
-        else
-            co_await http::async_write(stream_, serializer, net::use_awaitable);
-        co_return goesOn;
+        std::string text = textOf(response);
+        if (!headOnly)
+            text += response.body();
+        co_await write(text);
+        co_return response.keep_alive();
     }
 
     /// To close while something is still arriving would take the refusal away from who is to read it.
@@ -131,7 +136,7 @@ private:
         bool reads = false;
         char unexpected = 0;
         try {
-            co_await writeHead();
+            co_await write(textOf(service_.streamHead()));
             beast::get_lowest_layer(stream_).expires_never();
             reads = true;
             stream_.async_read_some(net::buffer(&unexpected, 1),
@@ -142,14 +147,14 @@ private:
             while (!subscriber->isGone()) {
                 const std::string text = subscriber->next();
                 if (!text.empty())
-                    co_await write(net::buffer(text));
+                    co_await writeEvent(text);
                 else if (subscriber->isOver())
                     break;
                 else
                     co_await subscriber->wait();
             }
             if (!subscriber->isGone())
-                co_await writeLast();
+                co_await write(beast::buffers_to_string(http::make_chunk_last()));
         } catch (const boost::system::system_error &) { // the phone is gone
         }
         beast::get_lowest_layer(stream_).close();
@@ -157,24 +162,14 @@ private:
             co_await subscriber->wait();
     }
 
-    net::awaitable<void> writeHead() {
-        auto head = service_.streamHead();
-        http::response_serializer<http::empty_body> serializer(head);
-        beast::get_lowest_layer(stream_).expires_after(timeout);
-        co_await http::async_write_header(stream_, serializer, net::use_awaitable);
-    }
-
-    net::awaitable<void> write(net::const_buffer text) {
-        beast::get_lowest_layer(stream_).expires_after(timeout);
-        const auto chunk = http::make_chunk(text);
-        co_await net::async_write(stream_, chunk, net::use_awaitable);
+    net::awaitable<void> writeEvent(const std::string &text) {
+        co_await write(beast::buffers_to_string(http::make_chunk(net::buffer(text))));
         ++service_.subscribers().metrics.events;
     }
 
-    net::awaitable<void> writeLast() {
+    net::awaitable<void> write(const std::string &text) {
         beast::get_lowest_layer(stream_).expires_after(timeout);
-        const auto last = http::make_chunk_last();
-        co_await net::async_write(stream_, last, net::use_awaitable);
+        co_await net::async_write(stream_, net::buffer(text), net::use_awaitable);
     }
 
     Stream &stream_;
