@@ -5,6 +5,7 @@
 #include "Core/StatusLine.h"
 #include "UI/Symbol.h"
 
+#include <cmath>
 #include <utility>
 
 namespace pavonel {
@@ -12,6 +13,7 @@ namespace pavonel {
 namespace {
 
 constexpr Seconds refreshInterval = 1.0;
+constexpr Seconds minute = 60;
 
 const QString mark = QStringLiteral("menubar");
 
@@ -54,10 +56,10 @@ MenuItem separator() {
 } // namespace
 
 QString shortRemainingTime(Seconds remaining) {
-    if (remaining < 60)
+    if (remaining < minute)
         return QString::number(static_cast<qint64>(remaining)) + u's';
     constexpr Seconds longest = 1e12; // what settings may hold by mistake
-    return QString::number(static_cast<qint64>(std::min(remaining, longest) / 60) + 1) + u'm';
+    return QString::number(static_cast<qint64>(std::min(remaining, longest) / minute) + 1) + u'm';
 }
 
 MenuBarController::MenuBarController(StatusItem &statusItem, MainLoop &loop, BreakController &controller,
@@ -71,23 +73,42 @@ MenuBarController::MenuBarController(StatusItem &statusItem, MainLoop &loop, Bre
 }
 
 void MenuBarController::refresh() {
-    Face wanted = face();
-    if (wanted.icon != shown_.icon)
-        statusItem_.setIcon(wanted.icon, images(wanted.icon));
-    if (wanted.title != shown_.title)
-        statusItem_.setTitle(wanted.title);
-    shown_ = std::move(wanted);
+    const Face wanted = face();
+    if (wanted == shown_)
+        return;
+    shown_ = wanted;
+    if (const QString icon = iconOf(wanted); icon != std::exchange(icon_, icon))
+        statusItem_.setIcon(icon, images(icon));
+    if (const QString title = titleOf(wanted); title != std::exchange(title_, title))
+        statusItem_.setTitle(title);
 }
 
 MenuBarController::Face MenuBarController::face() const {
     if (controller_.phase == Phase::breaking)
-        return {QStringLiteral("cup.and.saucer"), clockText(controller_.breakRemaining)};
+        return {Phase::breaking, {}, controller_.breakRemaining};
     if (controller_.phase == Phase::paused)
-        return {QStringLiteral("pause.circle"), {}};
+        return {Phase::paused, {}, {}};
     if (const auto &reason = controller_.pauseReason.get())
-        return {symbolOf(*reason), {}};
+        return {Phase::counting, reason, {}};
     const auto next = controller_.next();
-    return {mark, next ? shortRemainingTime(next->remaining) : QString()};
+    if (!next)
+        return {};
+    const Seconds unit = next->remaining < minute ? 1 : minute;
+    return {Phase::counting, {}, std::floor(next->remaining / unit) * unit};
+}
+
+QString MenuBarController::iconOf(const Face &face) {
+    if (face.phase == Phase::breaking)
+        return QStringLiteral("cup.and.saucer");
+    if (face.phase == Phase::paused)
+        return QStringLiteral("pause.circle");
+    return face.held ? symbolOf(*face.held) : mark;
+}
+
+QString MenuBarController::titleOf(const Face &face) {
+    if (!face.left)
+        return {};
+    return face.phase == Phase::breaking ? clockText(*face.left) : shortRemainingTime(*face.left);
 }
 
 Menu MenuBarController::menu() {

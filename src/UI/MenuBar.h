@@ -5,6 +5,7 @@
 #include "Platform/StatusItem.h"
 
 #include <functional>
+#include <optional>
 
 namespace pavonel {
 
@@ -17,14 +18,18 @@ public:
                       const Settings &settings, const Stats &stats, std::function<void()> onSettings);
 
 private:
+    /// What icon and title follow from, without a text: it is compared every second.
     struct Face {
-        QString icon; ///< A symbol's name, or that of the mark.
-        QString title;
+        Phase phase = Phase::counting;
+        std::optional<PauseReason> held;
+        std::optional<Seconds> left; ///< As exactly as it is shown.
         bool operator==(const Face &) const = default;
     };
 
     void refresh();
     Face face() const;
+    static QString iconOf(const Face &face);
+    static QString titleOf(const Face &face);
     Menu menu();
     Menu pauseMenu();
     MenuItem item(const QString &title, const QString &key, std::function<void()> action);
@@ -37,7 +42,9 @@ private:
     const Settings &settings_;
     const Stats &stats_;
     std::function<void()> onSettings_;
-    Face shown_;
+    std::optional<Face> shown_;
+    QString icon_; ///< A symbol's name, or that of the mark.
+    QString title_;
     TimerHandle refreshTimer_;
     Lifetime lifetime_; ///< A menu can outlive us.
 };
