@@ -54,17 +54,24 @@ private:
 
 } // namespace
 
-/// What actions that are due together share: one look at the zone.
+/// While actions that are due together run. They share one look at the zone.
 struct QtMainLoop::Beat {
-    int loopLevel;
-    QTimeZone zone;
+    explicit Beat(QtMainLoop &in) : loop(in), outer(std::exchange(in.beat_, this)) {}
+    ~Beat() { loop.beat_ = outer; }
+    Beat(const Beat &) = delete;
+    Beat &operator=(const Beat &) = delete;
 
     /// Not in a loop within theirs, which can last.
     bool isCurrent() const { return loopLevel == QThread::currentThread()->loopLevel(); }
+
+    QtMainLoop &loop;
+    Beat *outer;
+    int loopLevel = QThread::currentThread()->loopLevel();
+    QTimeZone zone = {};
 };
 
 /// One QTimer for all repeating timers of an interval.
-class QtMainLoop::SharedTimer {
+class QtMainLoop::SharedTimer : public std::enable_shared_from_this<SharedTimer> {
 public:
     SharedTimer(QtMainLoop &loop, milliseconds interval) : loop_(loop) {
         // A beat of seconds may give way a little, so that one wake-up serves several; a short one is motion.
@@ -78,16 +85,24 @@ public:
     void add(const Subscriber &subscriber) { subscribers_.push_back(subscriber); }
 
 private:
+    /// An action may end any of the timers, begin others, and run a loop within this one.
     void beat() {
-        // An action may end any of the timers, and the last one takes this object along.
-        std::erase_if(subscribers_, [](const auto &subscriber) { return subscriber.expired(); });
-        const auto subscribers = subscribers_;
-        loop_.run(subscribers);
+        const auto alive = shared_from_this();
+        const Beat beat(loop_);
+        if (beats_ == 0)
+            std::erase_if(subscribers_, [](const auto &subscriber) { return subscriber.expired(); });
+        ++beats_;
+        for (std::size_t i = 0, count = subscribers_.size(); i < count; ++i) {
+            if (const auto action = subscribers_[i].lock())
+                (*action)();
+        }
+        --beats_;
     }
 
     QtMainLoop &loop_;
     QTimer timer_;
     std::vector<std::weak_ptr<Action>> subscribers_;
+    int beats_ = 0; ///< Under way, one within the other.
 };
 
 namespace {
@@ -137,16 +152,6 @@ TimerHandle QtMainLoop::after(Seconds delay, Action action) {
 
 void QtMainLoop::post(Action action) {
     QMetaObject::invokeMethod(&context_, std::move(action), Qt::QueuedConnection);
-}
-
-void QtMainLoop::run(const std::vector<std::weak_ptr<Action>> &actions) {
-    Beat beat{.loopLevel = QThread::currentThread()->loopLevel(), .zone = {}};
-    Beat *outer = std::exchange(beat_, &beat);
-    for (const auto &weak : actions) {
-        if (const auto action = weak.lock())
-            (*action)();
-    }
-    beat_ = outer;
 }
 
 void QtMainLoop::quit(int status) {

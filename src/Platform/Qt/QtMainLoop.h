@@ -29,9 +29,6 @@ private:
     class SharedTimer;
     struct Beat;
 
-    /// Runs actions that are due together.
-    void run(const std::vector<std::weak_ptr<Action>> &actions);
-
     QObject context_;
     Beat *beat_ = nullptr; ///< Whose actions are running, for the main thread alone.
     mutable LocalZone zone_;
