@@ -50,19 +50,21 @@ class Program:
 
 
 class Pavonel(Program):
-    def __init__(self, settings):
+    """With these settings; `before` is a command that runs it."""
+
+    def __init__(self, settings, *before, **options):
         store = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "pavonel/defaults.json"
         store.parent.mkdir(parents=True, exist_ok=True)
         # Nobody types here, which must not count as being away: then nothing would be counted or asked.
         store.write_text(json.dumps({"didOnboard": True, "idleResetSeconds": 86400} | settings))
-        super().__init__(PROGRAM)
+        super().__init__(*before, PROGRAM, **options)
 
 
 class Floor(Program):
     """The least that a program of Qt's does. It says a word when its loop runs, and one when its windows are hidden."""
 
-    def __init__(self, *seconds):
-        super().__init__(FLOOR, *seconds, stdout=subprocess.PIPE)
+    def __init__(self, *seconds, before=(), **options):
+        super().__init__(*before, FLOOR, *seconds, stdout=subprocess.PIPE, **options)
 
     def await_word(self):
         self.process.stdout.readline()
