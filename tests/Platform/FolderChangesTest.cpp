@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <memory>
+
 #include <gtest/gtest.h>
 
 namespace pavonel {
@@ -26,6 +28,14 @@ protected:
     /// Until nothing new is told.
     static void settle(FolderChanges &changes) {
         ASSERT_TRUE(waitUntil([&] { return !changes.any(); }));
+    }
+
+    static int watchesOfTheSystem() {
+        int count = 0;
+        for (const QFileInfo &descriptor :
+             QDir(QStringLiteral("/proc/self/fd")).entryInfoList(QDir::Files | QDir::System))
+            count += descriptor.symLinkTarget().endsWith(QStringLiteral("anon_inode:inotify"));
+        return count;
     }
 
     QTemporaryDir folder;
@@ -66,6 +76,21 @@ TEST_F(FolderChangesTest, a_folder_that_is_missing_can_come_with_its_file_go_and
         ASSERT_TRUE(QDir(path(QStringLiteral("server"))).removeRecursively());
         EXPECT_TRUE(waitUntil([&] { return changes.any(); }));
     }
+}
+
+TEST_F(FolderChangesTest, all_share_one_watch_of_the_system_and_each_is_told) {
+    const int before = watchesOfTheSystem();
+    const QStringList socket{path(QStringLiteral("socket"))};
+    FolderChanges changes(socket);
+    FolderChanges inTheSameFolder({path(QStringLiteral("other"))});
+    auto gone = std::make_unique<FolderChanges>(socket);
+    for (FolderChanges *each : {&changes, &inTheSameFolder, gone.get()})
+        settle(*each);
+    EXPECT_EQ(watchesOfTheSystem(), before + 1);
+    gone.reset();
+    write(QStringLiteral("socket"));
+    EXPECT_TRUE(waitUntil([&] { return changes.any(); }));
+    EXPECT_TRUE(waitUntil([&] { return inTheSameFolder.any(); }));
 }
 
 } // namespace pavonel

@@ -1,6 +1,7 @@
 #include "Platform/Linux/LinuxInstallation.h"
 
 #include "Platform/Posix/PrivateFolder.h"
+#include "Platform/Qt/sharedWatcher.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -167,7 +168,8 @@ void LinuxInstallation::onSuccessor(std::function<void()> handler) {
     constexpr auto untilAllIsThere = std::chrono::seconds(10);
     if (!bundle_.isEmpty())
         return;
-    watcher_ = std::make_unique<QFileSystemWatcher>(QStringList(program_));
+    watcher_ = sharedWatcher();
+    watcher_->addPath(program_);
     settled_.setSingleShot(true);
     settled_.setInterval(untilAllIsThere);
     settled_.callOnTimeout([this, tell = std::move(handler)] {
@@ -175,7 +177,10 @@ void LinuxInstallation::onSuccessor(std::function<void()> handler) {
             tell();
     });
     QObject::connect(watcher_.get(), &QFileSystemWatcher::fileChanged, &settled_,
-                     [this] { settled_.start(); });
+                     [this](const QString &file) {
+                         if (file == program_)
+                             settled_.start();
+                     });
 }
 
 QString LinuxInstallation::temporaryFolder() {

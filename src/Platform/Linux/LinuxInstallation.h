@@ -46,7 +46,7 @@ private:
     QString temporaryFolder_;
     QString signedMark_;
     std::unique_ptr<FileLock> replacing_;
-    std::unique_ptr<QFileSystemWatcher> watcher_;
+    std::shared_ptr<QFileSystemWatcher> watcher_;
     QTimer settled_;
 };
 

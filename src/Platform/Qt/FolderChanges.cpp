@@ -1,7 +1,8 @@
 #include "Platform/Qt/FolderChanges.h"
 
+#include "Platform/Qt/sharedWatcher.h"
+
 #include <QFileInfo>
-#include <QSet>
 
 namespace pavonel {
 
@@ -26,20 +27,18 @@ bool FolderChanges::any() {
 /// False when something can have changed before the watch.
 bool FolderChanges::watch() {
     if (!watcher_) {
-        watcher_ = std::make_unique<QFileSystemWatcher>();
-        QObject::connect(watcher_.get(), &QFileSystemWatcher::directoryChanged, watcher_.get(),
-                         [this] { changed_ = true; });
+        watcher_ = sharedWatcher();
+        QObject::connect(watcher_.get(), &QFileSystemWatcher::directoryChanged, &context_,
+                         [this](const QString &place) { changed_ = changed_ || places_.contains(place); });
     }
-    QSet<QString> places;
+    places_.clear();
     for (const QString &folder : folders_)
-        places.insert(existingPartOf(folder));
-    const QStringList before = watcher_->directories();
-    if (places == QSet<QString>(before.begin(), before.end()))
-        return true;
-    if (!before.isEmpty())
-        watcher_->removePaths(before);
-    watcher_->addPaths(places.values());
-    return false;
+        places_.insert(existingPartOf(folder));
+    const QStringList watched = watcher_->directories();
+    const auto fresh = places_ - QSet<QString>(watched.begin(), watched.end());
+    if (!fresh.isEmpty())
+        watcher_->addPaths(fresh.values());
+    return fresh.isEmpty();
 }
 
 } // namespace pavonel

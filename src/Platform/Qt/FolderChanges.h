@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QFileSystemWatcher>
+#include <QObject>
+#include <QSet>
 #include <QStringList>
 
 #include <memory>
@@ -23,8 +25,10 @@ private:
     bool watch();
 
     QStringList folders_;
-    std::unique_ptr<QFileSystemWatcher> watcher_; ///< Made with the first question.
+    QSet<QString> places_;                        ///< What of them there is, which is watched.
+    std::shared_ptr<QFileSystemWatcher> watcher_; ///< From the first question on.
     bool changed_ = true;
+    QObject context_; ///< The watcher can outlive us.
 };
 
 } // namespace pavonel

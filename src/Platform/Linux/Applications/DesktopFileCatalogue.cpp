@@ -2,6 +2,7 @@
 
 #include "Platform/Linux/Applications/DesktopFileListing.h"
 #include "Platform/Qt/FolderChanges.h"
+#include "Platform/Qt/sharedWatcher.h"
 
 #include <QDeadlineTimer>
 #include <QStandardPaths>
@@ -12,11 +13,14 @@
 namespace pavonel {
 
 DesktopFileCatalogue::DesktopFileCatalogue(QStringList folders, MainLoop &loop)
-    : folders_(std::move(folders)), loop_(loop) {
-    QObject::connect(
-        &watcher_, &QFileSystemWatcher::directoryChanged, &watcher_, [this](const QString &changed) {
-            change_ = std::max(change_, places_.folders.contains(changed) ? Change::within : Change::nearby);
-        });
+    : folders_(std::move(folders)), loop_(loop), watcher_(sharedWatcher()) {
+    QObject::connect(watcher_.get(), &QFileSystemWatcher::directoryChanged, &context_,
+                     [this](const QString &changed) {
+                         if (places_.folders.contains(changed))
+                             change_ = Change::within;
+                         else if (places_.nearby.contains(changed))
+                             change_ = std::max(change_, Change::nearby);
+                     });
 }
 
 QStringList DesktopFileCatalogue::standardFolders() {
@@ -55,10 +59,8 @@ void DesktopFileCatalogue::look() {
 void DesktopFileCatalogue::watch(const Places &found, Change change) {
     const Places before = std::exchange(places_, found);
     if (found != before) {
-        if (const QStringList watched = watcher_.directories(); !watched.isEmpty())
-            watcher_.removePaths(watched);
         for (const QString &path : found.folders + found.nearby)
-            watcher_.addPath(path);
+            watcher_->addPath(path);
         change_ = Change::nearby; // something can have come before the watch
     }
     if (change == Change::within || found.folders != before.folders)

@@ -4,8 +4,11 @@
 #include "Platform/Linux/Applications/DesktopFiles.h"
 
 #include <QFileSystemWatcher>
+#include <QObject>
 #include <QSet>
 #include <QStringList>
+
+#include <memory>
 
 namespace pavonel {
 
@@ -45,7 +48,8 @@ private:
     bool isNew_ = false;
     Change change_ = Change::within; ///< Since the last look.
     BackgroundTask task_;
-    QFileSystemWatcher watcher_;
+    std::shared_ptr<QFileSystemWatcher> watcher_;
+    QObject context_; ///< The watcher can outlive us.
 };
 
 } // namespace pavonel
