@@ -68,7 +68,8 @@ X11Connection::X11Connection(xcb_connection_t *connection, int screenNumber)
     if (auto *dispatcher = QAbstractEventDispatcher::instance())
         beforeSleep_ = QObject::connect(
             dispatcher, &QAbstractEventDispatcher::aboutToBlock, &notifier_, [this, qt = connectionOfQt()] {
-                dispatch(xcb_poll_for_queued_event);
+                if (std::exchange(isUsed_, false))
+                    dispatch(xcb_poll_for_queued_event);
                 if (qt)
                     xcb_flush(qt); // in GLib's event loop it sends only when the server speaks first
             });
@@ -82,8 +83,8 @@ X11Connection::~X11Connection() {
 
 bool X11Connection::isInsideWayland() {
     constexpr char name[] = "XWAYLAND";
-    const XReply<xcb_query_extension_reply_t> extension(xcb_query_extension_reply(
-        connection_, xcb_query_extension(connection_, sizeof name - 1, name), nullptr));
+    const XReply<xcb_query_extension_reply_t> extension(
+        xcb_query_extension_reply(xcb(), xcb_query_extension(xcb(), sizeof name - 1, name), nullptr));
     return (extension && extension->present) || compositorAnswers(); // an old XWayland has no extension
 }
 
@@ -93,7 +94,7 @@ xcb_atom_t X11Connection::atom(const char *name) {
         return known->second;
     const auto length = static_cast<std::uint16_t>(qstrlen(name));
     const XReply<xcb_intern_atom_reply_t> reply(
-        xcb_intern_atom_reply(connection_, xcb_intern_atom(connection_, 0, length, name), nullptr));
+        xcb_intern_atom_reply(xcb(), xcb_intern_atom(xcb(), 0, length, name), nullptr));
     if (!reply)
         return XCB_ATOM_NONE;
     atoms_.emplace(name, reply->atom);
@@ -102,8 +103,8 @@ xcb_atom_t X11Connection::atom(const char *name) {
 
 std::vector<std::uint32_t> X11Connection::numbers(xcb_window_t window, const char *property) {
     const auto cookie =
-        xcb_get_property(connection_, 0, window, atom(property), XCB_GET_PROPERTY_TYPE_ANY, 0, mostNumbers);
-    const XReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection_, cookie, nullptr));
+        xcb_get_property(xcb(), 0, window, atom(property), XCB_GET_PROPERTY_TYPE_ANY, 0, mostNumbers);
+    const XReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(xcb(), cookie, nullptr));
     if (!reply || reply->format != 32)
         return {};
     const auto *items = static_cast<const std::uint32_t *>(xcb_get_property_value(reply.get()));
@@ -116,14 +117,18 @@ std::uint32_t X11Connection::number(xcb_window_t window, const char *property) {
 }
 
 std::optional<QRect> X11Connection::frame(xcb_window_t window) {
-    const auto placeCookie = xcb_translate_coordinates(connection_, window, root_, 0, 0);
-    const auto sizeCookie = xcb_get_geometry(connection_, window);
+    const auto placeCookie = xcb_translate_coordinates(xcb(), window, root_, 0, 0);
+    const auto sizeCookie = xcb_get_geometry(xcb(), window);
     const XReply<xcb_translate_coordinates_reply_t> place(
-        xcb_translate_coordinates_reply(connection_, placeCookie, nullptr));
-    const XReply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(connection_, sizeCookie, nullptr));
+        xcb_translate_coordinates_reply(xcb(), placeCookie, nullptr));
+    const XReply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(xcb(), sizeCookie, nullptr));
     if (!place || !size)
         return std::nullopt;
     return QRect(place->dst_x, place->dst_y, size->width, size->height);
+}
+
+bool X11Connection::haveSameClient(xcb_window_t window, xcb_window_t other) const {
+    return ((window ^ other) & ~xcb_get_setup(connection_)->resource_id_mask) == 0;
 }
 
 /// A manager that ended leaves its mark on the root window behind, but not on its own.
@@ -160,7 +165,7 @@ void X11Connection::select(xcb_window_t window) {
         if (entry->window == window)
             mask |= entry->mask;
     }
-    xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &mask);
+    xcb_change_window_attributes(xcb(), window, XCB_CW_EVENT_MASK, &mask);
 }
 
 void X11Connection::awaitQt() {

@@ -36,7 +36,11 @@ public:
     X11Connection &operator=(const X11Connection &) = delete;
     ~X11Connection();
 
-    xcb_connection_t *xcb() const { return connection_; }
+    /// To ask something at once, not to be kept: what is asked later might wait.
+    xcb_connection_t *xcb() {
+        isUsed_ = true;
+        return connection_;
+    }
     xcb_window_t root() const { return root_; }
 
     /// The number of the X screen which `root` belongs to.
@@ -62,6 +66,10 @@ public:
 
     /// Where a window stands on the screen, in pixels and without its border; absent when it is gone.
     std::optional<QRect> frame(xcb_window_t window);
+
+    /// Whether both windows were opened over the same connection to the server, and so by one program: its
+    /// part of their numbers is the same.
+    bool haveSameClient(xcb_window_t window, xcb_window_t other) const;
 
     /// The window by which the running window manager can be known; XCB_WINDOW_NONE where there is none.
     xcb_window_t windowManager();
@@ -110,6 +118,7 @@ private:
     xcb_window_t root_ = XCB_WINDOW_NONE;
     QSocketNotifier notifier_;
     QMetaObject::Connection beforeSleep_;
+    bool isUsed_ = true; ///< Since the main loop slept.
     std::map<QByteArray, xcb_atom_t> atoms_;
     std::vector<std::shared_ptr<Listener>> listeners_;
     std::vector<std::shared_ptr<WatchedWindow>> watched_;

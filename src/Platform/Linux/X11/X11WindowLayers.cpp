@@ -175,8 +175,7 @@ bool X11WindowLayers::isOverlayVisible() const {
 /// The manager's frames, and the windows it left in place. All else (menus, screen lockers) looks after
 /// itself: such a window may raise itself above ours and stay there, as a locker must.
 bool X11WindowLayers::isManaged(xcb_window_t window, bool overrideRedirect) const {
-    const std::uint32_t clientBits = ~xcb_get_setup(connection_->xcb())->resource_id_mask;
-    const bool isOfManager = managersWindow_ && (window & clientBits) == (managersWindow_ & clientBits);
+    const bool isOfManager = managersWindow_ && connection_->haveSameClient(window, managersWindow_);
     return isOfManager || !overrideRedirect;
 }
 

@@ -108,12 +108,11 @@ std::vector<OnScreenWindow> X11Windows::onScreen() {
 }
 
 /// Each sandbox counts its processes anew, so many programs give the same low number. But what belongs to one
-/// program comes over one connection to the server, which is part of a window's number.
+/// program comes over one connection to the server.
 bool X11Windows::isNamesakeOfFront(const std::pair<const xcb_window_t, Window> &entry) const {
     const auto front = windows_.find(active_);
-    const std::uint32_t connection = ~xcb_get_setup(connection_->xcb())->resource_id_mask;
     return front != windows_.end() && front->second.owner == entry.second.owner &&
-           (active_ & connection) != (entry.first & connection);
+           !connection_->haveSameClient(active_, entry.first);
 }
 
 std::optional<FrontWindow> X11Windows::front() {
