@@ -114,6 +114,16 @@ Facts factsOf(const BreakController &controller, const Stats &stats, const MainL
     return facts;
 }
 
+/// Moments that follow from the counters move by a second now and then, when a tick comes late: they stay as
+/// they were told, unless they are off by two seconds or more.
+void steady(Facts &facts, const Facts &told) {
+    const bool sameNext = facts.next && told.next && facts.next->kind == told.next->kind;
+    if (sameNext && facts.next->due && told.next->due && isNearly(*facts.next->due, *told.next->due))
+        facts.next->due = told.next->due;
+    if (facts.running && told.running && isNearly(facts.running->ends, told.running->ends))
+        facts.running->ends = told.running->ends;
+}
+
 } // namespace
 
 Status statusOf(const BreakController &controller, const Stats &stats, const MainLoop &loop) {
@@ -124,15 +134,6 @@ Status statusOf(const BreakController &controller, const Stats &stats, const Mai
     status.screenSeconds = whole(today.screenSeconds);
     status.breakSeconds = whole(today.breakSeconds);
     return status;
-}
-
-Facts steadied(Facts facts, const Facts &told) {
-    const bool sameNext = facts.next && told.next && facts.next->kind == told.next->kind;
-    if (sameNext && facts.next->due && told.next->due && isNearly(*facts.next->due, *told.next->due))
-        facts.next->due = told.next->due;
-    if (facts.running && told.running && isNearly(facts.running->ends, told.running->ends))
-        facts.running->ends = told.running->ends;
-    return facts;
 }
 
 BreakRemoteControl::BreakRemoteControl(StatusPublisher &publisher, BreakController &controller,
@@ -149,12 +150,13 @@ BreakRemoteControl::~BreakRemoteControl() {
 
 Status BreakRemoteControl::status() const {
     Status status = statusOf(controller_, stats_, loop_);
-    status.facts = steadied(std::move(status.facts), told_);
+    steady(status.facts, told_);
     return status;
 }
 
 void BreakRemoteControl::tellIfChanged() {
-    Facts facts = steadied(factsOf(controller_, stats_, loop_), told_);
+    Facts facts = factsOf(controller_, stats_, loop_);
+    steady(facts, told_);
     if (facts == told_)
         return;
     told_ = std::move(facts);

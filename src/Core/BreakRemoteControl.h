@@ -5,12 +5,8 @@
 
 namespace pavonel {
 
-/// What the scheduler is about at this moment. Moments that follow from the counters move by a second now and
-/// then, when a tick comes late.
+/// What the scheduler is about at this moment.
 Status statusOf(const BreakController &controller, const Stats &stats, const MainLoop &loop);
-
-/// The facts with those moments as they were told before, unless they are off by two seconds or more.
-Status::Facts steadied(Status::Facts facts, const Status::Facts &told);
 
 /// The scheduler as other programs see it and command it, who may do what the menu lets the user do. Looks
 /// once a second whether there is anything to tell them.
