@@ -20,7 +20,7 @@ struct BackgroundTask::State {
 
     std::mutex guard;
     std::condition_variable changed;
-    Status status = Status::running; ///< Over once the action was taken or is wanted no more.
+    std::atomic<Status> status = Status::running; ///< Over once the action was taken or is wanted no more.
     Action action;
 
     void run() {
@@ -69,10 +69,7 @@ void BackgroundTask::workOn(const std::shared_ptr<State> &state, MainLoop &loop,
 }
 
 bool BackgroundTask::isPending() const {
-    if (!state_)
-        return false;
-    const std::scoped_lock lock(state_->guard);
-    return state_->status != State::Status::over;
+    return state_ && state_->status != State::Status::over;
 }
 
 void BackgroundTask::await(std::chrono::milliseconds timeout) {
