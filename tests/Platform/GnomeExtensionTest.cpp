@@ -172,6 +172,7 @@ TEST_F(GnomeExtensionTest, tells_nothing_once_it_is_gone) {
 TEST_F(GnomeExtensionTest, is_not_believed_what_no_desktop_has) {
     shell.front = {77, QStringLiteral("Player"), {}, {0, 0, 640, 480}, false};
     shell.appear();
+    ASSERT_TRUE(waitUntil([&] { return extension->front().has_value(); })); // it is asked for once
     constexpr int smallest = std::numeric_limits<int>::min();
     constexpr int largest = std::numeric_limits<int>::max();
     const ReportedFront lies[] = {
