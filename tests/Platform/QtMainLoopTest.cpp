@@ -176,7 +176,7 @@ TEST(QtMainLoop, the_zone_follows_the_environment) {
     EXPECT_TRUE(waitUntil([&] { return loop.zone().id() == "Australia/Lord_Howe"; }));
 }
 
-TEST(QtMainLoop, one_beat_has_one_zone_and_a_loop_within_it_the_one_of_its_moment) {
+TEST(QtMainLoop, actions_due_together_see_one_zone_and_a_loop_within_them_the_new_one) {
     const TimeZoneVariable variable;
     QtMainLoop loop;
     QByteArrayList zones;

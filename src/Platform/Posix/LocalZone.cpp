@@ -2,7 +2,6 @@
 
 #include <QDateTime>
 
-#include <chrono>
 #include <ctime>
 
 #include <sys/stat.h>
@@ -37,9 +36,10 @@ LocalZone::Origin LocalZone::Origin::now() {
 }
 
 QTimeZone LocalZone::current() {
-    if (zone_.isValid() && !untilNextLook_.hasExpired())
+    const auto now = std::chrono::steady_clock::now();
+    if (zone_.isValid() && now < nextLook_)
         return zone_;
-    untilNextLook_.setRemainingTime(betweenLooks);
+    nextLook_ = now + betweenLooks;
     Origin origin = Origin::now();
     if (zone_.isValid() && origin == origin_)
         return zone_;

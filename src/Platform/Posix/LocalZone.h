@@ -1,8 +1,9 @@
 #pragma once
 
 #include <QByteArray>
-#include <QDeadlineTimer>
 #include <QTimeZone>
+
+#include <chrono>
 
 #include <sys/types.h>
 
@@ -28,7 +29,7 @@ private:
         bool operator==(const Origin &) const = default;
     };
 
-    QDeadlineTimer untilNextLook_;
+    std::chrono::steady_clock::time_point nextLook_;
     Origin origin_;
     QTimeZone zone_;
 };

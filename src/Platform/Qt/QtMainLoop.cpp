@@ -1,7 +1,7 @@
 #include "Platform/Qt/QtMainLoop.h"
 
+#include <QBasicTimer>
 #include <QCoreApplication>
-#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
@@ -54,55 +54,41 @@ private:
 
 } // namespace
 
-/// While actions that are due together run. They share one look at the zone.
-struct QtMainLoop::Beat {
-    explicit Beat(QtMainLoop &in) : loop(in), outer(std::exchange(in.beat_, this)) {}
-    ~Beat() { loop.beat_ = outer; }
-    Beat(const Beat &) = delete;
-    Beat &operator=(const Beat &) = delete;
-
-    /// Not in a loop within theirs, which can last.
-    bool isCurrent() const { return loopLevel == QThread::currentThread()->loopLevel(); }
-
-    QtMainLoop &loop;
-    Beat *outer;
-    int loopLevel = QThread::currentThread()->loopLevel();
-    QTimeZone zone = {};
-};
-
-/// One QTimer for all repeating timers of an interval.
-class QtMainLoop::SharedTimer : public std::enable_shared_from_this<SharedTimer> {
+/// One timer of Qt's for all repeating timers of an interval.
+class QtMainLoop::SharedTimer final : public QObject, public std::enable_shared_from_this<SharedTimer> {
 public:
-    SharedTimer(QtMainLoop &loop, milliseconds interval) : loop_(loop) {
-        // A beat of seconds may give way a little, so that one wake-up serves several; a short one is motion.
-        timer_.setTimerType(interval >= std::chrono::seconds(1) ? Qt::CoarseTimer : Qt::PreciseTimer);
-        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { beat(); });
-        timer_.start(interval);
+    explicit SharedTimer(milliseconds interval) {
+        timer_.start(static_cast<int>(interval.count()), typeFor(interval), this);
     }
 
-    using Subscriber = std::shared_ptr<Action>;
+    void add(const std::shared_ptr<Action> &action) { actions_.push_back(action); }
+    void noteEnd() { hasEnded_ = true; }
 
-    void add(const Subscriber &subscriber) { subscribers_.push_back(subscriber); }
-
-private:
-    /// An action may end any of the timers, begin others, and run a loop within this one.
-    void beat() {
+protected:
+    /// An action may end any of the timers, begin others, and run a loop within this one; Qt lets no timer
+    /// beat within its own beat.
+    void timerEvent(QTimerEvent *) override {
         const auto alive = shared_from_this();
-        const Beat beat(loop_);
-        if (beats_ == 0)
-            std::erase_if(subscribers_, [](const auto &subscriber) { return subscriber.expired(); });
-        ++beats_;
-        for (std::size_t i = 0, count = subscribers_.size(); i < count; ++i) {
-            if (const auto action = subscribers_[i].lock())
+        if (std::exchange(hasEnded_, false))
+            std::erase_if(actions_, [](const auto &action) { return action.expired(); });
+        for (std::size_t i = 0, count = actions_.size(); i < count; ++i) {
+            if (const auto action = actions_[i].lock())
                 (*action)();
         }
-        --beats_;
     }
 
-    QtMainLoop &loop_;
-    QTimer timer_;
-    std::vector<std::weak_ptr<Action>> subscribers_;
-    int beats_ = 0; ///< Under way, one within the other.
+private:
+    /// Whole seconds pass with those of all other programs that do the same, so that one wake-up of the
+    /// machine serves several, and what we do once a minute comes with a beat. What is shorter is motion.
+    static Qt::TimerType typeFor(milliseconds interval) {
+        if (interval % std::chrono::seconds(1) == milliseconds::zero())
+            return Qt::VeryCoarseTimer;
+        return interval > std::chrono::seconds(1) ? Qt::CoarseTimer : Qt::PreciseTimer;
+    }
+
+    QBasicTimer timer_;
+    std::vector<std::weak_ptr<Action>> actions_;
+    bool hasEnded_ = false; ///< One of them, or more.
 };
 
 namespace {
@@ -114,6 +100,7 @@ public:
           action_(std::make_shared<MainLoop::Action>(std::move(action))) {
         sharedTimer_->add(action_);
     }
+    ~Repeating() override { sharedTimer_->noteEnd(); }
 
 private:
     std::shared_ptr<SharedTimer> sharedTimer_;
@@ -130,11 +117,7 @@ Instant QtMainLoop::now() const {
 }
 
 QTimeZone QtMainLoop::zone() const {
-    if (!beat_ || !beat_->isCurrent())
-        return zone_.current();
-    if (!beat_->zone.isValid())
-        beat_->zone = zone_.current();
-    return beat_->zone;
+    return zone_.current();
 }
 
 TimerHandle QtMainLoop::every(Seconds interval, Action action) {
@@ -142,7 +125,7 @@ TimerHandle QtMainLoop::every(Seconds interval, Action action) {
     auto &known = sharedTimers_[beat];
     auto sharedTimer = known.lock();
     if (!sharedTimer)
-        known = sharedTimer = std::make_shared<SharedTimer>(*this, beat);
+        known = sharedTimer = std::make_shared<SharedTimer>(beat);
     return std::make_unique<Repeating<SharedTimer>>(std::move(sharedTimer), std::move(action));
 }
 

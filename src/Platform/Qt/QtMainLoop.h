@@ -27,10 +27,8 @@ public:
 
 private:
     class SharedTimer;
-    struct Beat;
 
     QObject context_;
-    Beat *beat_ = nullptr; ///< Whose actions are running, for the main thread alone.
     mutable LocalZone zone_;
     std::map<std::chrono::milliseconds, std::weak_ptr<SharedTimer>> sharedTimers_;
 };
