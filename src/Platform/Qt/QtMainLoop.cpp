@@ -58,7 +58,9 @@ private:
 class QtMainLoop::SharedTimer final : public QObject, public std::enable_shared_from_this<SharedTimer> {
 public:
     explicit SharedTimer(milliseconds interval) {
-        timer_.start(static_cast<int>(interval.count()), typeFor(interval), this);
+        // A beat of seconds may give way a little, so that one wake-up serves several; a short one is motion.
+        const bool isMotion = interval < std::chrono::seconds(1);
+        timer_.start(static_cast<int>(interval.count()), isMotion ? Qt::PreciseTimer : Qt::CoarseTimer, this);
     }
 
     void add(const std::shared_ptr<Action> &action) { actions_.push_back(action); }
@@ -78,14 +80,6 @@ protected:
     }
 
 private:
-    /// Whole seconds pass with those of all other programs that do the same, so that one wake-up of the
-    /// machine serves several, and what we do once a minute comes with a beat. What is shorter is motion.
-    static Qt::TimerType typeFor(milliseconds interval) {
-        if (interval % std::chrono::seconds(1) == milliseconds::zero())
-            return Qt::VeryCoarseTimer;
-        return interval > std::chrono::seconds(1) ? Qt::CoarseTimer : Qt::PreciseTimer;
-    }
-
     QBasicTimer timer_;
     std::vector<std::weak_ptr<Action>> actions_;
     bool hasEnded_ = false; ///< One of them, or more.
