@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include <limits>
+#include <optional>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -110,6 +111,23 @@ TEST(QtMainLoop, a_timer_may_end_all_others_of_its_interval) {
     }
     let(loop, 0.1);
     EXPECT_EQ(fired, 1);
+}
+
+TEST(QtMainLoop, a_timer_does_not_beat_within_its_own_beat) {
+    QtMainLoop loop;
+    int beats = 0;
+    int othersBeats = 0;
+    std::optional<int> beatsAfterTheLoop;
+    const auto other = loop.every(0.02, [&] { ++othersBeats; });
+    const auto timer = loop.every(0.01, [&] {
+        ++beats;
+        if (beatsAfterTheLoop)
+            return;
+        EXPECT_TRUE(waitUntil([&, before = othersBeats] { return othersBeats >= before + 3; }));
+        beatsAfterTheLoop = beats;
+    });
+    ASSERT_TRUE(waitUntil([&] { return beats > 1; }));
+    EXPECT_EQ(beatsAfterTheLoop, 1);
 }
 
 TEST(QtMainLoop, a_timer_may_replace_itself_within_its_action) {
