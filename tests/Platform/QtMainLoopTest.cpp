@@ -230,12 +230,21 @@ TEST(QtMainLoop, the_zone_knows_summer_and_winter) {
 
 TEST(QtMainLoop, a_zone_without_a_name_has_the_c_librarys_offset) {
     const TimeZoneVariable variable;
-    const QtMainLoop loop;
     for (const char *zone :
          {"IST-5:30", "/usr/share/zoneinfo/Asia/Kolkata", ":Asia/Kolkata", "<+0530>-5:30"}) {
         variable.set(zone);
+        const QtMainLoop loop;
         EXPECT_EQ(offset(loop, winter), 19800) << zone;
     }
+}
+
+TEST(QtMainLoop, a_zone_without_a_name_gives_way_to_another) {
+    const TimeZoneVariable variable;
+    variable.set("IST-5:30");
+    const QtMainLoop loop;
+    EXPECT_EQ(offset(loop, winter), 19800);
+    variable.set("Asia/Tokyo");
+    EXPECT_TRUE(waitUntil([&] { return loop.zone().id() == "Asia/Tokyo"; }));
 }
 
 TEST(QtMainLoop, an_unknown_zone_is_utc) {

@@ -46,8 +46,9 @@ QTimeZone LocalZone::current() {
     const QTimeZone zone = QTimeZone::systemTimeZone();
     const int offset = offsetOfTheCLibrary();
     if (!zone.isValid() || zone.offsetFromUtc(QDateTime::currentDateTimeUtc()) != offset) {
-        zone_ = QTimeZone(); // an offset holds only until the clocks change, so the next call looks again
-        return QTimeZone(offset);
+        origin_.reset(); // an offset holds only until the clocks change, so the next look finds it anew
+        zone_ = QTimeZone(offset);
+        return zone_;
     }
     origin_ = std::move(origin);
     zone_ = zone;

@@ -4,6 +4,7 @@
 #include <QTimeZone>
 
 #include <chrono>
+#include <optional>
 
 #include <sys/types.h>
 
@@ -30,7 +31,7 @@ private:
     };
 
     std::chrono::steady_clock::time_point nextLook_;
-    Origin origin_;
+    std::optional<Origin> origin_; ///< Absent while the zone is a mere offset.
     QTimeZone zone_;
 };
 
