@@ -55,6 +55,10 @@ std::optional<PauseReason> ActivityMonitor::currentPauseReason(const Settings &s
     return {};
 }
 
+bool ActivityMonitor::mayBeHeldUntold(const Settings &settings) const {
+    return settings.pauseOnScreenSharing && sensors_.applications.mayRunMore();
+}
+
 bool ActivityMonitor::isRecordingAppActive() const {
     const auto running = sensors_.applications.running();
     return std::any_of(running.begin(), running.end(), [](const Application &application) {

@@ -20,6 +20,9 @@ public:
     /// a focus application. Absent when nothing holds the timer.
     std::optional<PauseReason> currentPauseReason(const Settings &settings) const;
 
+    /// Whether there can be a condition that no event tells of.
+    bool mayBeHeldUntold(const Settings &settings) const;
+
 private:
     bool isRecordingAppActive() const;
     bool isFrontmostFullscreen() const;

@@ -43,25 +43,53 @@ BreakController::BreakController(const Services &services, Settings &settings, S
       stats_(stats), relay_(relay), monitor_(services.sensors), today_(loop_) {}
 
 void BreakController::start() {
-    timer_ = loop_.every(oneTick, [this] { tick(); });
+    timer_ = loop_.everyDeferrable(oneTick, {.action = [this] { return tick(); },
+                                             .catchUp = [this](int ticks) { countQuietTicks(ticks); },
+                                             .isUrgent = [this] { return monitor_.mayBeHeldUntold(s_); }});
 }
 
-void BreakController::tick() {
+/// Yields how many of the next ticks will only count, unless something happens.
+int BreakController::tick() {
     const Instant now = loop_.now();
     if (phase == Phase::breaking) {
         tickBreak(now);
-        return;
+        return 0;
     }
     if (phase == Phase::paused) {
         if (pauseUntil.get() && now >= *pauseUntil.get())
             resume();
-        return;
+        return 0;
     }
     if (isAway() || isHeld() || startDuePlannedBreak(now))
-        return;
+        return 0;
     countScreenSecond(now);
     tickWellness();
-    startOrAnnounceNext(now);
+    const auto coming = next(now);
+    if (coming)
+        startOrAnnounce(*coming);
+    return phase == Phase::counting ? quietTicks(now, coming) : 0;
+}
+
+/// None of them starts a break, announces one, reminds of anything, finds the user away or begins a day.
+int BreakController::quietTicks(Instant now, const std::optional<NextBreak> &coming) const {
+    Seconds quiet = secondsBetween(now, today_.day(now).end);
+    const auto endWithin = [&quiet](Seconds left) { quiet = std::min(quiet, left); };
+    if (coming)
+        endWithin(coming->remaining - s_.preNotifySeconds);
+    if (s_.naturalBreakEnabled)
+        endWithin(s_.idleResetSeconds - idle_);
+    if (s_.postureEnabled)
+        endWithin(s_.postureInterval - posturePending_);
+    if (s_.blinkEnabled)
+        endWithin(s_.blinkInterval - blinkPending_);
+    return quiet > oneTick ? static_cast<int>(quiet) - 1 : 0;
+}
+
+void BreakController::countQuietTicks(int ticks) {
+    for (const Instant now = loop_.now(); ticks > 0; --ticks) {
+        countScreenSecond(now);
+        tickWellness();
+    }
 }
 
 void BreakController::tickBreak(Instant now) {
@@ -74,14 +102,14 @@ void BreakController::tickBreak(Instant now) {
 /// An idle spell is a rest of its own. It resets a counter only once it has lasted as long as the break that
 /// it stands in for; until then nothing is counted.
 bool BreakController::isAway() {
-    const Seconds idle = s_.naturalBreakEnabled ? monitor_.idleSeconds() : 0;
-    const bool wasAway = std::exchange(away_, s_.naturalBreakEnabled && idle >= s_.idleResetSeconds);
+    idle_ = s_.naturalBreakEnabled ? monitor_.idleSeconds() : 0;
+    const bool wasAway = std::exchange(away_, s_.naturalBreakEnabled && idle_ >= s_.idleResetSeconds);
     if (!away_)
         return false;
-    if (idle >= s_.longDuration && s_.longEnabled) {
+    if (idle_ >= s_.longDuration && s_.longEnabled) {
         longElapsed = 0;
         microElapsed = 0;
-    } else if (idle >= s_.microDuration) {
+    } else if (idle_ >= s_.microDuration) {
         microElapsed = 0;
     }
     dismissHeadsUp();
@@ -136,17 +164,14 @@ void BreakController::remind(bool enabled, Seconds interval, Seconds &pending, c
         onWellness(message, icon);
 }
 
-void BreakController::startOrAnnounceNext(Instant now) {
-    const auto coming = next(now);
-    if (!coming)
-        return;
-    if (coming->remaining <= 0) {
-        startBreak(coming->kind, Initiator::schedule);
-    } else if (!headsUpShown_ && coming->remaining <= s_.preNotifySeconds) {
+void BreakController::startOrAnnounce(const NextBreak &coming) {
+    if (coming.remaining <= 0) {
+        startBreak(coming.kind, Initiator::schedule);
+    } else if (!headsUpShown_ && coming.remaining <= s_.preNotifySeconds) {
         headsUpShown_ = true;
         phase = Phase::headsUp;
         if (onHeadsUp)
-            onHeadsUp(coming->kind, coming->title);
+            onHeadsUp(coming.kind, coming.title);
     }
 }
 

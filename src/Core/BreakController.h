@@ -83,7 +83,9 @@ public:
     void dismissHeadsUp();
 
 private:
-    void tick();
+    int tick();
+    int quietTicks(Instant now, const std::optional<NextBreak> &coming) const;
+    void countQuietTicks(int ticks);
     void tickBreak(Instant now);
     bool isAway();
     bool isHeld();
@@ -92,7 +94,7 @@ private:
     void tickWellness();
     void remind(bool enabled, Seconds interval, Seconds &pending, const QString &message,
                 const QString &icon);
-    void startOrAnnounceNext(Instant now);
+    void startOrAnnounce(const NextBreak &coming);
     std::optional<NextBreak> next(Instant now) const;
     void endBreak(Ending ending, Instant now);
     void playSound(const QString &name);
@@ -119,6 +121,7 @@ private:
     Today today_;
     TimerHandle timer_;
     bool headsUpShown_ = false;
+    Seconds idle_ = 0; ///< As of the last tick that looked, like the next.
     bool away_ = false;
     Seconds posturePending_ = 0;
     Seconds blinkPending_ = 0;

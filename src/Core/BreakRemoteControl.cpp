@@ -141,7 +141,11 @@ BreakRemoteControl::BreakRemoteControl(StatusPublisher &publisher, BreakControll
     : publisher_(publisher), controller_(controller), settings_(settings), stats_(stats), loop_(loop) {
     told_ = factsOf(controller_, stats_, loop_);
     publisher_.serve(this);
-    polling_ = loop_.every(pollInterval, [this] { tellIfChanged(); });
+    // What the facts say does not change with time alone.
+    polling_ = loop_.everyDeferrable(pollInterval, {[this] {
+                                         tellIfChanged();
+                                         return MainLoop::unlimited;
+                                     }});
 }
 
 BreakRemoteControl::~BreakRemoteControl() {

@@ -20,6 +20,9 @@ class Applications : public Service {
 public:
     virtual std::vector<Application> running() = 0;
     virtual std::optional<Application> frontmost() = 0;
+
+    /// Whether more may be running than at the last question, though no event has told.
+    virtual bool mayRunMore() { return true; }
 };
 
 } // namespace pavonel

@@ -68,7 +68,10 @@ MenuBarController::MenuBarController(StatusItem &statusItem, MainLoop &loop, Bre
     : statusItem_(statusItem), loop_(loop), controller_(controller), settings_(settings), stats_(stats),
       onSettings_(std::move(onSettings)) {
     statusItem_.setMenu(lifetime_.guard([this] { return menu(); }));
-    refreshTimer_ = loop_.every(refreshInterval, [this] { refresh(); });
+    refreshTimer_ = loop_.everyDeferrable(refreshInterval, {[this] {
+                                              refresh();
+                                              return steadyRefreshes();
+                                          }});
     refresh();
 }
 
@@ -81,6 +84,14 @@ void MenuBarController::refresh() {
         statusItem_.setIcon(icon, images(icon));
     if (const QString title = titleOf(wanted); title != std::exchange(title_, title))
         statusItem_.setTitle(title);
+}
+
+/// How many of the next times the title stays as it is while seconds are counted.
+int MenuBarController::steadyRefreshes() const {
+    const auto next = controller_.next();
+    if (!next)
+        return MainLoop::unlimited;
+    return next->remaining < minute ? 0 : static_cast<int>(std::fmod(next->remaining, minute));
 }
 
 MenuBarController::Face MenuBarController::face() const {

@@ -27,6 +27,7 @@ private:
     };
 
     void refresh();
+    int steadyRefreshes() const;
     Face face() const;
     static QString iconOf(const Face &face);
     static QString titleOf(const Face &face);

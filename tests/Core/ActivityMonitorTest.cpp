@@ -234,4 +234,13 @@ TEST(ActivityMonitor, idle_time_is_that_of_the_platform_and_zero_when_it_cannot_
     EXPECT_EQ(fixture.monitor.idleSeconds(), 12.5);
 }
 
+TEST(ActivityMonitor, programs_that_nobody_tells_of_matter_only_where_sharing_does) {
+    MonitorFixture fixture;
+    EXPECT_FALSE(fixture.monitor.mayBeHeldUntold(fixture.settings));
+    fixture.platform.apps.mayHaveBegun = true;
+    EXPECT_TRUE(fixture.monitor.mayBeHeldUntold(fixture.settings));
+    fixture.settings.pauseOnScreenSharing = false;
+    EXPECT_FALSE(fixture.monitor.mayBeHeldUntold(fixture.settings));
+}
+
 } // namespace pavonel::test

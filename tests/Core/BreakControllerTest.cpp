@@ -413,4 +413,72 @@ TEST(BreakController, observers_hear_of_a_change_before_it_is_made) {
     EXPECT_EQ(s.controller.phase, Phase::paused);
 }
 
+namespace {
+
+void letBeatsWait(FakePlatform &platform) {
+    platform.loop.beatsWait = true;
+}
+
+/// Four hours with everything that time alone leads to.
+void liveThrough(Scenario &s) {
+    s.settings.postureEnabled = true;
+    s.settings.blinkEnabled = true;
+    s.settings.postureInterval = 1000;
+    s.settings.blinkInterval = 330;
+    s.settings.preNotifySeconds = 7;
+    s.plan(10, 12, 90);
+    s.advance(5000);
+    for (Seconds idle = 0; idle < s.settings.idleResetSeconds + 400; ++idle) {
+        s.platform.idle.seconds = idle;
+        s.advance(1);
+    }
+    s.platform.idle.seconds = 0;
+    s.controller.pause(600);
+    s.advance(8400);
+}
+
+} // namespace
+
+TEST(BreakController, ticks_that_wait_lead_to_the_same_at_the_same_time) {
+    Scenario prompt;
+    Scenario waiting(letBeatsWait);
+    liveThrough(prompt);
+    liveThrough(waiting);
+    EXPECT_EQ(waiting.events, prompt.events);
+    EXPECT_FALSE(prompt.eventsWith(QStringLiteral("wellness")).isEmpty());
+    EXPECT_FALSE(prompt.eventsWith(QStringLiteral("Lunch")).isEmpty());
+    waiting.controller.startBreak(BreakKind::micro, BreakController::Initiator::user);
+    prompt.controller.startBreak(BreakKind::micro, BreakController::Initiator::user);
+    waiting.advance(1);
+    prompt.advance(1);
+    EXPECT_EQ(waiting.stats.today(), prompt.stats.today());
+    EXPECT_LT(waiting.platform.audio.queries, prompt.platform.audio.queries / 3);
+}
+
+TEST(BreakController, a_day_ends_on_time_though_ticks_wait) {
+    Scenario prompt;
+    Scenario waiting(letBeatsWait);
+    for (Scenario *s : {&prompt, &waiting}) {
+        s->platform.loop.setClock(QStringLiteral("2026-03-02T23:55:00"));
+        s->plan(0, 0);
+        s->advance(900);
+    }
+    EXPECT_EQ(prompt.eventsWith(QStringLiteral("start")), QStringList{QStringLiteral("300 start Lunch")});
+    EXPECT_EQ(waiting.events, prompt.events);
+    const auto lastNight = [](const Scenario &s) {
+        return s.stats.on(s.platform.loop.at(QStringLiteral("2026-03-02T12:00")));
+    };
+    EXPECT_EQ(lastNight(waiting), lastNight(prompt));
+}
+
+TEST(BreakController, a_program_that_nobody_tells_of_is_seen_at_the_next_tick_though_ticks_wait) {
+    Scenario s(letBeatsWait);
+    s.advance(100);
+    s.platform.apps.applications.push_back({7, QStringLiteral("com.obsproject.obs-studio")});
+    s.platform.apps.mayHaveBegun = true;
+    s.advance(1);
+    EXPECT_EQ(s.controller.pauseReason.get(), PauseReason::screenSharing);
+    EXPECT_EQ(s.stats.today().screenSeconds, 100);
+}
+
 } // namespace pavonel::test

@@ -257,4 +257,17 @@ TEST_F(NumberedProcesses, new_rules_apply_to_those_born_since_the_walk_as_well) 
     EXPECT_EQ(running(), (QStringList{QStringLiteral("new"), QStringLiteral("old")}));
 }
 
+TEST_F(NumberedProcesses, there_may_be_more_from_a_birth_until_the_newborn_has_grown_up) {
+    refresh(20);
+    EXPECT_FALSE(table.mayHaveMore());
+    start(11, QStringLiteral("/usr/bin/new"));
+    EXPECT_TRUE(table.mayHaveMore());
+    refresh();
+    EXPECT_TRUE(table.mayHaveMore());
+    refresh(20);
+    EXPECT_FALSE(table.mayHaveMore());
+    table.reconsider();
+    EXPECT_TRUE(table.mayHaveMore());
+}
+
 } // namespace pavonel::test

@@ -1,5 +1,6 @@
 #include "Platform/Qt/QtMainLoop.h"
 
+#include "Platform/Qt/SharedTimer.h"
 #include "support/InChild.h"
 #include "support/holdsSoon.h"
 #include "support/waitUntil.h"
@@ -8,9 +9,12 @@
 #include <QEventLoop>
 #include <QTimer>
 
+#include <algorithm>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -151,6 +155,105 @@ TEST(QtMainLoop, timers_of_the_same_interval_fire_in_one_wake_up) {
     firings.clear();
     ASSERT_TRUE(waitUntil([&] { return !firings.empty(); }));
     EXPECT_EQ(firings, (std::vector<char>{'a', 'b'}));
+}
+
+namespace {
+
+constexpr Seconds shortBeat = 0.05;
+
+/// A deferrable timer in a loop in which nothing else happens, until it has beaten for some times; what it
+/// did, in order.
+class DeferredBeats {
+public:
+    QtMainLoop loop;
+    std::vector<QByteArray> log;
+    MainLoop::Deferrable deferrable{.action =
+                                        [this] {
+                                            log.push_back("beat");
+                                            if (++beats_ == enough_)
+                                                loop_.quit();
+                                            return MainLoop::unlimited;
+                                        },
+                                    .catchUp =
+                                        [this](int beats) {
+                                            EXPECT_GT(beats, 0);
+                                            EXPECT_LE(beats, SharedTimer::mostWaiting);
+                                            log.push_back("caught up");
+                                        }};
+
+    void beat(int times) {
+        enough_ = times;
+        const auto timer = loop.everyDeferrable(shortBeat, deferrable);
+        loop_.exec();
+    }
+    bool hasDone(const char *what) const { return std::find(log.begin(), log.end(), what) != log.end(); }
+
+private:
+    QEventLoop loop_;
+    int beats_ = 0;
+    int enough_ = 0;
+};
+
+} // namespace
+
+/// On a busy machine some beats are late, and those do not wait.
+TEST(QtMainLoop, beats_that_can_wait_are_made_up_for_before_the_next_one) {
+    DeferredBeats deferred;
+    deferred.beat(20);
+    ASSERT_TRUE(deferred.hasDone("caught up"));
+    for (std::size_t i = 0; i + 1 < deferred.log.size(); ++i)
+        EXPECT_FALSE(deferred.log[i] == "caught up" && deferred.log[i + 1] != "beat") << i;
+    EXPECT_EQ(deferred.log.front(), "beat");
+    EXPECT_EQ(deferred.log.back(), "beat");
+}
+
+TEST(QtMainLoop, what_waits_is_made_up_for_before_anything_else_happens) {
+    DeferredBeats deferred;
+    deferred.deferrable.isUrgent = [&] {
+        deferred.loop.post([&] { deferred.log.push_back("other"); });
+        return false;
+    };
+    deferred.beat(20);
+    ASSERT_TRUE(deferred.hasDone("caught up"));
+    for (std::size_t i = 0; i < deferred.log.size(); ++i) {
+        if (deferred.log[i] == "caught up") {
+            ASSERT_LT(i + 1, deferred.log.size());
+            EXPECT_EQ(deferred.log[i + 1], "other");
+        }
+    }
+}
+
+TEST(QtMainLoop, an_urgent_beat_does_not_wait) {
+    DeferredBeats deferred;
+    deferred.deferrable.isUrgent = [] { return true; };
+    deferred.beat(10);
+    EXPECT_FALSE(deferred.hasDone("caught up"));
+}
+
+TEST(QtMainLoop, no_beat_waits_beside_a_timer_that_cannot) {
+    DeferredBeats deferred;
+    int plainBeats = 0;
+    const auto plain = deferred.loop.every(shortBeat, [&] { ++plainBeats; });
+    deferred.beat(10);
+    EXPECT_FALSE(deferred.hasDone("caught up"));
+    EXPECT_GE(plainBeats, 9);
+}
+
+TEST(QtMainLoop, whom_catching_up_destroys_gets_no_event) {
+    DeferredBeats deferred;
+    auto receiver = std::make_unique<QObject>();
+    deferred.deferrable.isUrgent = [&] {
+        if (receiver)
+            QCoreApplication::postEvent(receiver.get(), new QEvent(QEvent::User));
+        return false;
+    };
+    const auto catchUp = deferred.deferrable.catchUp;
+    deferred.deferrable.catchUp = [&](int beats) {
+        catchUp(beats);
+        receiver.reset();
+    };
+    deferred.beat(20);
+    EXPECT_FALSE(receiver);
 }
 
 TEST(QtMainLoop, nonsense_for_a_time_does_no_harm) {

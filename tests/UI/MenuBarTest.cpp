@@ -305,4 +305,23 @@ TEST(MenuBarLife, a_menu_that_outlives_the_menu_bar_does_nothing) {
     EXPECT_TRUE(platform.menuBar.makeMenu().empty());
 }
 
+TEST(MenuBarLife, the_title_is_on_time_though_refreshes_wait) {
+    const auto titles = [](bool wait) {
+        FakePlatform platform;
+        Settings settings(*platform.defaults, *platform.mainLoop);
+        Stats stats(*platform.defaults, *platform.mainLoop);
+        BreakController controller(servicesOf(platform), settings, stats);
+        controller.start();
+        platform.loop.beatsWait = wait;
+        const MenuBarController menuBar(platform.menuBar, platform.loop, controller, settings, stats, [] {});
+        QStringList shown;
+        for (int second = 0; second < 1210; ++second) {
+            platform.loop.advance(1);
+            shown.append(platform.menuBar.title);
+        }
+        return shown;
+    };
+    EXPECT_EQ(titles(true), titles(false));
+}
+
 } // namespace pavonel::test

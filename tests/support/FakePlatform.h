@@ -120,6 +120,7 @@ struct FakeAudioDevices final : Limited<AudioDevices> {
 struct FakeApplications final : Limited<Applications> {
     std::vector<Application> applications;
     std::optional<Application> front;
+    bool mayHaveBegun = false; ///< One that no event tells of.
     int runningQueries = 0;
     int frontmostQueries = 0;
 
@@ -127,6 +128,7 @@ struct FakeApplications final : Limited<Applications> {
         ++runningQueries;
         return applications;
     }
+    bool mayRunMore() override { return mayHaveBegun; }
     std::optional<Application> frontmost() override {
         ++frontmostQueries;
         return front;

@@ -94,6 +94,27 @@ TimerHandle VirtualMainLoop::every(Seconds interval, Action action) {
     return add(interval, interval, std::move(action));
 }
 
+TimerHandle VirtualMainLoop::everyDeferrable(Seconds interval, Deferrable deferrable) {
+    if (!beatsWait)
+        return MainLoop::everyDeferrable(interval, std::move(deferrable));
+    struct State {
+        Deferrable timer;
+        int patience = 0;
+        int waiting = 0;
+    };
+    return every(interval, [state = std::make_shared<State>(State{std::move(deferrable)})] {
+        auto &[timer, patience, waiting] = *state;
+        if (waiting < patience && !(timer.isUrgent && timer.isUrgent())) {
+            ++waiting;
+            return;
+        }
+        if (waiting > 0 && timer.catchUp)
+            timer.catchUp(waiting);
+        waiting = 0;
+        patience = timer.action();
+    });
+}
+
 TimerHandle VirtualMainLoop::after(Seconds delay, Action action) {
     return add(delay, 0, std::move(action));
 }

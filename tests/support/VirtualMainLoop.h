@@ -33,9 +33,14 @@ public:
     mutable int clockReads = 0; ///< How often `now` was asked for.
     QTimeZone zone() const override { return zone_; }
     TimerHandle every(Seconds interval, Action action) override;
+    TimerHandle everyDeferrable(Seconds interval, Deferrable deferrable) override;
     TimerHandle after(Seconds delay, Action action) override;
     void post(Action action) override;
     void quit(int status) override { quits.push_back(status); }
+
+    /// Timers made from now on let as many of their beats wait as they say they can; nothing else than the
+    /// next beat makes up for them.
+    bool beatsWait = false;
 
     std::vector<int> quits; ///< The exit statuses with which it was asked to end; it goes on, for the test.
 

@@ -20,9 +20,10 @@ namespace pavonel {
 
 namespace {
 
-// Promised are a second and a minute; the rest is for timers that fire late and disks that are slow.
+// Promised are a second and a minute; the rest is for timers that fire late, beats that wait and disks that
+// are slow.
 constexpr Seconds soonDelay = 0.5;
-constexpr Seconds convenientDelay = 55;
+constexpr Seconds convenientDelay = 51;
 
 constexpr Seconds firstRetryDelay = 5;
 constexpr Seconds longestRetryDelay = 600;

@@ -1,13 +1,13 @@
 #include "Platform/Qt/QtMainLoop.h"
 
-#include <QBasicTimer>
+#include "Platform/Qt/SharedTimer.h"
+
 #include <QCoreApplication>
 #include <QTimer>
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
-#include <vector>
 
 namespace pavonel {
 
@@ -52,53 +52,17 @@ private:
     MainLoop::Action action_;
 };
 
-} // namespace
-
-/// One timer of Qt's for all repeating timers of an interval.
-class QtMainLoop::SharedTimer final : public QObject, public std::enable_shared_from_this<SharedTimer> {
+class Repeating final : public Timer {
 public:
-    explicit SharedTimer(milliseconds interval) {
-        // A beat of seconds may give way a little, so that one wake-up serves several; a short one is motion.
-        const bool isMotion = interval < std::chrono::seconds(1);
-        timer_.start(static_cast<int>(interval.count()), isMotion ? Qt::PreciseTimer : Qt::CoarseTimer, this);
-    }
-
-    void add(const std::shared_ptr<Action> &action) { actions_.push_back(action); }
-    void noteEnd() { hasEnded_ = true; }
-
-protected:
-    /// An action may end any of the timers, begin others, and run a loop within this one; Qt lets no timer
-    /// beat within its own beat.
-    void timerEvent(QTimerEvent *) override {
-        const auto alive = shared_from_this();
-        if (std::exchange(hasEnded_, false))
-            std::erase_if(actions_, [](const auto &action) { return action.expired(); });
-        for (std::size_t i = 0, count = actions_.size(); i < count; ++i) {
-            if (const auto action = actions_[i].lock())
-                (*action)();
-        }
-    }
-
-private:
-    QBasicTimer timer_;
-    std::vector<std::weak_ptr<Action>> actions_;
-    bool hasEnded_ = false; ///< One of them, or more.
-};
-
-namespace {
-
-template <class SharedTimer> class Repeating final : public Timer {
-public:
-    Repeating(std::shared_ptr<SharedTimer> sharedTimer, MainLoop::Action action)
-        : sharedTimer_(std::move(sharedTimer)),
-          action_(std::make_shared<MainLoop::Action>(std::move(action))) {
-        sharedTimer_->add(action_);
+    Repeating(std::shared_ptr<SharedTimer> sharedTimer, SharedTimer::Beat beat)
+        : sharedTimer_(std::move(sharedTimer)), beat_(std::make_shared<SharedTimer::Beat>(std::move(beat))) {
+        sharedTimer_->add(beat_);
     }
     ~Repeating() override { sharedTimer_->noteEnd(); }
 
 private:
     std::shared_ptr<SharedTimer> sharedTimer_;
-    std::shared_ptr<MainLoop::Action> action_;
+    std::shared_ptr<SharedTimer::Beat> beat_;
 };
 
 } // namespace
@@ -115,12 +79,19 @@ QTimeZone QtMainLoop::zone() const {
 }
 
 TimerHandle QtMainLoop::every(Seconds interval, Action action) {
+    return everyDeferrable(interval, {[action = std::move(action)] {
+                               action();
+                               return 0;
+                           }});
+}
+
+TimerHandle QtMainLoop::everyDeferrable(Seconds interval, Deferrable deferrable) {
     const milliseconds beat = std::clamp(rounded(interval), shortest, longest);
     auto &known = sharedTimers_[beat];
     auto sharedTimer = known.lock();
     if (!sharedTimer)
         known = sharedTimer = std::make_shared<SharedTimer>(beat);
-    return std::make_unique<Repeating<SharedTimer>>(std::move(sharedTimer), std::move(action));
+    return std::make_unique<Repeating>(std::move(sharedTimer), std::move(deferrable));
 }
 
 TimerHandle QtMainLoop::after(Seconds delay, Action action) {

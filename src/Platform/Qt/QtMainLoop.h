@@ -8,9 +8,10 @@
 #include <chrono>
 #include <map>
 #include <memory>
-#include <vector>
 
 namespace pavonel {
+
+class SharedTimer;
 
 /// The main loop of the application object.
 class QtMainLoop final : public MainLoop {
@@ -21,13 +22,12 @@ public:
     Instant now() const override;
     QTimeZone zone() const override;
     TimerHandle every(Seconds interval, Action action) override;
+    TimerHandle everyDeferrable(Seconds interval, Deferrable deferrable) override;
     TimerHandle after(Seconds delay, Action action) override;
     void post(Action action) override;
     void quit(int status) override;
 
 private:
-    class SharedTimer;
-
     QObject context_;
     mutable LocalZone zone_;
     std::map<std::chrono::milliseconds, std::weak_ptr<SharedTimer>> sharedTimers_;

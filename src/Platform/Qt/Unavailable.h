@@ -30,6 +30,7 @@ public:
     using Unavailable::Unavailable;
     std::vector<Application> running() override { return {}; }
     std::optional<Application> frontmost() override { return {}; }
+    bool mayRunMore() override { return false; }
 };
 
 class Pointer final : public Unavailable<pavonel::Pointer> {

@@ -27,6 +27,7 @@ public:
 
     std::vector<Application> running() override;
     std::optional<Application> frontmost() override;
+    bool mayRunMore() override { return searches_ > 0 || processes_.mayHaveMore(); }
     QString limitation() const override;
 
 private:

@@ -59,6 +59,10 @@ void ProcessTable::refresh(std::chrono::milliseconds budget) {
         open(budget);
 }
 
+bool ProcessTable::mayHaveMore() {
+    return hasPending_ || isOutdated_ || !recent_.empty() || lastBorn() != newest_;
+}
+
 void ProcessTable::searchUrgent() {
     for (const Known &listed : list()) {
         const ProcessFolder process = folder(listed.id);

@@ -35,6 +35,9 @@ public:
     /// Brings the table up to date. Processes that it cannot open within the budget wait for the next time.
     void refresh(std::chrono::milliseconds budget);
 
+    /// Whether a refresh now could find an application that the last one did not.
+    bool mayHaveMore();
+
     /// Looks for urgent programs among all processes: some turn into one late in their life.
     void searchUrgent();
 

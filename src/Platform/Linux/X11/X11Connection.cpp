@@ -68,8 +68,9 @@ X11Connection::X11Connection(xcb_connection_t *connection, int screenNumber)
     if (auto *dispatcher = QAbstractEventDispatcher::instance())
         beforeSleep_ = QObject::connect(
             dispatcher, &QAbstractEventDispatcher::aboutToBlock, &notifier_, [this, qt = connectionOfQt()] {
-                if (std::exchange(isUsed_, false))
-                    dispatch(xcb_poll_for_queued_event);
+                if (std::exchange(isUsed_, false) && dispatch(xcb_poll_for_queued_event))
+                    QMetaObject::invokeMethod(
+                        &notifier_, [] {}, Qt::QueuedConnection); // something happened
                 if (qt)
                     xcb_flush(qt); // in GLib's event loop it sends only when the server speaks first
             });
@@ -178,11 +179,13 @@ void X11Connection::flush() {
     xcb_flush(connection_);
 }
 
-void X11Connection::dispatch(Poll poll) {
+bool X11Connection::dispatch(Poll poll) {
     if (!isAlive())
-        return;
+        return false;
+    bool any = false;
     const auto self = shared_from_this(); // a listener may let go of us
     while (const XReply<xcb_generic_event_t> event{poll(connection_)}) {
+        any = true;
         if (event->response_type == 0)
             continue; // an error: some window went away under our hands
         // A listener may end its own subscription, or another one, while it is called.
@@ -195,6 +198,7 @@ void X11Connection::dispatch(Poll poll) {
     xcb_flush(connection_);
     if (xcb_connection_has_error(connection_))
         notifier_.setEnabled(false);
+    return any;
 }
 
 } // namespace pavonel

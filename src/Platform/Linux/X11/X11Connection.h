@@ -105,7 +105,7 @@ private:
     X11Connection(xcb_connection_t *connection, int screenNumber);
 
     using Poll = xcb_generic_event_t *(*)(xcb_connection_t *);
-    void dispatch(Poll poll);
+    bool dispatch(Poll poll); ///< Whether there was anything.
     void select(xcb_window_t window);
 
     struct WatchedWindow {
