@@ -141,6 +141,23 @@ TEST_F(LinuxApplicationsTest, a_remote_desktop_counts_only_while_somebody_looks)
     EXPECT_TRUE(waitUntil([&] { return !isRunning(sharing); }));
 }
 
+TEST_F(LinuxApplicationsTest, there_may_be_more_as_long_as_a_remote_desktop_waits_for_viewers) {
+    FakeProcesses processes;
+    processes.add(10, QStringLiteral("/usr/bin/krfb"));
+    processes.tellLast(10);
+    LinuxApplications applications(nullptr, nullptr, {.processes = processes.root(), .desktopFiles = {}},
+                                   loop);
+    const auto ask = [&](int times) {
+        for (int time = 0; time < times; ++time)
+            (void)applications.running();
+    };
+    ask(20);
+    EXPECT_TRUE(applications.mayRunMore());
+    processes.remove(10);
+    ask(20);
+    EXPECT_FALSE(applications.mayRunMore());
+}
+
 TEST_F(LinuxApplicationsTest, a_remote_desktop_whose_viewers_cannot_be_told_does_not_count) {
     FakeProcesses processes;
     processes.add(10, QStringLiteral("/usr/bin/krfb"));

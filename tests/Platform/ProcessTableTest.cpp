@@ -257,6 +257,14 @@ TEST_F(NumberedProcesses, new_rules_apply_to_those_born_since_the_walk_as_well) 
     EXPECT_EQ(running(), (QStringList{QStringLiteral("new"), QStringLiteral("old")}));
 }
 
+TEST(ProcessTable, there_may_always_be_more_where_the_kernel_tells_no_number) {
+    const FakeProcesses processes;
+    ProcessTable table(processes.root(), baseName, nobody);
+    for (int time = 0; time < 20; ++time)
+        table.refresh(noHurry);
+    EXPECT_TRUE(table.mayHaveMore());
+}
+
 TEST_F(NumberedProcesses, there_may_be_more_from_a_birth_until_the_newborn_has_grown_up) {
     refresh(20);
     EXPECT_FALSE(table.mayHaveMore());

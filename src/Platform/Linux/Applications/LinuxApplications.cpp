@@ -59,7 +59,8 @@ std::vector<Application> LinuxApplications::running() {
     const auto isServer = [](const Application &application) {
         return application.bundleIdentifier == recorders::screenSharing();
     };
-    if (std::any_of(applications.begin(), applications.end(), isServer) && !isSharing())
+    isServed_ = std::any_of(applications.begin(), applications.end(), isServer);
+    if (isServed_ && !isSharing())
         std::erase_if(applications, isServer);
     if (casts_ && casts_->anyLive())
         applications.push_back({0, recorders::screenRecording()});

@@ -27,7 +27,7 @@ public:
 
     std::vector<Application> running() override;
     std::optional<Application> frontmost() override;
-    bool mayRunMore() override { return searches_ > 0 || processes_.mayHaveMore(); }
+    bool mayRunMore() override { return isServed_ || searches_ > 0 || processes_.mayHaveMore(); }
     QString limitation() const override;
 
 private:
@@ -43,6 +43,7 @@ private:
     ProgramStarts recorderStarts_;
     int searches_ = 0; ///< For recorders, that are still to come.
     RemoteViewers viewers_;
+    bool isServed_ = false; ///< Something runs that viewers can connect to, and nobody tells when they do.
 
     FrontWindow knownWindow_;
     QString knownIdentifier_;

@@ -60,7 +60,12 @@ void ProcessTable::refresh(std::chrono::milliseconds budget) {
 }
 
 bool ProcessTable::mayHaveMore() {
-    return hasPending_ || isOutdated_ || !recent_.empty() || lastBorn() != newest_;
+    if (root_ < 0)
+        return false;
+    if (hasPending_ || isOutdated_ || !recent_.empty())
+        return true;
+    const ProcessId last = lastBorn();
+    return last != newest_ || last == 0;
 }
 
 void ProcessTable::searchUrgent() {
