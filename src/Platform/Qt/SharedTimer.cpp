@@ -35,7 +35,7 @@ bool SharedTimer::eventFilter(QObject *watched, QEvent *) {
 /// An action may end any of the timers, begin others, and run a loop within this one; Qt lets no timer beat
 /// within its own beat.
 void SharedTimer::timerEvent(QTimerEvent *) {
-    const Instant now = std::chrono::system_clock::now();
+    const WallTime now = std::chrono::system_clock::now();
     const bool waits = canWait(now);
     last_ = now;
     if (waits) {
@@ -48,7 +48,7 @@ void SharedTimer::timerEvent(QTimerEvent *) {
 }
 
 /// Whoever compares with the wall clock has to see at once that it was set.
-bool SharedTimer::canWait(Instant now) const {
+bool SharedTimer::canWait(WallTime now) const {
     if (waiting_ >= patience_ || std::chrono::abs(now - last_ - interval_) > interval_ / 2)
         return false;
     return std::none_of(beats_.begin(), beats_.end(), [](const auto &known) {

@@ -33,9 +33,9 @@ protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
-    using Instant = std::chrono::system_clock::time_point;
+    using WallTime = std::chrono::system_clock::time_point;
 
-    bool canWait(Instant now) const;
+    bool canWait(WallTime now) const;
     void catchUp();
     void run();
     template <class Use> void forEach(Use use);
@@ -47,7 +47,7 @@ private:
     bool isFilter_ = false; ///< Of the application's events.
     int patience_ = 0;      ///< How many beats can wait after the last one that ran.
     int waiting_ = 0;
-    Instant last_; ///< When the last beat came, whether it ran or waits.
+    WallTime last_; ///< When the last beat came, whether it ran or waits.
 };
 
 } // namespace pavonel
