@@ -6,6 +6,7 @@
 #include <QRegularExpression>
 
 #include <csignal>
+#include <optional>
 
 namespace pavonel::test {
 
@@ -123,6 +124,29 @@ TEST_F(StatusTest, whoever_follows_gets_a_line_at_each_change_and_the_end) {
     ASSERT_TRUE(follower.waitForLines(3));
     EXPECT_EQ(follower.read.split('\n').value(2), "{\"running\":false}");
     EXPECT_EQ(follower.process.process().exitCode(), 3);
+}
+
+/// Nothing is held for what others share, so that the births of their processes do not keep seconds from
+/// waiting.
+TEST_F(StatusTest, a_break_comes_when_all_its_seconds_are_counted_though_they_waited) {
+    start(R"({"didOnboard": true, "pauseOnScreenSharing": false,
+              "microInterval": 14, "preNotifySeconds": 3, "microDuration": 600})");
+    Follower follower(program.environment());
+    const auto told = [&](const char *phase) -> std::optional<QJsonObject> {
+        for (int i = 0; i < follower.read.count('\n'); ++i) {
+            if (follower.line(i).value(u"phase") == QLatin1String(phase))
+                return follower.line(i);
+        }
+        return {};
+    };
+    const auto screenSeconds = [](const QJsonObject &status) {
+        return status.value(u"today").toObject().value(u"screenSeconds").toInt();
+    };
+    for (int lines = 1; !told("breaking"); ++lines)
+        ASSERT_TRUE(follower.waitForLines(lines));
+    ASSERT_TRUE(told("headsUp"));
+    EXPECT_GE(screenSeconds(*told("headsUp")), 11);
+    EXPECT_EQ(screenSeconds(*told("breaking")), 14);
 }
 
 TEST_F(StatusTest, a_follower_ends_when_nobody_reads_though_nothing_changes) {

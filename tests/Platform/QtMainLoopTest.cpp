@@ -10,6 +10,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -167,6 +168,7 @@ class DeferredBeats {
 public:
     QtMainLoop loop;
     std::vector<QByteArray> log;
+    int mostWaited = 0;
     MainLoop::Deferrable deferrable{.action =
                                         [this] {
                                             log.push_back("beat");
@@ -179,6 +181,7 @@ public:
                                             EXPECT_GT(beats, 0);
                                             EXPECT_LE(beats, SharedTimer::mostWaiting);
                                             log.push_back("caught up");
+                                            mostWaited = std::max(mostWaited, beats);
                                         }};
 
     void beat(int times) {
@@ -228,6 +231,17 @@ TEST(QtMainLoop, an_urgent_beat_does_not_wait) {
     deferred.deferrable.isUrgent = [] { return true; };
     deferred.beat(10);
     EXPECT_FALSE(deferred.hasDone("caught up"));
+}
+
+/// As it is when the clock was set, or the machine slept.
+TEST(QtMainLoop, a_beat_does_not_wait_when_the_clock_has_moved_by_more_than_one) {
+    DeferredBeats deferred;
+    deferred.deferrable.isUrgent = [] {
+        std::this_thread::sleep_for(std::chrono::duration<Seconds>(2 * shortBeat));
+        return false;
+    };
+    deferred.beat(10);
+    EXPECT_EQ(deferred.mostWaited, 1);
 }
 
 TEST(QtMainLoop, no_beat_waits_beside_a_timer_that_cannot) {
