@@ -229,6 +229,13 @@ class Program:
     def is_running(self):
         return self.process is not None and self.process.poll() is None
 
+    def pages_read(self):
+        """How often it had to wait for memory from the disk since its start; 0 while it does not run."""
+        try:
+            return int(pathlib.Path(f"/proc/{self.process.pid}/stat").read_text().rpartition(")")[2].split()[9])
+        except (AttributeError, OSError):
+            return 0
+
     def end(self, how=signal.SIGTERM):
         """Its exit status; none when it does not end."""
         self.process.send_signal(how)

@@ -127,7 +127,7 @@ class Watch(threading.Thread):
         try:
             if self.connection is None or self.connection.is_closed():
                 self.connection = self.bus.connection()
-            was_calm, stopwatch = self.is_calm, Stopwatch()
+            was_calm, read_before, stopwatch = self.is_calm, self.program.pages_read(), Stopwatch()
             answer = self.connection.call_sync(NAME, PATH, "org.freedesktop.DBus.Properties", "GetAll",
                                                GLib.Variant("(s)", (STATUS,)), None, NO_START, 60_000, None)
             took, was_idle = stopwatch.read()
@@ -137,7 +137,9 @@ class Watch(threading.Thread):
             self.answers += 1
             self.slowest = max(self.slowest, took)
             if took > self.stall:
-                self.complain(f"the main loop stood still for {took * 1000:.0f} ms on an idle machine")
+                read = self.program.pages_read() - read_before
+                self.complain(f"the main loop stood still for {took * 1000:.0f} ms on an idle machine"
+                              f" (of it for memory from the disk: {read} times)")
         return answer.unpack()[0]
 
     def count(self, status):
