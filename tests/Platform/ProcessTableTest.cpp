@@ -265,6 +265,18 @@ TEST(ProcessTable, there_may_always_be_more_where_the_kernel_tells_no_number) {
     EXPECT_TRUE(table.mayHaveMore());
 }
 
+TEST_F(NumberedProcesses, what_no_number_told_of_is_found_in_time_though_refreshes_wait) {
+    refresh(20);
+    processes.add(5, QStringLiteral("/usr/bin/hidden"));
+    int looks = 0;
+    while (!table.mayHaveMore() && looks < 1000)
+        ++looks;
+    EXPECT_GT(looks, 500);
+    EXPECT_LT(looks, 600);
+    refresh();
+    EXPECT_TRUE(running().contains(QStringLiteral("hidden")));
+}
+
 TEST_F(NumberedProcesses, there_may_be_more_from_a_birth_until_the_newborn_has_grown_up) {
     refresh(20);
     EXPECT_FALSE(table.mayHaveMore());

@@ -19,8 +19,9 @@ namespace {
 
 /// In refreshes, one a second: slow starters are what they will be by then.
 constexpr unsigned grownUp = 8;
-constexpr int refreshesBetweenWalks =
-    600;                               // some systems show a container another row of numbers than its own
+/// Refreshes, and questions whether one is needed; some systems show a container another row of numbers than
+/// its own.
+constexpr int looksBetweenWalks = 600;
 constexpr ProcessId longestLeap = 512; // trying more numbers costs more than reading the folder
 
 /// A number is given a moment before its process shows.
@@ -62,7 +63,8 @@ void ProcessTable::refresh(std::chrono::milliseconds budget) {
 bool ProcessTable::mayHaveMore() {
     if (root_ < 0)
         return false;
-    if (hasPending_ || isOutdated_ || !recent_.empty())
+    const bool isWalkDue = ++looksSinceWalk_ >= looksBetweenWalks;
+    if (isWalkDue || hasPending_ || isOutdated_ || !recent_.empty())
         return true;
     const ProcessId last = lastBorn();
     return last != newest_ || last == 0;
@@ -146,14 +148,14 @@ ProcessId ProcessTable::lastBorn() {
 
 bool ProcessTable::mustWalk(ProcessId last) const {
     const bool inRow = last > 0 && last >= newest_ && last - met_ <= longestLeap;
-    return !inRow || isOutdated_ || refreshesSinceWalk_ >= refreshesBetweenWalks;
+    return !inRow || isOutdated_ || looksSinceWalk_ >= looksBetweenWalks;
 }
 
 void ProcessTable::walk(ProcessId last) {
     merge(list());
     newest_ = last;
     met_ = std::max(last - perhapsNotShown, 0);
-    refreshesSinceWalk_ = 0;
+    looksSinceWalk_ = 0;
     isOutdated_ = false;
     hasPending_ = true;
     ++walks_;
@@ -195,7 +197,7 @@ void ProcessTable::merge(std::vector<Known> listed) {
 }
 
 void ProcessTable::meetNewborn(ProcessId last) {
-    ++refreshesSinceWalk_;
+    ++looksSinceWalk_;
     for (ProcessId id = met_ + 1; id <= last; ++id) {
         if (!recent_.contains(id))
             meet(id);

@@ -92,7 +92,7 @@ private:
     IsUrgent isUrgent_;
     ProcessId newest_ = 0; ///< The last number given, when we looked.
     ProcessId met_ = 0;    ///< Numbers up to this one will not be tried any more.
-    int refreshesSinceWalk_ = 0;
+    int looksSinceWalk_ = 0;
     bool isOutdated_ = true;
     bool hasPending_ = false;
     std::vector<Known> known_; ///< What the last walk found, in the order of the numbers.

@@ -70,7 +70,7 @@ X11Connection::X11Connection(xcb_connection_t *connection, int screenNumber)
             dispatcher, &QAbstractEventDispatcher::aboutToBlock, &notifier_, [this, qt = connectionOfQt()] {
                 if (std::exchange(isUsed_, false) && dispatch(xcb_poll_for_queued_event))
                     QMetaObject::invokeMethod(
-                        &notifier_, [] {}, Qt::QueuedConnection); // something happened
+                        &notifier_, [] {}, Qt::QueuedConnection); // no beat waits after that
                 if (qt)
                     xcb_flush(qt); // in GLib's event loop it sends only when the server speaks first
             });
