@@ -9,7 +9,7 @@ namespace pavonel {
 Status statusOf(const BreakController &controller, const Stats &stats, const MainLoop &loop);
 
 /// The scheduler as other programs see it and command it, who may do what the menu lets the user do. Looks
-/// once a second whether there is anything to tell them.
+/// within a second of anything that happens whether there is something to tell them.
 class BreakRemoteControl final : public RemoteControl {
 public:
     /// Everything given must outlive this.
