@@ -171,7 +171,8 @@ class Clock:
         if self.can_change:
             self.set(0)
             self.environment = {"LD_PRELOAD": str(FAKE_TIME), "FAKETIME_TIMESTAMP_FILE": str(self.file),
-                                "FAKETIME_CACHE_DURATION": "1", "FAKETIME_DONT_FAKE_MONOTONIC": "1"}
+                                "FAKETIME_CACHE_DURATION": "1", "FAKETIME_DONT_FAKE_MONOTONIC": "1",
+                                "NO_FAKE_STAT": "1"}  # files do not age with the clock; fontconfig would read all fonts anew
         # A link in a folder of our own, where the system lets us put one in the place of /etc.
         copy = pathlib.Path(os.environ["HOME"]) / "etc"
         self.can_change_zone = may_mount and run("cp", "-a", "/etc", copy) and run("mount", "--bind", copy, "/etc")
