@@ -1,9 +1,11 @@
 #include "Platform/Linux/X11/X11Connection.h"
 
+#include "Platform/Qt/QtMainLoop.h"
 #include "X11/server.h"
 #include "support/files.h"
 #include "support/waitUntil.h"
 
+#include <QEventLoop>
 #include <QGuiApplication>
 #include <QLocalServer>
 #include <QTemporaryDir>
@@ -26,6 +28,11 @@ xcb_window_t makeWindow(X11Connection &x) {
 void sync(X11Connection &x) {
     const XReply<xcb_get_input_focus_reply_t> answer(
         xcb_get_input_focus_reply(x.xcb(), xcb_get_input_focus(x.xcb()), nullptr));
+}
+
+void mark(X11Connection &x, xcb_window_t window) {
+    xcb_change_property(x.xcb(), XCB_PROP_MODE_REPLACE, window, x.atom("PAVONEL_MARK"), XCB_ATOM_CARDINAL, 32,
+                        0, nullptr);
 }
 
 } // namespace
@@ -115,11 +122,43 @@ TEST(X11Connection, events_read_along_with_a_reply_reach_the_listeners) {
     });
     const xcb_window_t window = makeWindow(*x);
     const auto watch = x->watch(window, XCB_EVENT_MASK_PROPERTY_CHANGE);
-    xcb_change_property(x->xcb(), XCB_PROP_MODE_REPLACE, window, x->atom("PAVONEL_A"), XCB_ATOM_CARDINAL, 32,
-                        0, nullptr);
+    mark(*x, window);
     sync(*x); // reads the event too
 
     EXPECT_TRUE(waitUntil([&] { return properties == 1; }));
+}
+
+/// Whoever listens may have changed what the beats are about.
+TEST(X11Connection, no_beat_waits_after_events_read_along_with_a_reply) {
+    const auto x = X11Connection::open(server().display());
+    const xcb_window_t window = makeWindow(*x);
+    const auto watch = x->watch(window, XCB_EVENT_MASK_PROPERTY_CHANGE);
+    sync(*x);
+    QtMainLoop loop;
+    QEventLoop running;
+    int beats = 0;
+    int waited = 0;
+    const auto markAtEachBeat = [&] {
+        mark(*x, window);
+        sync(*x);
+        if (++beats == 20)
+            running.quit();
+        return 100;
+    };
+    const auto timer = loop.everyDeferrable(0.05, {markAtEachBeat, [&](int times) { waited += times; }});
+    running.exec();
+    EXPECT_EQ(waited, 0);
+}
+
+TEST(X11Connection, what_was_asked_for_leaves_before_the_loop_sleeps) {
+    const auto x = X11Connection::open(server().display());
+    const auto onlooker = X11Connection::open(server().display());
+    const xcb_window_t window = makeWindow(*x);
+    const std::uint32_t number = 7;
+    x->atom("PAVONEL_NUMBER"); // asked for now, so that no reply to it sends the rest
+    xcb_change_property(x->xcb(), XCB_PROP_MODE_REPLACE, window, x->atom("PAVONEL_NUMBER"), XCB_ATOM_CARDINAL,
+                        32, 1, &number);
+    EXPECT_TRUE(waitUntil([&] { return onlooker->number(window, "PAVONEL_NUMBER") == number; }));
 }
 
 TEST(X11Connection, watches_of_one_window_add_up_and_end_one_by_one) {
