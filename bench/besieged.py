@@ -189,10 +189,20 @@ class Clock:
 
 
 class Screens:
-    """As monitors of one X server, side by side with gaps."""
+    """As monitors of one X server, side by side with gaps, all of one scale."""
 
     def __init__(self):
         self.names = []
+        self.settings = pathlib.Path(os.environ["HOME"]) / "xsettings"
+        self.manager = Server("xsettingsd", "--config", self.settings)
+
+    def start(self):
+        self.scale(96)
+        self.manager.start()
+        holds_soon(self.takes_changes)
+
+    def end(self):
+        self.manager.end()
 
     def set(self, sizes):
         for name in self.names:
@@ -202,11 +212,18 @@ class Screens:
             run("xrandr", "--setmonitor", name, f"{width}/500x{height}/280+{i * WIDTH + left}+{top}",
                 "none" if i else "screen")
 
-    @staticmethod
-    def scale(dots_per_inch):
-        """For screens that come after it."""
-        subprocess.run(["xrdb", "-merge"], input=f"Xft.dpi: {dots_per_inch}\n", text=True, stdout=subprocess.DEVNULL,
-                       stderr=subprocess.DEVNULL)
+    def scale(self, dots_per_inch):
+        """As a desktop tells the programs that run, https://www.freedesktop.org/wiki/Specifications/XSettingsRegistry/."""
+        new = self.settings.with_suffix(".new")
+        new.write_text(f"Xft/DPI {dots_per_inch * 1024}\n")
+        new.rename(self.settings)
+        if self.manager.process:
+            self.manager.process.send_signal(signal.SIGHUP)
+
+    def takes_changes(self):
+        """Before it does, the signal would end it."""
+        status = pathlib.Path(f"/proc/{self.manager.process.pid}/status").read_text()
+        return int(status.split("SigCgt:")[1].split()[0], 16) >> (signal.SIGHUP - 1) & 1
 
 
 class Program:

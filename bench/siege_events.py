@@ -6,7 +6,7 @@ import time
 
 from gi.repository import GLib
 
-from besieged import HEIGHT, NAME, NO_START, PATH, TIMEOUT, STATUS, WIDTH, Server, holds_soon, run
+from besieged import HEIGHT, NAME, NO_START, PATH, SCREENS, STATUS, TIMEOUT, WIDTH, Server, holds_soon, run
 
 DBUSMENU, ITEM = "com.canonical.dbusmenu", "org.kde.StatusNotifierItem"
 PROPERTIES, APPLICATION = "org.freedesktop.DBus.Properties", "org.freedesktop.Application"
@@ -21,6 +21,8 @@ DAY = 86400
 # After these there is another Pavonel. They come in one round of many, so that each lives for minutes and can grow.
 RENEWING = {"befall_session_bus", "befall_short_memory", "befall_kill", "befall_kill_on_full_disk", "befall_end"}
 ROUNDS_OF_A_LIFE = 7
+SCALES = (96, 144, 192)  # dots per inch
+PAGES = 8  # of the settings
 
 
 def any_value(random, depth=0):
@@ -65,6 +67,7 @@ class Events:
         self.pipewire_manager = Server("wireplumber")
         self.manager = Server("xfwm4", "--replace", "--compositor=on")
         self.coming, self.rounds = [], 0
+        self.has_met_everything = False
 
     def names(self):
         left_out = set() if self.siege.disk.is_small else {"befall_full_disk", "befall_kill_on_full_disk"}
@@ -80,7 +83,12 @@ class Events:
             names = self.names()
             self.coming = self.random.sample(names, len(names))
             self.rounds += 1
+        if self.rounds % ROUNDS_OF_A_LIFE != 1 and not self.has_met_everything:
+            return "meet_everything"
         return self.coming.pop()
+
+    def begin_life(self):
+        self.has_met_everything = False
 
     def leave(self):
         for server in (self.tray, self.sound, self.pipewire_manager, self.pipewire, self.manager):
@@ -93,10 +101,25 @@ class Events:
     def how(self):
         return self.random.choice((signal.SIGTERM, signal.SIGKILL))
 
+    def meet_everything(self):
+        """A break and every page of the settings at each scale: what takes memory once has it then."""
+        self.siege.screens.set([(WIDTH, HEIGHT, 0, 0)] * SCREENS)
+        for scale in SCALES:
+            self.siege.screens.scale(scale)
+            self.siege.command("TakeLongBreak")
+            self.wait(1, 2)
+            self.siege.command("Skip")
+            self.open_settings()
+            run("xdotool", "search", "--sync", "--onlyvisible", "--name", "^Pavonel$", "windowfocus", "--sync")
+            time.sleep(1)  # until the break that was skipped has gone, and gives the keyboard back
+            run("xdotool", "key", "--delay", "100", "Tab", "shift+Tab", *["Up"] * PAGES, *["Down"] * PAGES, "Escape")
+        self.has_met_everything = True
+        self.siege.watch.sample_anew()
+
     def befall_screens(self):
         sizes = [(self.random.choice((WIDTH, 1024, 801)), self.random.choice((HEIGHT, 600)), self.random.randrange(200), 0)
                  for _ in range(self.random.randrange(1, 4))]
-        self.siege.screens.scale(self.random.choice((96, 144, 192)))
+        self.siege.screens.scale(self.random.choice(SCALES))
         self.siege.screens.set(sizes)
 
     def befall_compositor(self):
@@ -202,11 +225,15 @@ class Events:
     def befall_end(self):
         self.siege.renew(signal.SIGTERM)
 
-    def befall_second_start(self):
+    def open_settings(self):
+        """A second start does."""
         if (status := self.siege.program.start_again()) != 0:
             self.siege.complain(f"a second start ended with {status}")
         self.siege.watch.check_number()
         self.wait(0, 1)
+
+    def befall_second_start(self):
+        self.open_settings()
         run("xdotool", "key", "Down", "alt+F4")
 
     def befall_storm_of_calls(self):

@@ -13,7 +13,7 @@ from endurance import costs, growth
 LOOKS = 0.2  # seconds between two
 LATE = 2     # seconds that a break may last longer than it is long
 FADE = 2     # and its windows longer than that
-LIVED_LONG = 300  # seconds; growth shows only then
+WATCHED_LONG = 300  # seconds; growth shows only then
 CONNECTIONS = 11  # open files of those to the sound server (3) and to PipeWire (8), which may both be gone for a while
 COUNTED = ("micro", "long", "skipped", "breakSeconds", "screenSeconds")
 UNWRITTEN = {"screenSeconds": 60 + LATE, "breakSeconds": LONG + LATE}  # how much of them the store may lack
@@ -80,7 +80,8 @@ class Watch(threading.Thread):
         self.slowest, self.answers, self.breaks = 0.0, 0, set()
         self.latest = None  # break: the gap before the next may pass unseen on a busy machine
         self.running, self.covered, self.uncalled, self.told = Span(), Span(), Span(), set()
-        self.last, self.counted, self.samples = {}, dict.fromkeys(COUNTED, 0), []
+        self.last, self.counted = {}, dict.fromkeys(COUNTED, 0)
+        self.sample_anew()
         self.same_day_from = 0.0
         self.recently = collections.deque()  # with the time: what had been counted at each look of the last seconds
 
@@ -192,11 +193,16 @@ class Watch(threading.Thread):
         if self.last and not overlays() and self.program.is_running():
             self.samples.append(costs(self.program.process.pid))
 
+    def sample_anew(self):
+        """When everything has happened once in a life: what is taken from then on is growth."""
+        self.samples, self.sampled_from = [], time.monotonic()
+
     def check_growth(self):
-        """What was there at all times, late in a life against earlier, when everything had happened once."""
-        lived, samples, self.samples = time.monotonic() - self.program.started_at, self.samples, []
-        if lived < LIVED_LONG or len(samples) < 9:
+        """What was there at all times, late in a life against earlier."""
+        watched, samples = time.monotonic() - self.sampled_from, self.samples
+        self.sample_anew()
+        if watched < WATCHED_LONG or len(samples) < 9:
             return
         for what, early, late, is_too_much in growth(samples, self.program.is_sanitized, CONNECTIONS):
             if is_too_much:
-                self.complain(f"{what} grew from {early} to {late} in {lived:.0f} s")
+                self.complain(f"{what} grew from {early} to {late} in {watched:.0f} s")
