@@ -11,6 +11,7 @@ import urllib.error
 import urllib.request
 
 TIMEOUT = 120  # seconds; for a busy machine
+ATTEMPTS = 20
 PORTRAIT, LANDSCAPE = (390, 844), (844, 390)
 
 
@@ -24,12 +25,23 @@ def wait_until(condition, what):
     return value
 
 
+def start_driver():
+    """With the port that it chose: one that is free by IPv6; it ends at once when somebody has the same by IPv4."""
+    for _ in range(ATTEMPTS):
+        driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE, text=True)
+        for line in driver.stdout:
+            if found := re.search(r"success.* port (\d+)", line):
+                return driver, found[1]
+        driver.wait()
+        driver.stdout.close()
+    raise AssertionError(f"chromedriver did not start, {ATTEMPTS} times")
+
+
 class Browser:
     def __init__(self):
         self.folder = tempfile.mkdtemp(prefix="pavonel-phone.")
-        self.driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE, text=True)
-        line = next(line for line in self.driver.stdout if "port " in line and "success" in line)
-        self.base = "http://127.0.0.1:" + re.search(r"port (\d+)", line)[1]
+        self.driver, port = start_driver()
+        self.base = f"http://127.0.0.1:{port}"
         options = ["--headless=new", "--disable-gpu", "--hide-scrollbars", f"--user-data-dir={self.folder}",
                    "--no-first-run", "--disable-background-networking", "--disable-component-update", "--lang=en"]
         if os.geteuid() == 0:
