@@ -210,7 +210,7 @@ class Events:
     def befall_full_disk(self):
         self.fill_disk()
         self.siege.disk.free()
-        if not holds_soon(lambda: self.siege.watch.missing() == {}):
+        if not holds_soon(self.siege.watch.is_everything_stored):
             self.siege.complain("what was counted while the disk was full is not stored when it has room")
 
     def befall_kill_on_full_disk(self):

@@ -162,11 +162,22 @@ class Watch(threading.Thread):
     def missing(self):
         """Of what should be in the store: what it lacks and how much. None when the store is damaged."""
         with self.guard:
-            stored = self.program.stored()
             is_due = self.recently and self.recently[0][0] < time.monotonic() - WRITTEN_AFTER
-            due = self.recently[0][1] if is_due else {}
-            lacks = {what: amount - stored.get(what, 0) for what, amount in due.items()} if stored is not None else {}
-            return None if stored is None else {what: lack for what, lack in lacks.items() if lack > UNWRITTEN.get(what, 0)}
+            return self.lacks(self.recently[0][1] if is_due else {})
+
+    def lacks(self, due):
+        if (stored := self.program.stored()) is None:
+            return None
+        lacks = {what: amount - stored.get(what, 0) for what, amount in due.items()}
+        return {what: lack for what, lack in lacks.items() if lack > UNWRITTEN.get(what, 0)}
+
+    def is_everything_stored(self):
+        """Whatever it says now that it has counted, however new."""
+        if not (status := self.status()):
+            return False
+        self.count(status)
+        with self.guard:
+            return self.lacks(self.counted) == {}
 
     def check_store(self):
         """That nothing is missing but screen time that was not due to be written."""
