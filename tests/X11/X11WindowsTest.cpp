@@ -237,20 +237,27 @@ TEST_F(X11WindowsTest, windows_that_only_a_list_claims_are_not_on_the_screen) {
     const auto x = X11Connection::open(server().display());
     std::vector<std::uint32_t> claimed(60'000);
     std::iota(claimed.begin(), claimed.end(), 0x700000);
+    // Late after the opening of the window the manager may still write what is true over a claim.
     const auto claim = [&](const char *list) {
+        const auto listed = x->numbers(x->root(), list);
+        if (!listed.empty() && listed.front() == claimed.front())
+            return;
         xcb_change_property(other->xcb(), XCB_PROP_MODE_REPLACE, other->root(), other->atom(list),
                             XCB_ATOM_WINDOW, 32, static_cast<std::uint32_t>(claimed.size()), claimed.data());
         xcb_flush(other->xcb());
-        ASSERT_TRUE(waitUntil([&] {
-            const auto listed = x->numbers(x->root(), list);
-            return !listed.empty() && listed.front() == claimed.front();
-        }));
-        waitUntil([&] { return windows->onScreen().size() != 1; }, 500);
     };
-    claim("_NET_CLIENT_LIST_STACKING");
+    waitUntil(
+        [&] {
+            claim("_NET_CLIENT_LIST_STACKING");
+            return windows->onScreen().size() != 1;
+        },
+        500);
     EXPECT_EQ(windows->onScreen().size(), 1U) << "the other list still names the true one";
-    claim("_NET_CLIENT_LIST");
-    EXPECT_TRUE(waitUntil([&] { return windows->onScreen().empty(); }));
+    EXPECT_TRUE(waitUntil([&] {
+        claim("_NET_CLIENT_LIST_STACKING");
+        claim("_NET_CLIENT_LIST");
+        return windows->onScreen().empty();
+    }));
 }
 
 TEST_F(X11WindowsTest, a_machine_that_is_renamed_keeps_its_windows_and_gets_new_ones) {
