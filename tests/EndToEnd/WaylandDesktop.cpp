@@ -13,10 +13,12 @@ WaylandDesktop::~WaylandDesktop() {
     stopProgram();
 }
 
-/// To its very edges.
+/// To its very edges, by a gradient: an output that was just attached is of one colour before its background
+/// is drawn.
 bool WaylandDesktop::isCovered(const QImage &picture, const QRect &part) {
     return picture.rect().contains(part) && !shows(picture, part, Compositor::background()) &&
-           !shows(picture, part, OtherWindow::colour());
+           !shows(picture, part, OtherWindow::colour()) &&
+           picture.pixel(part.topLeft()) != picture.pixel(part.bottomRight());
 }
 
 bool WaylandDesktop::waitForBreak(int outputs) {
